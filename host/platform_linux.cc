@@ -1,0 +1,81 @@
+// The Linux port: the log goes to standard error, a file reference is a path or a file URL.
+#include <unistd.h>
+
+#include <string>
+#include <string_view>
+
+#include "host/entry_points.h"
+#include "host/log.h"
+#include "host/platform.h"
+#include "host/ref.h"
+#include "host/text_reader.h"
+
+namespace zqv::host {
+namespace {
+
+constexpr double kHasNativePath = 2013.0;
+
+std::string PropertyText(abi::REALobject object, const char* property) {
+  abi::REALstring value = nullptr;
+  if (entry::REALGetPropValueString(object, property, &value) == 0) return {};
+  const auto text = StringRef::Adopt(value);
+  return std::string(rbText(text.get()).Utf8());
+}
+
+int HexDigit(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
+}
+
+// RFC 3986, section 2.1; empty when an escape is broken.
+std::string DecodePercentEscapes(std::string_view text) {
+  std::string decoded;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '%') {
+      decoded += text[i];
+      continue;
+    }
+    const int high = i + 2 < text.size() ? HexDigit(text[i + 1]) : -1;
+    const int low = i + 2 < text.size() ? HexDigit(text[i + 2]) : -1;
+    if (high < 0 || low < 0) return {};
+    decoded += static_cast<char>(high * 16 + low);
+    i += 2;
+  }
+  return decoded;
+}
+
+// The path of a file URL (RFC 8089): no host name, or "localhost". Empty for anything else.
+std::string PathOfFileUrl(std::string_view url) {
+  constexpr std::string_view kScheme = "file://";
+  constexpr std::string_view kLocalHost = "localhost";
+  if (url.substr(0, kScheme.size()) != kScheme) return {};
+  url.remove_prefix(kScheme.size());
+  if (url.substr(0, kLocalHost.size()) == kLocalHost) url.remove_prefix(kLocalHost.size());
+  return url.empty() || url.front() != '/' ? std::string() : DecodePercentEscapes(url);
+}
+
+}  // namespace
+
+void WriteLogLine(const char* text) {
+  const std::string line = std::string(text) + '\n';
+  // One write a line, so that lines of several processes do not mix. A log that cannot be written
+  // is not worth a failure.
+  if (::write(STDERR_FILENO, line.data(), line.size()) < 0) return;
+}
+
+std::string FilePath(abi::REALobject file) {
+  std::string path;
+  if (HostVersion() >= kHasNativePath) {
+    path = PropertyText(file, "NativePath");
+    if (DebuggingEnabled) LogMessageX("native path: %s", path.c_str());
+  } else {
+    const std::string url = PropertyText(file, "URLPath");
+    if (DebuggingEnabled) LogMessageX("url path: %s", url.c_str());
+    path = PathOfFileUrl(url);
+  }
+  // A NUL would cut the path and name another file.
+  return path.find('\0') == std::string::npos ? path : std::string();
+}
+
+}  // namespace zqv::host

@@ -1,0 +1,152 @@
+// The macOS port: the log goes to the system log, a file reference becomes a path through the
+// platform's URLs in normalisation form D, and a host string becomes a CoreFoundation string.
+//
+// On a Mac the platform's own headers are used. Elsewhere, when cross-building against a folder
+// that has only link stubs, the few declarations that are needed stand below.
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "abi/encodings.h"
+#include "host/entry_points.h"
+#include "host/log.h"
+#include "host/platform.h"
+#include "host/ref.h"
+#include "host/string_bytes.h"
+
+#if __has_include(<CoreFoundation/CoreFoundation.h>)
+#include <CoreFoundation/CoreFoundation.h>
+#else
+extern "C" {
+using CFTypeRef = const void*;
+using CFAllocatorRef = const struct CFAllocator*;
+using CFStringRef = const struct CFString*;
+using CFMutableStringRef = struct CFString*;
+using CFURLRef = const struct CFURL*;
+using CFIndex = long;
+using CFStringEncoding = unsigned int;
+using Boolean = unsigned char;
+using UInt8 = unsigned char;
+using UniChar = unsigned short;
+
+void CFRelease(CFTypeRef object);
+CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8* bytes, CFIndex count,
+                                    CFStringEncoding, Boolean is_external);
+CFStringRef CFStringCreateWithCharacters(CFAllocatorRef, const UniChar* units, CFIndex count);
+CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef, CFIndex max_length, CFStringRef);
+void CFStringNormalize(CFMutableStringRef, CFIndex form);
+CFIndex CFStringGetLength(CFStringRef);
+Boolean CFStringGetCString(CFStringRef, char* buffer, CFIndex size, CFStringEncoding);
+CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef path, CFIndex style,
+                                       Boolean is_directory);
+CFURLRef CFURLCreateWithString(CFAllocatorRef, CFStringRef url, CFURLRef base);
+CFStringRef CFURLCopyFileSystemPath(CFURLRef, CFIndex style);
+}
+#define CFSTR(text) (reinterpret_cast<CFStringRef>(__builtin___CFStringMakeConstantString(text)))
+constexpr CFIndex kCFURLPOSIXPathStyle = 0;
+constexpr CFIndex kCFStringNormalizationFormD = 0;
+#endif
+
+// Foundation's headers are Objective-C; this is the one function that is needed of them.
+extern "C" void NSLog(CFStringRef format, ...);
+
+namespace zqv::host {
+namespace {
+
+constexpr double kHasNativePath = 2013.0;
+constexpr double kHasNewerStringCall = 2012.0;
+
+struct ReleaseObject {
+  void operator()(CFTypeRef object) const { CFRelease(object); }
+};
+template <class Object>
+using PlatformRef = std::unique_ptr<std::remove_pointer_t<Object>, ReleaseObject>;
+using StringHandle = PlatformRef<CFStringRef>;
+
+CFStringRef CreateWithBytes(std::string_view bytes, abi::Encoding encoding, bool is_external) {
+  return CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
+                                 static_cast<CFIndex>(bytes.size()), encoding,
+                                 static_cast<Boolean>(is_external));
+}
+
+CFStringRef CreateFromOwnBytes(abi::REALstring string, abi::Encoding encoding) {
+  const rbData data(string);
+  const std::string_view bytes = data.bytes();
+  switch (encoding) {
+    case abi::kUtf16:
+      return CFStringCreateWithCharacters(nullptr, reinterpret_cast<const UniChar*>(bytes.data()),
+                                          static_cast<CFIndex>(bytes.size() / sizeof(UniChar)));
+    case abi::kMacRoman:
+    case abi::kIsoLatin1:
+    case abi::kWindowsLatin1:
+    case abi::kUtf8:
+    case abi::kUtf32:
+      break;
+    default:
+      ZQV_LOG("%s%s %u", "other encoding", encoding);
+  }
+  return CreateWithBytes(bytes, encoding, false);
+}
+
+StringHandle PropertyText(abi::REALobject object, const char* property) {
+  abi::REALstring value = nullptr;
+  if (entry::REALGetPropValueString(object, property, &value) == 0) return nullptr;
+  const auto text = StringRef::Adopt(value);
+  return StringHandle(static_cast<CFStringRef>(RBString2CFString(text.get())));
+}
+
+PlatformRef<CFURLRef> FileUrl(abi::REALobject file) {
+  const bool native = HostVersion() >= kHasNativePath;
+  const StringHandle text = PropertyText(file, native ? "NativePath" : "URLPath");
+  if (DebuggingEnabled)
+    NSLog(native ? CFSTR("native path: %@\n") : CFSTR("url path: %@\n"), text.get());
+  if (text == nullptr) return nullptr;
+  return PlatformRef<CFURLRef>(
+      native ? CFURLCreateWithFileSystemPath(nullptr, text.get(), kCFURLPOSIXPathStyle, 0)
+             : CFURLCreateWithString(nullptr, text.get(), nullptr));
+}
+
+// UTF-8 in normalisation form D, as the file system keeps names; empty when it does not convert.
+std::string FileSystemBytes(CFStringRef path) {
+  const PlatformRef<CFMutableStringRef> normalised(CFStringCreateMutableCopy(nullptr, 0, path));
+  if (normalised == nullptr) return {};
+  CFStringNormalize(normalised.get(), kCFStringNormalizationFormD);
+  const CFIndex size = 6 * CFStringGetLength(normalised.get()) + 16;
+  std::string bytes(static_cast<std::size_t>(size), '\0');
+  if (CFStringGetCString(normalised.get(), bytes.data(), size, abi::kUtf8) == 0) return {};
+  bytes.resize(bytes.find('\0'));
+  return bytes;
+}
+
+}  // namespace
+
+void WriteLogLine(const char* text) { NSLog(CFSTR("%s\n"), text); }
+
+std::string FilePath(abi::REALobject file) {
+  const PlatformRef<CFURLRef> url = FileUrl(file);
+  if (url == nullptr) return {};
+  const StringHandle path(CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle));
+  return path != nullptr ? FileSystemBytes(path.get()) : std::string();
+}
+
+abi::PlatformString RBString2CFString(abi::REALstring string) {
+  if (string == nullptr) return nullptr;
+  const abi::Encoding encoding = entry::REALGetStringEncoding(string);
+  if (encoding == abi::kUnknownEncoding) {
+    const rbData data(string);
+    return CreateWithBytes(data.bytes(), abi::kMacRoman, true);
+  }
+  // Newer hosts offer the call under the same name as older ones; the two are kept apart because a
+  // host may answer the first asking and not the second.
+  static EntryPoint<abi::PlatformString(abi::REALstring, abi::RBBoolean)> newer(
+      "REALGetStringCFString");
+  if (HostVersion() >= kHasNewerStringCall) {
+    if (const abi::PlatformString text = newer(string, 0); text != nullptr) return text;
+  }
+  if (const abi::PlatformString text = entry::REALGetStringCFString(string, 0); text != nullptr)
+    return text;
+  return CreateFromOwnBytes(string, encoding);
+}
+
+}  // namespace zqv::host

@@ -1,0 +1,38 @@
+#include "host/string_bytes.h"
+
+#include "host/log.h"
+
+namespace zqv::host {
+namespace {
+
+using LenB = abi::RBInteger (*)(abi::REALstring);
+
+// The host's global method for a string's length in bytes, looked up once; null when missing.
+LenB FindLenB() {
+  static LenB cached = nullptr;
+  if (cached == nullptr) {
+    cached = reinterpret_cast<LenB>(
+        entry::REALLoadGlobalMethod(nullptr, "LenB( s as string ) as integer"));
+  }
+  return cached;
+}
+
+}  // namespace
+
+rbData::rbData(abi::REALstring string) : hold_(StringRef::Share(string)) {
+  if (string != nullptr) {
+    data_ = static_cast<const char*>(entry::StringGetCString(string));
+    if (const LenB len_b = FindLenB(); len_b != nullptr) length_ = len_b(string);
+  }
+  if (data_ == nullptr) {
+    length_ = 0;
+    ZQV_LOG("%s%s", "data is NULL, so size fixed to zero.");
+  }
+}
+
+std::string_view rbData::bytes() const {
+  return length_ > 0 ? std::string_view(data_, static_cast<std::size_t>(length_))
+                     : std::string_view();
+}
+
+}  // namespace zqv::host

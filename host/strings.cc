@@ -1,0 +1,118 @@
+#include "host/strings.h"
+
+#include <limits>
+
+#include "host/errors.h"
+#include "host/heap.h"
+#include "host/log.h"
+#include "host/unicode.h"
+
+namespace zqv::host {
+namespace {
+
+// Host versions from which an operation is used.
+constexpr double kBuildsWithEncoding = 2012.0;
+constexpr double kConvertsUtf32 = 2013.0;
+
+// Bytes to a string labelled with `encoding`, by the operation that this host version has.
+StringRef BuildLabelled(const void* bytes, std::int64_t length, abi::Encoding encoding) {
+  const char* text = static_cast<const char*>(bytes);
+  const int count = static_cast<int>(length);
+  if (HostVersion() >= kBuildsWithEncoding)
+    return StringRef::Adopt(entry::REALBuildStringWithEncoding(text, count, encoding));
+  auto string = StringRef::Adopt(entry::REALBuildString(text, count));
+  if (string) entry::REALSetStringEncoding(string.get(), encoding);
+  return string;
+}
+
+StringRef ConvertToUtf8(const StringRef& string) {
+  return StringRef::Adopt(entry::REALConvertString(string.get(), abi::kUtf8));
+}
+
+StringRef BuildThroughUtf16(const char32_t* code_points, std::size_t count) {
+  // Short texts stay off the heap: 800 bytes of UTF-32 give at most 400 units and the zero.
+  constexpr std::size_t kStackBytes = 800;
+  char16_t on_stack[kStackBytes / sizeof(char16_t) + 1];
+  HeapArray<char16_t> on_heap;
+  char16_t* units = on_stack;
+  if (count * sizeof(char32_t) >= kStackBytes) {
+    on_heap = AllocateZeroed<char16_t>(2 * count + 1);
+    if (on_heap == nullptr) {
+      ZQV_LOG("%s%s", "Out of memory in REALBuildUnicodeStringUTF32.");
+      return {};
+    }
+    units = on_heap.get();
+  }
+  const std::size_t written = Utf32ToUtf16(code_points, count, units);
+  return REALBuildUnicodeStringUTF16(units, static_cast<std::int64_t>(written * sizeof(char16_t)));
+}
+
+StringRef BuildUtf32(const void* bytes, std::int64_t length) {
+  if (HostVersion() >= kConvertsUtf32) {
+    const auto string = StringRef::Adopt(entry::REALBuildStringWithEncoding(
+        static_cast<const char*>(bytes), static_cast<int>(length), abi::kUtf32));
+    StringRef converted = string ? ConvertToUtf8(string) : StringRef();
+    if (converted) return converted;
+    // One impossible code point must not cost the reader the whole text: go the older hosts' way,
+    // which drops or replaces what has no place in Unicode.
+  }
+  return BuildThroughUtf16(static_cast<const char32_t*>(bytes),
+                           static_cast<std::size_t>(length) / sizeof(char32_t));
+}
+
+bool ContainsAscii(abi::Encoding encoding) {
+  return encoding == abi::kMacRoman || encoding == abi::kIsoLatin1 ||
+         encoding == abi::kWindowsLatin1 || encoding == abi::kUnknownEncoding;
+}
+
+StringRef Build(const void* bytes, std::int64_t length, abi::Encoding encoding) {
+  if (encoding == abi::kUtf16)
+    return REALBuildUnicodeStringUTF16(static_cast<const char16_t*>(bytes), length);
+  if (encoding == abi::kUtf32) return BuildUtf32(bytes, length);
+  if (ContainsAscii(encoding)) {
+    const std::string_view text(static_cast<const char*>(bytes), static_cast<std::size_t>(length));
+    return BuildLabelled(bytes, length, IsAscii(text) ? abi::kAscii : encoding);
+  }
+  if (encoding != abi::kAscii && encoding != abi::kUtf8)
+    ZQV_LOG("%s%s %u", "Unknown encoding in REALBuildUnicodeString", encoding);
+  return BuildLabelled(bytes, length, encoding);
+}
+
+}  // namespace
+
+StringRef REALBuildUnicodeString(const void* bytes, std::int64_t length, abi::Encoding encoding) {
+  if (bytes == nullptr || length < 1) return {};
+  if (length > std::numeric_limits<std::int32_t>::max()) {
+    ZQV_LOG("%s%s", "Count too big for REALBuildUnicodeString.");
+    return {};
+  }
+  try {
+    return Build(bytes, length, encoding);
+  } catch (...) {
+    RaiseCurrentException();
+    return {};
+  }
+}
+
+StringRef REALBuildUnicodeStringUTF16(const char16_t* units, std::int64_t byte_length) {
+  const StringRef string = BuildLabelled(units, byte_length, abi::kUtf16);
+  if (!string) {
+    ZQV_LOG("%s%s", "Out of memory in REALBuildUnicodeStringUTF16.");
+    return {};
+  }
+  return ConvertToUtf8(string);
+}
+
+StringRef BuildString(std::string_view bytes, abi::Encoding encoding) {
+  return REALBuildUnicodeString(bytes.data(), static_cast<std::int64_t>(bytes.size()), encoding);
+}
+
+StringRef BuildDetectedString(std::string_view bytes) {
+  return bytes.empty() ? StringRef() : BuildString(bytes, DetectEncoding(bytes));
+}
+
+StringRef CString2RB_detect_encoding(const char* cstring) {
+  return cstring == nullptr ? StringRef() : BuildDetectedString(cstring);
+}
+
+}  // namespace zqv::host

@@ -1,0 +1,167 @@
+#include "host/unicode.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zqv::host {
+namespace {
+
+constexpr char32_t kHighSurrogates = 0xD800;
+constexpr char32_t kLowSurrogates = 0xDC00;
+constexpr char32_t kSurrogatesEnd = 0xE000;
+constexpr char32_t kFirstSupplementary = 0x10000;
+constexpr char32_t kLastCodePoint = 0x10FFFF;
+constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t kByteOrderMark = 0xFEFF;
+constexpr char32_t kSwappedByteOrderMark = 0xFFFE;
+
+std::uint8_t Byte(char c) { return static_cast<std::uint8_t>(c); }
+
+bool IsTextByte(std::uint8_t byte) {
+  return (byte >= 0x20 && byte <= 0x7E) || byte == '\t' || byte == '\n' || byte == '\r';
+}
+
+// The second byte's range narrows after some lead bytes: no overlong forms, no surrogates, nothing
+// above U+10FFFF (RFC 3629, section 4).
+struct Lead {
+  std::uint8_t first, last;  // lead bytes
+  std::uint8_t second, second_last;
+  std::size_t length;
+};
+constexpr Lead kLeads[] = {
+    {0xC2, 0xDF, 0x80, 0xBF, 2}, {0xE0, 0xE0, 0xA0, 0xBF, 3}, {0xE1, 0xEC, 0x80, 0xBF, 3},
+    {0xED, 0xED, 0x80, 0x9F, 3}, {0xEE, 0xEF, 0x80, 0xBF, 3}, {0xF0, 0xF0, 0x90, 0xBF, 4},
+    {0xF1, 0xF3, 0x80, 0xBF, 4}, {0xF4, 0xF4, 0x80, 0x8F, 4},
+};
+
+bool IsTrail(char c) { return (Byte(c) & 0xC0) == 0x80; }
+
+// The length of the multi-byte sequence at the start of `bytes`, or 0 when there is no legal one.
+std::size_t LegalMultiByteLength(const char* bytes, std::size_t available) {
+  const std::uint8_t lead = Byte(bytes[0]);
+  for (const Lead& row : kLeads) {
+    if (lead < row.first || lead > row.last) continue;
+    if (available < row.length) return 0;
+    if (Byte(bytes[1]) < row.second || Byte(bytes[1]) > row.second_last) return 0;
+    return std::all_of(bytes + 2, bytes + row.length, IsTrail) ? row.length : 0;
+  }
+  return 0;
+}
+
+bool IsMark(char32_t c) { return c == kByteOrderMark || c == kSwappedByteOrderMark; }
+
+char32_t DecodeLegal(const char* bytes, std::size_t length) {
+  constexpr std::uint8_t kLeadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
+  char32_t c = Byte(bytes[0]) & kLeadBits[length];
+  for (std::size_t i = 1; i < length; ++i) c = (c << 6) | (Byte(bytes[i]) & 0x3Fu);
+  return c;
+}
+
+}  // namespace
+
+bool IsAscii(std::string_view bytes) {
+  constexpr std::uint64_t kHighBits = 0x8080808080808080u;
+  std::size_t i = 0;
+  for (; i + sizeof(std::uint64_t) <= bytes.size(); i += sizeof(std::uint64_t)) {
+    std::uint64_t word;
+    std::memcpy(&word, bytes.data() + i, sizeof word);
+    if ((word & kHighBits) != 0) return false;
+  }
+  return std::all_of(bytes.begin() + static_cast<std::ptrdiff_t>(i), bytes.end(),
+                     [](char c) { return Byte(c) < 0x80; });
+}
+
+bool is_utf8(const char* bytes, std::size_t length) {
+  std::size_t i = 0;
+  while (i < length) {
+    if (Byte(bytes[i]) < 0x80) {
+      if (!IsTextByte(Byte(bytes[i]))) return false;
+      ++i;
+      continue;
+    }
+    const std::size_t sequence = LegalMultiByteLength(bytes + i, length - i);
+    if (sequence == 0) return false;
+    i += sequence;
+  }
+  return true;
+}
+
+abi::Encoding DetectEncoding(std::string_view bytes) {
+  if (IsAscii(bytes)) return abi::kAscii;
+  return is_utf8(bytes.data(), bytes.size()) ? abi::kUtf8 : abi::kMacRoman;
+}
+
+bool IsLegalUTF8(const char* sequence, std::size_t length) {
+  if (length == 1) return Byte(sequence[0]) < 0x80;
+  return length == Utf8SequenceLength(sequence[0]) &&
+         LegalMultiByteLength(sequence, length) == length;
+}
+
+std::size_t Utf8SequenceLength(char lead) {
+  const std::uint8_t byte = Byte(lead);
+  if (byte < 0xC0) return 1;
+  if (byte < 0xE0) return 2;
+  if (byte < 0xF0) return 3;
+  if (byte < 0xF8) return 4;
+  return byte < 0xFC ? 5 : 6;
+}
+
+Conversion Utf8ToUtf32(std::string_view bytes, char32_t* out) {
+  Conversion result;
+  while (result.stopped < bytes.size()) {
+    const char* sequence = bytes.data() + result.stopped;
+    const std::size_t length = Utf8SequenceLength(*sequence);
+    if (length > bytes.size() - result.stopped || !IsLegalUTF8(sequence, length)) {
+      result.legal = false;
+      break;
+    }
+    const char32_t c = DecodeLegal(sequence, length);
+    if (!IsMark(c)) out[result.written++] = c;
+    result.stopped += length;
+  }
+  return result;
+}
+
+Conversion Utf16ToUtf32(const char16_t* units, std::size_t count, char32_t* out) {
+  Conversion result;
+  std::size_t i = 0;
+  while (i < count) {
+    char32_t c = units[i];
+    std::size_t used = 1;
+    if (c >= kHighSurrogates && c < kSurrogatesEnd) {
+      const bool is_pair = c < kLowSurrogates && i + 1 < count && units[i + 1] >= kLowSurrogates &&
+                           units[i + 1] < kSurrogatesEnd;
+      if (!is_pair) {
+        result.legal = false;
+        break;
+      }
+      c = kFirstSupplementary + ((c - kHighSurrogates) << 10) + (units[i + 1] - kLowSurrogates);
+      used = 2;
+    }
+    if (!IsMark(c)) out[result.written++] = c;
+    i += used;
+  }
+  result.stopped = i * sizeof(char16_t);
+  return result;
+}
+
+std::size_t Utf32ToUtf16(const char32_t* code_points, std::size_t count, char16_t* out) {
+  std::size_t written = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const char32_t c = code_points[i];
+    if (c >= kHighSurrogates && c < kSurrogatesEnd) continue;
+    if (c < kFirstSupplementary) {
+      out[written++] = static_cast<char16_t>(c);
+    } else if (c <= kLastCodePoint) {
+      const char32_t offset = c - kFirstSupplementary;
+      out[written++] = static_cast<char16_t>(kHighSurrogates + (offset >> 10));
+      out[written++] = static_cast<char16_t>(kLowSurrogates + (offset & 0x3FF));
+    } else {
+      out[written++] = static_cast<char16_t>(kReplacement);
+    }
+  }
+  out[written] = 0;
+  return written;
+}
+
+}  // namespace zqv::host
