@@ -1,0 +1,22 @@
+// From HTML to readable plain text.
+//
+// One forward pass over the code points, without a parse tree: tags go, some of them leave a line
+// break, a tab, a space or a bullet, script, style and noscript lose their text, character
+// references become characters, and runs of white space become one. Line breaks are CR.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "host/ref.h"
+
+namespace zqv::text {
+
+// The plain text of an HTML text. Nothing in it is an error: a tag, comment or reference without
+// an end runs to the end of the text. The time is linear in the input and the output.
+std::u32string HtmlToPlainText(std::u32string_view html);
+
+// The same for a host string [borrowed; nil in, nil out]; nil when nothing is left. [new lock]
+host::StringRef HTMLToPlainText(abi::REALstring html);
+
+}  // namespace zqv::text
