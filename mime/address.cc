@@ -1,0 +1,28 @@
+#include "mime/address.h"
+
+#include "host/strings.h"
+#include "mime/group.h"
+#include "mime/mailbox.h"
+
+namespace zqv::mime {
+
+void Set(MimeAddressClassData& record, const mimetic::Address& address) {
+  record.StringValue.Put(host::CString2RB_detect_encoding(address.str()));
+  record.isGroup = address.isGroup() ? 1 : 0;
+  if (!address.isGroup()) {
+    const mimetic::Mailbox& mailbox = address.mailbox();
+    if (!mailbox.mailbox(1).empty()) record.Mailbox.Put(NewFilled<MimeMailboxClassData>(mailbox));
+    return;
+  }
+  const mimetic::Group& group = address.group();
+  if (!group.name(0).empty() || !group.empty())
+    record.Group.Put(NewFilled<MimeGroupClassData>(group));
+}
+
+void Clear(MimeAddressClassData& record) {
+  record.Group.Clear();
+  record.Mailbox.Clear();
+  record.StringValue.Clear();
+}
+
+}  // namespace zqv::mime

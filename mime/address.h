@@ -1,0 +1,22 @@
+// MimeAddressZQV: one entry of an address field, either a mailbox or a group.
+#pragma once
+
+#include <mimetic/rfc822/address.h>
+
+#include "mime/lifecycle.h"
+#include "mime/records.h"
+
+namespace zqv::mime {
+
+// Fills a fresh record. A mailbox without local part, and a group without name and members, are
+// left out: then both objects are nil.
+void Set(MimeAddressClassData& record, const mimetic::Address& address);
+// Gives back everything that the record holds; nil afterwards.
+void Clear(MimeAddressClassData& record);
+
+// Registered with the host.
+inline constexpr auto MimeAddressConstructor =
+    &ConstructFromText<MimeAddressClassData, mimetic::Address>;
+inline constexpr auto MimeAddressDestructor = &DestroyRecord<MimeAddressClassData>;
+
+}  // namespace zqv::mime

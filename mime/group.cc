@@ -1,0 +1,24 @@
+#include "mime/group.h"
+
+#include "host/strings.h"
+#include "mime/mailbox.h"
+#include "text/encoded_word.h"
+
+namespace zqv::mime {
+
+void Set(MimeGroupClassData& record, const mimetic::Group& group) {
+  const std::string name = group.name(0);
+  record.StringValue.Put(host::CString2RB_detect_encoding(group.str()));
+  record.Name.Put(host::CString2RB_detect_encoding(name));
+  record.NameDecoded.Put(text::DecodeInlineEncodings(name, false));
+  record.mailboxes.Put(NewMailboxArray(group));
+}
+
+void Clear(MimeGroupClassData& record) {
+  record.StringValue.Clear();
+  record.Name.Clear();
+  record.NameDecoded.Clear();
+  record.mailboxes.Clear();
+}
+
+}  // namespace zqv::mime

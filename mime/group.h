@@ -1,0 +1,24 @@
+// MimeGroupZQV: a named group of mailboxes, "Name: a@b, c@d;".
+#pragma once
+
+#include <mimetic/rfc822/group.h>
+
+#include "mime/lifecycle.h"
+#include "mime/list_access.h"
+#include "mime/records.h"
+
+namespace zqv::mime {
+
+// Fills a fresh record.
+// QUIRK: the group's name is decoded with its quotes, a mailbox's label without. Applications know
+// the two so. Test: Addresses.GroupNameKeepsItsQuotes.
+void Set(MimeGroupClassData& record, const mimetic::Group& group);
+// Gives back everything that the record holds; nil afterwards.
+void Clear(MimeGroupClassData& record);
+
+// Registered with the host.
+using GroupMailboxes = ListAccess<&MimeGroupClassData::mailboxes>;
+inline constexpr auto MimeGroupConstructor = &ConstructFromText<MimeGroupClassData, mimetic::Group>;
+inline constexpr auto MimeGroupDestructor = &DestroyRecord<MimeGroupClassData>;
+
+}  // namespace zqv::mime

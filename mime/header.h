@@ -1,0 +1,35 @@
+// MimeHeaderZQV: the header of an entity, its known fields as properties and every field in a list.
+#pragma once
+
+#include <mimetic/header.h>
+
+#include <string>
+
+#include "host/ref.h"
+#include "mime/lifecycle.h"
+#include "mime/list_access.h"
+
+namespace zqv::mime {
+
+// A new object for `header`; nil when the host cannot make one. A failure on the way raises and
+// gives the object as far as it was filled. [new lock]
+host::ObjectRef NewMimeHeaderZQV(const mimetic::Header& header);
+
+// The text of the Content-ID or Message-ID field; empty when there is none. The library makes up an
+// id for an absent field, and with it tells the machine's name, so the field itself is asked for.
+std::string ContentIdText(const mimetic::Header& header);
+std::string MessageIdText(const mimetic::Header& header);
+
+// Gives back everything that the record holds; nil afterwards.
+void Clear(MimeHeaderClassData& record);
+
+// Registered with the host.
+using HeaderFields = ListAccess<&MimeHeaderClassData::fields>;
+inline constexpr auto MimeHeaderConstructor = &ConstructEmpty;
+inline constexpr auto MimeHeaderDestructor = &DestroyRecord<MimeHeaderClassData>;
+// Whether a field of that name [borrowed] exists, by the host's own comparison.
+abi::RBBoolean hasField(abi::REALobject self, abi::REALstring name);
+// The first field of that name with one lock for the application; nil when there is none.
+abi::REALobject FieldByName(abi::REALobject self, abi::REALstring name);
+
+}  // namespace zqv::mime

@@ -1,0 +1,45 @@
+// What the classes have in common from birth to death: filled from a parsed value or from a text,
+// cleared when the host frees them.
+//
+// Each record type has two functions beside it, found by its type: Set(record, parsed), which fills
+// a fresh record, and Clear(record), which gives back everything in the stated order.
+#pragma once
+
+#include <string>
+
+#include "host/errors.h"
+#include "host/record.h"
+#include "host/text_reader.h"
+
+namespace zqv::mime {
+
+// Destructor of the class with this record; registered with the host.
+template <class Record>
+void DestroyRecord(abi::REALobject self) {
+  if (Record* record = host::RecordOf<Record>(self)) Clear(*record);
+}
+
+// "Constructor" without arguments, which leaves every field nil; registered with the host.
+inline void ConstructEmpty(abi::REALobject) {}
+
+// "Constructor(TextToParse as String)" of a class whose record is filled from a `Parsed`: any text
+// [borrowed] is accepted, and whatever the library made of it is stored. Registered with the host.
+template <class Record, class Parsed>
+void ConstructFromText(abi::REALobject self, abi::REALstring text) {
+  host::Guard([=] {
+    Record* record = host::RecordOf<Record>(self);
+    if (record == nullptr) return;
+    Clear(*record);
+    Set(*record, Parsed(host::ReadUtf8(text)));
+  });
+}
+
+// A new object filled from `parsed` [new lock]; nil when the host cannot make one.
+template <class Record, class Parsed>
+host::ObjectRef NewFilled(const Parsed& parsed) {
+  host::ObjectRef object = host::NewInstance<Record>();
+  if (object) Set(*host::RecordOf<Record>(object.get()), parsed);
+  return object;
+}
+
+}  // namespace zqv::mime

@@ -1,0 +1,29 @@
+// MimeMailboxZQV: one mailbox of an address field, "Label <mailbox@domain>".
+#pragma once
+
+#include <mimetic/rfc822/mailbox.h>
+
+#include <vector>
+
+#include "mime/lifecycle.h"
+#include "mime/records.h"
+
+namespace zqv::mime {
+
+// Fills a fresh record.
+void Set(MimeMailboxClassData& record, const mimetic::Mailbox& mailbox);
+// Gives back everything that the record holds; nil afterwards.
+void Clear(MimeMailboxClassData& record);
+
+// An array of objects, one for each mailbox that has a local part [new lock]; the others are left
+// out. Nil when the host cannot make an array.
+host::ArrayRef NewMailboxArray(const std::vector<mimetic::Mailbox>& mailboxes);
+
+// Registered with the host.
+inline constexpr auto MimeMailboxConstructor =
+    &ConstructFromText<MimeMailboxClassData, mimetic::Mailbox>;
+inline constexpr auto MimeMailboxDestructor = &DestroyRecord<MimeMailboxClassData>;
+// "mailbox@domain" [new lock for the application]; nil when both are.
+abi::REALstring getEmail(abi::REALobject self);
+
+}  // namespace zqv::mime

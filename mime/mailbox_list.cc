@@ -1,0 +1,18 @@
+#include "mime/mailbox_list.h"
+
+#include "host/strings.h"
+#include "mime/mailbox.h"
+
+namespace zqv::mime {
+
+void Set(MimeMailboxListClassData& record, const mimetic::MailboxList& list) {
+  record.StringValue.Put(host::CString2RB_detect_encoding(list.str()));
+  record.mailboxes.Put(NewMailboxArray(list));
+}
+
+void Clear(MimeMailboxListClassData& record) {
+  record.StringValue.Clear();
+  record.mailboxes.Clear();
+}
+
+}  // namespace zqv::mime
