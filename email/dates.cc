@@ -1,0 +1,160 @@
+#include "email/dates.h"
+
+#include <mimetic/rfc822/datetime.h>
+
+#include <ctime>
+#include <exception>
+#include <string>
+#include <typeinfo>
+
+#include "host/log.h"
+#include "text/ascii.h"
+
+namespace zqv::email {
+namespace {
+
+using host::ObjectRef;
+
+using SixArguments = void (*)(abi::REALobject, abi::RBInteger year, abi::RBInteger month,
+                              abi::RBInteger day, abi::RBInteger hour, abi::RBInteger minute,
+                              abi::RBInteger second);
+using SevenArguments = void (*)(abi::REALobject, abi::RBInteger year, abi::RBInteger month,
+                                abi::RBInteger day, abi::RBInteger hour, abi::RBInteger minute,
+                                abi::RBInteger second, double gmt_offset);
+
+// The host's own constructors, by their exact declarations.
+constexpr char kSevenArguments[] =
+    "Constructor(Year as Integer, Month as Integer, Day as Integer, Hour as Integer, "
+    "Minute as Integer, Second as Integer, GMTOffset as Double)";
+constexpr char kSixArguments[] =
+    "Constructor(Year as Integer, Month as Integer, Day as Integer, hour as Integer, "
+    "minute as Integer, second as Integer)";
+
+// What a host takes for "no offset given".
+constexpr double kNoOffset = -10000.0;
+
+struct DateFields {
+  std::int64_t year, month, day, hour, minute, second;
+  int zone;
+};
+
+DateFields ReadFields(const std::string& text) {
+  const mimetic::DateTime date(text);
+  const DateFields fields{date.year(),   date.month().ordinal(), date.day(),           date.hour(),
+                          date.minute(), date.second(),          date.zone().ordinal()};
+  ZQV_LOG("%s%s %d", "day", static_cast<int>(fields.day));
+  ZQV_LOG("%s%s %d", "month", static_cast<int>(fields.month));
+  ZQV_LOG("%s%s %d", "year", static_cast<int>(fields.year));
+  ZQV_LOG("%s%s %d", "hour", static_cast<int>(fields.hour));
+  ZQV_LOG("%s%s %d", "minute", static_cast<int>(fields.minute));
+  ZQV_LOG("%s%s %d", "second", static_cast<int>(fields.second));
+  ZQV_LOG("%s%s %d", "zone", fields.zone);
+  return fields;
+}
+
+// Sets the fields one by one. QUIRK: the day is first set to 3, before year and month, so that the
+// day in between is valid in every month. Test: Dates.PropertyPathSetsTheDayTo3First.
+void SetProperties(abi::REALobject date, const DateFields& fields) {
+  const struct {
+    const char* name;
+    std::int64_t value;
+  } steps[] = {{"Day", 3},
+               {"Year", fields.year},
+               {"Month", fields.month},
+               {"Day", fields.day},
+               {"Hour", fields.hour},
+               {"Minute", fields.minute},
+               {"Second", fields.second}};
+  for (const auto& step : steps) host::entry::REALSetPropValueInteger(date, step.name, step.value);
+}
+
+// Seconds that this machine's local time is ahead of UTC now.
+// QUIRK: now, not at the message's date, so that across a change of daylight saving time the result
+// is off by the difference. Test: Dates.UsesTheOffsetOfTheMoment.
+double AddLocalOffset(double seconds) {
+  const std::time_t now = std::time(nullptr);
+  const std::tm* local = std::localtime(&now);
+  if (local == nullptr) return seconds;
+  ZQV_LOG("%s%s %ld", "tm_gmtoff", local->tm_gmtoff);
+  return seconds + static_cast<double>(local->tm_gmtoff);
+}
+
+// The message's instant in local time: the fields are taken as local, moved by the message's own
+// zone to UTC and by the machine's offset to local time.
+ObjectRef ConvertDate(const std::string& text) {
+  const DateFields fields = ReadFields(text);
+  ObjectRef date =
+      NewDate(fields.year, fields.month, fields.day, fields.hour, fields.minute, fields.second);
+  double seconds = 0.0;
+  host::entry::REALGetPropValueDouble(date.get(), "TotalSeconds", &seconds);
+  ZQV_LOG("%s%s %f", "GetDateTotalSeconds", seconds);
+  ZQV_LOG("%s%s %f", "seconds", seconds);
+  if (fields.zone != 0) {
+    const double offset = ZoneOffset(fields.zone);
+    ZQV_LOG("%s%s %f", "zoneOffset", offset);
+    seconds -= offset;
+  }
+  seconds = AddLocalOffset(seconds);
+  ZQV_LOG("%s%s %f", "seconds", seconds);
+  host::entry::REALSetPropValueDouble(date.get(), "TotalSeconds", seconds);
+  return date;
+}
+
+void ParseField(mime::MimeEntityClassData& record, const mimetic::Field& field) {
+  const std::string& name = field.name();
+  if (text::EqualsIgnoringCase(name, "date")) record.SentDate.Put(ConvertDate(field.value()));
+  if (!text::EqualsIgnoringCase(name, "received")) return;
+  const std::string value = field.value();
+  // QUIRK: the first "; " is taken, even inside a comment before the date.
+  // Test: Dates.FirstSemicolonAndBlankWins.
+  const std::size_t semicolon = value.find("; ");
+  if (semicolon == std::string::npos) return;
+  record.ReceivedDate.Put(ConvertDate(value.substr(semicolon + 1)));
+}
+
+}  // namespace
+
+double ZoneOffset(int zone) {
+  const int hours = zone / 100;
+  const int minutes = zone - 100 * hours;
+  return 3600.0 * hours + 60.0 * minutes;
+}
+
+ObjectRef NewDate(std::int64_t year, std::int64_t month, std::int64_t day, std::int64_t hour,
+                  std::int64_t minute, std::int64_t second) {
+  ZQV_LOG("%s%s %lld, %lld, %lld, %lld, %lld, %lld", "NewDate", static_cast<long long>(year),
+          static_cast<long long>(month), static_cast<long long>(day), static_cast<long long>(hour),
+          static_cast<long long>(minute), static_cast<long long>(second));
+  auto date = ObjectRef::Adopt(host::entry::PluginNewInstance("Date"));
+  if (!date) return {};
+  void* seven = host::entry::REALLoadObjectMethod(date.get(), kSevenArguments);
+  ZQV_LOG("%s%s %p", "f1", seven);
+  if (seven != nullptr) {
+    reinterpret_cast<SevenArguments>(seven)(date.get(), year, month, day, hour, minute, second,
+                                            kNoOffset);
+    return date;
+  }
+  void* six = host::entry::REALLoadObjectMethod(date.get(), kSixArguments);
+  ZQV_LOG("%s%s %p", "f2", six);
+  if (six != nullptr) {
+    reinterpret_cast<SixArguments>(six)(date.get(), year, month, day, hour, minute, second);
+    return date;
+  }
+  ZQV_LOG("%s%s", "Date Constructor 3 missing!?");
+  SetProperties(date.get(), {year, month, day, hour, minute, second, 0});
+  return date;
+}
+
+void ParseDate(mime::MimeEntityClassData& record, const mimetic::Header& header) {
+  for (const mimetic::Field& field : header) {
+    try {
+      ParseField(record, field);
+    } catch (const std::exception& e) {
+      ZQV_LOG("%s%s %s, %s", "C++ Exception: ", typeid(e).name(), e.what());
+    } catch (...) {
+      ZQV_LOG("%s%s", "Unknown C++ exception in ParseDate.");
+    }
+  }
+}
+
+}  // namespace zqv::email

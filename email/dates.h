@@ -1,0 +1,26 @@
+// When a message was sent and received, as the host's Date objects in local time.
+#pragma once
+
+#include <mimetic/header.h>
+
+#include <cstdint>
+
+#include "host/ref.h"
+#include "mime/records.h"
+
+namespace zqv::email {
+
+// Stores the dates of the header's Date and Received fields in `record`. With several, the last
+// Date wins, and the last Received that holds "; ". A date that cannot be read is skipped. Raises
+// nothing.
+void ParseDate(mime::MimeEntityClassData& record, const mimetic::Header& header);
+
+// A new Date of the host with these fields [new lock]; nil when the host cannot make one. Fields
+// out of range roll over as the host has it.
+host::ObjectRef NewDate(std::int64_t year, std::int64_t month, std::int64_t day, std::int64_t hour,
+                        std::int64_t minute, std::int64_t second);
+
+// Seconds east of UTC of a zone written as a number of the form hhmm, such as -130.
+double ZoneOffset(int zone);
+
+}  // namespace zqv::email

@@ -1,0 +1,100 @@
+#include "email/route.h"
+
+#include "email/attachment.h"
+#include "email/dates.h"
+#include "host/log.h"
+#include "host/strings.h"
+#include "mime/header.h"
+#include "text/ascii.h"
+#include "text/charset.h"
+
+namespace zqv::email {
+namespace {
+
+using text::EqualsIgnoringCase;
+
+bool IsText(const PartTraits& part, std::string_view subtype) {
+  return EqualsIgnoringCase(part.type, "text") && EqualsIgnoringCase(part.subtype, subtype);
+}
+
+// The views live as long as the entity's header, whose field values are parsed once.
+PartTraits TraitsOf(const mimetic::Header& header) {
+  PartTraits part;
+  part.type = header.contentType().type();
+  part.subtype = header.contentType().subtype();
+  part.disposition = header.contentDisposition().type();
+  part.has_content_id = !mime::ContentIdText(header).empty();
+  return part;
+}
+
+}  // namespace
+
+bool IsContainer(std::string_view type, std::string_view subtype) {
+  return EqualsIgnoringCase(type, "multipart") &&
+         (EqualsIgnoringCase(subtype, "alternative") || EqualsIgnoringCase(subtype, "related") ||
+          EqualsIgnoringCase(subtype, "mixed"));
+}
+
+Destination Route(const PartTraits& part, bool has_plain_text, bool has_html_text) {
+  if (EqualsIgnoringCase(part.disposition, "attachment")) return Destination::kAttachments;
+  if (IsText(part, "plain") && !has_plain_text) return Destination::kPlainText;
+  if (IsText(part, "html") && !has_html_text) return Destination::kHtmlText;
+  const bool is_inline = EqualsIgnoringCase(part.disposition, "inline") || part.has_content_id;
+  return is_inline ? Destination::kInlines : Destination::kAttachments;
+}
+
+host::StringRef BuildBodyText(std::string_view decoded, const std::string& charset) {
+  if (charset.empty()) return host::BuildDetectedString(decoded);
+  return host::BuildString(decoded, text::GetEncodingValue(charset));
+}
+
+void StorePlainText(mime::MimeEntityClassData& email_record, const host::StringSlot& text) {
+  ZQV_LOG("%s%s", "Set email plainText");
+  email_record.PlainText.Put(text.Share());
+}
+
+void StoreHtmlText(mime::MimeEntityClassData& email_record, const host::StringSlot& text) {
+  ZQV_LOG("%s%s", "Set email htmlText");
+  email_record.HTMLText.Put(text.Share());
+}
+
+std::optional<DecodedBody> DecodeEntity(mime::MimeEntityClassData& entity_record,
+                                        const mimetic::MimeEntity& entity,
+                                        mime::MimeEntityClassData& email_record,
+                                        abi::REALobject body, abi::REALobject header) {
+  const mimetic::Header& fields = entity.header();
+  const mimetic::ContentType& content_type = fields.contentType();
+  if (IsContainer(content_type.type(), content_type.subtype())) return std::nullopt;
+  const mimetic::ContentTransferEncoding& encoding = fields.contentTransferEncoding();
+  if (!is_known_mechanism(encoding.mechanism())) return std::nullopt;
+
+  DecodedBody decoded = DecodeData(encoding, entity);
+  entity_record.BodyDecoded.Put(BuildBodyText(decoded.bytes(), content_type.param("charset")));
+  const PartTraits part = TraitsOf(fields);
+  ZQV_LOG("%s%s %s, %s", "decoded body of type", content_type.type().c_str(),
+          content_type.subtype().c_str());
+  const host::StringSlot& text = entity_record.BodyDecoded;
+  const Destination destination = Route(part, static_cast<bool>(email_record.PlainText),
+                                        static_cast<bool>(email_record.HTMLText));
+  switch (destination) {
+    case Destination::kPlainText:
+      StorePlainText(email_record, text);
+      break;
+    case Destination::kHtmlText:
+      StoreHtmlText(email_record, text);
+      break;
+    case Destination::kAttachments:
+    case Destination::kInlines:
+      AddAttachment(email_record, text.get(), fields, body, header,
+                    destination == Destination::kInlines, decoded.bytes());
+  }
+  return decoded;
+}
+
+void EntityRouter::OnEntity(const mimetic::MimeEntity& entity, mime::MimeEntityClassData& record,
+                            abi::REALobject body, abi::REALobject header) {
+  DecodeEntity(record, entity, email_record_, body, header);
+  ParseDate(record, entity.header());
+}
+
+}  // namespace zqv::email

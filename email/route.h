@@ -1,0 +1,67 @@
+// Which part of a message is its plain text, which its HTML, which an attachment and which an
+// inline part; and each part's decoded body as a host string in the right encoding.
+#pragma once
+
+#include <mimetic/mimeentity.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "email/transfer.h"
+#include "host/ref.h"
+#include "mime/entity.h"
+
+namespace zqv::email {
+
+// Where a part goes.
+enum class Destination { kPlainText, kHtmlText, kAttachments, kInlines };
+
+// What decides where a part goes; words are compared ignoring case.
+struct PartTraits {
+  std::string_view type;  // of the Content-Type
+  std::string_view subtype;
+  std::string_view disposition;  // of the Content-Disposition; empty when absent
+  bool has_content_id = false;   // a Content-ID field that is not empty
+};
+
+// The destination of a part, given which texts the message already has: the first plain text and
+// the first HTML that are no attachments become the message's own, everything else is listed.
+Destination Route(const PartTraits& part, bool has_plain_text, bool has_html_text);
+
+// True for a multipart of subtype alternative, related or mixed: it has no content of its own.
+// QUIRK: every other multipart (signed, report, digest ...) is listed like a leaf besides its
+// parts. Applications find a signature's container so. Test: Routing.SignedMultipartIsListedItself.
+bool IsContainer(std::string_view type, std::string_view subtype);
+
+// A decoded body as a host string [new lock]: in the named charset, or, when `charset` is empty, in
+// the encoding that the bytes show. Nil for an empty body.
+host::StringRef BuildBodyText(std::string_view decoded, const std::string& charset);
+
+// Decodes one entity: stores its text in `entity_record` and routes it into `email_record`, which
+// is the same record for the message itself. Gives the decoded body, or nothing for a container and
+// for an unknown transfer encoding, which are skipped. `body` and `header` [borrowed] are the
+// entity's objects or nil.
+std::optional<DecodedBody> DecodeEntity(mime::MimeEntityClassData& entity_record,
+                                        const mimetic::MimeEntity& entity,
+                                        mime::MimeEntityClassData& email_record,
+                                        abi::REALobject body, abi::REALobject header);
+
+// Stores `text` as the message's plain text or HTML, shared, and says so in the log.
+void StorePlainText(mime::MimeEntityClassData& email_record, const host::StringSlot& text);
+void StoreHtmlText(mime::MimeEntityClassData& email_record, const host::StringSlot& text);
+
+// Decodes, routes and dates every entity below the message.
+class EntityRouter final : public mime::EntitySink {
+ public:
+  // Routes into `email_record`, which must outlive this.
+  explicit EntityRouter(mime::MimeEntityClassData& email_record) : email_record_(email_record) {}
+
+  void OnEntity(const mimetic::MimeEntity& entity, mime::MimeEntityClassData& record,
+                abi::REALobject body, abi::REALobject header) override;
+
+ private:
+  mime::MimeEntityClassData& email_record_;
+};
+
+}  // namespace zqv::email

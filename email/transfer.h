@@ -1,0 +1,35 @@
+// Content transfer encodings (RFC 2045, section 6): which are known, and taking one off a body.
+#pragma once
+
+#include <mimetic/mimeentity.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace zqv::email {
+
+// A body's bytes without transfer encoding: the entity's own bytes when nothing had to be decoded,
+// so it must not outlive the entity.
+class DecodedBody {
+ public:
+  explicit DecodedBody(std::string_view borrowed) : borrowed_(borrowed) {}
+  explicit DecodedBody(std::string&& owned) : owned_(std::move(owned)) {}
+
+  std::string_view bytes() const { return owned_.has_value() ? *owned_ : borrowed_; }
+
+ private:
+  std::optional<std::string> owned_;
+  std::string_view borrowed_;
+};
+
+// True for an absent mechanism and for base64, quoted-printable, binary, 7bit and 8bit, ignoring
+// case and nothing else: "7bit " with a trailing blank is unknown.
+bool is_known_mechanism(std::string_view mechanism);
+
+// The body of `entity` with the transfer encoding removed; unchanged for the identity encodings.
+DecodedBody DecodeData(const mimetic::ContentTransferEncoding& encoding,
+                       const mimetic::MimeEntity& entity);
+
+}  // namespace zqv::email

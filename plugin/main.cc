@@ -1,0 +1,59 @@
+// The library's one exported function.
+#include <iterator>
+
+#include "email/attachment.h"
+#include "host/entry_points.h"
+#include "host/errors.h"
+#include "host/record.h"
+#include "mime/records.h"
+#include "plugin/classes.h"
+#include "plugin/register.h"
+
+namespace zqv::plugin {
+namespace {
+
+// One class to register, and which record type lies at its definition's offset. The e-mail class
+// shares its super class's record and binds none.
+struct Registration {
+  abi::REALclassDefinition* definition;
+  void (*bind)(const abi::REALclassDefinition*);
+};
+
+// The order of registration: a super class before its subclass.
+constexpr Registration kRegistrations[] = {
+    // clang-format off
+    {&kMimeBodyClass,         &host::BindRecord<mime::MimeBodyClassData>},
+    {&kMimeHeaderClass,       &host::BindRecord<mime::MimeHeaderClassData>},
+    {&kMimeEntityClass,       &host::BindRecord<mime::MimeEntityClassData>},
+    {&kMimeAddressClass,      &host::BindRecord<mime::MimeAddressClassData>},
+    {&kMimeGroupClass,        &host::BindRecord<mime::MimeGroupClassData>},
+    {&kMimeAddressListClass,  &host::BindRecord<mime::MimeAddressListClassData>},
+    {&kMimeMailboxListClass,  &host::BindRecord<mime::MimeMailboxListClassData>},
+    {&kMimeMailboxClass,      &host::BindRecord<mime::MimeMailboxClassData>},
+    {&kMimeFieldClass,        &host::BindRecord<mime::MimeFieldClassData>},
+    {&kMimeEmailClass,        nullptr},
+    {&kMimeAttachmentClass,   &host::BindRecord<email::MimeAttachmentClassData>},
+    // clang-format on
+};
+static_assert(std::size(kRegistrations) == 11);
+
+void Start(abi::Resolver resolver) {
+  host::SetResolver(resolver);
+  host::SetHostVersion(host::entry::REALGetRBVersion());
+  CurrentREALControlVersion = ControlVersionFor(host::HostVersion());
+  if (resolver == nullptr) return;
+  host::entry::RegisterPluginVersion(CurrentREALControlVersion);
+  for (const Registration& row : kRegistrations) {
+    MyREALRegisterClass(row.definition);
+    if (row.bind != nullptr) row.bind(row.definition);
+  }
+}
+
+}  // namespace
+}  // namespace zqv::plugin
+
+// Called once by the host after loading, with its resolver, which may be null: then nothing is
+// registered.
+extern "C" __attribute__((visibility("default"))) void REALPluginMain(zqv::abi::Resolver resolver) {
+  zqv::host::Guard([=] { zqv::plugin::Start(resolver); });
+}
