@@ -1,6 +1,7 @@
 #include "email/input.h"
 
-#include <sys/stat.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <limits>
@@ -22,10 +23,19 @@ struct CloseFile {
 };
 using Stream = std::unique_ptr<std::FILE, CloseFile>;
 
-// Opening a pipe would wait for somebody to write into it.
-bool IsPipe(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
+// Opened without blocking: a pipe would wait for somebody to write into it. What cannot be
+// positioned is no file to read whole.
+Stream OpenForReading(const std::string& path) {
+  const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (descriptor < 0) return nullptr;
+  Stream stream;
+  if (lseek(descriptor, 0, SEEK_CUR) >= 0) stream.reset(fdopen(descriptor, "rb"));
+  if (stream == nullptr) {
+    close(descriptor);
+    return nullptr;
+  }
+  std::setvbuf(stream.get(), nullptr, _IOFBF, kStreamBuffer);
+  return stream;
 }
 
 Stream OpenFile(abi::REALobject file) {
@@ -35,10 +45,9 @@ Stream OpenFile(abi::REALobject file) {
   }
   Stream stream;
   const std::string path = host::FilePath(file);
-  if (!path.empty() && !IsPipe(path)) {
-    stream.reset(std::fopen(path.c_str(), "rb"));
+  if (!path.empty()) {
+    stream = OpenForReading(path);
     ZQV_LOG("%s%s %p", "result", static_cast<void*>(stream.get()));
-    if (stream != nullptr) std::setvbuf(stream.get(), nullptr, _IOFBF, kStreamBuffer);
   }
   ZQV_LOG("%s%s %p", "f", static_cast<void*>(stream.get()));
   return stream;

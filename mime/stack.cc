@@ -1,25 +1,35 @@
 #include "mime/stack.h"
 
+#include <pthread.h>
+
 #include <cstdint>
 
-#if defined(__APPLE__)
-#include <pthread.h>
-#else
-#include <sys/resource.h>
+#if defined(__linux__)
 
-#include <algorithm>
-#include <cstdio>
-#include <memory>
-#include <string_view>
+// Bound to the C library's first version of the two, so that the library loads on older systems,
+// and weakly: there they live in a library that a program without threads does not load.
+#if defined(__x86_64__)
+#define ZQV_FIRST_GLIBC "GLIBC_2.2.5"
+#elif defined(__aarch64__)
+#define ZQV_FIRST_GLIBC "GLIBC_2.17"
+#endif
+__asm__(".symver pthread_getattr_np, pthread_getattr_np@" ZQV_FIRST_GLIBC);
+__asm__(".symver pthread_attr_getstack, pthread_attr_getstack@" ZQV_FIRST_GLIBC);
+extern "C" {
+[[gnu::weak]] int pthread_getattr_np(pthread_t thread, pthread_attr_t* attributes) noexcept;
+[[gnu::weak]] int pthread_attr_getstack(const pthread_attr_t* attributes, void** address,
+                                        size_t* size) noexcept;
+}
+
 #endif
 
 namespace zqv::mime {
 namespace {
 
-// The lowest address that the stack may grow down to.
+// The lowest address that the calling thread's stack may grow down to.
 #if defined(__APPLE__)
 
-std::optional<std::uintptr_t> StackEnd(std::uintptr_t) {
+std::optional<std::uintptr_t> StackEnd() {
   const pthread_t self = pthread_self();
   return reinterpret_cast<std::uintptr_t>(pthread_get_stackaddr_np(self)) -
          pthread_get_stacksize_np(self);
@@ -27,33 +37,16 @@ std::optional<std::uintptr_t> StackEnd(std::uintptr_t) {
 
 #else
 
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-// From the kernel's list of mappings, not from pthread_getattr_np: that one binds the library to a
-// newer C library than it needs. A thread's stack is a mapping of its own; the first thread's grows
-// on demand, up to its limit or the mapping below.
-std::optional<std::uintptr_t> StackEnd(std::uintptr_t here) {
-  const std::unique_ptr<std::FILE, CloseFile> maps(std::fopen("/proc/self/maps", "r"));
-  if (maps == nullptr) return std::nullopt;
-  char line[512];
-  std::uintptr_t below = 0;  // where the mapping before ends
-  while (std::fgets(line, sizeof line, maps.get()) != nullptr) {
-    unsigned long begin = 0;
-    unsigned long end = 0;
-    if (std::sscanf(line, "%lx-%lx", &begin, &end) != 2) continue;
-    if (here < begin || here >= end) {
-      below = end;
-      continue;
-    }
-    if (std::string_view(line).find("[stack]") == std::string_view::npos) return begin;
-    rlimit limit{};
-    if (getrlimit(RLIMIT_STACK, &limit) != 0) return begin;
-    const std::uintptr_t lowest = limit.rlim_cur < end ? end - limit.rlim_cur : 0;
-    return std::max(lowest, below);
-  }
-  return std::nullopt;
+std::optional<std::uintptr_t> StackEnd() {
+  if (&pthread_getattr_np == nullptr || &pthread_attr_getstack == nullptr) return std::nullopt;
+  pthread_attr_t attributes;
+  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return std::nullopt;
+  void* lowest = nullptr;
+  std::size_t size = 0;
+  const bool known = pthread_attr_getstack(&attributes, &lowest, &size) == 0;
+  pthread_attr_destroy(&attributes);
+  if (!known) return std::nullopt;
+  return reinterpret_cast<std::uintptr_t>(lowest);
 }
 
 #endif
@@ -62,7 +55,7 @@ std::optional<std::uintptr_t> StackEnd(std::uintptr_t here) {
 
 std::optional<std::size_t> StackLeft() {
   const auto here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
-  const std::optional<std::uintptr_t> end = StackEnd(here);
+  const std::optional<std::uintptr_t> end = StackEnd();
   if (!end.has_value()) return std::nullopt;
   return here > *end ? here - *end : 0;
 }
