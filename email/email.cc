@@ -29,8 +29,8 @@ void MimeEmailConstructor2(abi::REALobject self, abi::REALobject block) {
 void MimeEmailConstructor3(abi::REALobject self, abi::REALobject file) {
   host::Guard([=] {
     ZQV_LOG("%s%s", "MimeEmailConstructor3");
-    const std::optional<FileContent> data = ReadFile(file);
-    if (data.has_value()) MimeEmailConstructor(self, data->bytes(), nullptr);
+    std::optional<MessageBytes> data = ReadFile(file);
+    if (data.has_value()) MimeEmailConstructor(self, std::move(*data), nullptr);
   });
 }
 

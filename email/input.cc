@@ -62,7 +62,7 @@ BlockBytes::BlockBytes(abi::REALobject block) : hold_(host::ObjectRef::Share(blo
   if (size > 0 && data != nullptr) bytes_ = {data, static_cast<std::size_t>(size)};
 }
 
-std::optional<FileContent> ReadFile(abi::REALobject file) {
+std::optional<MessageBytes> ReadFile(abi::REALobject file) {
   const Stream stream = OpenFile(file);
   if (stream == nullptr) {
     host::RaiseException(host::kIOException, "Failed to open file for reading.");
@@ -88,7 +88,7 @@ std::optional<FileContent> ReadFile(abi::REALobject file) {
     host::RaiseException(host::kIOException, "Failed to read data from file.");
     return std::nullopt;
   }
-  return FileContent(std::move(memory), wanted);
+  return MessageBytes(std::move(memory), wanted);
 }
 
 }  // namespace zqv::email

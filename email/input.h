@@ -1,14 +1,35 @@
-// A message's bytes from a memory block or a file of the host.
+// A message's bytes from a string, a memory block or a file of the host.
 #pragma once
 
 #include <cstddef>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "host/heap.h"
 #include "host/ref.h"
 
 namespace zqv::email {
+
+// The bytes of a message: borrowed from their owner, or held in memory whole.
+class MessageBytes {
+ public:
+  MessageBytes(std::string_view borrowed) : bytes_(borrowed) {}  // NOLINT: a view is enough
+  MessageBytes(host::HeapArray<char>&& memory, std::size_t length)
+      : memory_(std::move(memory)), bytes_(memory_.get(), length) {}
+
+  std::string_view bytes() const { return bytes_; }
+
+  // Gives the memory back; empty afterwards.
+  void Free() {
+    bytes_ = {};
+    memory_.reset();
+  }
+
+ private:
+  host::HeapArray<char> memory_;  // null when borrowed
+  std::string_view bytes_;
+};
 
 // The bytes of a MemoryBlock [borrowed], which may be nil: an empty one.
 class BlockBytes {
@@ -23,21 +44,8 @@ class BlockBytes {
   std::string_view bytes_;
 };
 
-// A file's bytes, held in memory whole.
-class FileContent {
- public:
-  FileContent(host::HeapArray<char>&& memory, std::size_t length)
-      : memory_(std::move(memory)), length_(length) {}
-
-  std::string_view bytes() const { return {memory_.get(), length_}; }
-
- private:
-  host::HeapArray<char> memory_;
-  std::size_t length_;
-};
-
 // The bytes of a FolderItem's file [borrowed; nil is no file]. Nothing, with an exception raised,
 // when it cannot be opened or read (IOException) or is too large for memory (OutOfMemoryException).
-std::optional<FileContent> ReadFile(abi::REALobject file);
+std::optional<MessageBytes> ReadFile(abi::REALobject file);
 
 }  // namespace zqv::email

@@ -86,17 +86,19 @@ void BuildObjects(MimeEntityClassData& record, const mimetic::MimeEntity& entity
 
 }  // namespace
 
-void MimeEmailConstructor(abi::REALobject self, std::string_view message, abi::REALstring source) {
-  ZQV_LOG("%s%s %lu", "MimeEmailConstructor", static_cast<unsigned long>(message.size()));
+void MimeEmailConstructor(abi::REALobject self, MessageBytes message, abi::REALstring source) {
+  std::string_view bytes = message.bytes();
+  ZQV_LOG("%s%s %lu", "MimeEmailConstructor", static_cast<unsigned long>(bytes.size()));
   auto* record = host::RecordOf<MimeEntityClassData>(self);
   if (record == nullptr) return;
-  Begin(*record, message, source);
-  if (message.substr(0, kByteOrderMark.size()) == kByteOrderMark)
-    message.remove_prefix(kByteOrderMark.size());
-  if (!Check(message)) return;
+  Begin(*record, bytes, source);
+  if (bytes.substr(0, kByteOrderMark.size()) == kByteOrderMark)
+    bytes.remove_prefix(kByteOrderMark.size());
+  if (!Check(bytes)) return;
 
   mimetic::MimeEntity entity;
-  mime::ParseMessage(message, entity);
+  mime::ParseMessage(bytes, entity);
+  message.Free();
   BuildObjects(*record, entity);
   const mimetic::Header& header = entity.header();
   record->Subject.Put(text::DecodeInlineEncodings(std::string(header.subject()), false));

