@@ -6,6 +6,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "mime/header_loader.h"
 #include "mime/stack.h"
 
 namespace zqv::mime {
@@ -55,6 +56,8 @@ class ByteIterator {
   bool operator==(const ByteIterator& other) const { return at_ == other.at_; }
   bool operator!=(const ByteIterator& other) const { return at_ != other.at_; }
 
+  const char* at() const { return at_; }
+
   // Of the parse that this position belongs to.
   ParseLimits& limits() const { return *limits_; }
 
@@ -71,7 +74,7 @@ using MessageParser = mimetic::IteratorParser<ByteIterator, std::input_iterator_
 namespace mimetic {
 
 // The library's own member but for the limits and for giving back the child when the list cannot
-// take it. Throwing here leaks nothing; throwing anywhere else in the parser may.
+// take it. Throwing here leaks nothing.
 template <>
 void zqv::mime::MessageParser::pushNewChild() {
   m_eit.limits().Admit(m_entityStack.size());
@@ -79,6 +82,15 @@ void zqv::mime::MessageParser::pushNewChild() {
   auto child = std::make_unique<MimeEntity>();
   parts.push_back(child.get());
   m_entityStack.push(child.release());
+}
+
+// Our own reading of a header, which leaves the position where the library's would.
+template <>
+void zqv::mime::MessageParser::loadHeader() {
+  const zqv::mime::HeaderEnd header =
+      zqv::mime::LoadHeader(m_bit.at(), m_eit.at(), m_entityStack.top()->header());
+  m_bit = zqv::mime::ByteIterator(header.at, &m_eit.limits());
+  m_entityStack.top()->body().append(header.body_start);
 }
 
 }  // namespace mimetic

@@ -1,0 +1,112 @@
+#include "mime/header_loader.h"
+
+#include <algorithm>
+
+namespace zqv::mime {
+namespace {
+
+bool IsNewline(char c) { return c == '\r' || c == '\n'; }
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+bool IsNameCharacter(char c) { return c > 32 && c < 127 && c != ':'; }
+
+class HeaderLoader {
+ public:
+  HeaderLoader(const char* at, const char* end, mimetic::Header& header)
+      : at_(at), end_(end), header_(header) {}
+
+  // A field is stored when the line after it begins, so one that the input ends in is lost.
+  HeaderEnd Run() {
+    bool more = at_ != end_ && !EndsHere() && ReadField();
+    while (more && at_ != end_) {
+      SkipLineEnd();
+      if (at_ == end_) break;
+      if (IsBlank(*at_)) {
+        ReadFold();
+      } else {
+        StoreField();
+        more = !EndsHere() && ReadField();
+      }
+    }
+    return {at_, std::move(body_start_)};
+  }
+
+ private:
+  // True, with the line end taken, at an empty line.
+  bool EndsHere() {
+    if (!IsNewline(*at_)) return false;
+    SkipLineEnd();
+    return true;
+  }
+
+  // CR, LF, CR LF and LF CR each are one line end.
+  void SkipLineEnd() {
+    const char other = *at_ == '\r' ? '\n' : '\r';
+    ++at_;
+    if (at_ != end_ && *at_ == other) ++at_;
+  }
+
+  void SkipBlanks() { at_ = std::find_if_not(at_, end_, IsBlank); }
+
+  void ReadValue() {
+    const char* line_end = std::find_if(at_, end_, IsNewline);
+    value_.append(at_, line_end);
+    at_ = line_end;
+  }
+
+  // A line break and the blanks after it count as one space, also when nothing follows them.
+  void ReadFold() {
+    SkipBlanks();
+    if (at_ == end_) return;
+    value_ += ' ';
+    ReadValue();
+  }
+
+  // The rest of a line that should be a field. False when it is none: then the body has begun, and
+  // what was read of the line belongs to it.
+  bool ReadField() {
+    while (at_ != end_ && *at_ != ':') {
+      const bool after_blank = !name_.empty() && IsBlank(name_.back());
+      if (!IsBlank(*at_) && (after_blank || !IsNameCharacter(*at_))) {
+        body_start_ = std::move(name_);
+        return false;
+      }
+      name_ += *at_++;
+    }
+    if (at_ == end_) return true;
+    if (name_.empty()) {  // a line that begins with the colon is passed over
+      at_ = std::find_if(at_, end_, IsNewline);
+      return true;
+    }
+    while (!name_.empty() && IsBlank(name_.back())) name_.pop_back();
+    ++at_;
+    SkipBlanks();
+    ReadValue();
+    return true;
+  }
+
+  // QUIRK: a value without a name stays, and the next field's value is appended to it. The library
+  // does so with a fold after a line that was passed over. Test: Parser.FoldAfterIgnoredLineStays.
+  void StoreField() {
+    if (name_.empty()) return;
+    mimetic::Field& field = *header_.insert(header_.end(), mimetic::Field());
+    field.name(name_);
+    field.value(value_.substr(0, value_.find('\0')));
+    name_.clear();
+    value_.clear();
+  }
+
+  const char* at_;
+  const char* end_;
+  mimetic::Header& header_;
+  std::string name_;
+  std::string value_;
+  std::string body_start_;
+};
+
+}  // namespace
+
+HeaderEnd LoadHeader(const char* at, const char* end, mimetic::Header& header) {
+  return HeaderLoader(at, end, header).Run();
+}
+
+}  // namespace zqv::mime

@@ -1,0 +1,23 @@
+// Reading a header's fields from bytes in memory, with the MIME library's own result.
+//
+// What counts as a field, a fold, the end of the header and the start of the body follows the
+// library to the byte, its leniencies included (see the .cc); only the way there is another: whole
+// runs instead of single characters, and nothing that leaks when a field cannot be stored.
+#pragma once
+
+#include <mimetic/header.h>
+
+#include <string>
+
+namespace zqv::mime {
+
+// Where a header ended.
+struct HeaderEnd {
+  const char* at;          // the first byte of the body
+  std::string body_start;  // bytes before `at` that belong to the body: a line that is no field
+};
+
+// Appends the fields between `at` and `end` to `header`.
+HeaderEnd LoadHeader(const char* at, const char* end, mimetic::Header& header);
+
+}  // namespace zqv::mime
