@@ -1,0 +1,26 @@
+# Instrumentation for the whole tree, mimetic included: a mix of instrumented and plain code misses
+# faults in the plain half.
+set(ZQV_SANITIZE "" CACHE STRING "Sanitizers for all code, e.g. address,undefined")
+option(ZQV_FUZZER "Instrument all code for libFuzzer (clang only)" OFF)
+option(ZQV_COVERAGE "Count executed lines (g++ only)" OFF)
+
+if(ZQV_SANITIZE)
+  # UBSan's `function` is off: a host calls the registered functions through pointers of other
+  # types, and so does the stand-in.
+  add_compile_options(
+    -fsanitize=${ZQV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+    $<$<CXX_COMPILER_ID:Clang>:-fno-sanitize=function>)
+  add_link_options(-fsanitize=${ZQV_SANITIZE})
+endif()
+
+if(ZQV_FUZZER)
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    message(FATAL_ERROR "ZQV_FUZZER needs clang++ (preset fuzz)")
+  endif()
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
+if(ZQV_COVERAGE)
+  add_compile_options(--coverage -fprofile-update=atomic)
+  add_link_options(--coverage)
+endif()

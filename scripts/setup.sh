@@ -1,0 +1,73 @@
+# Shared by ./run and ./test: installs what is missing, configures and builds. Everything it says
+# goes to standard error; when nothing is to be done it says nothing and uses no network.
+# shellcheck shell=bash
+: "${root:?the sourcing script sets the top of the project}"
+
+say() { echo "$*" >&2; }
+
+# Names of the packages of the given scopes (run, test) that are not installed.
+missing_packages() {
+  local wanted
+  wanted=$(awk -v scopes=" $* " '!/^#/ && NF && index(scopes, " " $1 " ") { print $2 }' \
+    "$root/scripts/packages.txt")
+  # An unknown package makes dpkg-query fail, and is missing like one that was removed.
+  # shellcheck disable=SC2086
+  { dpkg-query -W -f '${Package} ${db:Status-Status}\n' $wanted 2>/dev/null || true; } |
+    awk -v wanted="$wanted" '
+      $2 == "installed" { have[$1] = 1 }
+      END { n = split(wanted, name); for (i = 1; i <= n; i++) if (!have[name[i]]) print name[i] }'
+}
+
+# Installs the packages of the given scopes. Other systems than Debian bring their own.
+install_packages() {
+  [ "${ZQV_SETUP:-yes}" != no ] && command -v dpkg-query >/dev/null || return 0
+  local missing
+  mapfile -t missing < <(missing_packages "$@")
+  [ "${#missing[@]}" -gt 0 ] || return 0
+
+  local as_root=(env DEBIAN_FRONTEND=noninteractive)
+  if [ "$(id -u)" -ne 0 ]; then
+    if ! command -v sudo >/dev/null || { [ ! -t 0 ] && ! sudo -n true 2>/dev/null; }; then
+      say "These packages are missing, and installing them needs root:"
+      say "  apt-get install ${missing[*]}"
+      say "(ZQV_SETUP=no skips this question, for systems that have them by other means.)"
+      exit 1
+    fi
+    as_root=(sudo "${as_root[@]}")
+  fi
+  say "Installing ${missing[*]}"
+  local apt=("${as_root[@]}" apt-get -qq -o DPkg::Lock::Timeout=300 -o Dpkg::Use-Pty=0)
+  local install=("${apt[@]}" install --yes --no-install-recommends "${missing[@]}")
+  # Lists that are there serve; when they are absent or out of date, fetch them and try again.
+  # One package source being down need not matter.
+  if ! "${install[@]}" >/dev/null 2>&1 </dev/null; then
+    "${apt[@]}" update >&2 </dev/null || say "apt-get update failed; going on with what there is"
+    "${install[@]}" >&2 </dev/null
+  fi
+}
+
+# Runs the rest of the calling script's builds one at a time; the lock ends with unlock_builds.
+lock_builds() {
+  mkdir -p "$root/build"
+  exec 9>"$root/build/lock"
+  flock --nonblock 9 || {
+    say "Waiting for another build in this folder"
+    flock 9
+  }
+}
+
+unlock_builds() { exec 9>&-; }
+
+# configure PRESET [CMAKE-ARGUMENT...]
+configure() {
+  (cd "$root" && cmake --preset "$@" >&2 </dev/null)
+}
+
+# Words that builds and tests are started through.
+launcher=()
+
+# build PRESET JOBS TARGET: says only what compilers say.
+build() {
+  "${launcher[@]}" ninja --quiet -C "$root/build/$1" -j "$2" "$3" 2>&1 </dev/null |
+    sed -u '/^ninja: no work to do\.$/d' >&2
+}

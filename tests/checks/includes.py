@@ -1,0 +1,179 @@
+#!/usr/bin/env python3
+"""Which folder may include which: the direction of the project's dependencies.
+
+  includes.py FOLDER       lists every include that breaks a rule; fails when there is one
+  includes.py --self-test  plants violations in a scratch project and demands that each is found
+
+The rules are data: LAYERS and the tables below. A file belongs to the longest row that is a prefix
+of its path. Our own files are included in quotes by their path from the top of the project.
+"""
+
+import pathlib
+import re
+import sys
+import tempfile
+
+# The plug-in's own folders, lowest first: each may include itself and those before it.
+LAYERS = ["abi", "host", "text", "mime", "email", "plugin"]
+
+# What else there is, and what it may include besides itself. "*" means everything of ours.
+OTHERS = {
+    "standin": ["abi"],
+    "cli": ["standin", "abi"],
+    "tests/interface": ["standin", "abi", "tests/support"],
+    "tests/cli": ["standin", "abi", "tests/support"],
+    "tests/unit/mimetic": [],
+    "tests/unit/standin": ["standin", "abi", "tests/support"],
+    "tests": ["*"],
+    "fuzz": ["*"],
+    "bench": ["*"],
+    "packaging": ["*"],
+    "examples": ["*"],
+}
+
+# A unit test sees its layer and those below, their unit tests' fixtures, and what is named here.
+UNIT_TEST_EXTRAS = ["standin", "tests/support", "tests/reference"]
+
+# Who may name the MIME library.
+MIMETIC_USERS = ["mime/", "email/", "text/encoded_word.", "tests/unit/", "bench/", "fuzz/"]
+
+# What the plug-in's own folders never include: it would have to ship.
+NOT_IN_PLUGIN = re.compile(
+    r"<(nlohmann|CLI|gtest|gmock|benchmark|rapidcheck|unicode)/|<(rapidcheck|iconv)\.h>")
+
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
+SUFFIXES = {".h", ".cc", ".def", ".inc", ".mm"}
+NOT_OURS = {"build", "dist", ".git", "third_party"}
+
+
+def rules():
+    """Folder -> the folders it may include."""
+    table = {}
+    for index, layer in enumerate(LAYERS):
+        table[layer] = LAYERS[: index + 1]
+        fixtures = [f"tests/unit/{below}" for below in LAYERS[:index]]
+        table[f"tests/unit/{layer}"] = LAYERS[: index + 1] + fixtures + UNIT_TEST_EXTRAS
+    table.update(OTHERS)
+    return table
+
+
+def longest_prefix(path, folders):
+    """The longest of `folders` that holds `path`, or None."""
+    holding = [folder for folder in folders if path.startswith(folder + "/")]
+    return max(holding, key=len, default=None)
+
+
+def check_line(path, line, table, top):
+    """What is wrong with one line of the file `path`, or None."""
+    room = longest_prefix(path, table)
+    if room is None:
+        return "lies in a folder that has no rule; add one to tests/checks/includes.py"
+    code = line.split("//")[0]
+    names_mimetic = "mimetic::" in code or re.search(r"#\s*include\s*<mimetic/", code)
+    if names_mimetic and not path.startswith(tuple(MIMETIC_USERS)):
+        return "names the MIME library"
+    match = INCLUDE.match(line)
+    if not match:
+        return None
+    if match[1] == "<":
+        if room in LAYERS and NOT_IN_PLUGIN.search(line):
+            return f"includes <{match[2]}> into the plug-in"
+        return None
+    if not (top / match[2]).is_file():
+        return f'includes "{match[2]}", which is no file seen from the top of the project'
+    allowed = table[room]
+    if "*" in allowed or longest_prefix(match[2], [room, *allowed]):
+        return None
+    return f"includes {match[2]} upwards or sideways"
+
+
+def check(top):
+    """All violations in the project at `top`, one text each."""
+    table = rules()
+    found = []
+    files = 0
+    for file in sorted(top.rglob("*")):
+        path = file.relative_to(top).as_posix()
+        if file.suffix not in SUFFIXES or path.split("/")[0] in NOT_OURS or not file.is_file():
+            continue
+        files += 1
+        for number, line in enumerate(file.read_text("utf-8").splitlines(), 1):
+            fault = check_line(path, line, table, top)
+            if fault:
+                found.append(f"{path}:{number}: {fault}")
+    return found if files else [f"no source files in {top}"]
+
+
+# File, line planted in it, text of the expected complaint ("" for none).
+PLANTED = [
+    ("host/a.cc", '#include "abi/x.h"', ""),
+    ("plugin/a.cc", '#include "email/x.h"', ""),
+    ("email/a.cc", "#include <mimetic/mimetic.h>", ""),
+    ("text/encoded_word.cc", "#include <mimetic/codec/qp.h>", ""),
+    ("tests/unit/mime/a.cc", '#include "standin/x.h"', ""),
+    ("tests/unit/mime/a.cc", '#include "tests/unit/mime/x.h"', ""),
+    ("tests/unit/text/a.cc", '#include "tests/reference/x.h"', ""),
+    ("tests/unit/text/a.cc", '#include "tests/unit/host/x.h"', ""),
+    ("tests/corpus/a.cc", '#include "email/x.h"', ""),
+    ("cli/a.cc", "#include <CLI/CLI.hpp>", ""),
+    ("host/a.cc", "int x;  // the mimetic::Field of another room", ""),
+    ("host/a.cc", '#include "text/x.h"', "upwards"),
+    ("host/a.cc", '  #  include "text/x.h"', "upwards"),
+    ("abi/a.h", '#include "host/x.h"', "upwards"),
+    ("text/a.cc", '#include "mime/x.h"', "upwards"),
+    ("mime/a.h", '#include "email/x.h"', "upwards"),
+    ("email/a.cc", '#include "plugin/x.h"', "upwards"),
+    ("host/a.cc", '#include "standin/x.h"', "upwards"),
+    ("standin/a.cc", '#include "host/x.h"', "upwards"),
+    ("cli/a.cc", '#include "mime/x.h"', "upwards"),
+    ("cli/a.cc", '#include "host/x.h"', "upwards"),
+    ("tests/interface/a.cc", '#include "host/x.h"', "upwards"),
+    ("tests/unit/host/a.cc", '#include "text/x.h"', "upwards"),
+    ("tests/unit/host/a.cc", '#include "tests/unit/mime/x.h"', "upwards"),
+    ("tests/unit/standin/a.cc", '#include "host/x.h"', "upwards"),
+    ("host/a.cc", "#include <mimetic/mimetic.h>", "names the MIME library"),
+    ("text/charset.cc", "mimetic::Base64 codec;", "names the MIME library"),
+    ("plugin/a.cc", "#include <mimetic/mimetic.h>", "names the MIME library"),
+    ("standin/a.cc", "mimetic::Field field;", "names the MIME library"),
+    ("mime/a.cc", "#include <nlohmann/json.hpp>", "into the plug-in"),
+    ("host/a.cc", "#include <CLI/CLI.hpp>", "into the plug-in"),
+    ("text/a.cc", "#include <iconv.h>", "into the plug-in"),
+    ("host/a.cc", '#include "x.h"', "no file seen from the top"),
+    ("newroom/a.cc", "int x;", "has no rule"),
+]
+
+
+def self_test():
+    """Number of planted lines that were not judged as expected."""
+    failures = 0
+    for path, line, expected in PLANTED:
+        with tempfile.TemporaryDirectory() as name:
+            top = pathlib.Path(name)
+            for room in [*LAYERS, *OTHERS, "tests/unit/host", "tests/unit/mime", "tests/reference"]:
+                (top / room).mkdir(parents=True, exist_ok=True)
+                (top / room / "x.h").write_text("#pragma once\n")
+            (top / path).parent.mkdir(parents=True, exist_ok=True)
+            (top / path).write_text(line + "\n")
+            found = check(top)
+            good = not found if not expected else len(found) == 1 and expected in found[0]
+            if not good:
+                failures += 1
+                print(f"{path}: {line}: expected '{expected}', got {found}")
+    with tempfile.TemporaryDirectory() as name:
+        if not check(pathlib.Path(name)):
+            failures += 1
+            print("an empty project passes")
+    return failures
+
+
+def main():
+    if sys.argv[1] == "--self-test":
+        return 1 if self_test() else 0
+    found = check(pathlib.Path(sys.argv[1]))
+    for fault in found:
+        print(fault)
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
