@@ -130,14 +130,14 @@ ObjectRef NewDate(std::int64_t year, std::int64_t month, std::int64_t day, std::
   void* seven = host::entry::REALLoadObjectMethod(date.get(), kSevenArguments);
   ZQV_LOG("%s%s %p", "f1", seven);
   if (seven != nullptr) {
-    reinterpret_cast<SevenArguments>(seven)(date.get(), year, month, day, hour, minute, second,
-                                            kNoOffset);
+    host::ProcedureAt<SevenArguments>(seven)(date.get(), year, month, day, hour, minute, second,
+                                             kNoOffset);
     return date;
   }
   void* six = host::entry::REALLoadObjectMethod(date.get(), kSixArguments);
   ZQV_LOG("%s%s %p", "f2", six);
   if (six != nullptr) {
-    reinterpret_cast<SixArguments>(six)(date.get(), year, month, day, hour, minute, second);
+    host::ProcedureAt<SixArguments>(six)(date.get(), year, month, day, hour, minute, second);
     return date;
   }
   ZQV_LOG("%s%s", "Date Constructor 3 missing!?");

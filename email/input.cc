@@ -19,7 +19,7 @@ constexpr std::size_t kStreamBuffer = 0x100000;  // 1 MiB
 constexpr long kSlack = 4;                       // zero bytes after the last
 
 struct CloseFile {
-  void operator()(std::FILE* stream) const { std::fclose(stream); }
+  void operator()(std::FILE* stream) const { static_cast<void>(std::fclose(stream)); }
 };
 using Stream = std::unique_ptr<std::FILE, CloseFile>;
 
@@ -34,7 +34,7 @@ Stream OpenForReading(const std::string& path) {
     close(descriptor);
     return nullptr;
   }
-  std::setvbuf(stream.get(), nullptr, _IOFBF, kStreamBuffer);
+  static_cast<void>(std::setvbuf(stream.get(), nullptr, _IOFBF, kStreamBuffer));
   return stream;
 }
 
@@ -68,10 +68,9 @@ std::optional<MessageBytes> ReadFile(abi::REALobject file) {
     host::RaiseException(host::kIOException, "Failed to open file for reading.");
     return std::nullopt;
   }
-  std::fseek(stream.get(), 0, SEEK_END);
-  const long length = std::ftell(stream.get());
+  const long length = std::fseek(stream.get(), 0, SEEK_END) == 0 ? std::ftell(stream.get()) : -1;
   ZQV_LOG("%s%s %lu", "fileLen", static_cast<unsigned long>(length));
-  std::fseek(stream.get(), 0, SEEK_SET);
+  std::rewind(stream.get());
 
   // A directory claims the greatest length of all, a file that cannot be positioned a negative one.
   const std::size_t wanted = length > 0 ? static_cast<std::size_t>(length) : 0;

@@ -30,7 +30,7 @@ constexpr ArrayLayout kLayouts[] = {
     // clang-format on
 };
 static_assert(std::size(kLayouts) == 2);
-static_assert(kLayouts[std::size(kLayouts) - 1].from_version == 0.0, "every version has a layout");
+static_assert(kLayouts[1].from_version == 0.0, "every version has a layout");
 
 const ArrayLayout& Layout() {
   const ArrayLayout* row = kLayouts;
@@ -55,7 +55,8 @@ bool ArrayAccessSuccess = false;  // and it passed: elements may be read from th
 template <class Value>
 Value Peek(const void* array, std::size_t offset) {
   Value value;
-  std::memcpy(&value, static_cast<const char*>(array) + offset, sizeof value);
+  const char* source = static_cast<const char*>(array) + offset;
+  std::memcpy(&value, source, sizeof value);  // NOLINT(bugprone-sizeof-expression): a pointer is meant
   return value;
 }
 
@@ -90,8 +91,7 @@ void REALSetArrayValueInteger(abi::REALarray array, std::int64_t index, std::int
     std::memcpy(element, &value, sizeof value);
     return;
   }
-  const auto set =
-      reinterpret_cast<abi::IntegerArraySetProc>(entry::PluginIntegerArraySetProc(array));
+  const auto set = ProcedureAt<abi::IntegerArraySetProc>(entry::PluginIntegerArraySetProc(array));
   if (set != nullptr) set(array, value, index);
 }
 
@@ -99,8 +99,7 @@ std::int64_t REALGetArrayValueInteger(abi::REALarray array, std::int64_t index) 
   if (!IsAccessible(array, index)) return 0;
   if (const char* element = DirectElement(array, index); element != nullptr)
     return Peek<std::int64_t>(element, 0);
-  const auto get =
-      reinterpret_cast<abi::IntegerArrayGetProc>(entry::PluginIntegerArrayGetProc(array));
+  const auto get = ProcedureAt<abi::IntegerArrayGetProc>(entry::PluginIntegerArrayGetProc(array));
   return get != nullptr ? get(array, index) : 0;
 }
 
@@ -171,7 +170,7 @@ void AppendObject(abi::REALarray array, abi::REALobject object) {
   // refuse. Test: MissingEntryPoints.EveryListSurvives.
   const std::int64_t index = UpperBound(array) + 1;
   const auto insert =
-      reinterpret_cast<abi::ObjectArrayInsertProc>(entry::PluginObjectArrayInsertProc(array));
+      ProcedureAt<abi::ObjectArrayInsertProc>(entry::PluginObjectArrayInsertProc(array));
   if (insert != nullptr) insert(array, index, object);
 }
 

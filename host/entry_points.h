@@ -19,6 +19,12 @@ void SetHostVersion(double version);
 // The address of a host entry point, or null. Asks the resolver each time; see EntryPoint.
 void* Resolve(const char* name);
 
+// A function that the host hands out by address; null stays null.
+template <class Function>
+Function ProcedureAt(void* address) {
+  return reinterpret_cast<Function>(address);
+}
+
 template <class Signature>
 class EntryPoint;
 
@@ -33,7 +39,7 @@ class EntryPoint<Result(Arguments...)> {
   // The host's function, or null when the host lacks it. Found addresses are never asked for
   // again; an entry point that is missing is asked for at every use.
   Function Find() {
-    if (function_ == nullptr) function_ = reinterpret_cast<Function>(Resolve(name_));
+    if (function_ == nullptr) function_ = ProcedureAt<Function>(Resolve(name_));
     return function_;
   }
 

@@ -82,10 +82,11 @@ void RaiseOutOfBoundsException(std::int64_t value, std::int64_t count) noexcept 
   if (message == nullptr) return RaiseException(kOutOfBoundsException, "Out of Bounds");
   // QUIRK: the two empty strings leave two blanks after "index". Applications know the text so.
   // Test: OutOfBoundsMessage.KeepsTwoBlanksAfterIndex.
-  std::snprintf(message.get(), kSize,
-                "The parameter %s %s%s is too %s. Range is %lld to %lld, but value is %lld.",
-                "index", "", "", value < 0 ? "small" : "big", 0LL,
-                static_cast<long long>(count - 1), static_cast<long long>(value));
+  static_cast<void>(
+      std::snprintf(message.get(), kSize,
+                    "The parameter %s %s%s is too %s. Range is %lld to %lld, but value is %lld.",
+                    "index", "", "", value < 0 ? "small" : "big", 0LL,
+                    static_cast<long long>(count - 1), static_cast<long long>(value)));
   RaiseException(kOutOfBoundsException, message.get());
 }
 

@@ -13,7 +13,7 @@ void LogMessageX(const char* format, ...) {
   char text[4096] = {};
   va_list arguments;
   va_start(arguments, format);
-  std::vsnprintf(text, sizeof text, format, arguments);
+  static_cast<void>(std::vsnprintf(text, sizeof text, format, arguments));
   va_end(arguments);
   WriteLogLine(text);
 }

@@ -36,13 +36,15 @@ struct ObjectTraits {
   static void GiveBack(Raw object) { entry::REALUnlockObject(object); }
 };
 
-// An array is counted as the object that it is.
+// An array is an object: it is counted as one, and a Variant holds it as one.
+inline abi::REALobject AsObject(abi::REALarray array) {
+  return reinterpret_cast<abi::REALobject>(array);
+}
+
 struct ArrayTraits {
   using Raw = abi::REALarray;
-  static bool Add(Raw array) { return ObjectTraits::Add(reinterpret_cast<abi::REALobject>(array)); }
-  static void GiveBack(Raw array) {
-    ObjectTraits::GiveBack(reinterpret_cast<abi::REALobject>(array));
-  }
+  static bool Add(Raw array) { return ObjectTraits::Add(AsObject(array)); }
+  static void GiveBack(Raw array) { ObjectTraits::GiveBack(AsObject(array)); }
 };
 
 // An owner of one count on a host thing, or of nothing.

@@ -11,8 +11,8 @@ using LenB = abi::RBInteger (*)(abi::REALstring);
 LenB FindLenB() {
   static LenB cached = nullptr;
   if (cached == nullptr) {
-    cached = reinterpret_cast<LenB>(
-        entry::REALLoadGlobalMethod(nullptr, "LenB( s as string ) as integer"));
+    cached =
+        ProcedureAt<LenB>(entry::REALLoadGlobalMethod(nullptr, "LenB( s as string ) as integer"));
   }
   return cached;
 }

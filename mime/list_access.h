@@ -40,7 +40,7 @@ struct ListAccess {
   // The array with one lock for the application; nil when there is none.
   static abi::REALarray Whole(abi::REALobject self) { return GetStored<Field>(self); }
   static abi::REALobject Variant(abi::REALobject self) {
-    return reinterpret_cast<abi::REALobject>(GetStored<Field>(self));
+    return host::AsObject(GetStored<Field>(self));
   }
 
   // The element with one lock for the application; raises when `index` is outside.

@@ -6,8 +6,8 @@
 #include <memory>
 #include <stdexcept>
 
+#include "host/stack.h"
 #include "mime/header_loader.h"
-#include "mime/stack.h"
 
 namespace zqv::mime {
 namespace {
@@ -25,7 +25,7 @@ class ParseLimits {
 
  private:
   static std::size_t MeasureLevels(std::size_t levels) {
-    const std::optional<std::size_t> left = StackLeft();
+    const std::optional<std::size_t> left = host::StackLeft();
     if (!left.has_value()) return kLevelsUnknown;
     if (*left <= kStackReserve) return levels;
     return levels + (*left - kStackReserve) / kStackPerLevel;

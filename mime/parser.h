@@ -26,7 +26,7 @@ inline constexpr std::size_t kStackPerLevel = 1'800;
 #endif
 
 // Stack that is left alone: what the host and its callbacks need beyond the deepest level.
-inline constexpr std::size_t kStackReserve = 24 * 1024;
+inline constexpr std::size_t kStackReserve = 24'576;
 
 // Levels that are always allowed, without looking at the stack: ordinary mail has up to about six.
 inline constexpr std::size_t kLevelsUnmeasured = 8;

@@ -1,4 +1,4 @@
-#include "mime/stack.h"
+#include "host/stack.h"
 
 #include <pthread.h>
 
@@ -23,7 +23,7 @@ extern "C" {
 
 #endif
 
-namespace zqv::mime {
+namespace zqv::host {
 namespace {
 
 // The lowest address that the calling thread's stack may grow down to.
@@ -60,4 +60,4 @@ std::optional<std::size_t> StackLeft() {
   return here > *end ? here - *end : 0;
 }
 
-}  // namespace zqv::mime
+}  // namespace zqv::host

@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <optional>
 
-namespace zqv::mime {
+namespace zqv::host {
 
 // Bytes between the caller's frame and the end of its stack; nothing when the system does not say.
 std::optional<std::size_t> StackLeft();
 
-}  // namespace zqv::mime
+}  // namespace zqv::host
