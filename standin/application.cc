@@ -1,0 +1,409 @@
+// Reading members and calling methods by their registered tables.
+//
+// Every call into the plug-in is: find the member, put the arguments into registers, call, take the
+// result over, deliver the pending exception. The result is taken over before the exception is
+// thrown, so that unwinding gives its lock back.
+#include "standin/application.h"
+
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+#include "standin/convert.h"
+#include "standin/fatal.h"
+#include "standin/host.h"
+#include "standin/invoke.h"
+
+namespace zqv::standin {
+namespace {
+
+constexpr const char* kUser = "application";
+constexpr std::string_view kConstructor = "Constructor";
+
+[[noreturn]] void Refuse(const std::string& message) { throw std::invalid_argument(message); }
+
+Host& TheHost() { return Host::Get(kUser); }
+
+const ClassInfo& ClassNamed(std::string_view name) {
+  const ClassInfo* const info = TheHost().classes().Find(name);
+  if (info == nullptr) Refuse("there is no class " + std::string(name));
+  return *info;
+}
+
+const ClassInfo& ClassOfObject(const Object& object) {
+  if (object.IsNil()) Refuse("a member of nil");
+  const ClassInfo* const info = ClassOf(*object.thing());
+  if (info == nullptr) Refuse("an array has no members");
+  return *info;
+}
+
+// One call into the plug-in: whatever was pending before is a stray, what is pending afterwards
+// belongs to this call.
+class Delivery {
+ public:
+  Delivery() : host_(TheHost()) { host_.DropStray(); }
+
+  // Throws the pending exception, if there is one.
+  void Deliver() const {
+    NativeThing* const pending = host_.TakePending();
+    if (pending == nullptr) return;
+    const Object owner = Object::Adopt(pending);
+    const auto& state = std::get<ExceptionState>(*pending->state);
+    std::string message;
+    if (state.message != nullptr) {
+      const std::string_view bytes = state.message->bytes();
+      message = Convert(bytes, state.message->encoding, abi::kUtf8).value_or(std::string(bytes));
+    }
+    throw HostException(owner.ClassName(), std::move(message), state.error_number);
+  }
+
+ private:
+  Host& host_;
+};
+
+// The message for a result of another type than the declaration promises.
+std::string Expected(const std::string& name, const TypeText& type, const Thing& thing) {
+  return name + ": the result is not " + type.name + (type.is_array ? "()" : "") + " but " +
+         Describe(thing);
+}
+
+// Takes over the one lock of a reference that the plug-in returned; fatal when it is not of the
+// declared type.
+Value Receive(std::int64_t raw, TypeKind kind, const TypeText& type, const std::string& name) {
+  if (raw == 0) return std::monostate();
+  const Store& store = TheHost().store();
+  const void* const pointer = reinterpret_cast<const void*>(raw);
+  if (kind == TypeKind::kString) return String::Adopt(store.String(pointer, name.c_str()));
+  Thing* const thing = store.Object(pointer, name.c_str());
+  const ClassInfo* const info = ClassOf(*thing);
+  bool fits = true;
+  if (kind == TypeKind::kArray) {
+    fits = thing->kind == ThingKind::kArray;
+  } else if (kind == TypeKind::kObject) {
+    const ClassInfo* const wanted = TheHost().classes().Find(type.name);
+    fits = info != nullptr && wanted != nullptr && info->IsA(*wanted);
+  }
+  if (!fits) Fatal(Expected(name, type, *thing));
+  return Object::Adopt(thing);
+}
+
+// Calls by the result's kind, which decides the register that the result comes back in.
+Value CallFor(TypeKind kind, const TypeText& type, abi::REALproc function,
+              const CallArguments& arguments, const std::string& name) {
+  switch (kind) {
+    case TypeKind::kNothing:
+      CallNothing(function, arguments, name);
+      return std::monostate();
+    case TypeKind::kBoolean:
+      return CallBoolean(function, arguments, name);
+    case TypeKind::kInteger:
+      return CallInteger(function, arguments, name);
+    case TypeKind::kDouble:
+      return CallDouble(function, arguments, name);
+    default:
+      return Receive(CallInteger(function, arguments, name), kind, type, name);
+  }
+}
+
+// The standard getter: the field's value, with a lock for the application.
+Value ReadField(const ClassInfo& info, const Property& property, const Thing& object) {
+  const std::string& name = property.full_name;
+  if (info.definition->forSystemUse != static_cast<abi::RBInteger>(info.offset)) {
+    Fatal(info.name + ": the definition's forSystemUse was changed");
+  }
+  const char* const start = static_cast<const char*>(static_cast<const void*>(&object));
+  const char* const field = start + info.offset + property.row->param;
+  if (property.kind == TypeKind::kBoolean) {
+    if (*field != 0 && *field != 1) Fatal(name + ": neither 0 nor 1");
+    return *field != 0;
+  }
+  std::int64_t raw = 0;
+  std::memcpy(&raw, field, sizeof raw);
+  if (property.kind == TypeKind::kInteger) return raw;
+  if (property.kind == TypeKind::kDouble) {
+    double number = 0;
+    std::memcpy(&number, field, sizeof number);
+    return number;
+  }
+  if (raw == 0) return std::monostate();
+  TheHost().ledger().CheckAlive(reinterpret_cast<const void*>(raw), name.c_str());
+  AddLock(reinterpret_cast<Thing*>(raw));
+  return Receive(raw, property.kind, property.type, name);
+}
+
+// A getter function; a pending exception is delivered.
+Value CallGetter(const Property& property, const CallArguments& arguments) {
+  const Delivery delivery;
+  Value value =
+      CallFor(property.kind, property.type, property.row->getter, arguments, property.full_name);
+  delivery.Deliver();
+  return value;
+}
+
+// A property of one of the host's own classes. No code of the plug-in runs.
+Value ReadNative(const Object& object, const ClassInfo& info, std::string_view name) {
+  const NativeProperty* const property =
+      FindNativeProperty(info, name, TheHost().capabilities().missing_properties);
+  if (property == nullptr) Refuse(info.name + " has no property " + std::string(name));
+  const auto& thing = *static_cast<const NativeThing*>(object.thing());
+  if (property->kind == TypeKind::kInteger) return ReadInteger(thing, *property);
+  if (property->kind == TypeKind::kDouble) return ReadDouble(thing, *property);
+  if (property->owner == NativeKind::kFolderItem) return MakeString(ReadPath(thing, *property));
+  StringThing* const message = std::get<ExceptionState>(*thing.state).message;
+  if (message == nullptr) return std::monostate();
+  AddLock(message);
+  return String::Adopt(message);
+}
+
+// A property and the class, of the object's line, that has it.
+struct FoundProperty {
+  const ClassInfo* info;
+  const Property* property;
+};
+
+// `table` is the member of ClassInfo to search: the properties or the shared ones.
+FoundProperty FindProperty(const ClassInfo& info, std::vector<Property> ClassInfo::*table,
+                           std::string_view name) {
+  for (const ClassInfo* c = &info; c != nullptr; c = c->super) {
+    for (const Property& property : c->*table) {
+      if (SameName(property.name, name)) return {c, &property};
+    }
+  }
+  Refuse(info.name + " has no property " + std::string(name));
+}
+
+// Adds one argument to the call; false when it does not fit the parameter.
+bool Marshal(const TypeText& type, const Value& value, CallArguments* call) {
+  const TypeKind kind = KindOf(type);
+  if (kind == TypeKind::kBoolean) {
+    const bool* const boolean = std::get_if<bool>(&value);
+    if (boolean != nullptr) call->Add(std::int64_t{*boolean});
+    return boolean != nullptr;
+  }
+  if (kind == TypeKind::kInteger) {
+    const std::int64_t* const integer = std::get_if<std::int64_t>(&value);
+    if (integer != nullptr) call->Add(*integer);
+    return integer != nullptr;
+  }
+  if (kind == TypeKind::kDouble) {
+    const double* const number = std::get_if<double>(&value);
+    if (number != nullptr) call->AddDouble(*number);
+    return number != nullptr;
+  }
+  if (IsNil(value)) {
+    call->Add(nullptr);
+    return true;
+  }
+  if (kind == TypeKind::kString) {
+    const String* const string = std::get_if<String>(&value);
+    if (string != nullptr) call->Add(string->thing());
+    return string != nullptr;
+  }
+  const Object* const object = std::get_if<Object>(&value);
+  if (object == nullptr) return false;
+  call->Add(object->thing());
+  if (object->IsNil() || kind == TypeKind::kVariant) return true;
+  return kind == TypeKind::kArray ? object->IsArray() : object->IsA(type.name);
+}
+
+// Adds all arguments; false when their number or one of them does not fit.
+bool Marshal(const Declaration& declaration, const std::vector<Value>& values,
+             CallArguments* call) {
+  if (declaration.parameters.size() != values.size()) return false;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (!Marshal(declaration.parameters[i].type, values[i], call)) return false;
+  }
+  return true;
+}
+
+// "Parts as Thing()" and "Parts(...)" are whole; "Parts" is only a name.
+bool IsWholeDeclaration(std::string_view text, const Declaration& declaration) {
+  return text.find('(') != std::string_view::npos || !declaration.result.name.empty();
+}
+
+// The one method of the class line that `text` and the arguments leave.
+const Method& FindMethod(const ClassInfo& info, std::vector<Method> ClassInfo::*table,
+                         std::string_view text, const std::vector<Value>& values) {
+  const std::optional<Declaration> wanted = ParseDeclaration(text);
+  if (!wanted) Refuse("not a declaration: " + std::string(text));
+  const bool whole = IsWholeDeclaration(text, *wanted);
+  const Method* found = nullptr;
+  bool name_exists = false;
+  for (const ClassInfo* c = &info; c != nullptr && found == nullptr; c = c->super) {
+    for (const Method& method : c->*table) {
+      if (!SameName(method.declaration.name, wanted->name)) continue;
+      name_exists = true;
+      if (whole && !SameDeclaration(method.declaration, *wanted)) continue;
+      CallArguments scratch;
+      if (!Marshal(method.declaration, values, &scratch)) continue;
+      if (found != nullptr) Refuse(std::string(text) + ": more than one method fits");
+      found = &method;
+    }
+    // A class's own constructors hide those of its super class.
+    if (name_exists && SameName(wanted->name, kConstructor)) break;
+  }
+  if (!name_exists) Refuse(info.name + " has no method " + std::string(text));
+  if (found == nullptr) Refuse(std::string(text) + ": the arguments fit no such method");
+  if ((found->flags & (abi::kFlagPrivate | abi::kFlagProtected)) != 0) {
+    Refuse(info.name + "." + std::string(text) + " is private");
+  }
+  return *found;
+}
+
+std::int64_t LocksOf(const Value& value) {
+  if (const auto* const string = std::get_if<String>(&value)) return string->locks();
+  if (const auto* const object = std::get_if<Object>(&value)) return object->locks();
+  return 0;
+}
+
+// `instance` is null for a shared method. The arguments have been found to fit.
+Value Invoke(const Method& method, Thing* instance, const std::vector<Value>& values) {
+  const std::string& name = method.full_name;
+  CallArguments arguments;
+  if (instance != nullptr) arguments.Add(instance);
+  static_cast<void>(Marshal(method.declaration, values, &arguments));
+  std::vector<std::int64_t> locks_before;
+  locks_before.reserve(values.size());
+  for (const Value& value : values) locks_before.push_back(LocksOf(value));
+  const Delivery delivery;
+  Value result =
+      CallFor(method.result_kind, method.declaration.result, method.row->function, arguments, name);
+  if (TheHost().CountsLocks()) {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      if (LocksOf(values[i]) >= locks_before[i]) continue;
+      Fatal(name + ": a borrowed argument has fewer locks after the call");
+    }
+  }
+  delivery.Deliver();
+  return result;
+}
+
+// The block's memory is exactly as long as `bytes`, so that reading past it shows.
+Object NewMemoryBlock(std::string_view bytes, std::int64_t size) {
+  NativeThing* const thing = TheHost().store().NewNative(ClassNamed("MemoryBlock"), kUser);
+  auto& block = std::get<MemoryBlock>(*thing->state);
+  block.bytes = std::make_unique<char[]>(bytes.size());
+  if (!bytes.empty()) std::memcpy(block.bytes.get(), bytes.data(), bytes.size());
+  block.size = size;
+  return Object::Adopt(thing);
+}
+
+}  // namespace
+
+HostException::HostException(std::string class_name_text, std::string message_text,
+                             std::int64_t number)
+    : class_name(std::move(class_name_text)),
+      message(std::move(message_text)),
+      error_number(number),
+      what_(class_name + ": " + message) {}
+
+String MakeString(std::string_view bytes, abi::Encoding encoding) {
+  if (bytes.empty()) return {};
+  return String::Adopt(TheHost().store().NewString(bytes, encoding, kUser));
+}
+
+String MakeEmptyString(abi::Encoding encoding) {
+  return String::Adopt(TheHost().store().NewString({}, encoding, kUser));
+}
+
+Object MakeMemoryBlock(std::string_view bytes) {
+  return NewMemoryBlock(bytes, static_cast<std::int64_t>(bytes.size()));
+}
+
+Object MakeMemoryBlockOfUnknownSize(std::string_view bytes) { return NewMemoryBlock(bytes, -1); }
+
+Object MakeMemoryBlockWithoutPointer(std::int64_t size) {
+  Object block = NewMemoryBlock({}, size);
+  auto& state = *static_cast<NativeThing*>(block.thing())->state;
+  std::get<MemoryBlock>(state).bytes.reset();
+  return block;
+}
+
+Object MakeFolderItem(std::string_view path) {
+  NativeThing* const thing = TheHost().store().NewNative(ClassNamed("FolderItem"), kUser);
+  *thing->state = FolderItem{std::string(path), FileUrl(path)};
+  return Object::Adopt(thing);
+}
+
+Object NewInstance(std::string_view class_name) {
+  const ClassInfo& info = ClassNamed(class_name);
+  return Object::Adopt(TheHost().store().NewObject(info, kUser));
+}
+
+Value Get(const Object& object, std::string_view property) {
+  const ClassInfo& info = ClassOfObject(object);
+  if (info.native != NativeKind::kNone) return ReadNative(object, info, property);
+  const FoundProperty found = FindProperty(info, &ClassInfo::properties, property);
+  if (found.property->is_standard) {
+    return ReadField(*found.info, *found.property, *object.thing());
+  }
+  CallArguments arguments;
+  arguments.Add(object.thing());
+  arguments.Add(std::int64_t{found.property->row->param});
+  return CallGetter(*found.property, arguments);
+}
+
+Value GetShared(std::string_view class_name, std::string_view property) {
+  const FoundProperty found =
+      FindProperty(ClassNamed(class_name), &ClassInfo::shared_properties, property);
+  return CallGetter(*found.property, {});
+}
+
+void SetShared(std::string_view class_name, std::string_view property, const Value& value) {
+  const FoundProperty found =
+      FindProperty(ClassNamed(class_name), &ClassInfo::shared_properties, property);
+  if (found.property->row->setter == nullptr) Refuse(std::string(property) + " is read-only");
+  CallArguments arguments;
+  if (!Marshal(found.property->type, value, &arguments)) {
+    Refuse(std::string(property) + ": the value does not fit");
+  }
+  const Delivery delivery;
+  CallNothing(found.property->row->setter, arguments, found.property->full_name);
+  delivery.Deliver();
+}
+
+Value CallWith(const Object& object, std::string_view method, const std::vector<Value>& arguments) {
+  const ClassInfo& info = ClassOfObject(object);
+  return Invoke(FindMethod(info, &ClassInfo::methods, method, arguments), object.thing(),
+                arguments);
+}
+
+Value CallSharedWith(std::string_view class_name, std::string_view method,
+                     const std::vector<Value>& arguments) {
+  const ClassInfo& info = ClassNamed(class_name);
+  return Invoke(FindMethod(info, &ClassInfo::shared_methods, method, arguments), nullptr,
+                arguments);
+}
+
+Object ConstructWith(std::string_view class_name, std::string_view constructor,
+                     const std::vector<Value>& arguments) {
+  const ClassInfo& info = ClassNamed(class_name);
+  const Method& found = FindMethod(info, &ClassInfo::methods, constructor, arguments);
+  if (!SameName(found.declaration.name, kConstructor)) {
+    Refuse(std::string(constructor) + " is no constructor");
+  }
+  Object object = NewInstance(class_name);
+  Invoke(found, object.thing(), arguments);
+  return object;
+}
+
+abi::REALproc FunctionOf(std::string_view class_name, std::string_view declaration) {
+  const std::optional<Declaration> wanted = ParseDeclaration(declaration);
+  const ClassInfo& info = ClassNamed(class_name);
+  for (const auto* table : {&info.methods, &info.shared_methods}) {
+    for (const Method& method : *table) {
+      if (wanted && SameDeclaration(method.declaration, *wanted)) return method.row->function;
+    }
+  }
+  Refuse(info.name + " has no method " + std::string(declaration));
+}
+
+std::string BytesOf(const Value& value) {
+  return IsNil(value) ? std::string() : std::string(std::get<String>(value).bytes());
+}
+
+Object ObjectOf(const Value& value) { return IsNil(value) ? Object() : std::get<Object>(value); }
+
+}  // namespace zqv::standin

@@ -1,0 +1,102 @@
+// A reader for one line of the host's declaration syntax: name, parameters in parentheses, "as" and
+// a type. Blanks separate; keywords ignore case; there is nothing else in the grammar.
+#include "standin/declaration.h"
+
+#include <cstddef>
+#include <utility>
+
+#include "standin/text.h"
+
+namespace zqv::standin {
+namespace {
+
+bool IsNameByte(char c) {
+  const char lower = LowerAscii(c);
+  return (lower >= 'a' && lower <= 'z') || (c >= '0' && c <= '9') || c == '_';
+}
+
+// Reads words and punctuation from the front of a text, skipping blanks.
+class Reader {
+ public:
+  explicit Reader(std::string_view text) : text_(text) { SkipBlanks(); }
+
+  bool AtEnd() const { return text_.empty(); }
+
+  bool Take(char c) {
+    if (text_.empty() || text_.front() != c) return false;
+    text_.remove_prefix(1);
+    SkipBlanks();
+    return true;
+  }
+
+  std::string TakeName() {
+    std::size_t length = 0;
+    while (length < text_.size() && IsNameByte(text_[length])) ++length;
+    std::string name(text_.substr(0, length));
+    text_.remove_prefix(length);
+    SkipBlanks();
+    return name;
+  }
+
+  // "as" and the type after it; false when the type is not there.
+  bool TakeType(TypeText* type) {
+    if (!SameName(TakeName(), "as")) return false;
+    type->name = TakeName();
+    if (Take('(')) {
+      if (!Take(')')) return false;
+      type->is_array = true;
+    }
+    return !type->name.empty();
+  }
+
+ private:
+  void SkipBlanks() {
+    while (!text_.empty() && text_.front() == ' ') text_.remove_prefix(1);
+  }
+
+  std::string_view text_;
+};
+
+bool TakeParameters(Reader* reader, std::vector<Parameter>* parameters) {
+  if (!reader->Take('(')) return true;
+  if (reader->Take(')')) return true;
+  do {
+    Parameter parameter;
+    parameter.name = reader->TakeName();
+    if (parameter.name.empty() || !reader->TakeType(&parameter.type)) return false;
+    parameters->push_back(std::move(parameter));
+  } while (reader->Take(','));
+  return reader->Take(')');
+}
+
+std::string LowerType(const TypeText& type) {
+  return LowerName(type.name) + (type.is_array ? "()" : "");
+}
+
+}  // namespace
+
+std::optional<Declaration> ParseDeclaration(std::string_view text) {
+  Reader reader(text);
+  Declaration declaration;
+  declaration.name = reader.TakeName();
+  if (declaration.name.empty()) return std::nullopt;
+  if (!TakeParameters(&reader, &declaration.parameters)) return std::nullopt;
+  if (!reader.AtEnd() && !reader.TakeType(&declaration.result)) return std::nullopt;
+  if (!reader.AtEnd()) return std::nullopt;
+  return declaration;
+}
+
+std::string Signature(const Declaration& declaration) {
+  std::string signature = LowerName(declaration.name) + "(";
+  for (const Parameter& parameter : declaration.parameters) {
+    if (signature.back() != '(') signature += ",";
+    signature += LowerType(parameter.type);
+  }
+  return signature + ")";
+}
+
+bool SameDeclaration(const Declaration& left, const Declaration& right) {
+  return Signature(left) == Signature(right) && LowerType(left.result) == LowerType(right.result);
+}
+
+}  // namespace zqv::standin

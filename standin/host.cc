@@ -1,0 +1,163 @@
+// The one running host, the table of entry points made from the shared list, and what every call
+// goes through: mark that the host runs, count, apply the fault, do the work.
+#include "standin/host.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "standin/fatal.h"
+#include "standin/invoke.h"
+#include "standin/text.h"
+
+namespace zqv::standin {
+namespace {
+
+Host* current = nullptr;  // the resolver has no context to carry it
+
+// What the resolver gives for one entry point: counts, applies the fault, then does the work.
+template <EntryId kId, auto kBody>
+struct Counted;
+
+template <EntryId kId, typename Result, typename... Arguments, Result (*kBody)(Arguments...)>
+struct Counted<kId, kBody> {
+  static Result Call(Arguments... arguments) {
+    const PluginScope scope(false);
+    if (Host::Get("an entry point").Enter(kId)) return Result();
+    return kBody(arguments...);
+  }
+};
+
+// An entry point's name and what the resolver gives for it.
+struct EntryRow {
+  std::string_view name;
+  void* address;
+};
+
+const std::array<EntryRow, kEntryCount>& Entries() {
+  static const std::array<EntryRow, kEntryCount> kEntries = {{
+#define ZQV_ENTRY_POINT(name, result, arguments, ownership) \
+  {#name, reinterpret_cast<void*>(&Counted<k##name, &entry::name>::Call)},
+#include "abi/entry_points.def"
+  }};
+  return kEntries;
+}
+
+// Nothing for a name that no host has.
+std::optional<EntryId> FindEntry(std::string_view name) {
+  for (std::size_t i = 0; i < kEntryCount; ++i) {
+    if (Entries()[i].name == name) return static_cast<EntryId>(i);
+  }
+  return std::nullopt;
+}
+
+// Fatal for such a name.
+EntryId EntryOf(std::string_view name) {
+  const std::optional<EntryId> id = FindEntry(name);
+  if (!id) Fatal("there is no entry point \"" + std::string(name) + "\"");
+  return *id;
+}
+
+}  // namespace
+
+std::unique_ptr<Host> Host::Start(Capabilities capabilities) {
+  if (current != nullptr) Fatal("a second host in one process");
+  return std::unique_ptr<Host>(new Host(std::move(capabilities)));
+}
+
+Host::Host(Capabilities capabilities)
+    : capabilities_(std::move(capabilities)), store_(capabilities_) {
+  current = this;
+  for (const auto& [name, fault] : capabilities_.faults) SetFault(name, fault);
+}
+
+Host::~Host() { current = nullptr; }
+
+Host* Host::Current() { return current; }
+
+Host& Host::Get(const char* user) {
+  if (current == nullptr) Fatal(std::string(user) + " is called while no host lives");
+  return *current;
+}
+
+abi::Resolver Host::resolver() const { return &Host::Resolve; }
+
+void* Host::Resolve(const char* name) {
+  const PluginScope scope(false);
+  Host& host = Get("the resolver");
+  if (name == nullptr) Fatal("the resolver is asked for a null name");
+  const std::optional<EntryId> id = FindEntry(name);
+  if (!id) {
+    ++host.strange_names_;
+    return nullptr;
+  }
+  EntryState& state = host.entries_[*id];
+  ++state.askings;
+  if (state.fault && state.fault->kind == Fault::Kind::kMissing) return nullptr;
+  if (*id == kREALGetStringCFString && !host.capabilities_.platform_string) return nullptr;
+  return Entries()[*id].address;
+}
+
+const Host::EntryState& Host::State(std::string_view name) const { return entries_[EntryOf(name)]; }
+
+std::uint64_t Host::CallCount(std::string_view name) const { return State(name).calls; }
+
+std::uint64_t Host::ResolveCount(std::string_view name) const { return State(name).askings; }
+
+void Host::SetFault(std::string_view name, std::optional<Fault> fault) {
+  const EntryId id = EntryOf(name);
+  entries_[id].fault = fault;
+  if (!fault) return;
+  if (id == kPluginRegisterClass || id == kRegisterPluginVersion) {
+    classes_.ExpectGaps();
+  }
+  const bool of_objects = id == kREALLockObject || id == kREALUnlockObject;
+  const bool of_strings = id == kREALLockString || id == kREALUnlockString;
+  if (of_objects) store_.MakeImmortal(ThingKind::kObject);
+  if (of_strings) store_.MakeImmortal(ThingKind::kString);
+  if (of_objects || of_strings) counts_locks_ = false;
+}
+
+bool Host::Enter(EntryId id) {
+  ++total_calls_;
+  EntryState& state = entries_[id];
+  ++state.calls;
+  if (!state.fault || state.calls < state.fault->from_call) return false;
+  if (state.calls - state.fault->from_call >= state.fault->calls) return false;
+  switch (state.fault->kind) {
+    case Fault::Kind::kMissing:
+      return false;
+    case Fault::Kind::kNothing:
+      return true;
+    case Fault::Kind::kThrows:
+      throw std::runtime_error("fault of " + std::string(Entries()[id].name));
+    case Fault::Kind::kThrowsInt:
+      throw 42;
+  }
+  return false;
+}
+
+bool Host::IsUnknownClass(std::string_view name) const {
+  for (const std::string& unknown : capabilities_.unknown_classes) {
+    if (SameName(unknown, name)) return true;
+  }
+  return false;
+}
+
+NativeThing* Host::TakePending() { return std::exchange(pending_, nullptr); }
+
+void Host::Raise(NativeThing* exception) {
+  if (pending_ != nullptr) {
+    ++dropped_exceptions_;
+    return;
+  }
+  store_.Lock(exception, "RuntimeRaiseException");
+  pending_ = exception;
+}
+
+void Host::DropStray() {
+  if (pending_ == nullptr) return;
+  ++stray_exceptions_;
+  store_.Unlock(TakePending(), "the host");
+}
+
+}  // namespace zqv::standin

@@ -1,0 +1,198 @@
+// The walk keeps a stack of places still to be filled. Opening an object reads all its members
+// first and makes their places; only then do the objects among them go on the stack, so that no
+// place moves while it is waiting.
+#include "standin/mirror.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "standin/application.h"
+#include "standin/convert.h"
+#include "standin/host.h"
+
+namespace zqv::standin {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// Every byte can be told from the result.
+std::string Escape(std::string_view bytes) {
+  static constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string text;
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == '\\') {
+      text += "\\\\";
+    } else if (byte >= 0x20 && byte < 0x7F) {
+      text += c;
+    } else {
+      text += "\\x";
+      text += kDigits[byte >> 4U];
+      text += kDigits[byte & 15U];
+    }
+  }
+  return text;
+}
+
+class Walk {
+ public:
+  explicit Walk(const MirrorOptions& options) : options_(options) {}
+
+  void Run(const Object& top, Json* result) {
+    Put(top, result, "", 0);
+    while (!waiting_.empty()) {
+      Item item = std::move(waiting_.back());
+      waiting_.pop_back();
+      Open(item);
+    }
+  }
+
+ private:
+  // An object or array still to be written. `place` stays valid: a container is filled with all
+  // its members before any of them is opened.
+  struct Item {
+    Object object;
+    Json* place;
+    std::string path;
+    std::size_t depth;
+  };
+  struct Member {
+    std::string name;
+    Value value;
+    bool is_variant;
+  };
+  // Held, so that no later object can have the address of an earlier one.
+  struct Seen {
+    Object object;
+    std::string path;
+  };
+
+  // Writes a plain value; an object's place stays null until its turn comes.
+  void Put(const Value& value, Json* place, const std::string& path, std::size_t depth) {
+    if (const auto* const object = std::get_if<Object>(&value)) {
+      if (!object->IsNil()) waiting_.push_back({*object, place, path, depth});
+    } else if (const auto* const string = std::get_if<String>(&value)) {
+      *place = MirrorText(*string);
+    } else if (const auto* const boolean = std::get_if<bool>(&value)) {
+      *place = *boolean;
+    } else if (const auto* const integer = std::get_if<std::int64_t>(&value)) {
+      *place = *integer;
+    } else if (const auto* const number = std::get_if<double>(&value)) {
+      *place = *number;
+    }
+  }
+
+  void Open(const Item& item) {
+    first_new_ = waiting_.size();
+    const Thing* const thing = item.object.thing();
+    if (item.depth > options_.max_depth) {
+      *item.place = {{"cut", item.object.ClassName()}};
+      return;
+    }
+    const auto [seen, is_new] = seen_.emplace(thing, Seen{item.object, item.path});
+    if (!is_new && !options_.repeat_shared) {
+      *item.place = {{"same", seen->second.path}};
+      return;
+    }
+    const ClassInfo* const info = ClassOf(*thing);
+    if (info == nullptr) {
+      OpenArray(item);
+    } else if (info->native != NativeKind::kNone) {
+      OpenNative(item, *info);
+    } else {
+      OpenObject(item, *info);
+    }
+    // The last one pushed is opened next, and that should be the first member.
+    std::reverse(waiting_.begin() + static_cast<std::ptrdiff_t>(first_new_), waiting_.end());
+  }
+
+  void OpenNative(const Item& item, const ClassInfo& info) {
+    if (info.native == NativeKind::kDate) {
+      const auto& state = *static_cast<const NativeThing*>(item.object.thing())->state;
+      *item.place = std::get<Date>(state).IsoText();
+    } else {
+      *item.place = {{"class", info.name}};
+    }
+  }
+
+  void OpenArray(const Item& item) {
+    *item.place = Json::array();
+    const std::int64_t size = item.object.Size();
+    for (std::int64_t i = 0; i < size; ++i) item.place->push_back(nullptr);
+    for (std::int64_t i = 0; i < size; ++i) {
+      Put(item.object.At(i), &(*item.place)[static_cast<std::size_t>(i)],
+          item.path + "/" + std::to_string(i), item.depth + 1);
+    }
+  }
+
+  void OpenObject(const Item& item, const ClassInfo& info) {
+    std::vector<Member> members;
+    Collect(item.object, info, &members);
+    *item.place = {{"class", info.name}};
+    for (const Member& member : members) (*item.place)[member.name] = nullptr;
+    // A Variant shows what another member shows by its own type, so it comes last.
+    for (const bool variants : {false, true}) {
+      for (const Member& member : members) {
+        if (member.is_variant != variants) continue;
+        Put(member.value, &(*item.place)[member.name], item.path + "/" + member.name,
+            item.depth + 1);
+      }
+    }
+  }
+
+  // Reads the members, those of super classes first.
+  void Collect(const Object& object, const ClassInfo& info, std::vector<Member>* members) const {
+    if (info.super != nullptr) Collect(object, *info.super, members);
+    const auto wanted = [&](std::string_view name) {
+      return !options_.skip || !options_.skip(info.name, name);
+    };
+    for (const Property& property : info.properties) {
+      if (!wanted(property.name)) continue;
+      members->push_back({std::string(property.name), Get(object, property.name),
+                          property.kind == TypeKind::kVariant});
+    }
+    for (const Method& method : info.methods) {
+      const Declaration& declaration = method.declaration;
+      if (method.result_kind != TypeKind::kArray || !declaration.parameters.empty()) continue;
+      if (!wanted(declaration.name)) continue;
+      members->push_back({declaration.name, Call(object, method.row->declaration), false});
+    }
+  }
+
+  const MirrorOptions& options_;
+  std::vector<Item> waiting_;
+  std::size_t first_new_ = 0;
+  std::unordered_map<const Thing*, Seen> seen_;
+};
+
+}  // namespace
+
+Json MirrorText(const String& string) {
+  if (string.IsNil()) return nullptr;
+  Json json;
+  const bool plain = string.encoding() == abi::kUnknownEncoding;
+  const std::optional<std::string> text =
+      plain ? Convert(string.bytes(), abi::kAscii, abi::kUtf8) : string.Utf8();
+  if (text) {
+    json["text"] = *text;
+  } else {
+    json["bytes"] = Escape(string.bytes());
+  }
+  json["encoding"] = EncodingName(string.encoding());
+  return json;
+}
+
+Json Mirror(const Object& object, const MirrorOptions& options) {
+  Json result;
+  Walk(options).Run(object, &result);
+  return result;
+}
+
+}  // namespace zqv::standin

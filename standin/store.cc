@@ -1,0 +1,330 @@
+// How things are laid out, shown to the plug-in and taken down again.
+//
+// The parts of an instance that belong to no record are filled with a fixed byte and poisoned at
+// birth, and looked at when the instance is freed. A string's bytes are summed up at birth and
+// again at its end, because nobody may write to them.
+#include "standin/store.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "standin/fatal.h"
+#include "standin/invoke.h"
+#include "standin/poison.h"
+
+namespace zqv::standin {
+namespace {
+
+constexpr double kFirstVersionOfNewLayout = 2021.0;
+constexpr int kGapByte = 0xC5;     // what nobody may write into, inside an instance
+constexpr int kFieldsByte = 0xA5;  // fills the unused bytes of an array's fields
+constexpr std::int32_t kWrongLocksBias = 1;
+
+const TypeInfo kStringType{"String"};
+const TypeInfo kObjectArrayType{"Array of objects"};
+const TypeInfo kIntegerArrayType{"Array of integers"};
+
+// The layout that "by version" stands for.
+ArrayLayout LayoutOf(const Capabilities& capabilities) {
+  if (capabilities.array_layout != ArrayLayout::kByVersion) return capabilities.array_layout;
+  return capabilities.version >= kFirstVersionOfNewLayout ? ArrayLayout::kNew : ArrayLayout::kOld;
+}
+
+std::uint64_t Checksum(std::string_view bytes) { return std::hash<std::string_view>()(bytes); }
+
+// Calls `visit(start, size)` for every stretch of an instance that is neither head nor record.
+template <typename Visit>
+void VisitGaps(const Thing* object, const ClassInfo& info, Visit visit) {
+  const char* const start = static_cast<const char*>(static_cast<const void*>(object));
+  std::size_t end = info.instance_size;
+  for (const ClassInfo* c = &info; c != nullptr; c = c->super) {
+    const std::size_t after_record = c->offset + c->record_size;
+    if (end > after_record) visit(start + after_record, end - after_record);
+    end = c->offset;
+  }
+  visit(start + sizeof(Thing), end - sizeof(Thing));
+}
+
+void GuardGaps(Thing* object, const ClassInfo& info) {
+  VisitGaps(object, info, [](const char* start, std::size_t size) {
+    std::memset(const_cast<char*>(start), kGapByte, size);
+    Poison(start, size);
+  });
+}
+
+void CheckGaps(const Thing* object, const ClassInfo& info) {
+  VisitGaps(object, info, [object](const char* start, std::size_t size) {
+    Unpoison(start, size);
+    for (std::size_t i = 0; i < size; ++i) {
+      if (static_cast<unsigned char>(start[i]) == kGapByte) continue;
+      Fatal(Describe(*object) + ": memory outside its records was written to");
+    }
+  });
+}
+
+// Writes one of the fields that the plug-in may read; the offset counts from the array's start.
+template <typename T>
+void PutField(ArrayThing* array, std::size_t offset, T value) {
+  std::memcpy(array->fields + (offset - kArrayStorageOffset), &value, sizeof value);
+}
+
+}  // namespace
+
+const ClassInfo* ClassOf(const Thing& thing) {
+  return thing.kind == ThingKind::kObject ? static_cast<const ClassInfo*>(thing.type) : nullptr;
+}
+
+Store::Store(const Capabilities& capabilities)
+    : layout_(LayoutOf(capabilities)),
+      ledger_(capabilities.ledger, capabilities.quarantine_entries, capabilities.quarantine_bytes) {
+}
+
+Store::~Store() {
+  for (Thing* thing : ledger_.LiveThings()) {
+    Release(thing, false);
+    ledger_.Died(thing, SizeOf(*thing));
+  }
+  for (void* buffer : ledger_.LentBuffers()) std::free(buffer);
+}
+
+void Store::MakeImmortal(ThingKind kind) {
+  (kind == ThingKind::kString ? strings_are_immortal_ : objects_are_immortal_) = true;
+}
+
+bool Store::IsImmortal(ThingKind kind) const {
+  return kind == ThingKind::kString ? strings_are_immortal_ : objects_are_immortal_;
+}
+
+void* Store::Allocate(std::size_t size, const char* creator) {
+  void* const memory = std::calloc(1, size);
+  if (memory == nullptr) Fatal(std::string(creator) + ": out of memory");
+  return memory;
+}
+
+template <typename T>
+T* Store::Begin(std::size_t size, const TypeInfo& type, ThingKind kind, const char* creator) {
+  T* const thing = static_cast<T*>(Allocate(size, creator));
+  thing->type = &type;
+  thing->kind = kind;
+  thing->creator = creator;
+  thing->locks = 1;
+  return thing;
+}
+
+StringThing* Store::NewString(std::string_view bytes, abi::Encoding encoding, const char* creator) {
+  auto* const string = Begin<StringThing>(sizeof(StringThing) + bytes.size() + 1, kStringType,
+                                          ThingKind::kString, creator);
+  string->encoding = encoding;
+  string->length = bytes.size();
+  if (!bytes.empty()) std::memcpy(string->data(), bytes.data(), bytes.size());
+  if (ledger_.enabled()) string->checksum = Checksum(bytes);
+  ledger_.Born(string);
+  return string;
+}
+
+Thing* Store::NewObject(const ClassInfo& info, const char* creator) {
+  if (info.native != NativeKind::kNone) return NewNative(info, creator);
+  Thing* const object = Begin<Thing>(info.instance_size, info, ThingKind::kObject, creator);
+  if (ledger_.enabled()) GuardGaps(object, info);
+  ledger_.Born(object);
+  // Constructor functions run from the top class down, as destructors run from the bottom up.
+  std::vector<const ClassInfo*> line;
+  for (const ClassInfo* c = &info; c != nullptr; c = c->super) {
+    if (c->definition->constructor != nullptr) line.push_back(c);
+  }
+  CallArguments arguments;
+  arguments.Add(object);
+  for (auto c = line.rbegin(); c != line.rend(); ++c) {
+    CallNothing((*c)->definition->constructor, arguments, (*c)->name);
+  }
+  return object;
+}
+
+NativeThing* Store::NewNative(const ClassInfo& info, const char* creator) {
+  std::unique_ptr<NativeState> state = NewState(info.native);
+  auto* const object = Begin<NativeThing>(sizeof(NativeThing), info, ThingKind::kObject, creator);
+  object->state = state.release();
+  ledger_.Born(object);
+  return object;
+}
+
+ArrayThing* Store::NewArray(int element_type, std::int64_t upper_bound, const char* creator) {
+  auto body = std::make_unique<ArrayBody>();
+  body->element_type = element_type;
+  body->slots.resize(static_cast<std::size_t>(upper_bound + 1));
+  const TypeInfo& type =
+      element_type == abi::kObjectElements ? kObjectArrayType : kIntegerArrayType;
+  auto* const array = Begin<ArrayThing>(sizeof(ArrayThing), type, ThingKind::kArray, creator);
+  array->body = body.release();
+  if (layout_ == ArrayLayout::kWrongLocks) {
+    array->lock_bias = kWrongLocksBias;
+    array->locks += kWrongLocksBias;
+  }
+  std::memset(array->fields, kFieldsByte, sizeof array->fields);
+  ShowFields(array);
+  ledger_.Born(array);
+  return array;
+}
+
+// Writes the fields that the plug-in may read, as the layout has them or breaks them.
+void Store::ShowFields(ArrayThing* array) const {
+  ArrayBody& body = *array->body;
+  const std::int64_t* storage = body.slots.empty() ? nullptr : body.slots.data();
+  if (layout_ == ArrayLayout::kWrongSlot0 || layout_ == ArrayLayout::kWrongSlot9) {
+    const std::size_t hidden = layout_ == ArrayLayout::kWrongSlot0 ? 0 : 9;
+    body.decoy = body.slots;
+    if (hidden < body.decoy.size()) body.decoy[hidden] = 0;
+    storage = body.decoy.empty() ? nullptr : body.decoy.data();
+  }
+  if (layout_ == ArrayLayout::kNoStorage) storage = nullptr;
+  PutField(array, kArrayStorageOffset, storage);
+  const std::int32_t dimensions = layout_ == ArrayLayout::kWrongDimensions ? 2 : 1;
+  auto upper_bound = static_cast<std::int32_t>(UpperBound(*array));
+  if (layout_ == ArrayLayout::kWrongUpperBound) ++upper_bound;
+  if (layout_ == ArrayLayout::kOld) {
+    PutField(array, kArrayDimensionsOffset, dimensions);
+    PutField(array, kArrayOldUpperBoundOffset, upper_bound);
+  } else if (layout_ == ArrayLayout::kNew) {
+    PutField(array, kArrayDimensionsOffset, std::int64_t{dimensions});
+    PutField(array, kArrayNewUpperBoundOffset, upper_bound);
+  } else {
+    // Both places agree, so that a broken layout is broken in one respect for any host version.
+    PutField(array, kArrayDimensionsOffset, std::int64_t{dimensions});
+    PutField(array, kArrayOldUpperBoundOffset, upper_bound);
+    PutField(array, kArrayNewUpperBoundOffset, upper_bound);
+  }
+}
+
+Thing* Store::Checked(const void* raw, const char* user) const {
+  if (raw == nullptr) Fatal(std::string(user) + ": nil is not allowed here");
+  ledger_.CheckAlive(raw, user);
+  return static_cast<Thing*>(const_cast<void*>(raw));
+}
+
+StringThing* Store::String(const void* raw, const char* user) const {
+  Thing* const thing = Checked(raw, user);
+  if (thing->kind == ThingKind::kString) return static_cast<StringThing*>(thing);
+  Fatal(std::string(user) + ": a string is wanted, not " + Describe(*thing));
+}
+
+Thing* Store::Object(const void* raw, const char* user) const {
+  Thing* const thing = Checked(raw, user);
+  if (thing->kind != ThingKind::kString) return thing;
+  Fatal(std::string(user) + ": an object is wanted, not " + Describe(*thing));
+}
+
+ArrayThing* Store::Array(const void* raw, const char* user) const {
+  Thing* const thing = Checked(raw, user);
+  if (thing->kind == ThingKind::kArray) return static_cast<ArrayThing*>(thing);
+  Fatal(std::string(user) + ": an array is wanted, not " + Describe(*thing));
+}
+
+NativeThing* Store::Native(const void* raw, NativeKind kind, const char* user) const {
+  Thing* const thing = Object(raw, user);
+  const ClassInfo* const info = ClassOf(*thing);
+  if (info != nullptr && info->native == kind) return static_cast<NativeThing*>(thing);
+  Fatal(std::string(user) + ": an object of another class is wanted, not " + Describe(*thing));
+}
+
+void Store::Lock(Thing* thing, const char* user) {
+  if (thing->dying) Fatal(std::string(user) + ": lock in its own destructor: " + Describe(*thing));
+  ++thing->locks;
+}
+
+void Store::Unlock(Thing* thing, const char* user) {
+  if (IsImmortal(thing->kind)) return;
+  if (thing->LockCount() <= 0) {
+    Fatal(std::string(user) + ": unlock below zero: " + Describe(*thing));
+  }
+  if (--thing->locks == thing->lock_bias) Destroy(thing);
+}
+
+void Store::Destroy(Thing* thing) {
+  thing->dying = true;
+  const ClassInfo* const info = ClassOf(*thing);
+  if (info != nullptr && info->definition != nullptr) {
+    RunDestructors(thing, *info);
+    if (ledger_.enabled()) CheckGaps(thing, *info);
+  }
+  if (thing->kind == ThingKind::kString && ledger_.enabled()) {
+    const auto* const string = static_cast<const StringThing*>(thing);
+    if (Checksum(string->bytes()) != string->checksum || string->data()[string->length] != '\0') {
+      Fatal("the bytes were written to: " + Describe(*thing));
+    }
+  }
+  Release(thing, true);
+  ledger_.Died(thing, SizeOf(*thing));
+}
+
+void Store::RunDestructors(Thing* object, const ClassInfo& info) const {
+  CallArguments arguments;
+  arguments.Add(object);
+  for (const ClassInfo* c = &info; c != nullptr; c = c->super) {
+    if (c->definition->destructor == nullptr) continue;
+    CallNothing(c->definition->destructor, arguments, c->destructor_name);
+  }
+}
+
+void Store::Release(Thing* thing, bool unlock) {
+  const ClassInfo* const info = ClassOf(*thing);
+  if (info != nullptr && info->native != NativeKind::kNone) {
+    const std::unique_ptr<NativeState> state(static_cast<NativeThing*>(thing)->state);
+    const auto* const exception = std::get_if<ExceptionState>(state.get());
+    if (unlock && exception != nullptr && exception->message != nullptr) {
+      Unlock(exception->message, "the end of an exception");
+    }
+  } else if (thing->kind == ThingKind::kArray) {
+    const std::unique_ptr<ArrayBody> body(static_cast<ArrayThing*>(thing)->body);
+    if (!unlock || body->element_type != abi::kObjectElements) return;
+    for (const std::int64_t slot : body->slots) {
+      if (slot == 0) continue;
+      Unlock(Object(reinterpret_cast<const void*>(slot), "the end of an array"),
+             "the end of an array");
+    }
+  }
+}
+
+std::size_t Store::SizeOf(const Thing& thing) {
+  if (thing.kind == ThingKind::kArray) return sizeof(ArrayThing);
+  if (thing.kind == ThingKind::kString) {
+    return sizeof(StringThing) + static_cast<const StringThing&>(thing).length + 1;
+  }
+  const ClassInfo* const info = ClassOf(thing);
+  return info->definition == nullptr ? sizeof(NativeThing) : info->instance_size;
+}
+
+std::int64_t Store::UpperBound(const ArrayThing& array) const {
+  return static_cast<std::int64_t>(array.body->slots.size()) - 1;
+}
+
+std::int64_t Store::Element(const ArrayThing& array, std::int64_t index, const char* user) const {
+  if (index < 0 || index > UpperBound(array)) {
+    Fatal(std::string(user) + ": index " + std::to_string(index) + " of " + Describe(array) +
+          ", upper bound " + std::to_string(UpperBound(array)));
+  }
+  return array.body->slots[static_cast<std::size_t>(index)];
+}
+
+void Store::SetInteger(ArrayThing* array, std::int64_t index, std::int64_t value,
+                       const char* user) {
+  static_cast<void>(Element(*array, index, user));
+  array->body->slots[static_cast<std::size_t>(index)] = value;
+  ShowFields(array);
+}
+
+void Store::Insert(ArrayThing* array, std::int64_t index, Thing* element, const char* user) {
+  if (index < 0 || index > UpperBound(*array) + 1) {
+    Fatal(std::string(user) + ": insertion at " + std::to_string(index) + " of " +
+          Describe(*array) + ", upper bound " + std::to_string(UpperBound(*array)));
+  }
+  if (element != nullptr) Lock(element, user);
+  auto& slots = array->body->slots;
+  // The storage may move; the fields shown must follow.
+  slots.insert(slots.begin() + index, reinterpret_cast<std::int64_t>(element));
+  ShowFields(array);
+}
+
+}  // namespace zqv::standin

@@ -1,0 +1,84 @@
+// Makes, locks and frees every thing that the host hands out.
+//
+// Invariant: a thing is freed at the moment its last lock goes, after the destructors of its class
+// and super classes have run; nobody may lock it once that has begun. With a broken lock or unlock
+// entry point the counts mean nothing: then things of that kind live until the host ends.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include "abi/encodings.h"
+#include "abi/records.h"
+#include "standin/capabilities.h"
+#include "standin/class_table.h"
+#include "standin/ledger.h"
+#include "standin/native.h"
+#include "standin/things.h"
+
+namespace zqv::standin {
+
+class Store {
+ public:
+  explicit Store(const Capabilities& capabilities);
+  // Frees whatever lives, running no destructors.
+  ~Store();
+  Store(const Store&) = delete;
+  Store& operator=(const Store&) = delete;
+
+  // For checks of liveness and for reports.
+  Ledger& ledger() { return ledger_; }
+
+  // Each new thing has one lock. `creator` is a literal: an entry point's name or "application".
+  StringThing* NewString(std::string_view bytes, abi::Encoding encoding, const char* creator);
+  Thing* NewObject(const ClassInfo& info, const char* creator);
+  NativeThing* NewNative(const ClassInfo& info, const char* creator);
+  ArrayThing* NewArray(int element_type, std::int64_t upper_bound, const char* creator);
+
+  // The thing behind a pointer that came from outside; fatal when it is not alive or of another
+  // kind. `user` names who uses it. Nil is fatal too.
+  StringThing* String(const void* raw, const char* user) const;
+  Thing* Object(const void* raw, const char* user) const;  // an object or an array
+  ArrayThing* Array(const void* raw, const char* user) const;
+  NativeThing* Native(const void* raw, NativeKind kind, const char* user) const;
+
+  // The thing must be alive. Unlock may free it, and whatever it alone held.
+  void Lock(Thing* thing, const char* user);
+  void Unlock(Thing* thing, const char* user);
+  // From now on things of that kind are not freed. Objects include arrays.
+  void MakeImmortal(ThingKind kind);
+
+  // Array elements; the index must be within bounds, which Insert alone may exceed by one.
+  std::int64_t UpperBound(const ArrayThing& array) const;
+  std::int64_t Element(const ArrayThing& array, std::int64_t index, const char* user) const;
+  void SetInteger(ArrayThing* array, std::int64_t index, std::int64_t value, const char* user);
+  // The array adds its own lock; nil is allowed.
+  void Insert(ArrayThing* array, std::int64_t index, Thing* element, const char* user);
+
+ private:
+  // Zero-filled memory; fatal when there is none.
+  void* Allocate(std::size_t size, const char* creator);
+  // Allocates a thing and fills in its head, with one lock.
+  template <typename T>
+  T* Begin(std::size_t size, const TypeInfo& type, ThingKind kind, const char* creator);
+  Thing* Checked(const void* raw, const char* user) const;
+  void ShowFields(ArrayThing* array) const;
+  bool IsImmortal(ThingKind kind) const;
+  void Destroy(Thing* thing);
+  void RunDestructors(Thing* object, const ClassInfo& info) const;
+  // Gives up what the thing holds apart from its own memory. `unlock`: locks on other things too.
+  void Release(Thing* thing, bool unlock);
+  static std::size_t SizeOf(const Thing& thing);
+
+  const ArrayLayout layout_;
+  Ledger ledger_;
+  bool strings_are_immortal_ = false;
+  bool objects_are_immortal_ = false;
+};
+
+// The class of an object; null for strings and arrays.
+const ClassInfo* ClassOf(const Thing& thing);
+
+}  // namespace zqv::standin
