@@ -56,7 +56,7 @@ template <class Value>
 Value Peek(const void* array, std::size_t offset) {
   Value value;
   const char* source = static_cast<const char*>(array) + offset;
-  std::memcpy(&value, source, sizeof value);  // NOLINT(bugprone-sizeof-expression): a pointer is meant
+  std::memcpy(&value, source, sizeof value);  // NOLINT(bugprone-sizeof-expression)
   return value;
 }
 

@@ -1,0 +1,20 @@
+// Encoded words of header text, position by position.
+#pragma once
+
+#include <string>
+
+namespace zqv::reference {
+
+struct DecodedWords {
+  std::string bytes;    // of all words and of the text between them
+  std::string charset;  // the last one named; empty: the text is to be taken as it stands
+};
+DecodedWords DecodeWords(const std::string& text);
+
+// Base64 that skips what it does not know. "=" in the third or fourth place of four ends the four;
+// in the first two it counts as 100.
+std::string DecodeBase64(const std::string& text);
+
+std::string StripQuotes(const std::string& text);
+
+}  // namespace zqv::reference

@@ -1,0 +1,89 @@
+#include "host/log.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/unit/host/log_capture.h"
+
+namespace zqv::host {
+namespace {
+
+using test::LogCapture;
+using test::Logged;
+
+// The switch is off again after each.
+class DebugLog : public ::testing::Test {
+ protected:
+  ~DebugLog() override { DebuggingEnabled = false; }
+};
+
+TEST_F(DebugLog, IsOffAtFirst) { EXPECT_EQ(getDebugging(), 0); }
+
+TEST_F(DebugLog, TurningOnIsLoggedOnce) {
+  const LogCapture log;
+  DebuggingEnabled = false;
+  setDebugging(1);
+  setDebugging(1);
+  EXPECT_EQ(log.Text(), "ZQV Debug: ZQV debug logging enabled.\n");
+}
+
+TEST_F(DebugLog, TurningOffIsNotLogged) {
+  const LogCapture log;
+  setDebugging(0);
+  setDebugging(0);
+  EXPECT_EQ(log.Text(), "");
+  setDebugging(1);
+  EXPECT_EQ(log.Text(), Logged({"ZQV debug logging enabled."}));
+}
+
+TEST_F(DebugLog, AnyNonZeroValueIsTrue) {
+  const LogCapture log;
+  for (const int value : {1, 2, -1, 127, -128}) {
+    setDebugging(static_cast<abi::RBBoolean>(value));
+    EXPECT_EQ(getDebugging(), 1) << value;
+  }
+  setDebugging(0);
+  EXPECT_EQ(getDebugging(), 0);
+}
+
+TEST_F(DebugLog, LinesAreCutAt4095Characters) {
+  const LogCapture log;
+  LogMessageX("%s", std::string(5000, 'x').c_str());
+  LogMessageX("%s%s", std::string(4094, 'y').c_str(), "zz");
+  EXPECT_EQ(log.Text(), std::string(4095, 'x') + "\n" + std::string(4094, 'y') + "z\n");
+}
+
+TEST_F(DebugLog, MessagesAreWrittenWhateverTheSwitchSays) {
+  const LogCapture log;
+  DebuggingEnabled = false;
+  LogMessageX("%s %d", "x", 5);
+  EXPECT_EQ(log.Text(), "x 5\n");
+}
+
+TEST_F(DebugLog, MacroAsksTheSwitchBeforeItComputesAnything) {
+  const LogCapture log;
+  int computed = 0;
+  const auto compute = [&] { return ++computed; };
+  DebuggingEnabled = false;
+  ZQV_LOG("%s%s %d", "number", compute());
+  EXPECT_EQ(computed, 0);
+  DebuggingEnabled = true;
+  ZQV_LOG("%s%s %d", "number", compute());
+  EXPECT_EQ(log.Text(), Logged({"number 1"}));
+}
+
+TEST_F(DebugLog, EachFormatOfALine) {
+  const LogCapture log;
+  ZQV_LOG("%s%s %s, %s", "subject", "a", "b");
+  ZQV_LOG("%s%s %ld", "subject", -3L);
+  ZQV_LOG("%s%s %lu", "subject", 3UL);
+  ZQV_LOG("%s%s %lld", "subject", -9000000000LL);
+  ZQV_LOG("%s%s %lld, %lld, %lld, %lld, %lld, %lld", "NewDate", 1LL, 2LL, 3LL, 4LL, 5LL, 6LL);
+  ZQV_LOG("%s%s %f", "subject", 2013.04);
+  EXPECT_EQ(log.Text(), Logged({"subject a, b", "subject -3", "subject 3", "subject -9000000000",
+                                "NewDate 1, 2, 3, 4, 5, 6", "subject 2013.040000"}));
+}
+
+}  // namespace
+}  // namespace zqv::host

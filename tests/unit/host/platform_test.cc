@@ -1,0 +1,92 @@
+#include "host/platform.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <variant>
+
+#include "standin/application.h"
+#include "tests/unit/host/host_fixture.h"
+#include "tests/unit/host/log_capture.h"
+
+namespace zqv::host {
+namespace {
+
+// Paths on Linux. A file reference holds a path, and the URL that stands for it.
+class FilePaths : public test::HostTest {
+ protected:
+  // The path of a reference whose URL is `url`, in a host that has no paths.
+  std::string OfUrl(const std::string& url) {
+    StartVersion(2012.99);
+    const auto file = standin::MakeFolderItem("/unused");
+    auto* thing = static_cast<standin::NativeThing*>(file.thing());
+    std::get<standin::FolderItem>(*thing->state).url_path = url;
+    return FilePath(file.raw());
+  }
+};
+
+TEST(LogLines, EndInALineBreak) {
+  const test::LogCapture log;
+  WriteLogLine("first");
+  WriteLogLine("");
+  WriteLogLine("100 % of it");
+  EXPECT_EQ(log.Text(), "first\n\n100 % of it\n");
+}
+
+TEST_F(FilePaths, NativePathIsReadFromVersion2013On) {
+  StartVersion(2013.0);
+  const auto file = standin::MakeFolderItem("/tmp/a b%20/\xC3\xA9.eml");
+  const test::LogCapture log;
+  EXPECT_EQ(FilePath(file.raw()), "/tmp/a b%20/\xC3\xA9.eml");
+  EXPECT_EQ(log.Text(), "native path: /tmp/a b%20/\xC3\xA9.eml\n");
+}
+
+TEST_F(FilePaths, UrlIsReadBeforeVersion2013) {
+  StartVersion(2012.99);
+  const auto file = standin::MakeFolderItem("/tmp/a b%/\xC3\xA9.eml");
+  const test::LogCapture log;
+  EXPECT_EQ(FilePath(file.raw()), "/tmp/a b%/\xC3\xA9.eml");
+  EXPECT_EQ(log.Text(), "url path: file:///tmp/a%20b%25/%C3%A9.eml\n");
+}
+
+TEST_F(FilePaths, EscapesOfAUrlAreDecoded) {
+  EXPECT_EQ(OfUrl("file:///a%2fb%2FC"), "/a/b/C");
+  EXPECT_EQ(OfUrl("file:///%41%7e"), "/A~");
+  EXPECT_EQ(OfUrl("file:///"), "/");
+}
+
+TEST_F(FilePaths, OnlyTheLocalHostHasFiles) {
+  EXPECT_EQ(OfUrl("file://localhost/a"), "/a");
+  EXPECT_EQ(OfUrl("file://localhostile/a"), "");
+  EXPECT_EQ(OfUrl("file://elsewhere/a"), "");
+}
+
+TEST_F(FilePaths, OtherUrlsHaveNone) {
+  for (const char* url :
+       {"", "file:", "file://", "file:/a", "http://localhost/a", "/a", "FILE:///a"})
+    EXPECT_EQ(OfUrl(url), "") << url;
+}
+
+TEST_F(FilePaths, BrokenEscapesHaveNone) {
+  for (const char* url :
+       {"file:///a%", "file:///a%4", "file:///a%4g", "file:///%g4", "file:///a%%41"})
+    EXPECT_EQ(OfUrl(url), "") << url;
+}
+
+TEST_F(FilePaths, NulInsideHasNone) {
+  EXPECT_EQ(OfUrl("file:///a%00b"), "");
+  StartVersion(2024.1);
+  EXPECT_EQ(FilePath(standin::MakeFolderItem(std::string_view("/a\0b", 4)).raw()), "");
+}
+
+TEST_F(FilePaths, PropertyThatCannotBeReadHasNone) {
+  standin::Capabilities capabilities;
+  capabilities.missing_properties = {"FolderItem.NativePath"};
+  Start(capabilities);
+  EXPECT_EQ(FilePath(standin::MakeFolderItem("/a").raw()), "");
+  StartWithout("REALGetPropValueString");
+  EXPECT_EQ(FilePath(standin::MakeFolderItem("/a").raw()), "");
+}
+
+}  // namespace
+}  // namespace zqv::host

@@ -1,0 +1,157 @@
+#include "text/charset.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
+
+#include <algorithm>
+#include <cctype>
+#include <map>
+#include <string>
+
+#include "tests/reference/charset_twin.h"
+#include "tests/unit/host/host_fixture.h"
+#include "tests/unit/host/log_capture.h"
+#include "tests/unit/host/property.h"
+#include "tests/unit/text/tables.h"
+
+namespace zqv::text {
+namespace {
+
+using test::Logged;
+
+class Charset : public test::HostTest {
+ protected:
+  ~Charset() override { RaiseUnknownFormatExceptions = false; }
+};
+
+std::string Upper(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  return text;
+}
+
+std::string Lower(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+TEST_F(Charset, KnowsAllNamesOfTheTable) {
+  const auto rows = test::ReadTable("charsets.tsv", 16);
+  ASSERT_EQ(rows.size(), 119u);
+  for (const auto& [name, encoding] : rows) {
+    EXPECT_EQ(GetEncodingValue(name), encoding) << name;
+    EXPECT_EQ(GetEncodingValue(Upper(name)), encoding) << name;
+    EXPECT_EQ(GetEncodingValue(Lower(name)), encoding) << name;
+  }
+}
+
+TEST_F(Charset, NamesDifferByMoreThanCase) {
+  std::map<std::string, int> count;
+  for (const auto& row : test::ReadTable("charsets.tsv", 16)) ++count[Lower(row.first)];
+  EXPECT_EQ(count.size(), 119u);
+}
+
+TEST_F(Charset, KeepsTheOddRows) {
+  EXPECT_EQ(GetEncodingValue("ASAX341963"), 0x0600u);
+  EXPECT_EQ(GetEncodingValue("TIS-620"), GetEncodingValue("ISO-8859-11"));
+  EXPECT_EQ(GetEncodingValue("TIS-620"), 0x020Bu);
+  for (const char* name : {"x-user-defined", "X-UNKNOWN", "unknown", "unknown-8bit", "0"})
+    EXPECT_EQ(GetEncodingValue(name), 0x0201u) << name;
+}
+
+TEST_F(Charset, UsualSpellingsOfUtf8) {
+  for (const char* name :
+       {"UTF-8", "utf_8", "\"utf-8\"", " utf 8 ", "u.t.f.8", "\tUTF-8\r\n", "utf\xC3-8"})
+    EXPECT_EQ(GetEncodingValue(name), 0x08000100u) << name;
+}
+
+TEST_F(Charset, UsualSpellingsOfOthers) {
+  EXPECT_EQ(GetEncodingValue("iso-8859-1"), 0x0201u);
+  EXPECT_EQ(GetEncodingValue("windows-1252"), 0x0500u);
+  EXPECT_EQ(GetEncodingValue("CP1252"), 0x0500u);
+  EXPECT_EQ(GetEncodingValue("\"ISO-8859-15\""), 0x020Fu);
+  EXPECT_EQ(GetEncodingValue("KOI8-R"), 0x0A02u);
+  EXPECT_EQ(GetEncodingValue("ANSI_X3.4-1968"), 0x0600u);
+}
+
+TEST_F(Charset, UnknownAndEmptyNames) {
+  EXPECT_EQ(GetEncodingValue("foo"), 0xFFFFu);
+  EXPECT_EQ(GetEncodingValue(""), 0xFFFFu);
+  EXPECT_EQ(GetEncodingValue("utf88"), 0xFFFFu);
+  EXPECT_EQ(GetEncodingValue("utf"), 0xFFFFu);
+  EXPECT_EQ(GetEncodingValue("binary"), 0xFFFFu);  // a row of its own
+}
+
+TEST_F(Charset, BinaryIsKnownAlthoughItsValueIsTheUnknownOne) {
+  Start();
+  RaiseUnknownFormatExceptions = true;
+  const test::LogCapture log;
+  EXPECT_EQ(GetEncodingValue("binary"), 0xFFFFu);
+  EXPECT_EQ(log.Text(), "");
+}
+
+TEST_F(Charset, RaisesOnlyWhenAskedTo) {
+  Start();
+  EXPECT_EQ(GetEncodingValue("foo"), 0xFFFFu);
+  EXPECT_EQ(TakeRaised(), "");
+  RaiseUnknownFormatExceptions = true;
+  EXPECT_EQ(GetEncodingValue("f-o o"), 0xFFFFu);
+  EXPECT_EQ(TakeRaised(), "UnsupportedFormatException, 0: Unhandled charset: f-o o");
+  EXPECT_EQ(GetEncodingValue("utf-8"), 0x08000100u);
+}
+
+TEST_F(Charset, LogsTheNormalisedName) {
+  Start();
+  const test::LogCapture log;
+  GetEncodingValue("x-Foo_1.2");
+  RaiseUnknownFormatExceptions = true;
+  GetEncodingValue("");
+  EXPECT_EQ(log.Text(), Logged({"unknown charset xFoo12", "unknown charset "}));
+  EXPECT_EQ(TakeRaised(), "UnsupportedFormatException, 0: Unhandled charset: ");
+}
+
+TEST_F(Charset, SwitchIsReadAndWritten) {
+  EXPECT_EQ(getRaiseUnknownFormatExceptions(), 0);
+  setRaiseUnknownFormatExceptions(2);
+  EXPECT_EQ(getRaiseUnknownFormatExceptions(), 1);
+  setRaiseUnknownFormatExceptions(0);
+  EXPECT_EQ(getRaiseUnknownFormatExceptions(), 0);
+}
+
+TEST(NormaliseCharsetName, DropsBlanksControlsAndPunctuation) {
+  EXPECT_EQ(NormaliseCharsetName(" a-b.c_d\te\x1F"
+                                 "f\x80g\xFFh"),
+            "abcdefgh");
+  EXPECT_EQ(NormaliseCharsetName(std::string("a\0b", 3)), "ab");
+}
+
+TEST(NormaliseCharsetName, KeepsTheRestAsItIs) {
+  EXPECT_EQ(NormaliseCharsetName("aZ09!#'()*+,/:;<=>?@[\\]^`{|}~\x7F"),
+            "aZ09!#'()*+,/:;<=>?@[\\]^`{|}~\x7F");
+}
+
+TEST(NormaliseCharsetName, SecondQuoteEndsIt) {
+  EXPECT_EQ(NormaliseCharsetName("\"utf-8\" x"), "utf8");
+  EXPECT_EQ(NormaliseCharsetName("a\"b\"c"), "ab");
+  EXPECT_EQ(NormaliseCharsetName("\"\"a"), "");
+}
+
+TEST(NormaliseCharsetName, FirstQuoteEndsItBehindSixCharacters) {
+  EXPECT_EQ(NormaliseCharsetName("abcdef\"g"), "abcdef");
+  EXPECT_EQ(NormaliseCharsetName("abcde\"f"), "abcdef");
+  EXPECT_EQ(NormaliseCharsetName("-ab-cde-\"f"), "abcdef");  // five are left of these
+}
+
+TEST(NormaliseCharsetName, AgreesWithItsTwin) {
+  EXPECT_TRUE(test::Holds("the same name as the twin", [] {
+    const std::string name = *rc::gen::container<std::string>(
+        rc::gen::weightedOneOf<char>({{3, rc::gen::inRange('a', 'e')},
+                                      {2, rc::gen::elementOf(std::string("\"-._ \x7F\x80"))},
+                                      {1, rc::gen::arbitrary<char>()}}));
+    RC_ASSERT(NormaliseCharsetName(name) == reference::NormaliseCharset(name));
+  }));
+}
+
+}  // namespace
+}  // namespace zqv::text
