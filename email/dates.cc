@@ -86,7 +86,7 @@ ObjectRef ConvertDate(const std::string& text) {
   ObjectRef date =
       NewDate(fields.year, fields.month, fields.day, fields.hour, fields.minute, fields.second);
   double seconds = 0.0;
-  host::entry::REALGetPropValueDouble(date.get(), "TotalSeconds", &seconds);
+  if (date) host::entry::REALGetPropValueDouble(date.get(), "TotalSeconds", &seconds);
   ZQV_LOG("%s%s %f", "GetDateTotalSeconds", seconds);
   ZQV_LOG("%s%s %f", "seconds", seconds);
   if (fields.zone != 0) {
@@ -96,7 +96,7 @@ ObjectRef ConvertDate(const std::string& text) {
   }
   seconds = AddLocalOffset(seconds);
   ZQV_LOG("%s%s %f", "seconds", seconds);
-  host::entry::REALSetPropValueDouble(date.get(), "TotalSeconds", seconds);
+  if (date) host::entry::REALSetPropValueDouble(date.get(), "TotalSeconds", seconds);
   return date;
 }
 

@@ -26,7 +26,8 @@ void FillTexts(MimeHeaderClassData& record, const mimetic::Header& header) {
   record.ContentDescription.Put(CString2RB_detect_encoding(header.contentDescription().str()));
   record.contentId.Put(CString2RB_detect_encoding(ContentIdText(header)));
   // A copy: the next call frees what the reference names.
-  const std::string subject = header.subject();  // NOLINT(performance-unnecessary-copy-initialization)
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+  const std::string subject = header.subject();
   record.subject.Put(CString2RB_detect_encoding(subject));
   record.messageid.Put(CString2RB_detect_encoding(MessageIdText(header)));
   record.subjectDecoded.Put(text::DecodeInlineEncodings(subject, false));

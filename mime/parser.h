@@ -18,8 +18,9 @@ inline constexpr std::size_t kMostEntities = 100'000;
 
 // Stack that one level of nesting may cost in the dearest of all walks: building the host objects,
 // or the host's destroying them, which runs through the host's own frames between ours. Measured
-// on the release build with room to spare; instrumented builds use several times as much.
-#if defined(__SANITIZE_ADDRESS__) || defined(ZQV_INSTRUMENTED)
+// on the release build with room to spare; instrumented and unoptimised builds use several times as
+// much.
+#if !defined(__OPTIMIZE__) || defined(ZQV_INSTRUMENTED)
 inline constexpr std::size_t kStackPerLevel = 12'000;
 #else
 inline constexpr std::size_t kStackPerLevel = 1'800;

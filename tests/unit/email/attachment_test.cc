@@ -1,0 +1,341 @@
+#include "email/attachment.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/unit/email/email_fixture.h"
+#include "tests/unit/host/log_capture.h"
+#include "text/charset.h"
+
+namespace zqv::test {
+namespace {
+
+using email::MimeAttachmentClassData;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+// Bodies by which the kind of file is known.
+const std::string kPng = "\x89PNG\r\n\x1A\n";
+const std::string kGif = "GIF89a";
+const std::string kHtml = "<html>";
+const std::string kOther = "something else";
+
+std::string Jfif(std::size_t offset) { return std::string(offset, 'x') + "JFIF"; }
+
+// Two ways to make up a name: from a Content-ID and from data.
+struct MadeUpRow {
+  const char* name;
+  std::string content_id;
+  std::string data;
+  std::string file_name;
+};
+
+void PrintTo(const MadeUpRow& row, std::ostream* out) { *out << row.name; }
+
+class MadeUpName : public ::testing::TestWithParam<MadeUpRow> {};
+
+TEST_P(MadeUpName, IsAsListed) {
+  EXPECT_EQ(email::MakeUpFileName(GetParam().content_id, GetParam().data), GetParam().file_name);
+}
+
+const MadeUpRow kMadeUpNames[] = {
+    // clang-format off
+    {"NoIdAndGif",               "",                kGif,      "attachment.gif"},
+    {"NoIdAndHtml",              "",                kHtml,     "attachment.html"},
+    {"NoIdAndHtmlInCapitals",    "",                "<HTML>",  "attachment"},
+    {"NoIdAndJfifAt6",           "",                Jfif(6),   "attachment.jpg"},
+    {"NoIdAndJfifAt30",          "",                Jfif(30),  "attachment"},
+    {"NoIdAndNoData",            "",                "",        "attachment"},
+    {"Id",                       "<part1.12345>",   kPng,      "part1.12345.png"},
+    {"IdOfUnknownData",          "<part1.12345>",   kOther,    "part1.12345"},
+    {"IdWithTheExtension",       "<logo.png>",      kPng,      "logo.png"},
+    {"IdWithItInCapitals",       "<LOGO.PNG>",      kPng,      "LOGO.PNG"},
+    {"IdWithAnotherExtension",   "<logo.png>",      kGif,      "logo.png.gif"},
+    {"IdThatIsTheExtension",     "<.png>",          kPng,      ".png.png"},
+    {"IdThatEndsLikeIt",         "<xpng>",          kPng,      "xpng.png"},
+    {"IdWithoutBrackets",        "part",            kPng,      "part.png"},
+    {"IdWithoutTheLastBracket",  "<part",           kPng,      "part.png"},
+    {"IdWithoutTheFirstBracket", "part>",           kPng,      "part.png"},
+    {"IdInTwoPairs",             "<<part>>",        kPng,      "<part>.png"},
+    {"BlankBeforeTheId",         " <part>",         kPng,      "part.png"},
+    {"TabBeforeTheId",           "\t<part>",        kPng,      "part.png"},
+    {"TwoBlanksBeforeTheId",     "  <part>",        kPng,      " <part.png"},
+    {"BlankBehindTheId",         "<part> ",         kPng,      "part> .png"},
+    {"EmptyPair",                "<>",              kPng,      "<>.png"},
+    {"EmptyPairOfUnknownData",   "<>",              kOther,    "<>"},
+    {"BlankAndEmptyPair",        " <>",             kPng,      "attachment.png"},
+    {"OneByte",                  "<",               kPng,      "<.png"},
+    {"TwoBytes",                 "<a",              kPng,      "<a.png"},
+    {"ThreeBytes",               "<a>",             kPng,      "a.png"},
+    // clang-format on
+};
+INSTANTIATE_TEST_SUITE_P(Rows, MadeUpName, ::testing::ValuesIn(kMadeUpNames),
+                         [](const auto& row) { return row.param.name; });
+
+// A part by its header lines and body, as the only one of a message and no text.
+class AttachmentTest : public EmailTest {
+ protected:
+  void TearDown() override {
+    email_ = {};
+    EmailTest::TearDown();
+  }
+
+  const MimeAttachmentClassData& Attach(const std::string& header, const std::string& body) {
+    email_ = ParseEmail(Mixed({header + "\n" + body}));
+    auto listed = Attachments(email_);
+    const auto inlines = Inlines(email_);
+    listed.insert(listed.end(), inlines.begin(), inlines.end());
+    EXPECT_EQ(listed.size(), 1U);
+    static const MimeAttachmentClassData kNone{};
+    return listed.empty() ? kNone : *listed[0];
+  }
+
+  std::string NameOf(const std::string& header, const std::string& body = kOther) {
+    return Show(Attach(header, body).Filename);
+  }
+
+  // The name for a value of the parameter `filename*`.
+  std::string NameOfExtended(const std::string& value) {
+    return NameOf("Content-Disposition: attachment; filename*=" + value + "\n");
+  }
+
+  host::ObjectRef email_;
+};
+
+class FileNames : public AttachmentTest {};
+
+TEST_F(FileNames, AreDecodedAndGetNoExtension) {
+  EXPECT_EQ(NameOf("Content-Disposition: attachment; filename=\"=?utf-8?Q?caf=C3=A9?=\"\n", kPng),
+            Utf8("caf\xC3\xA9"));
+}
+
+TEST_F(FileNames, ComeFromTheFirstParameterThatHasOne) {
+  const std::string type = "Content-Type: image/png; name=4; filename=2\n";
+  const std::string only_name = "Content-Type: image/png; name=3\n";
+  const std::string disposition = "Content-Disposition: attachment; filename*=utf-8''4";
+  EXPECT_EQ(NameOf(type + disposition + "; filename=1\n"), Ascii("1"));
+  EXPECT_EQ(NameOf(type + disposition + "; filename=\"\"\n"), Ascii("2"));
+  EXPECT_EQ(NameOf(only_name + disposition + "\n"), Ascii("3"));
+  EXPECT_EQ(NameOf(disposition + "\n"), Utf8("4"));
+  EXPECT_EQ(NameOf("Content-ID: <5>\nContent-Disposition: attachment; filename*=\"\"\n"),
+            Ascii("5"));
+}
+
+TEST_F(FileNames, ExtendedParameterKeepsPercentEscapes) {
+  EXPECT_EQ(NameOfExtended("UTF-8''%E2%82%AC%20rates.pdf"), Utf8("%E2%82%AC%20rates.pdf"));
+}
+
+TEST_F(FileNames, ExtendedParameterIsInItsCharset) {
+  EXPECT_EQ(NameOfExtended("iso-8859-15''caf\xE9"), Shown(0x020F, "caf\xE9"));
+  EXPECT_EQ(NameOfExtended("x-unknown''abc.txt"), Ascii("abc.txt"));
+}
+
+TEST_F(FileNames, ExtendedParameterOfAnUnknownCharsetIsTakenWhole) {
+  EXPECT_EQ(NameOfExtended("no-such''abc.txt"), Ascii("no-such''abc.txt"));
+  text::RaiseUnknownFormatExceptions = true;
+  EXPECT_EQ(NameOfExtended("no-such''abc.txt"), Ascii("no-such''abc.txt"));
+  EXPECT_EQ(TakeRaised(), "UnsupportedFormatException, 0: Unhandled charset: no-such");
+}
+
+TEST_F(FileNames, ExtendedParameterOfFewerThanFiveBytesIsTakenWhole) {
+  EXPECT_EQ(NameOfExtended("0''a"), Ascii("0''a"));
+  EXPECT_EQ(NameOfExtended("0''ab"), Ascii("ab")) << "five bytes, of the charset 0";
+}
+
+TEST_F(FileNames, ExtendedParameterWithALanguageIsTakenWhole) {
+  EXPECT_EQ(NameOfExtended("utf-8'en'name"), Ascii("utf-8'en'name"));
+}
+
+TEST_F(FileNames, ExtendedParameterIsCutAtTheFirstTwoApostrophes) {
+  EXPECT_EQ(NameOfExtended("utf-8'''a''b"), Utf8("'a''b"));
+}
+
+TEST_F(FileNames, ExtendedParameterWithNothingBehindItsCharsetGivesAMadeUpName) {
+  EXPECT_EQ(NameOfExtended("utf-8''"), Ascii("attachment"));
+}
+
+TEST_F(FileNames, ExtendedParameterThatIsNotAsciiIsLoggedAndLabelledSo) {
+  const LogCapture log;
+  EXPECT_EQ(NameOfExtended("us-ascii''caf\xE9"), Ascii("caf\xE9"));
+  EXPECT_THAT(log.Text(),
+              ::testing::HasSubstr(Logged({"Error: text is not ascii caf\xE9"})));
+}
+
+TEST_F(FileNames, AreMadeUpFromContentIdAndData) {
+  EXPECT_EQ(NameOf("Content-Type: image/png\nContent-ID: <part1.12345>\n", kPng),
+            Ascii("part1.12345.png"));
+  EXPECT_EQ(NameOf("Content-Type: image/gif\n", kGif), Ascii("attachment.gif"));
+  EXPECT_EQ(NameOf("Content-Type: image/gif\nContent-Transfer-Encoding: base64\n", "R0lGODlh"),
+            Ascii("attachment.gif"))
+      << "by the decoded data";
+  EXPECT_EQ(NameOf("Content-Type: image/x\nContent-ID: <caf\xE9>\n"), MacRoman("caf\xE9"));
+}
+
+class AttachmentRecord : public AttachmentTest {};
+
+TEST_F(AttachmentRecord, HoldsTheFieldsAsText) {
+  const auto& record = Attach(
+      "MIME-Version: 1.0\nContent-Type: image/png; name=a.png\nContent-Transfer-Encoding: Base64\n"
+      "Content-Disposition: attachment; size=3\nContent-Description: a picture  \n"
+      "Content-ID: <p@example.com>\n",
+      "QUJD");
+  EXPECT_EQ(Show(record.Data), Ascii("ABC"));
+  EXPECT_EQ(Show(record.Filename), Ascii("a.png"));
+  EXPECT_EQ(Show(record.MimeType), Ascii("image/png"));
+  EXPECT_EQ(Show(record.MimeVersion), Ascii("1.0"));
+  EXPECT_EQ(Show(record.ContentType), Ascii("image/png; name=\"a.png\""));
+  EXPECT_EQ(Show(record.ContentTransferEncoding), Ascii("Base64"));
+  EXPECT_EQ(Show(record.ContentDisposition), Ascii("attachment; size=\"3\""));
+  EXPECT_EQ(Show(record.ContentDescription), Ascii("a picture  "));
+  EXPECT_EQ(Show(record.contentId), Ascii("<p@example.com>"));
+}
+
+TEST_F(AttachmentRecord, OfAbsentFields) {
+  const auto& record = Attach("X: y\n", "x");
+  EXPECT_EQ(Show(record.MimeType), "nil");
+  EXPECT_EQ(Show(record.MimeVersion), Ascii("0.0"));
+  EXPECT_EQ(Show(record.ContentType), Ascii("/"));
+  EXPECT_EQ(Show(record.ContentTransferEncoding), "nil");
+  EXPECT_EQ(Show(record.ContentDisposition), "nil");
+  EXPECT_EQ(Show(record.ContentDescription), "nil");
+  EXPECT_EQ(Show(record.contentId), "nil");
+}
+
+TEST_F(AttachmentRecord, TextLosesLeadingBlanks) {
+  EXPECT_EQ(Show(Attach("Content-Description:\n\t folded\n", "x").ContentDescription),
+            Ascii("folded"));
+  EXPECT_EQ(Show(Attach("Content-Description:\n  \n", "x").ContentDescription), "nil");
+  EXPECT_EQ(Show(Attach("Content-Description: caf\xE9\n", "x").ContentDescription),
+            MacRoman("caf\xE9"));
+}
+
+TEST_F(AttachmentRecord, MimeTypeIsWhatThereIsOfTypeAndSubtype) {
+  EXPECT_EQ(Show(Attach("Content-Type: Image/PNG\n", "x").MimeType), Ascii("Image/PNG"));
+  EXPECT_EQ(Show(Attach("Content-Type: image\n", "x").MimeType), Ascii("image"));
+  EXPECT_EQ(Show(Attach("Content-Type: image/\n", "x").MimeType), Ascii("image"));
+  EXPECT_EQ(Show(Attach("Content-Type: /png\n", "x").MimeType), Ascii("png"));
+}
+
+TEST_F(AttachmentRecord, SharesBodyHeaderAndDataWithItsPart) {
+  const auto& record = Attach("Content-Type: image/x\n", "data");
+  const auto& part = *Parts(RecordOf(email_))[0];
+  EXPECT_EQ(record.Body.get(), part.Body.get());
+  EXPECT_EQ(record.Header.get(), part.Header.get());
+  EXPECT_EQ(record.Data.get(), part.BodyDecoded.get());
+  EXPECT_EQ(LocksOf(record.Body.get()), 2);
+  EXPECT_EQ(LocksOf(record.Header.get()), 2);
+  EXPECT_EQ(LocksOf(record.Data.get()), 2);
+}
+
+TEST_F(AttachmentRecord, OutlivesTheMessage) {
+  const auto& record = Attach("Content-Type: image/x\n", "data");
+  const auto attachment =
+      host::ObjectRef::Adopt(host::REALGetArrayObject(RecordOf(email_).Attachments.get(), 0)
+                                 .Detach());
+  email_ = {};
+  EXPECT_EQ(Show(record.Data), Ascii("data"));
+  EXPECT_EQ(LocksOf(record.Body.get()), 1);
+}
+
+TEST_F(AttachmentRecord, OfASecondPlainTextHoldsItsText) {
+  const auto email = ParseEmail(Mixed({"Content-Type: text/plain\n\nfirst",
+                                       "Content-Type: text/plain\n\nsecond"}));
+  ASSERT_EQ(Attachments(email).size(), 1U);
+  EXPECT_EQ(Show(Attachments(email)[0]->Data), Ascii("second"));
+}
+
+TEST_F(AttachmentRecord, HoldsNilForWhatIsNil) {
+  const auto email = NewEmail();
+  const auto entity = Parse("X: y\n\n");
+  email::AddAttachment(RecordOf(email), nullptr, entity->header(), nullptr, nullptr, true, "");
+  ASSERT_EQ(Inlines(email).size(), 1U);
+  EXPECT_EQ(Inlines(email)[0]->Body.get(), nullptr);
+  EXPECT_EQ(Inlines(email)[0]->Header.get(), nullptr);
+  EXPECT_EQ(Show(Inlines(email)[0]->Data), "nil");
+}
+
+TEST_F(AttachmentRecord, MakesTheListThatIsMissing) {
+  const auto email = NewEmail();
+  const auto entity = Parse("X: y\n\n");
+  const auto add = [&](bool is_inline) {
+    email::AddAttachment(RecordOf(email), nullptr, entity->header(), nullptr, nullptr, is_inline,
+                         "");
+  };
+  add(false);
+  EXPECT_EQ(Attachments(email).size(), 1U);
+  EXPECT_EQ(RecordOf(email).Inlines.get(), nullptr);
+  add(false);
+  add(true);
+  EXPECT_EQ(Attachments(email).size(), 2U);
+  EXPECT_EQ(Inlines(email).size(), 1U);
+}
+
+TEST_F(AttachmentRecord, IsNotListedWhenTheHostCannotMakeIt) {
+  standin::Capabilities capabilities;
+  capabilities.unknown_classes.insert("MimeAttachmentZQV");
+  StartEmail(capabilities);
+  email_ = ParseEmail(Mixed({"Content-Type: image/x\n\nx"}));
+  EXPECT_THAT(Attachments(email_), IsEmpty());
+  EXPECT_EQ(Parts(RecordOf(email_)).size(), 1U);
+}
+
+TEST_F(AttachmentRecord, IsNotListedWhenTheHostCannotMakeAList) {
+  StartEmailWithFault("RuntimeArrayCreateSingleDimBoundedArray");
+  email_ = ParseEmail(Mixed({"Content-Type: image/x\n\nx"}));
+  EXPECT_EQ(RecordOf(email_).Attachments.get(), nullptr);
+  EXPECT_EQ(host().ledger().Live().arrays, 0);
+}
+
+TEST_F(AttachmentRecord, IsNotListedWhenTheHostCannotInsert) {
+  StartEmailWithFault("PluginObjectArrayInsertProc");
+  email_ = ParseEmail(Mixed({"Content-Type: image/x\n\nx"}));
+  EXPECT_THAT(Attachments(email_), IsEmpty());
+}
+
+// Only the listed one is kept: what the host throws on the way frees the other.
+TEST_F(AttachmentRecord, IsGivenBackWhenTheHostThrows) {
+  const auto email = NewEmail();
+  const auto entity = Parse("X: y\n\n");
+  host().SetFault("PluginObjectArrayInsertProc", standin::Fault{standin::Fault::Kind::kThrows});
+  EXPECT_THROW(email::AddAttachment(RecordOf(email), nullptr, entity->header(), nullptr, nullptr,
+                                    true, ""),
+               std::runtime_error);
+  EXPECT_EQ(host().ledger().Live().objects, 1) << "the message";
+}
+
+TEST_F(AttachmentRecord, DestructorGivesEverythingBackInOrder) {
+  RecordUnlocks();
+  auto attachment = host::NewInstance<MimeAttachmentClassData>();
+  auto& record = *host::RecordOf<MimeAttachmentClassData>(attachment.get());
+  std::vector<const void*> expected = {attachment.get()};
+  for (host::ObjectSlot* slot : {&record.Body, &record.Header}) {
+    slot->Put(NewThing());
+    expected.push_back(slot->get());
+  }
+  for (host::StringSlot* slot :
+       {&record.Data, &record.Filename, &record.MimeType, &record.MimeVersion, &record.ContentType,
+        &record.ContentTransferEncoding, &record.ContentDisposition, &record.ContentDescription,
+        &record.contentId}) {
+    slot->Put(NewText("x"));
+    expected.push_back(slot->get());
+  }
+  attachment = {};
+  EXPECT_EQ(Unlocked(), expected);
+}
+
+TEST_F(AttachmentRecord, MadeByTheApplicationIsEmpty) {
+  RecordUnlocks();
+  auto attachment = host::NewInstance<MimeAttachmentClassData>();
+  email::MimeAttachmentConstructor(attachment.get());
+  const std::vector<const void*> expected = {attachment.get()};
+  attachment = {};
+  EXPECT_EQ(Unlocked(), expected);
+  email::Destructor(nullptr);
+}
+
+}  // namespace
+}  // namespace zqv::test

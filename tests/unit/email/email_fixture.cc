@@ -1,0 +1,85 @@
+#include "tests/unit/email/email_fixture.h"
+
+#include <variant>
+
+#include "email/parse.h"
+#include "host/errors.h"
+#include "standin/native.h"
+#include "text/charset.h"
+
+namespace zqv::test {
+
+using email::MimeAttachmentClassData;
+using mime::MimeEntityClassData;
+
+void EmailTest::TearDown() {
+  text::RaiseUnknownFormatExceptions = false;
+  MimeTest::TearDown();
+}
+
+standin::Host& EmailTest::StartEmail(const standin::Capabilities& capabilities) {
+  StartMime(capabilities);
+  RegisterClass<MimeAttachmentClassData, email::Destructor>("MimeAttachmentZQV");
+  static abi::REALclassDefinition email;
+  email = MadeUpClass("MimeEmailZQV", 0, nullptr, "MimeEntityZQV");
+  RegisterDefinition(email);
+  return host();
+}
+
+standin::Host& EmailTest::StartEmailWithFault(const char* name, standin::Fault fault) {
+  standin::Capabilities capabilities;
+  capabilities.faults[name] = fault;
+  return StartEmail(capabilities);
+}
+
+// Past the entry points, so that a host without "PluginNewInstance" has a message to fill too.
+host::ObjectRef EmailTest::NewEmail() {
+  standin::Host& host = standin::Host::Get("a test");
+  const standin::ClassInfo* info = host.classes().Find("MimeEmailZQV");
+  return host::ObjectRef::Adopt(standin::ToHost(host.store().NewObject(*info, "a test")));
+}
+
+host::ObjectRef EmailTest::ParseEmail(std::string_view message) {
+  host::ObjectRef email = NewEmail();
+  host::Guard([&] { email::MimeEmailConstructor(email.get(), message, nullptr); });
+  return email;
+}
+
+MimeEntityClassData& EmailTest::RecordOf(const host::ObjectRef& email) {
+  return *host::RecordOf<MimeEntityClassData>(email.get());
+}
+
+std::vector<MimeAttachmentClassData*> EmailTest::Attachments(const host::ObjectRef& email) {
+  return RecordsIn<MimeAttachmentClassData>(RecordOf(email).Attachments.get());
+}
+
+std::vector<MimeAttachmentClassData*> EmailTest::Inlines(const host::ObjectRef& email) {
+  return RecordsIn<MimeAttachmentClassData>(RecordOf(email).Inlines.get());
+}
+
+std::vector<MimeEntityClassData*> EmailTest::Parts(const MimeEntityClassData& entity) {
+  return RecordsIn<MimeEntityClassData>(
+      host::RecordOf<mime::MimeBodyClassData>(entity.Body.get())->parts.get());
+}
+
+std::vector<std::string> EmailTest::Names(
+    const std::vector<MimeAttachmentClassData*>& attachments) {
+  std::vector<std::string> names;
+  for (const MimeAttachmentClassData* attachment : attachments)
+    names.push_back(Show(attachment->Filename));
+  return names;
+}
+
+std::string DateText(const host::ObjectSlot& date) {
+  if (!date) return "nil";
+  const auto* thing = reinterpret_cast<const standin::NativeThing*>(date.get());
+  return std::get<standin::Date>(*thing->state).IsoText();
+}
+
+std::string Mixed(const std::vector<std::string>& parts) {
+  std::string message = "Content-Type: multipart/mixed; boundary=b\n\n";
+  for (const std::string& part : parts) message += "--b\n" + part + "\n";
+  return message + "--b--\n";
+}
+
+}  // namespace zqv::test

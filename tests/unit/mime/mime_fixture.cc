@@ -1,0 +1,118 @@
+#include "tests/unit/mime/mime_fixture.h"
+
+#include "abi/encodings.h"
+#include "host/entry_points.h"
+#include "host/strings.h"
+#include "mime/address.h"
+#include "mime/address_list.h"
+#include "mime/body.h"
+#include "mime/field.h"
+#include "mime/group.h"
+#include "mime/header.h"
+#include "mime/mailbox.h"
+#include "mime/mailbox_list.h"
+#include "mime/parser.h"
+#include "standin/things.h"
+
+namespace zqv::test {
+namespace {
+
+constexpr int kVersion = 13;
+
+// What the recording entry points hand on to, and what they saw.
+decltype(host::entry::REALUnlockString)::Function g_unlock_string = nullptr;
+decltype(host::entry::REALUnlockObject)::Function g_unlock_object = nullptr;
+std::vector<const void*> g_unlocked;
+
+void RecordStringUnlock(abi::REALstring string) {
+  g_unlocked.push_back(string);
+  g_unlock_string(string);
+}
+
+void RecordObjectUnlock(abi::REALobject object) {
+  g_unlocked.push_back(object);
+  g_unlock_object(object);
+}
+
+}  // namespace
+
+standin::Host& MimeTest::StartMime(const standin::Capabilities& capabilities) {
+  Start(capabilities);
+  RegisterClass<mime::MimeBodyClassData, mime::MimeBodyDestructor>("MimeBodyZQV");
+  RegisterClass<mime::MimeHeaderClassData, mime::MimeHeaderDestructor>("MimeHeaderZQV");
+  RegisterClass<mime::MimeEntityClassData, mime::MimeEntityDestructor>("MimeEntityZQV");
+  RegisterClass<mime::MimeAddressClassData, mime::MimeAddressDestructor>("MimeAddressZQV");
+  RegisterClass<mime::MimeGroupClassData, mime::MimeGroupDestructor>("MimeGroupZQV");
+  RegisterClass<mime::MimeAddressListClassData, mime::MimeAddressListDestructor>(
+      "MimeAddressListZQV");
+  RegisterClass<mime::MimeMailboxListClassData, mime::MimeMailboxListDestructor>(
+      "MimeMailboxListZQV");
+  RegisterClass<mime::MimeMailboxClassData, mime::MimeMailboxDestructor>("MimeMailboxZQV");
+  RegisterClass<mime::MimeFieldClassData, mime::MimeFieldDestructor>("MimeFieldZQV");
+  return host();
+}
+
+standin::Host& MimeTest::StartMimeWithFault(const char* name, standin::Fault fault) {
+  standin::Capabilities capabilities;
+  capabilities.faults[name] = fault;
+  return StartMime(capabilities);
+}
+
+standin::Host& MimeTest::StartMimeWithoutClass(const char* name) {
+  standin::Capabilities capabilities;
+  capabilities.unknown_classes.insert(name);
+  return StartMime(capabilities);
+}
+
+// Past the entry points, whose calls a test may count or make fail.
+void MimeTest::RegisterDefinition(abi::REALclassDefinition& definition) {
+  host().classes().AnnounceVersion(kVersion);
+  host().classes().Register(&definition, "a test");
+}
+
+void MimeTest::RecordUnlocks() {
+  g_unlocked.clear();
+  g_unlock_string = reinterpret_cast<decltype(g_unlock_string)>(host::Resolve("REALUnlockString"));
+  g_unlock_object = reinterpret_cast<decltype(g_unlock_object)>(host::Resolve("REALUnlockObject"));
+  Replace("REALUnlockString", &RecordStringUnlock);
+  Replace("REALUnlockObject", &RecordObjectUnlock);
+}
+
+const std::vector<const void*>& MimeTest::Unlocked() { return g_unlocked; }
+
+abi::REALclassDefinition MadeUpClass(const char* name, std::size_t size,
+                                     void (*destructor)(abi::REALobject), const char* super) {
+  constexpr std::size_t kAlignment = 16;
+  abi::REALclassDefinition definition{};
+  definition.version = kVersion;
+  definition.name = name;
+  definition.superName = super;
+  definition.dataSize = (size + kAlignment - 1) / kAlignment * kAlignment;
+  definition.destructor = reinterpret_cast<abi::REALproc>(destructor);
+  definition.flags = abi::kFlagAllTargets;
+  return definition;
+}
+
+std::unique_ptr<const mimetic::MimeEntity> Parse(std::string_view message) {
+  auto entity = std::make_unique<mimetic::MimeEntity>();
+  mime::ParseMessage(message, *entity);
+  return entity;
+}
+
+std::string Show(const host::StringSlot& slot) { return Show(slot.Share()); }
+
+std::string Ascii(std::string_view bytes) { return Shown(abi::kAscii, bytes); }
+std::string Utf8(std::string_view bytes) { return Shown(abi::kUtf8, bytes); }
+std::string MacRoman(std::string_view bytes) { return Shown(abi::kMacRoman, bytes); }
+
+host::StringRef NewText(std::string_view bytes) { return host::BuildString(bytes, abi::kUtf8); }
+
+host::ObjectRef NewThing() {
+  return host::ObjectRef::Adopt(host::entry::PluginNewInstance("Date"));
+}
+
+std::int64_t LocksOf(const void* thing) {
+  return static_cast<const standin::Thing*>(thing)->LockCount();
+}
+
+}  // namespace zqv::test

@@ -1,0 +1,66 @@
+#include "tests/unit/mime/thread_stack.h"
+
+#include <gtest/gtest.h>
+#include <mimetic/mimeentity.h>
+#include <pthread.h>
+
+#include <stdexcept>
+
+#include "mime/parser.h"
+
+namespace zqv::test {
+namespace {
+
+void* Run(void* body) {
+  (*static_cast<const std::function<void()>*>(body))();
+  return nullptr;
+}
+
+bool Accepts(Nesting nesting, std::size_t levels) {
+  mimetic::MimeEntity entity;
+  try {
+    mime::ParseMessage(NestedMessage(nesting, levels), entity);
+  } catch (const std::runtime_error&) {
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+void RunOnStack(std::size_t bytes, const std::function<void()>& body) {
+  pthread_attr_t attributes;
+  ASSERT_EQ(pthread_attr_init(&attributes), 0);
+  ASSERT_EQ(pthread_attr_setstacksize(&attributes, bytes), 0);
+  pthread_t thread{};
+  const std::function<void()> own = body;
+  ASSERT_EQ(pthread_create(&thread, &attributes, &Run, const_cast<std::function<void()>*>(&own)),
+            0);
+  ASSERT_EQ(pthread_join(thread, nullptr), 0);
+  pthread_attr_destroy(&attributes);
+}
+
+std::string NestedMessage(Nesting nesting, std::size_t levels) {
+  std::string message;
+  for (std::size_t i = 0; i < levels; ++i) {
+    const bool is_multipart =
+        nesting == Nesting::kMultipart || (nesting == Nesting::kBoth && i % 2 == 0);
+    message += is_multipart ? "Content-Type: multipart/mixed; boundary=b\n\n--b\n"
+                            : "Content-Type: message/rfc822\n\n";
+  }
+  return message + "\nend\n";
+}
+
+std::size_t MostLevels(Nesting nesting, std::size_t bytes) {
+  std::size_t accepted = 0;
+  RunOnStack(bytes, [&] {
+    std::size_t refused = 100'000;
+    while (refused - accepted > 1) {
+      const std::size_t middle = accepted + (refused - accepted) / 2;
+      (Accepts(nesting, middle) ? accepted : refused) = middle;
+    }
+  });
+  return accepted;
+}
+
+}  // namespace zqv::test
