@@ -1,0 +1,11 @@
+// `zqv classes`: every class and member that the library registered.
+#include "cli/verbs.h"
+
+namespace zqv::cli {
+
+int Classes(const Session& session, Output* output) {
+  output->Print(session.host().ListClasses());
+  return 0;
+}
+
+}  // namespace zqv::cli

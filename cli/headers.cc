@@ -1,0 +1,43 @@
+// `zqv headers`: the fields of a header as the library gives them, one "Name: value" a line.
+#include "cli/message.h"
+#include "cli/text.h"
+#include "cli/verbs.h"
+#include "standin/text.h"
+
+namespace zqv::cli {
+namespace {
+
+using standin::Object;
+
+// How many fields of this name there were; an empty name stands for every name.
+std::size_t PrintFields(const Object& header, const std::string& wanted, Output* output) {
+  std::size_t count = 0;
+  for (const Object& field : FieldsOf(header)) {
+    const standin::String name = TextMember(field, "Name");
+    if (!wanted.empty() && !standin::SameName(name.bytes(), wanted)) continue;
+    ++count;
+    const std::string line = SafeLine(name) + ": " + SafeLine(TextMember(field, "Value"));
+    output->PrintLine(Trim(line));
+  }
+  return count;
+}
+
+}  // namespace
+
+int Headers(const Session& session, const Files& files, const HeadersOptions& options,
+            Output* output) {
+  const auto visit = [&](const std::string& file, const Object& email) {
+    const Object part = FindPart(email, options.part);
+    if (part.IsNil()) {
+      Complain(file + ": there is no part " + options.part);
+      return false;
+    }
+    const std::size_t count = PrintFields(ObjectMember(part, "Header"), options.name, output);
+    if (count > 0 || options.name.empty()) return true;
+    Complain(file + ": there is no field " + options.name);
+    return false;
+  };
+  return ForEachFile(session, files, output, visit);
+}
+
+}  // namespace zqv::cli

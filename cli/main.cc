@@ -1,0 +1,54 @@
+// The zqv program: shows messages through the library in a stand-in host.
+//
+// Exit codes: 0 done; 1 a message, the library or a file could not be read or written; 2 usage.
+#include <exception>
+#include <variant>
+
+#include "cli/arguments.h"
+#include "cli/output.h"
+#include "cli/session.h"
+#include "cli/verbs.h"
+
+namespace zqv::cli {
+namespace {
+
+int Run(const Arguments& arguments, Output* output) {
+  const Session session(arguments.session);
+  switch (arguments.verb) {
+    case Verb::kShow:
+      return Show(session, arguments.files, output);
+    case Verb::kTree:
+      return Tree(session, arguments.files, output);
+    case Verb::kHeaders:
+      return Headers(session, arguments.files, arguments.headers, output);
+    case Verb::kList:
+      return List(session, arguments.files, output);
+    case Verb::kExtract:
+      return Extract(session, arguments.files.front(), arguments.extract, output);
+    case Verb::kClasses:
+      return Classes(session, output);
+  }
+  return kUsageError;
+}
+
+int Main(int count, const char* const* values) {
+  EndOnClosedPipe();
+  const std::variant<Arguments, int> parsed = ParseArguments(count, values);
+  Output output;
+  int code = 1;
+  if (const int* const exit_code = std::get_if<int>(&parsed)) {
+    code = *exit_code;
+  } else {
+    try {
+      code = Run(std::get<Arguments>(parsed), &output);
+    } catch (const std::exception& error) {
+      Complain(error.what());
+    }
+  }
+  return output.Finish() ? code : 1;
+}
+
+}  // namespace
+}  // namespace zqv::cli
+
+int main(int count, char** values) { return zqv::cli::Main(count, values); }

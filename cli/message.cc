@@ -1,0 +1,151 @@
+#include "cli/message.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <stdexcept>
+#include <system_error>
+#include <unordered_map>
+#include <utility>
+#include <variant>
+
+#include "cli/text.h"
+
+namespace zqv::cli {
+namespace {
+
+using standin::Object;
+using standin::String;
+using standin::Value;
+
+// Nil when the member is not there, which the host answers with std::invalid_argument.
+template <typename Read>
+Value IfPresent(const Object& object, Read read) {
+  if (object.IsNil()) return std::monostate();
+  try {
+    return read();
+  } catch (const std::invalid_argument&) {
+    return std::monostate();
+  }
+}
+
+Value PropertyOf(const Object& object, std::string_view property) {
+  return IfPresent(object, [&] { return standin::Get(object, property); });
+}
+
+// Where in the tree the body objects are, by which attachments and parts know each other.
+std::unordered_map<const void*, std::size_t> IndexBodies(const PartTree& tree) {
+  std::unordered_map<const void*, std::size_t> index;
+  for (std::size_t i = 0; i < tree.parts().size(); ++i) {
+    const Object body = ObjectMember(tree.parts()[i].entity, "Body");
+    if (!body.IsNil()) index.emplace(body.thing(), i);
+  }
+  return index;
+}
+
+}  // namespace
+
+String TextMember(const Object& object, std::string_view property) {
+  const Value value = PropertyOf(object, property);
+  const auto* const text = std::get_if<String>(&value);
+  return text != nullptr ? *text : String();
+}
+
+Object ObjectMember(const Object& object, std::string_view property) {
+  const Value value = PropertyOf(object, property);
+  const auto* const result = std::get_if<Object>(&value);
+  return result != nullptr ? *result : Object();
+}
+
+std::vector<Object> ListMember(const Object& object, std::string_view declaration) {
+  const Value value = IfPresent(object, [&] { return standin::Call(object, declaration); });
+  const auto* const array = std::get_if<Object>(&value);
+  std::vector<Object> list;
+  if (array == nullptr || !array->IsArray()) return list;
+  for (std::int64_t i = 0; i < array->Size(); ++i) {
+    const Value element = array->At(i);
+    if (const auto* const item = std::get_if<Object>(&element)) list.push_back(*item);
+  }
+  return list;
+}
+
+std::vector<Object> PartsOf(const Object& entity) {
+  return ListMember(ObjectMember(entity, "Body"), "Parts as MimeEntityZQV()");
+}
+
+std::vector<Object> FieldsOf(const Object& header) {
+  return ListMember(header, "Fields as MimeFieldZQV()");
+}
+
+std::string MimeTypeOf(const Object& header) {
+  const std::string text = SafeLine(TextMember(header, "ContentType"));
+  const std::string_view type = Trim(std::string_view(text).substr(0, text.find(';')));
+  return type == "/" ? std::string() : std::string(type);
+}
+
+PartTree::PartTree(const Object& email) {
+  std::vector<Part> waiting;
+  waiting.push_back({email, 0, 0, 0, false});
+  while (!waiting.empty()) {
+    parts_.push_back(std::move(waiting.back()));
+    waiting.pop_back();
+    const std::size_t index = parts_.size() - 1;
+    const std::vector<Object> children = PartsOf(parts_[index].entity);
+    parts_[index].has_parts = !children.empty();
+    for (std::size_t ordinal = children.size(); ordinal > 0; --ordinal) {
+      waiting.push_back({children[ordinal - 1], index, ordinal, parts_[index].depth + 1, false});
+    }
+  }
+}
+
+std::string PartTree::Number(std::size_t index) const {
+  if (index == 0) return "0";
+  std::vector<std::size_t> ordinals;
+  for (; index != 0; index = parts_[index].parent) ordinals.push_back(parts_[index].ordinal);
+  std::string number;
+  for (auto ordinal = ordinals.rbegin(); ordinal != ordinals.rend(); ++ordinal) {
+    if (!number.empty()) number += '.';
+    number += std::to_string(*ordinal);
+  }
+  return number;
+}
+
+Object FindPart(const Object& email, const std::string& number) {
+  Object part = email;
+  if (number == "0") return part;
+  const char* position = number.data();
+  const char* const end = position + number.size();
+  while (!part.IsNil()) {
+    std::size_t ordinal = 0;
+    const auto [next, error] = std::from_chars(position, end, ordinal);
+    const std::vector<Object> children = PartsOf(part);
+    if (error != std::errc() || ordinal == 0 || ordinal > children.size()) return {};
+    part = children[ordinal - 1];
+    if (next == end) break;
+    if (*next != '.') return {};
+    position = next + 1;
+  }
+  return part;
+}
+
+std::vector<Attached> ListAttached(const Object& email, const PartTree& tree) {
+  const auto bodies = IndexBodies(tree);
+  std::vector<Attached> list;
+  const auto add = [&](std::string_view declaration, bool is_inline) {
+    for (const Object& record : ListMember(email, declaration)) {
+      const auto found = bodies.find(ObjectMember(record, "Body").thing());
+      const bool is_known = found != bodies.end();
+      list.push_back(
+          {record, is_inline, is_known ? std::optional<std::size_t>(found->second) : std::nullopt});
+    }
+  };
+  add("Attachments as MimeAttachmentZQV()", false);
+  add("Inlines as MimeAttachmentZQV()", true);
+  std::stable_sort(list.begin(), list.end(), [](const Attached& a, const Attached& b) {
+    constexpr std::size_t kLast = std::numeric_limits<std::size_t>::max();
+    return a.part.value_or(kLast) < b.part.value_or(kLast);
+  });
+  return list;
+}
+
+}  // namespace zqv::cli

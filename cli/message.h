@@ -1,0 +1,71 @@
+// What a message's objects tell: members that may be missing, its parts in order, what is attached.
+//
+// A library may register fewer classes and members than expected, a poor host may leave any of
+// them nil; here both are simply absent. Exceptions that the library raises are let through.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "standin/application.h"
+#include "standin/handles.h"
+
+namespace zqv::cli {
+
+// Properties of an object that may be nil. Absent ones are nil.
+standin::String TextMember(const standin::Object& object, std::string_view property);
+standin::Object ObjectMember(const standin::Object& object, std::string_view property);
+// What a method without arguments returns, as a list without its nil elements; empty when absent.
+std::vector<standin::Object> ListMember(const standin::Object& object,
+                                        std::string_view declaration);
+
+// The parts of an entity that are multiparts or messages themselves; empty for any other.
+std::vector<standin::Object> PartsOf(const standin::Object& entity);
+
+// A header's fields in order.
+std::vector<standin::Object> FieldsOf(const standin::Object& header);
+
+// "text/plain" of "text/plain; charset=utf-8"; empty when a header names no type.
+std::string MimeTypeOf(const standin::Object& header);
+
+// All entities of a message, parents first.
+//
+// The message itself has number 0, its children 1, 2, 3, the children of 2 have 2.1, 2.2 and so on;
+// the message within an attached message, number 2 say, is 2.1. Numbers are made when asked for:
+// in a message that nests thousands deep they are long.
+class PartTree {
+ public:
+  struct Part {
+    standin::Object entity;
+    std::size_t parent;   // index; its own for the message
+    std::size_t ordinal;  // among its siblings, from 1; 0 for the message
+    std::size_t depth;    // 0 for the message
+    bool has_parts;
+  };
+
+  explicit PartTree(const standin::Object& email);
+
+  const std::vector<Part>& parts() const { return parts_; }
+  std::string Number(std::size_t index) const;
+
+ private:
+  std::vector<Part> parts_;
+};
+
+// The entity with this number, nil when there is none. Numbers as above.
+standin::Object FindPart(const standin::Object& email, const std::string& number);
+
+// One attachment or inline part.
+struct Attached {
+  standin::Object record;  // a MimeAttachmentZQV
+  bool is_inline;
+  std::optional<std::size_t> part;  // index in the tree; unknown on a poor host
+};
+
+// Attachments and inline parts together, in the order of the parts that they describe.
+std::vector<Attached> ListAttached(const standin::Object& email, const PartTree& tree);
+
+}  // namespace zqv::cli

@@ -1,0 +1,122 @@
+#include "cli/text.h"
+
+#include <locale.h>
+#include <wchar.h>
+
+#include <algorithm>
+#include <optional>
+
+#include "abi/encodings.h"
+#include "cli/utf8.h"
+
+namespace zqv::cli {
+namespace {
+
+// At least `digits` hexadecimal digits.
+std::string Hex(char32_t value, std::size_t digits) {
+  static constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string text;
+  for (; value != 0; value >>= 4U) text.insert(text.begin(), kDigits[value & 15U]);
+  return std::string(digits - std::min(digits, text.size()), '0') + text;
+}
+
+std::string EscapedByte(char32_t byte) { return "\\x" + Hex(byte, 2); }
+
+// CR and CRLF as line feeds.
+std::string WithLineFeeds(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\r') {
+      result += text[i];
+    } else if (i + 1 == text.size() || text[i + 1] != '\n') {
+      result += '\n';
+    }
+  }
+  return result;
+}
+
+// Without `is_utf8` each high byte is escaped.
+std::string EscapeAll(std::string_view text, Lines lines, bool is_utf8) {
+  std::string safe;
+  safe.reserve(text.size());
+  while (!text.empty()) {
+    const CodePoint c = FirstCodePoint(text);
+    const bool kept = c.value == '\t' || (c.value == '\n' && lines == Lines::kMany);
+    if (!kept && (!c.valid || IsControl(c.value))) {
+      safe += EscapedByte(c.value);
+    } else if (IsDirectionOverride(c.value)) {
+      safe += "\\u{" + Hex(c.value, 4) + "}";
+    } else if (c.bytes > 1 && !is_utf8) {
+      for (const char byte : text.substr(0, c.bytes)) {
+        safe += EscapedByte(static_cast<unsigned char>(byte));
+      }
+    } else {
+      safe += text.substr(0, c.bytes);
+    }
+    text.remove_prefix(c.bytes);
+  }
+  return safe;
+}
+
+std::string Escape(std::string_view text, Lines lines, bool is_utf8) {
+  if (lines == Lines::kOne) return EscapeAll(text, lines, is_utf8);
+  return EscapeAll(WithLineFeeds(text), lines, is_utf8);
+}
+
+// A locale of its own for wcwidth alone: the library must find the process's locale untouched.
+class WidthLocale {
+ public:
+  WidthLocale() : before_(uselocale(Utf8Locale())) {}
+  ~WidthLocale() { uselocale(before_); }
+  WidthLocale(const WidthLocale&) = delete;
+  WidthLocale& operator=(const WidthLocale&) = delete;
+
+ private:
+  // Null, which changes nothing, when the system has no such locale.
+  static locale_t Utf8Locale() {
+    static const locale_t kLocale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    return kLocale;
+  }
+
+  const locale_t before_;
+};
+
+}  // namespace
+
+std::string SafeText(std::string_view text, Lines lines) { return Escape(text, lines, true); }
+
+std::string SafeText(const standin::String& string, Lines lines) {
+  const std::optional<std::string> utf8 = string.Utf8();
+  if (utf8) return SafeText(*utf8, lines);
+  return Escape(string.bytes(), lines, string.encoding() == abi::kUtf8);
+}
+
+std::string SafeLine(const standin::String& string) {
+  return std::string(Trim(SafeText(string, Lines::kOne)));
+}
+
+std::size_t DisplayWidth(std::string_view text) {
+  const WidthLocale locale;
+  std::size_t width = 0;
+  while (!text.empty()) {
+    const CodePoint c = FirstCodePoint(text);
+    const int columns = wcwidth(static_cast<wchar_t>(c.value));
+    width += columns < 0 ? 1 : static_cast<std::size_t>(columns);
+    text.remove_prefix(c.bytes);
+  }
+  return width;
+}
+
+std::string_view Trim(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t";
+  const std::size_t first = text.find_first_not_of(kBlanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+std::string ByteCount(std::size_t bytes) {
+  return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
+}
+
+}  // namespace zqv::cli

@@ -1,0 +1,38 @@
+// Text from a message, made fit for a terminal: whoever wrote the message must not be able to move
+// the cursor, recolour the screen or turn the reading direction.
+//
+// Control characters become \xHH, direction overrides \u{202E}, bytes that are no text \xHH. What
+// remains is well-formed UTF-8. A backslash stays as it is: the result is for reading only.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "standin/handles.h"
+
+namespace zqv::cli {
+
+// kMany keeps line feeds and makes CR and CRLF into them; kOne escapes them. Tabs stay.
+enum class Lines { kMany, kOne };
+
+// UTF-8 or bytes of no known encoding, such as a file's name.
+std::string SafeText(std::string_view text, Lines lines);
+
+// A host string as the host converts it; of one that it cannot convert, the ASCII characters.
+// Nil gives an empty text.
+std::string SafeText(const standin::String& string, Lines lines);
+
+// One line of safe text without the blanks around it.
+std::string SafeLine(const standin::String& string);
+
+// Columns that a terminal needs for safe text of one line.
+std::size_t DisplayWidth(std::string_view text);
+
+// `text` without spaces and tabs at both ends.
+std::string_view Trim(std::string_view text);
+
+// "1 byte", "665 bytes".
+std::string ByteCount(std::size_t bytes);
+
+}  // namespace zqv::cli

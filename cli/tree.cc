@@ -1,0 +1,67 @@
+// `zqv tree`: a message's entities, each below the one that holds it.
+//
+// Columns: part number, MIME type indented by depth, bytes of the decoded body, file name. A part
+// that holds others has no body of its own.
+#include <algorithm>
+#include <unordered_map>
+
+#include "cli/message.h"
+#include "cli/table.h"
+#include "cli/text.h"
+#include "cli/verbs.h"
+
+namespace zqv::cli {
+namespace {
+
+using standin::Object;
+
+constexpr std::size_t kIndent = 2;
+// Deeper ones are not moved any further: the part number tells the depth, and a message may nest
+// thousands deep.
+constexpr std::size_t kDeepestIndent = 20;
+
+std::unordered_map<std::size_t, std::string> NamesByPart(const Object& email,
+                                                         const PartTree& tree) {
+  std::unordered_map<std::size_t, std::string> names;
+  for (const Attached& attached : ListAttached(email, tree)) {
+    if (!attached.part) continue;
+    names.emplace(*attached.part, SafeLine(TextMember(attached.record, "Filename")));
+  }
+  return names;
+}
+
+std::string SizeOf(const PartTree::Part& part) {
+  const standin::String body = TextMember(part.entity, "BodyDecoded");
+  if (body.IsNil() && part.has_parts) return {};
+  return std::to_string(body.bytes().size());
+}
+
+std::string IndentedType(const PartTree::Part& part) {
+  const std::string type = MimeTypeOf(ObjectMember(part.entity, "Header"));
+  return std::string(kIndent * std::min(part.depth, kDeepestIndent), ' ') +
+         (type.empty() ? "(no type)" : type);
+}
+
+void PrintTree(const Object& email, Output* output) {
+  const PartTree tree(email);
+  const auto names = NamesByPart(email, tree);
+  const auto row = [&](std::size_t i) {
+    const PartTree::Part& part = tree.parts()[i];
+    const auto name = names.find(i);
+    return Row{tree.Number(i), IndentedType(part), SizeOf(part),
+               name == names.end() ? std::string() : name->second};
+  };
+  FormatTable({Align::kLeft, Align::kLeft, Align::kRight, Align::kLeft}, tree.parts().size(), row,
+              [&](std::string_view line) { output->PrintLine(line); });
+}
+
+}  // namespace
+
+int Tree(const Session& session, const Files& files, Output* output) {
+  return ForEachFile(session, files, output, [&](const std::string&, const Object& email) {
+    PrintTree(email, output);
+    return true;
+  });
+}
+
+}  // namespace zqv::cli

@@ -1,0 +1,66 @@
+#include "cli/utf8.h"
+
+namespace zqv::cli {
+namespace {
+
+// What the lead byte says: the length, the bits that it holds itself, and the bounds of the second
+// byte, which keep out over-long forms, surrogates and what lies above U+10FFFF.
+struct Lead {
+  std::size_t bytes;
+  unsigned bits;
+  unsigned second_low;
+  unsigned second_high;
+};
+
+// `bytes` is 0 for a byte that leads nothing.
+Lead LeadOf(unsigned byte) {
+  if (byte < 0x80) return {1, byte, 0, 0};
+  if (byte < 0xC2 || byte > 0xF4) return {0, 0, 0, 0};
+  if (byte < 0xE0) return {2, byte & 0x1FU, 0x80, 0xBF};
+  if (byte < 0xF0) {
+    return {3, byte & 0x0FU, byte == 0xE0 ? 0xA0U : 0x80U, byte == 0xED ? 0x9FU : 0xBFU};
+  }
+  return {4, byte & 0x07U, byte == 0xF0 ? 0x90U : 0x80U, byte == 0xF4 ? 0x8FU : 0xBFU};
+}
+
+unsigned ByteAt(std::string_view text, std::size_t index) {
+  return static_cast<unsigned char>(text[index]);
+}
+
+}  // namespace
+
+CodePoint FirstCodePoint(std::string_view text) {
+  const unsigned first = ByteAt(text, 0);
+  const CodePoint broken = {first, 1, false};
+  const Lead lead = LeadOf(first);
+  if (lead.bytes == 0 || lead.bytes > text.size()) return broken;
+  char32_t value = lead.bits;
+  for (std::size_t i = 1; i < lead.bytes; ++i) {
+    const unsigned byte = ByteAt(text, i);
+    const unsigned low = i == 1 ? lead.second_low : 0x80U;
+    const unsigned high = i == 1 ? lead.second_high : 0xBFU;
+    if (byte < low || byte > high) return broken;
+    value = value << 6U | (byte & 0x3FU);
+  }
+  return {value, lead.bytes, true};
+}
+
+std::size_t WholeSequences(std::string_view text, std::size_t most) {
+  std::size_t length = 0;
+  while (length < text.size()) {
+    const std::size_t next = length + FirstCodePoint(text.substr(length)).bytes;
+    if (next > most) break;
+    length = next;
+  }
+  return length;
+}
+
+bool IsDirectionMark(char32_t c) { return c == 0x061C || c == 0x200E || c == 0x200F; }
+
+bool IsDirectionOverride(char32_t c) {
+  return (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+}
+
+bool IsControl(char32_t c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }
+
+}  // namespace zqv::cli

@@ -1,0 +1,34 @@
+// What the program can do, one function and one file each. Each gives the program's exit code: 0,
+// or 1 when anything could not be done, which has then been said.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/output.h"
+#include "cli/session.h"
+
+namespace zqv::cli {
+
+using Files = std::vector<std::string>;  // paths; "-" is standard input
+
+struct HeadersOptions {
+  std::string name;        // empty: all fields
+  std::string part = "0";  // whose header
+};
+
+struct ExtractOptions {
+  std::string folder;
+  bool force = false;
+};
+
+int Show(const Session& session, const Files& files, Output* output);
+int Tree(const Session& session, const Files& files, Output* output);
+int Headers(const Session& session, const Files& files, const HeadersOptions& options,
+            Output* output);
+int List(const Session& session, const Files& files, Output* output);
+int Extract(const Session& session, const std::string& file, const ExtractOptions& options,
+            Output* output);
+int Classes(const Session& session, Output* output);
+
+}  // namespace zqv::cli

@@ -1,0 +1,71 @@
+"""Other hosts than a recent, complete one, and the list of classes."""
+
+import re
+import unittest
+
+import program
+from program import SAMPLES, zqv
+
+PLAIN = SAMPLES / "plain.eml"
+
+
+class HostsTest(program.TestCase):
+    def test_old_hosts_show_the_same(self):
+        for sample in ("plain.eml", "nested.eml", "japanese.eml"):
+            expected = self.expect(zqv("show", SAMPLES / sample)).out
+            for version in ("2012.1", "2013", "2019.1", "2021"):
+                with self.subTest(sample=sample, version=version):
+                    self.expect(zqv("show", SAMPLES / sample, "--host-version", version), 0,
+                                expected)
+
+    def test_old_hosts_are_asked_for_the_file_in_their_way(self):
+        old = self.expect(zqv("show", PLAIN, "--debug", "--host-version", "2012.1"), err=None)
+        new = self.expect(zqv("show", PLAIN, "--debug", "--host-version", "2013.0"), err=None)
+        self.assertIn(f"url path: file://{PLAIN}\n", old.err)
+        self.assertIn(f"native path: {PLAIN}\n", new.err)
+
+    def test_relative_names_and_odd_characters_on_both_kinds(self):
+        self.write("ä b%20#?.eml", "Subject: x\n\nx\n")
+        for version in ("2012.1", "2024.1"):
+            with self.subTest(version):
+                self.expect(zqv("headers", "ä b%20#?.eml", "--host-version", version,
+                                cwd=self.folder), 0, "Subject: x\n")
+
+    def test_host_without_properties_opens_no_file(self):
+        without = ["--without", "REALGetPropValueString"]
+        self.expect(zqv("show", PLAIN, *without), 1, "",
+                    f"zqv: {PLAIN}: IOException: Failed to open file for reading.\n")
+        self.expect(zqv("headers", "--name", "Subject", "-", *without, stdin=PLAIN.read_bytes()),
+                    0, "Subject: Keys\n")
+
+    def test_host_without_arrays_shows_what_is_left(self):
+        result = self.expect(zqv("show", SAMPLES / "attachments.eml", "--without",
+                                 "RuntimeArrayCreateSingleDimBoundedArray"))
+        self.assertRegex(result.out, "(?m)^Subject: +Quarterly figures and the chart$")
+        self.assertNotRegex(result.out, "(?m)^(From|To|Cc|Parts|Attachments):")
+
+    def test_host_without_several(self):
+        result = self.expect(zqv("show", "--without", "REALSetPropValueDouble", "--without",
+                                 "REALGetPropValueDouble", SAMPLES / "attachments.eml"))
+        # The fields of the Date line as they stand: nobody could move them to UTC.
+        self.assertRegex(result.out, r"(?m)^Date: +2024-04-16 16:02:05$")
+
+    def test_host_that_registers_nothing(self):
+        self.expect(zqv("show", PLAIN, "--without", "PluginRegisterClass"), 1, "",
+                    f"zqv: {PLAIN}: there is no class MimeEmailZQV\n")
+        self.expect(zqv("classes", "--without", "PluginRegisterClass"), 0, "")
+
+
+class ClassesTest(program.TestCase):
+    def test_classes(self):
+        out = self.expect(zqv("classes")).out
+        self.assertEqual(re.findall(r"(?m)^class (\w+)", out), [
+            "MimeBodyZQV", "MimeHeaderZQV", "MimeEntityZQV", "MimeAddressZQV", "MimeGroupZQV",
+            "MimeAddressListZQV", "MimeMailboxListZQV", "MimeMailboxZQV", "MimeFieldZQV",
+            "MimeEmailZQV", "MimeAttachmentZQV"])
+        self.assertRegex(out, r"(?m)^class MimeEmailZQV of MimeEntityZQV,")
+        self.assertRegex(out, r"(?m)^  property PlainText as String,")
+
+
+if __name__ == "__main__":
+    unittest.main()

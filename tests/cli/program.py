@@ -1,0 +1,76 @@
+"""Starts the zqv program, found through the environment: ZQV, and ZQV_SAMPLES for the samples."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+ZQV = pathlib.Path(os.environ["ZQV"])
+SAMPLES = pathlib.Path(os.environ["ZQV_SAMPLES"])
+LIBRARY = ZQV.parent / "MimeEmailZQV.so"
+TIMEOUT = 60  # seconds; sanitized builds are slow
+
+
+class Result:
+    """What one run left: exit code, standard output and standard error."""
+
+    def __init__(self, code, out, err):
+        self.code = code
+        self.out_bytes = out
+        self.out = out.decode("utf-8")
+        self.err = err.decode("utf-8")
+
+    def __repr__(self):
+        return f"exit code {self.code}\n-- out\n{self.out}\n-- err\n{self.err}"
+
+
+def environment():
+    """Dates are shown in the machine's zone."""
+    return {**os.environ, "TZ": "UTC", "LC_ALL": "C"}
+
+
+def zqv(*arguments, stdin=b"", program=ZQV, **options):
+    """Runs the program to its end."""
+    if isinstance(stdin, bytes):
+        options["input"] = stdin
+    else:
+        options["stdin"] = stdin
+    run = subprocess.run([program, *arguments], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                         env=environment(), timeout=TIMEOUT, check=False, **options)
+    return Result(run.returncode, run.stdout, run.stderr)
+
+
+class TestCase(unittest.TestCase):
+    """A test with a folder of its own, `self.folder`."""
+
+    maxDiff = None
+
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory()
+        self.addCleanup(holder.cleanup)
+        self.folder = pathlib.Path(holder.name)
+
+    def write(self, name, data):
+        """A file in the test's folder; gives its path."""
+        path = self.folder / name
+        path.write_bytes(data if isinstance(data, bytes) else data.encode("utf-8"))
+        return path
+
+    def copy_program(self):
+        """The program and its library in a folder that every user may read."""
+        self.folder.chmod(0o755)
+        for file in (ZQV, LIBRARY):
+            shutil.copy(file, self.folder)
+            (self.folder / file.name).chmod(0o755)
+        return self.folder / ZQV.name
+
+    def expect(self, result, code=0, out=None, err=""):
+        """Checks a run; None leaves a stream unchecked."""
+        self.assertEqual(result.code, code, result)
+        if out is not None:
+            self.assertEqual(result.out, out, result)
+        if err is not None:
+            self.assertEqual(result.err, err, result)
+        return result
