@@ -4,6 +4,11 @@ set(ZQV_SANITIZE "" CACHE STRING "Sanitizers for all code, e.g. address,undefine
 option(ZQV_FUZZER "Instrument all code for libFuzzer (clang only)" OFF)
 option(ZQV_COVERAGE "Count executed lines (g++ only)" OFF)
 
+# Instrumented frames are several times as large, which the limit on nesting takes into account.
+if(ZQV_SANITIZE OR ZQV_FUZZER)
+  add_compile_definitions(ZQV_INSTRUMENTED)
+endif()
+
 if(ZQV_SANITIZE)
   # UBSan's `function` is off: a host calls the registered functions through pointers of other
   # types, and so does the stand-in.
