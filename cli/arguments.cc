@@ -1,9 +1,12 @@
 #include "cli/arguments.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "cli/output.h"
 
@@ -104,6 +107,20 @@ void AddVerbs(CLI::App* app, Arguments* arguments) {
   AddVerb(app, "classes", "List the classes that the library registers", Verb::kClasses, arguments);
 }
 
+// What the user wrote, without the program's name. Behind "--" there are only files; the parser
+// forgets that once it has met one, so those that look like options get a path's look.
+std::vector<std::string> Words(int count, const char* const* values) {
+  std::vector<std::string> words;
+  bool only_files = false;
+  for (int i = 1; i < count; ++i) {
+    std::string word = values[i];
+    if (only_files && word.size() > 1 && word.front() == '-') word.insert(0, "./");
+    if (word != "--") words.push_back(std::move(word));
+    only_files = only_files || std::string_view(values[i]) == "--";
+  }
+  return words;
+}
+
 }  // namespace
 
 std::variant<Arguments, int> ParseArguments(int count, const char* const* values) {
@@ -114,7 +131,9 @@ std::variant<Arguments, int> ParseArguments(int count, const char* const* values
   AddCommonOptions(&app, &arguments.session);
   AddVerbs(&app, &arguments);
   try {
-    app.parse(count, values);
+    std::vector<std::string> words = Words(count, values);
+    std::reverse(words.begin(), words.end());  // as the parser wants them
+    app.parse(std::move(words));
   } catch (const CLI::Success& help) {
     return app.exit(help, std::cout, std::cerr);
   } catch (const CLI::ParseError& error) {

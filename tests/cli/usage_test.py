@@ -59,11 +59,13 @@ class UsageTest(program.TestCase):
         self.expect(zqv("show", PLAIN, *version), 0, expected)
 
     def test_files_named_like_options_and_verbs(self):
-        for name in ("tree", "--help", "-"):
-            self.write(name, "Subject: x\n\nx\n")
-        out = self.expect(zqv("headers", "--", "tree", "--help", "./-", cwd=self.folder)).out
-        self.assertEqual(out, "==> tree <==\nSubject: x\n\n==> --help <==\nSubject: x\n"
-                              "\n==> ./- <==\nSubject: x\n")
+        for name in ("tree", "--help", "--", "-"):
+            self.write(name, f"Subject: {name}\n\nx\n")
+        self.expect(zqv("headers", "tree", "./-", "--", "--help", "--", "tree", "-",
+                        cwd=self.folder, stdin=b"Subject: input\n\nx\n"), 0,
+                    "==> tree <==\nSubject: tree\n\n==> ./- <==\nSubject: -\n"
+                    "\n==> ./--help <==\nSubject: --help\n\n==> ./-- <==\nSubject: --\n"
+                    "\n==> tree <==\nSubject: tree\n\n==> - <==\nSubject: input\n")
 
 
 if __name__ == "__main__":
