@@ -1,0 +1,165 @@
+// Memory that runs out at each allocation of the library in turn: nothing crashes, nothing is left
+// behind, and the application gets nil or a host exception.
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <string>
+
+#include "tests/interface/child.h"
+#include "tests/interface/failing_new.h"
+#include "tests/interface/messages.h"
+#include "tests/interface/reading.h"
+#include "tests/interface/session.h"
+
+namespace zqv::interface_test {
+namespace {
+
+class Allocation : public InterfaceTest {};
+
+constexpr const char* kNoMemory = "OutOfMemoryException, 0: Failed to allocate memory";
+
+// What an application does in one go, and what was raised meanwhile.
+using Work = std::function<std::string()>;
+
+std::uint64_t AllocationsOf(const Work& work) {
+  const FailingNew counting;
+  EXPECT_EQ(work(), "");
+  return FailingNew::Count();
+}
+
+// Lets allocation `n` fail, or all from `n` on, and looks at what is left. Gives what was raised.
+std::string FailAt(std::uint64_t n, std::uint64_t calls, const Work& work) {
+  const LiveBlocks before = FailingNew::Live();
+  const std::int64_t things_before = Host::Get("the test").ledger().Live().Total();
+  std::string raised;
+  {
+    const FailingNew failing(n, calls);
+    raised = work();
+  }
+  const LiveBlocks after = FailingNew::Live();
+  EXPECT_TRUE(raised.empty() || raised.find(kNoMemory) == 0) << n << ": " << raised;
+  EXPECT_EQ(after.single, before.single) << "allocation " << n << " leaks";
+  EXPECT_EQ(after.arrays, before.arrays) << "allocation " << n << " leaks an array";
+  EXPECT_EQ(Host::Get("the test").ledger().Live().Total(), things_before) << n;
+  return raised;
+}
+
+// What is to be done, made ready in a running session.
+using Preparation = std::function<Work()>;
+
+// Fails the allocations number `first` to `first + count - 1`; gives how many there are in all.
+std::uint64_t FailSome(const Preparation& prepare, std::uint64_t first, std::uint64_t count) {
+  Session session({}, Exceptions::kMayBeLost);
+  const Work work = prepare();
+  EXPECT_EQ(work(), "") << "what is made once and kept, is made now";
+  const std::uint64_t last = AllocationsOf(work);
+  const auto step = static_cast<std::uint64_t>(Repetitions(1, 7));
+  for (std::uint64_t n = first; n < first + count && n <= last + 1; n += step) {
+    FailAt(n, 1, work);
+    const std::string raised = FailAt(n, FailingNew::kNever, work);
+    EXPECT_EQ(raised.empty(), n > last) << n << " of " << last << ": " << raised;
+  }
+  return last;
+}
+
+// Children of some hundred failures each, so that a crash tells nearly where it was.
+void FailEverywhere(const std::string& name, const Preparation& prepare) {
+  constexpr std::uint64_t kChunk = 300;
+  LoadLibraryFile();
+  void* const shared = mmap(nullptr, sizeof(std::uint64_t), PROT_READ | PROT_WRITE,
+                            MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(shared, MAP_FAILED);
+  auto* const last = static_cast<std::uint64_t*>(shared);
+  std::uint64_t first = 1;
+  do {
+    *last = 0;
+    InChild(name + ", from allocation " + std::to_string(first),
+            [&] { *last = FailSome(prepare, first, kChunk); });
+    first += kChunk;
+  } while (first <= *last);
+  std::printf("%s: %llu allocations\n", name.c_str(), static_cast<unsigned long long>(*last));
+  munmap(shared, sizeof(std::uint64_t));
+}
+
+std::string ConstructAndRelease(Way way, const std::string& bytes) {
+  return Construct(way, bytes).raised;
+}
+
+// Otherwise no test here would test anything.
+TEST_F(Allocation, TheLibraryAllocatesThroughThisProgram) {
+  Start();
+  EXPECT_GT(AllocationsOf([] { return ConstructAndRelease(Way::kString, PlainMessage()); }), 20U);
+}
+
+TEST_F(Allocation, ConstructionOfAPlainMessage) {
+  FailEverywhere("plain",
+                 [] { return [] { return ConstructAndRelease(Way::kString, PlainMessage()); }; });
+}
+
+TEST_F(Allocation, ConstructionOfANestedMessageWithAttachments) {
+  FailEverywhere("rich",
+                 [] { return [] { return ConstructAndRelease(Way::kBlock, RichMessage()); }; });
+}
+
+TEST_F(Allocation, ConstructionFromAFile) {
+  FailEverywhere("file",
+                 [] { return [] { return ConstructAndRelease(Way::kFile, NestedMixture(6)); }; });
+}
+
+TEST_F(Allocation, ReadingAMessage) {
+  FailEverywhere("reading", []() -> Work {
+    const Object message = Parse(RichMessage());
+    return [message] {
+      return RaisedBy([&] {
+        Call(message, "SourceWithoutAttachments");
+        Call(message, "Attachments", 0);
+        const Object header = ObjectOf(Get(message, "Header"));
+        Call(header, "FieldByName", MakeString("Subject"));
+        Get(ObjectOf(Get(header, "sender")), "Email");
+      });
+    };
+  });
+}
+
+TEST_F(Allocation, ClassesMadeFromText) {
+  FailEverywhere("text", [] {
+    return [] {
+      std::string raised;
+      for (const char* name : {"MimeMailboxZQV", "MimeGroupZQV", "MimeAddressZQV",
+                               "MimeMailboxListZQV", "MimeAddressListZQV", "MimeFieldZQV"}) {
+        const char* text = "G: =?utf-8?Q?Caf=C3=A9?= <@r:a@example.org>, b@example.org;, c@d";
+        raised += RaisedBy([&] { FromText(name, text); });
+      }
+      return raised;
+    };
+  });
+}
+
+TEST_F(Allocation, SharedMethods) {
+  FailEverywhere("shared", [] {
+    return [] {
+      const String text = MakeString("<p>Caf\xC3\xA9 &euro;</p> =?utf-8?B?w4k=?= \xF0\x9F\x98\x80");
+      return RaisedBy([&] { CallShared("MimeEmailZQV", "HTMLToPlainText", text); }) +
+             RaisedBy([&] { CallShared("MimeEmailZQV", "DecodeInline", text); });
+    };
+  });
+}
+
+// The exception that is raised when memory runs out once, in the middle of the parse.
+TEST_F(Allocation, TellsTheApplication) {
+  Start();
+  const Work work = [] { return ConstructAndRelease(Way::kString, PlainMessage()); };
+  work();
+  std::string raised;
+  {
+    const FailingNew failing(AllocationsOf(work) / 2);
+    raised = work();
+  }
+  EXPECT_EQ(raised, std::string(kNoMemory) + ": std::bad_alloc");
+}
+
+}  // namespace
+}  // namespace zqv::interface_test

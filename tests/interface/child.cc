@@ -1,0 +1,96 @@
+#include "tests/interface/child.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+
+// Only there when the leak checker is linked in.
+extern "C" __attribute__((weak)) int __lsan_do_recoverable_leak_check();
+
+namespace zqv::interface_test {
+namespace {
+
+enum ExitCode { kGood = 0, kFailed = 91, kThrew = 92, kLeaked = 93 };
+
+int FailedParts() {
+  const auto* const test = ::testing::UnitTest::GetInstance()->current_test_info();
+  int failed = 0;
+  for (int i = 0; i < test->result()->total_part_count(); ++i) {
+    if (test->result()->GetTestPartResult(i).failed()) ++failed;
+  }
+  return failed;
+}
+
+int Run(const std::function<void()>& body) {
+  const int failed_before = FailedParts();
+  try {
+    body();
+  } catch (const std::exception& error) {
+    std::printf("uncaught: %s\n", error.what());
+    return kThrew;
+  } catch (...) {
+    std::printf("uncaught: a value that is no std::exception\n");
+    return kThrew;
+  }
+  if (FailedParts() != failed_before) return kFailed;
+  if (__lsan_do_recoverable_leak_check != nullptr && __lsan_do_recoverable_leak_check() != 0) {
+    return kLeaked;
+  }
+  return kGood;
+}
+
+std::string HowItEnded(int status) {
+  if (WIFSIGNALED(status)) {
+    const int signal = WTERMSIG(status);
+    return signal == SIGALRM ? "hung" : "was ended by signal " + std::to_string(signal);
+  }
+  switch (WEXITSTATUS(status)) {
+    case kFailed:
+      return "had a failed expectation";
+    case kThrew:
+      return "let an exception out";
+    case kLeaked:
+      return "leaked";
+    default:
+      return "ended with " + std::to_string(WEXITSTATUS(status));
+  }
+}
+
+std::string Text(int file) {
+  std::string text(static_cast<std::size_t>(lseek(file, 0, SEEK_END)), '\0');
+  const ssize_t got = pread(file, text.data(), text.size(), 0);
+  text.resize(got < 0 ? 0 : static_cast<std::size_t>(got));
+  return text;
+}
+
+}  // namespace
+
+void InChild(const std::string& configuration, const std::function<void()>& body,
+             unsigned seconds) {
+  const int output = memfd_create("child", 0);
+  ASSERT_GE(output, 0);
+  std::fflush(nullptr);
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    dup2(output, STDOUT_FILENO);
+    dup2(output, STDERR_FILENO);
+    alarm(seconds);
+    const int code = Run(body);
+    std::fflush(nullptr);
+    _exit(code);
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  if (status != 0) {
+    ADD_FAILURE() << configuration << ": the child " << HowItEnded(status) << "\n" << Text(output);
+  }
+  close(output);
+}
+
+}  // namespace zqv::interface_test

@@ -1,0 +1,31 @@
+// Work in a forked child: a crash, a hang, a leak or the host's refusal there fails the test and
+// names the configuration, and the library's state in this process stays as it was.
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace zqv::interface_test {
+
+// Whether AddressSanitizer watches this program.
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+inline constexpr bool kSanitized = true;
+#else
+inline constexpr bool kSanitized = false;
+#endif
+#elif defined(__SANITIZE_ADDRESS__)
+inline constexpr bool kSanitized = true;
+#else
+inline constexpr bool kSanitized = false;
+#endif
+
+// What a sanitizer's slowness leaves of a number of repetitions.
+constexpr int Repetitions(int plain, int sanitized) { return kSanitized ? sanitized : plain; }
+
+// Runs `body` in a child; expects it to end within `seconds`, with no failed expectation, no C++
+// exception and, where a leak checker runs, without a leak.
+void InChild(const std::string& configuration, const std::function<void()>& body,
+             unsigned seconds = 60);
+
+}  // namespace zqv::interface_test

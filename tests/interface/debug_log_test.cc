@@ -1,0 +1,310 @@
+// The lines of the debug log, all of them and in their order.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/interface/child.h"
+#include "tests/interface/files.h"
+#include "tests/interface/log_capture.h"
+#include "tests/interface/messages.h"
+#include "tests/interface/reading.h"
+#include "tests/interface/session.h"
+
+namespace zqv::interface_test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::MatchesRegex;
+using ::testing::StartsWith;
+
+using standin::ArrayLayout;
+
+constexpr const char* kEmail = "MimeEmailZQV";
+constexpr const char* kSmall = "Subject: Hi\nContent-Type: text/plain\n\nHello\n";
+constexpr const char* kPointer = "0x[0-9a-f]+";
+
+class DebugLog : public InterfaceTest {};
+
+// The lines that `work` writes with the switch on, without the line of the switch itself.
+template <typename Work>
+std::vector<std::string> Logged(Work work) {
+  SetShared(kEmail, "Debugging", false);
+  const LogCapture capture;
+  SetShared(kEmail, "Debugging", true);
+  static_cast<void>(RaisedBy(work));
+  SetShared(kEmail, "Debugging", false);
+  std::vector<std::string> lines = capture.Lines();
+  EXPECT_FALSE(lines.empty());
+  if (!lines.empty()) lines.erase(lines.begin());
+  return lines;
+}
+
+std::string Line(const std::string& text) { return "ZQV Debug: " + text; }
+
+TEST_F(DebugLog, SwitchingOnIsLoggedOnce) {
+  Start();
+  const LogCapture capture;
+  SetShared(kEmail, "Debugging", false);
+  EXPECT_THAT(capture.Lines(), IsEmpty());
+  SetShared(kEmail, "Debugging", true);
+  SetShared(kEmail, "Debugging", true);
+  EXPECT_THAT(capture.Lines(), ElementsAre(Line("ZQV debug logging enabled.")));
+  SetShared(kEmail, "Debugging", false);
+  SetShared(kEmail, "Debugging", true);
+  EXPECT_EQ(capture.Lines().size(), 2U) << "off and on again";
+}
+
+TEST_F(DebugLog, NothingIsWrittenWhileItIsOff) {
+  Start();
+  const LogCapture capture;
+  for (const Way way : kAllWays) UseEverything(way, RichMessage());
+  EXPECT_THAT(capture.Lines(), IsEmpty());
+}
+
+TEST_F(DebugLog, FromAString) {
+  Start();
+  EXPECT_THAT(Logged([] { Parse(kSmall); }),
+              ElementsAre(Line("MimeEmailConstructor1"), Line("MimeEmailConstructor 44"),
+                          Line("decoded body of type text, plain"), Line("Set email plainText"),
+                          Line("parts count 0")));
+  EXPECT_EQ(std::string(kSmall).size(), 44U);
+}
+
+TEST_F(DebugLog, FromABlock) {
+  Start();
+  EXPECT_THAT(Logged([] { Parse(kSmall, Way::kBlock); }),
+              ElementsAre(Line("MimeEmailConstructor2"), Line("MimeEmailConstructor 44"),
+                          Line("decoded body of type text, plain"), Line("Set email plainText"),
+                          Line("parts count 0")));
+}
+
+Constructed ConstructFile(const Value& file) {
+  return ConstructOn(NewInstance(kEmail), "Constructor(File as FolderItem)", file);
+}
+
+TEST_F(DebugLog, FromAFile) {
+  Start();
+  const TemporaryFolder folder;
+  const std::string path = folder.Write("a.eml", kSmall);
+  const Object file = MakeFolderItem(path);
+  const std::vector<std::string> lines = Logged([&] { ConstructFile(file); });
+  EXPECT_THAT(lines,
+              ElementsAre(Line("MimeEmailConstructor3"), "native path: " + path,
+                          MatchesRegex(Line("result ") + kPointer),
+                          MatchesRegex(Line("f ") + kPointer), Line("fileLen 44"), Line("r 44"),
+                          Line("MimeEmailConstructor 44"), Line("decoded body of type text, plain"),
+                          Line("Set email plainText"), Line("parts count 0")));
+  ASSERT_EQ(lines.size(), 10U);
+  EXPECT_EQ(lines[2].substr(lines[2].rfind(' ')), lines[3].substr(lines[3].rfind(' ')));
+}
+
+TEST_F(DebugLog, FilesThatCannotBeOpened) {
+  Start();
+  EXPECT_THAT(Logged([] { ConstructFile(Value()); }),
+              ElementsAre(Line("MimeEmailConstructor3"), Line("folderitem is nil")));
+  EXPECT_THAT(Logged([] { ConstructFile(MakeFolderItem("/absent/a.eml")); }),
+              ElementsAre(Line("MimeEmailConstructor3"), "native path: /absent/a.eml",
+                          Line("result (nil)"), Line("f (nil)")));
+  EXPECT_THAT(Logged([] { ConstructFile(MakeFolderItem("")); }),
+              ElementsAre(Line("MimeEmailConstructor3"), "native path: ", Line("f (nil)")));
+}
+
+TEST_F(DebugLog, OldHostsLogTheUrl) {
+  StartVersion(2012.0);
+  EXPECT_THAT(Logged([] { ConstructFile(MakeFolderItem("/absent/a b.eml")); }),
+              ElementsAre(Line("MimeEmailConstructor3"), "url path: file:///absent/a%20b.eml",
+                          Line("result (nil)"), Line("f (nil)")));
+}
+
+TEST_F(DebugLog, EmptyInput) {
+  Start();
+  const auto construct = [](const char* constructor) {
+    ConstructOn(NewInstance(kEmail), constructor, Value());
+  };
+  EXPECT_THAT(
+      Logged([&] { construct("Constructor(Content as string)"); }),
+      ElementsAre(Line("MimeEmailConstructor1"), Line("data is NULL, so size fixed to zero."),
+                  Line("MimeEmailConstructor 0")));
+  EXPECT_THAT(Logged([&] { construct("Constructor(Content as MemoryBlock)"); }),
+              ElementsAre(Line("MimeEmailConstructor2"), Line("MimeEmailConstructor 0")));
+}
+
+// Depth first, children before their parent; the containers say nothing.
+TEST_F(DebugLog, PartsInTheOrderOfTheWalk) {
+  Start();
+  const std::string message =
+      "Content-Type: multipart/mixed; boundary=o\n\n"
+      "--o\nContent-Type: multipart/signed; boundary=i\n\n"
+      "--i\nContent-Type: text/html\n\n<p>A</p>\n"
+      "--i\nContent-Type: text/plain\n\nB\n--i--\n"
+      "--o\nContent-Type: TEXT/Plain\n\nC\n"
+      "--o\n\nD\n--o--\n";
+  EXPECT_THAT(Logged([&] { Parse(message); }),
+              ElementsAre(Line("MimeEmailConstructor1"),
+                          Line("MimeEmailConstructor " + std::to_string(message.size())),
+                          Line("decoded body of type text, html"), Line("Set email htmlText"),
+                          Line("decoded body of type text, plain"), Line("Set email plainText"),
+                          Line("decoded body of type multipart, signed"),
+                          Line("decoded body of type TEXT, Plain"), Line("decoded body of type , "),
+                          Line("parts count 3")));
+}
+
+TEST_F(DebugLog, SinglePartOfAnotherType) {
+  Start();
+  EXPECT_THAT(Logged([] { Parse("Content-Type: text/calendar\n\nX\n"); }),
+              ElementsAre(Line("MimeEmailConstructor1"), Line("MimeEmailConstructor 31"),
+                          Line("decoded body of type text, calendar"), Line("parts count 0"),
+                          Line("no mime type, make it text")));
+}
+
+// A marked text is listed, and becomes the message's text in the end all the same.
+TEST_F(DebugLog, SinglePartMarkedAsAttachment) {
+  Start();
+  const char* message = "Content-Type: text/plain\nContent-Disposition: attachment\n\nX\n";
+  EXPECT_THAT(Logged([&] { Parse(message); }),
+              ElementsAre(Line("MimeEmailConstructor1"), Line("MimeEmailConstructor 60"),
+                          Line("decoded body of type text, plain"), Line("parts count 0"),
+                          Line("Set email plainText")));
+}
+
+// The charset of a single part is looked up twice; its name is logged as it is compared.
+TEST_F(DebugLog, UnknownCharset) {
+  Start();
+  const char* message = "Content-Type: text/plain; charset=\"x-No.Such_1\"\n\nX\n";
+  EXPECT_THAT(Logged([&] { Parse(message); }),
+              ElementsAre(Line("MimeEmailConstructor1"), Line("MimeEmailConstructor 51"),
+                          Line("unknown charset xNoSuch1"),
+                          Line("decoded body of type text, plain"), Line("Set email plainText"),
+                          Line("parts count 0"), Line("unknown charset xNoSuch1")));
+}
+
+TEST_F(DebugLog, CharsetThatStringsAreNotUsuallyBuiltIn) {
+  Start();
+  EXPECT_THAT(
+      Logged([] { Parse("Content-Type: text/plain; charset=koi8-r\n\nX\n"); }),
+      ElementsAre(Line("MimeEmailConstructor1"), Line("MimeEmailConstructor 44"),
+                  Line("Unknown encoding in REALBuildUnicodeString 2562"),
+                  Line("decoded body of type text, plain"), Line("Set email plainText"),
+                  Line("parts count 0"), Line("Unknown encoding in REALBuildUnicodeString 2562")));
+}
+
+TEST_F(DebugLog, LongLineIsCut) {
+  Start();
+  const std::string name(5000, 'a');
+  const std::vector<std::string> lines =
+      Logged([&] { Parse("Content-Type: text/plain; charset=" + name + "\n\nX\n"); });
+  ASSERT_EQ(lines.size(), 7U);
+  const std::string whole = Line("unknown charset " + name);
+  EXPECT_EQ(lines[2], whole.substr(0, 4095));
+  EXPECT_EQ(lines[3], Line("decoded body of type text, plain")) << "a line of its own";
+}
+
+TEST_F(DebugLog, UnnamedException) {
+  Start();
+  host().SetFault("RuntimeArrayCreateSingleDimBoundedArray", Fault{Fault::Kind::kThrowsInt});
+  EXPECT_THAT(Logged([] { ConstructFromString(kSmall); }),
+              ElementsAre(Line("MimeEmailConstructor1"), Line("MimeEmailConstructor 44"),
+                          Line("Unnamed C++ Exception.")));
+}
+
+TEST_F(DebugLog, ElementOfNoList) {
+  Start();
+  EXPECT_THAT(Logged([] { Call(NewInstance(kEmail), "Inlines", 0); }),
+              ElementsAre(Line("REALGetArrayObject Array is nil")));
+}
+
+// What the first element access writes; the later ones write nothing.
+std::vector<std::string> SelfTestLines(const Capabilities& capabilities) {
+  Session session(capabilities);
+  const Object list = FromText("MimeMailboxListZQV", "a@b.org");
+  const std::vector<std::string> lines = Logged([&] { Call(list, "Mailboxes", 0); });
+  EXPECT_THAT(Logged([&] { Call(list, "Mailboxes", 0); }), IsEmpty());
+  return lines;
+}
+
+TEST_F(DebugLog, SelfTestThatPasses) {
+  LoadLibraryFile();
+  InChild("new",
+          [] { EXPECT_THAT(SelfTestLines({}), ElementsAre(Line("TestArray 2024.100000"))); });
+  InChild("old", [] {
+    Capabilities capabilities;
+    capabilities.version = 2013.035;
+    EXPECT_THAT(SelfTestLines(capabilities), ElementsAre(Line("TestArray 2013.035000")));
+  });
+}
+
+TEST_F(DebugLog, SelfTestThatFails) {
+  const struct {
+    ArrayLayout layout;
+    double version;
+    const char* line;
+  } kRows[] = {
+      {ArrayLayout::kWrongLocks, 2024.1, "refCount wrong 2"},
+      {ArrayLayout::kWrongDimensions, 2024.1, "DimensionCount wrong 2"},
+      {ArrayLayout::kWrongUpperBound, 2024.1, "ubound wrong 1235"},
+      {ArrayLayout::kNoStorage, 2024.1, "data is nil"},
+      {ArrayLayout::kWrongSlot0, 2024.1, "Index 0 failed 0"},
+      {ArrayLayout::kWrongSlot9, 2024.1, "Index 9 failed 0"},
+      {ArrayLayout::kWrongDimensions, 2020.0, "DimensionCount wrong 2"},
+      {ArrayLayout::kOld, 2021.0, "DimensionCount wrong -"},
+      {ArrayLayout::kNew, 2020.0, "ubound wrong -"},
+  };
+  LoadLibraryFile();
+  for (const auto& row : kRows) {
+    InChild(row.line, [&row] {
+      Capabilities capabilities;
+      capabilities.version = row.version;
+      capabilities.array_layout = row.layout;
+      EXPECT_THAT(SelfTestLines(capabilities),
+                  ElementsAre(StartsWith(Line("TestArray 202")), StartsWith(Line(row.line))));
+    });
+  }
+}
+
+TEST_F(DebugLog, SelfTestWithoutItsEntryPoints) {
+  const struct {
+    const char* missing;
+    std::vector<std::string> lines;
+  } kRows[] = {
+      {"PluginIntegerArraySetProc", {Line("Index 0 failed 0")}},
+      {"PluginIntegerArrayGetProc", {Line("Index 0 failed 0")}},
+  };
+  LoadLibraryFile();
+  for (const auto& row : kRows) {
+    InChild(row.missing, [&row] {
+      Capabilities capabilities;
+      capabilities.faults[row.missing] = Fault();
+      std::vector<std::string> expected = row.lines;
+      expected.insert(expected.begin(), Line("TestArray 2024.100000"));
+      EXPECT_EQ(SelfTestLines(capabilities), expected);
+    });
+  }
+}
+
+// The second array that the host is asked for is the self-test's.
+TEST_F(DebugLog, SelfTestWithoutAnArray) {
+  Start();
+  const Object list = FromText("MimeMailboxListZQV", "a@b.org");
+  Fault fault{Fault::Kind::kNothing};
+  fault.from_call = host().CallCount("RuntimeArrayCreateSingleDimBoundedArray") + 1;
+  host().SetFault("RuntimeArrayCreateSingleDimBoundedArray", fault);
+  EXPECT_THAT(Logged([&] { Call(list, "Mailboxes", 0); }),
+              ElementsAre(Line("TestArray 2024.100000"), Line("Failed to allocate array")));
+}
+
+// The bound that the self-test asks for is the second one of the access.
+TEST_F(DebugLog, SelfTestWithoutItsBound) {
+  Start();
+  const Object list = FromText("MimeMailboxListZQV", "a@b.org");
+  Fault fault{Fault::Kind::kNothing};
+  fault.from_call = host().CallCount("RuntimeUBound") + 2;
+  host().SetFault("RuntimeUBound", fault);
+  EXPECT_THAT(Logged([&] { Call(list, "Mailboxes", 0); }),
+              ElementsAre(Line("TestArray 2024.100000"), Line("ubound failed 0")));
+}
+
+}  // namespace
+}  // namespace zqv::interface_test

@@ -1,0 +1,180 @@
+#include "tests/interface/reading.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "standin/mirror.h"
+
+namespace zqv::interface_test {
+namespace {
+
+constexpr std::string_view kConstructors[] = {"Constructor(Content as string)",
+                                              "Constructor(Content as MemoryBlock)",
+                                              "Constructor(File as FolderItem)"};
+
+std::string WriteTemporaryFile(std::string_view bytes) {
+  std::string path = (std::filesystem::temp_directory_path() / "zqv-input-XXXXXX").string();
+  const int file = mkstemp(path.data());
+  if (file < 0) ADD_FAILURE() << "no temporary file " << path;
+  close(file);
+  std::ofstream(path, std::ios::binary)
+      .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  return path;
+}
+
+// Reads all there is below an object, one kind of member at a time. No recursion: applications
+// have small stacks too.
+class Reader {
+ public:
+  void Run(const Object& top) {
+    Add(top);
+    while (!waiting_.empty()) {
+      const Object object = waiting_.back();
+      waiting_.pop_back();
+      Read(object);
+    }
+  }
+
+  int calls() const { return calls_; }
+
+  template <typename Work>
+  void Try(Work work) {
+    static_cast<void>(RaisedBy(work));
+    ++calls_;
+  }
+
+ private:
+  void Add(const Object& object) {
+    if (!object.IsNil() && !object.IsArray()) waiting_.push_back(object);
+  }
+
+  void Read(const Object& object) {
+    const standin::ClassInfo* const info = Host::Get("the test").classes().Find(object.ClassName());
+    for (const standin::ClassInfo* c = info; c != nullptr; c = c->super) {
+      for (const standin::Property& property : c->properties) {
+        Try([&] {
+          const Value value = Get(object, property.name);
+          // Attachments share what the tree holds; reading that once is enough.
+          if (object.ClassName() == "MimeAttachmentZQV") return;
+          if (const auto* const member = std::get_if<Object>(&value)) Add(*member);
+        });
+      }
+      for (const standin::Method& method : c->methods) CallMethod(object, method);
+    }
+  }
+
+  void CallMethod(const Object& object, const standin::Method& method) {
+    const std::string_view declaration = method.row->declaration;
+    if (declaration.substr(0, 11) == "Constructor") return;
+    const auto& parameters = method.declaration.parameters;
+    if (parameters.empty()) {
+      Try([&] { Call(object, declaration); });
+    } else if (standin::KindOf(parameters[0].type) == standin::TypeKind::kInteger) {
+      for (int index = -1; index < 12; ++index) {
+        Try([&] { Add(ObjectOf(Call(object, declaration, index))); });
+      }
+    } else {
+      for (const char* name : {"subject", "No-Such-Field"}) {
+        Try([&] { Call(object, declaration, MakeString(name)); });
+      }
+    }
+  }
+
+  std::vector<Object> waiting_;
+  int calls_ = 0;
+};
+
+}  // namespace
+
+const char* NameOf(Way way) {
+  static constexpr const char* kNames[] = {"string", "block", "file"};
+  return kNames[static_cast<std::size_t>(way)];
+}
+
+Input::Input(Way way, std::string_view bytes) {
+  switch (way) {
+    case Way::kString:
+      value_ = MakeString(bytes, abi::kUnknownEncoding);
+      break;
+    case Way::kBlock:
+      value_ = MakeMemoryBlock(bytes);
+      break;
+    case Way::kFile:
+      path_ = WriteTemporaryFile(bytes);
+      value_ = MakeFolderItem(path_);
+  }
+}
+
+Input::~Input() {
+  if (!path_.empty()) std::remove(path_.c_str());
+}
+
+Constructed ConstructOn(const Object& message, std::string_view constructor, const Value& content) {
+  return {message, RaisedBy([&] { standin::CallWith(message, constructor, {content}); })};
+}
+
+Constructed Construct(Way way, std::string_view bytes) {
+  const Input input(way, bytes);
+  return ConstructOn(NewInstance("MimeEmailZQV"), kConstructors[static_cast<std::size_t>(way)],
+                     input.value());
+}
+
+Object Parse(std::string_view bytes, Way way) {
+  const Constructed constructed = Construct(way, bytes);
+  EXPECT_EQ(constructed.raised, "");
+  return constructed.message;
+}
+
+Object FromText(std::string_view class_name, std::string_view text) {
+  return standin::Construct(class_name, "Constructor", MakeString(text));
+}
+
+std::string Show(const Value& value) {
+  const auto* const string = std::get_if<String>(&value);
+  if (string == nullptr || string->IsNil()) return "nil";
+  std::array<char, 16> encoding{};
+  std::snprintf(encoding.data(), encoding.size(), "0x%x ", string->encoding());
+  return encoding.data() + std::string(string->bytes());
+}
+
+std::string ShowProperty(const Object& object, std::string_view property) {
+  return Show(Get(object, property));
+}
+
+int UseEverything(Way way, std::string_view bytes) {
+  Reader reader;
+  const Constructed constructed = Construct(way, bytes);
+  reader.Run(constructed.message);
+  reader.Try([&] { standin::Mirror(constructed.message); });
+  for (const char* class_name : {"MimeMailboxZQV", "MimeGroupZQV", "MimeAddressZQV",
+                                 "MimeMailboxListZQV", "MimeAddressListZQV", "MimeFieldZQV"}) {
+    reader.Try([&] {
+      // Mac Roman, so that the host has to convert it.
+      const String text = MakeString("Caf\x8E: Ada <a@example.org>;", abi::kMacRoman);
+      reader.Run(standin::Construct(class_name, "Constructor", text));
+    });
+  }
+  for (const abi::Encoding encoding : {abi::kUtf8, abi::kUnknownEncoding, abi::kMacRoman}) {
+    reader.Try([&] {
+      const String html = MakeString("<p>Caf\xC3\xA9 &euro; =?utf-8?Q?x?=</p>", encoding);
+      CallShared("MimeEmailZQV", "HTMLToPlainText", html);
+      CallShared("MimeEmailZQV", "DecodeInline", html);
+    });
+  }
+  return reader.calls();
+}
+
+nlohmann::ordered_json MirrorWithoutDates(const Object& message) {
+  standin::MirrorOptions options;
+  options.skip = [](std::string_view, std::string_view member) {
+    return member == "Date" || member == "ReceivedDate";
+  };
+  return standin::Mirror(message, options);
+}
+
+}  // namespace zqv::interface_test
