@@ -1,0 +1,115 @@
+#!/usr/bin/env python3
+"""Rules that look like bugs and are none: each has a reason, a test, and a row in docs/quirks.md.
+
+  quirks.py FOLDER       lists what is missing in the project; fails when anything is
+  quirks.py --self-test  plants each fault in a scratch project and demands that it is found
+
+A quirk is a comment of the library's own folders that says QUIRK:, and later Test: Suite.Name, with
+several tests separated by commas. The test must exist in tests/, and the document must name it.
+"""
+
+import pathlib
+import re
+import sys
+import tempfile
+
+ROOMS = ["abi", "host", "text", "mime", "email", "plugin"]
+COMMENT = re.compile(r"^\s*//\s?(.*)$")
+TESTS = re.compile(r"Test: ((?:\w+\.\w+)(?:,\s+\w+\.\w+)*)")
+DEFINED = re.compile(r"\bTEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\)")
+
+
+def quirks(text):
+    """Line number and whole comment text, from QUIRK: on, of each quirk."""
+    found = []
+    lines = text.splitlines()
+    for number, line in enumerate(lines, 1):
+        if "QUIRK:" not in line:
+            continue
+        words = [line.split("QUIRK:", 1)[1].strip()]
+        for following in lines[number:]:
+            comment = COMMENT.match(following)
+            if not comment or "QUIRK:" in following:
+                break
+            words.append(comment[1].strip())
+        found.append((number, " ".join(words)))
+    return found
+
+
+def defined_tests(top):
+    names = set()
+    for file in (top / "tests").rglob("*_test.cc"):
+        names.update(".".join(match) for match in DEFINED.findall(file.read_text("utf-8")))
+    return names
+
+
+def check(top):
+    """All faults of the project at `top`, one text each."""
+    document = top / "docs" / "quirks.md"
+    listed = document.read_text("utf-8") if document.is_file() else ""
+    defined = defined_tests(top)
+    faults = []
+    named = set()
+    for room in ROOMS:
+        for file in sorted((top / room).rglob("*.[hc]*")):
+            for number, text in quirks(file.read_text("utf-8")):
+                place = f"{file.relative_to(top).as_posix()}:{number}"
+                match = TESTS.search(text)
+                if not match:
+                    faults.append(f"{place}: names no test")
+                    continue
+                for test in re.split(r",\s+", match[1]):
+                    named.add(test)
+                    if test not in defined:
+                        faults.append(f"{place}: the test {test} does not exist")
+                    if f"`{test}`" not in listed:
+                        faults.append(f"{place}: {test} is not in docs/quirks.md")
+    if not named:
+        faults.append("no quirk found at all")
+    for test in re.findall(r"`(\w+\.\w+)`", listed):
+        if re.fullmatch(r"[A-Z]\w*\.[A-Z]\w*", test) and test not in defined:
+            faults.append(f"docs/quirks.md: the test {test} does not exist")
+    return faults
+
+
+GOOD = {
+    "host/a.h": "// Rule. QUIRK: odd. Reason.\n// Test: Odd.One,\n// Odd.Two.\nint F();\n",
+    "tests/a_test.cc": "TEST(Odd, One) {}\nTEST_F(Odd, Two) {}\n",
+    "docs/quirks.md": "| odd | `Odd.One`, `Odd.Two` |\n",
+}
+PLANTED = [
+    ({}, ""),
+    ({"host/a.h": "// QUIRK: odd. Reason.\nint F();\n"}, "names no test"),
+    ({"tests/a_test.cc": "TEST(Odd, One) {}\n"}, "Odd.Two does not exist"),
+    ({"docs/quirks.md": "| odd | `Odd.One` |\n"}, "Odd.Two is not in docs/quirks.md"),
+    ({"docs/quirks.md": GOOD["docs/quirks.md"] + "| `Odd.Three` |\n"}, "Odd.Three does not exist"),
+    ({"host/a.h": "int F();\n"}, "no quirk found at all"),
+]
+
+
+def self_test():
+    failures = 0
+    for changes, expected in PLANTED:
+        with tempfile.TemporaryDirectory() as name:
+            top = pathlib.Path(name)
+            for path, text in {**GOOD, **changes}.items():
+                (top / path).parent.mkdir(parents=True, exist_ok=True)
+                (top / path).write_text(text)
+            found = check(top)
+            if not (any(expected in fault for fault in found) if expected else not found):
+                failures += 1
+                print(f"{changes}: expected '{expected}', got {found}")
+    return failures
+
+
+def main():
+    if sys.argv[1] == "--self-test":
+        return 1 if self_test() else 0
+    faults = check(pathlib.Path(sys.argv[1]))
+    for fault in faults:
+        print(fault)
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
