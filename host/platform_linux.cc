@@ -1,6 +1,8 @@
 // The Linux port: the log goes to standard error, a file reference is a path or a file URL.
+#include <sys/uio.h>
 #include <unistd.h>
 
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -58,10 +60,11 @@ std::string PathOfFileUrl(std::string_view url) {
 }  // namespace
 
 void WriteLogLine(const char* text) {
-  const std::string line = std::string(text) + '\n';
-  // One write a line, so that lines of several processes do not mix. A log that cannot be written
-  // is not worth a failure.
-  if (::write(STDERR_FILENO, line.data(), line.size()) < 0) return;
+  // One call a line, so that lines of several processes do not mix, and no memory of its own, so
+  // that it can be used while an exception is handled.
+  char line_break = '\n';
+  const iovec pieces[] = {{const_cast<char*>(text), std::strlen(text)}, {&line_break, 1}};
+  if (::writev(STDERR_FILENO, pieces, 2) < 0) return;  // a log that fails is not worth a failure
 }
 
 std::string FilePath(abi::REALobject file) {
