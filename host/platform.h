@@ -9,7 +9,7 @@
 namespace zqv::host {
 
 // Writes one line, adding the line break, to the system log (macOS) or standard error (Linux).
-void WriteLogLine(const char* text);
+void WriteLogLine(const char* text) noexcept;
 
 // The file-system path of a FolderItem [borrowed] as bytes for fopen; empty when there is none: the
 // property cannot be read, is no file URL, or does not convert.

@@ -59,7 +59,7 @@ std::string PathOfFileUrl(std::string_view url) {
 
 }  // namespace
 
-void WriteLogLine(const char* text) {
+void WriteLogLine(const char* text) noexcept {
   // One call a line, so that lines of several processes do not mix, and no memory of its own, so
   // that it can be used while an exception is handled.
   char line_break = '\n';

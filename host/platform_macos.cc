@@ -121,7 +121,7 @@ std::string FileSystemBytes(CFStringRef path) {
 
 }  // namespace
 
-void WriteLogLine(const char* text) { NSLog(CFSTR("%s\n"), text); }
+void WriteLogLine(const char* text) noexcept { NSLog(CFSTR("%s\n"), text); }
 
 std::string FilePath(abi::REALobject file) {
   const PlatformRef<CFURLRef> url = FileUrl(file);

@@ -10,6 +10,7 @@
 
 #include "tests/interface/child.h"
 #include "tests/interface/failing_new.h"
+#include "tests/interface/log_capture.h"
 #include "tests/interface/messages.h"
 #include "tests/interface/reading.h"
 #include "tests/interface/session.h"
@@ -107,6 +108,17 @@ TEST_F(Allocation, ConstructionOfANestedMessageWithAttachments) {
 TEST_F(Allocation, ConstructionFromAFile) {
   FailEverywhere("file",
                  [] { return [] { return ConstructAndRelease(Way::kFile, NestedMixture(6)); }; });
+}
+
+// The log is written also while an exception is handled, where nothing may throw.
+TEST_F(Allocation, ConstructionWhileTheLogIsOn) {
+  FailEverywhere("logged", []() -> Work {
+    SetShared("MimeEmailZQV", "Debugging", true);
+    return [] {
+      const LogCapture aside;
+      return ConstructAndRelease(Way::kString, PlainMessage());
+    };
+  });
 }
 
 TEST_F(Allocation, ReadingAMessage) {
