@@ -161,8 +161,7 @@ TEST_F(FileNames, ExtendedParameterWithNothingBehindItsCharsetGivesAMadeUpName) 
 TEST_F(FileNames, ExtendedParameterThatIsNotAsciiIsLoggedAndLabelledSo) {
   const LogCapture log;
   EXPECT_EQ(NameOfExtended("us-ascii''caf\xE9"), Ascii("caf\xE9"));
-  EXPECT_THAT(log.Text(),
-              ::testing::HasSubstr(Logged({"Error: text is not ascii caf\xE9"})));
+  EXPECT_THAT(log.Text(), ::testing::HasSubstr(Logged({"Error: text is not ascii caf\xE9"})));
 }
 
 TEST_F(FileNames, AreMadeUpFromContentIdAndData) {
@@ -233,17 +232,16 @@ TEST_F(AttachmentRecord, SharesBodyHeaderAndDataWithItsPart) {
 
 TEST_F(AttachmentRecord, OutlivesTheMessage) {
   const auto& record = Attach("Content-Type: image/x\n", "data");
-  const auto attachment =
-      host::ObjectRef::Adopt(host::REALGetArrayObject(RecordOf(email_).Attachments.get(), 0)
-                                 .Detach());
+  const auto attachment = host::ObjectRef::Adopt(
+      host::REALGetArrayObject(RecordOf(email_).Attachments.get(), 0).Detach());
   email_ = {};
   EXPECT_EQ(Show(record.Data), Ascii("data"));
   EXPECT_EQ(LocksOf(record.Body.get()), 1);
 }
 
 TEST_F(AttachmentRecord, OfASecondPlainTextHoldsItsText) {
-  const auto email = ParseEmail(Mixed({"Content-Type: text/plain\n\nfirst",
-                                       "Content-Type: text/plain\n\nsecond"}));
+  const auto email = ParseEmail(
+      Mixed({"Content-Type: text/plain\n\nfirst", "Content-Type: text/plain\n\nsecond"}));
   ASSERT_EQ(Attachments(email).size(), 1U);
   EXPECT_EQ(Show(Attachments(email)[0]->Data), Ascii("second"));
 }
@@ -301,9 +299,9 @@ TEST_F(AttachmentRecord, IsGivenBackWhenTheHostThrows) {
   const auto email = NewEmail();
   const auto entity = Parse("X: y\n\n");
   host().SetFault("PluginObjectArrayInsertProc", standin::Fault{standin::Fault::Kind::kThrows});
-  EXPECT_THROW(email::AddAttachment(RecordOf(email), nullptr, entity->header(), nullptr, nullptr,
-                                    true, ""),
-               std::runtime_error);
+  EXPECT_THROW(
+      email::AddAttachment(RecordOf(email), nullptr, entity->header(), nullptr, nullptr, true, ""),
+      std::runtime_error);
   EXPECT_EQ(host().ledger().Live().objects, 1) << "the message";
 }
 

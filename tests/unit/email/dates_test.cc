@@ -138,15 +138,16 @@ TEST_P(ZoneOffset, IsInSeconds) {
   EXPECT_EQ(email::ZoneOffset(GetParam().zone), GetParam().seconds);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Zones, ZoneOffset,
-    ::testing::Values(ZoneRow{0, 0}, ZoneRow{200, 7'200}, ZoneRow{-500, -18'000},
-                      ZoneRow{-130, -5'400}, ZoneRow{530, 19'800}, ZoneRow{-30, -1'800},
-                      ZoneRow{1400, 50'400}, ZoneRow{-1, -60}, ZoneRow{199, 9'540}),
-    [](const auto& row) {
-      return std::string(row.param.zone < 0 ? "West" : "East") +
-             std::to_string(std::abs(row.param.zone));
-    });
+INSTANTIATE_TEST_SUITE_P(Zones, ZoneOffset,
+                         ::testing::Values(ZoneRow{0, 0}, ZoneRow{200, 7'200},
+                                           ZoneRow{-500, -18'000}, ZoneRow{-130, -5'400},
+                                           ZoneRow{530, 19'800}, ZoneRow{-30, -1'800},
+                                           ZoneRow{1400, 50'400}, ZoneRow{-1, -60},
+                                           ZoneRow{199, 9'540}),
+                         [](const auto& row) {
+                           return std::string(row.param.zone < 0 ? "West" : "East") +
+                                  std::to_string(std::abs(row.param.zone));
+                         });
 
 // 2019-01-15 and 2019-07-15, both 12:00 UTC.
 constexpr std::time_t kInWinter = 1'547'553'600;
@@ -289,13 +290,13 @@ abi::RBBoolean RecordSetInteger(abi::REALobject object, const char* name, abi::R
 TEST_F(Dates, PropertyPathSetsTheDayTo3First) {
   StartWithDates(standin::DateFlavour::kNoConstructor);
   g_set.clear();
-  g_set_integer = reinterpret_cast<decltype(g_set_integer)>(
-      host::Resolve("REALSetPropValueInteger"));
+  g_set_integer =
+      reinterpret_cast<decltype(g_set_integer)>(host::Resolve("REALSetPropValueInteger"));
   Replace("REALSetPropValueInteger", &RecordSetInteger);
   EXPECT_EQ(Sent("Thu, 28 Feb 2019 04:05:06 +0000"), "2019-02-28T04:05:06");
-  EXPECT_THAT(g_set, ElementsAre(Pair("Day", 3), Pair("Year", 2019), Pair("Month", 2),
-                                 Pair("Day", 28), Pair("Hour", 4), Pair("Minute", 5),
-                                 Pair("Second", 6)));
+  EXPECT_THAT(g_set,
+              ElementsAre(Pair("Day", 3), Pair("Year", 2019), Pair("Month", 2), Pair("Day", 28),
+                          Pair("Hour", 4), Pair("Minute", 5), Pair("Second", 6)));
 }
 
 TEST_F(Dates, AreTheSameInEveryKindOfHost) {
@@ -340,8 +341,8 @@ TEST_F(Dates, StayWhereTheyAreWhenTheHostsSecondsCannotBeSet) {
 
 TEST_F(Dates, ThatTheHostThrowsOverAreDroppedAndTheOthersGoOn) {
   StartEmailWithFault("REALGetPropValueDouble", {standin::Fault::Kind::kThrows, 1, 1});
-  const auto& record = ParseHeader(
-      "Date: 1 Jan 2019 10:00:00 +0000\nReceived: a; 2 Jan 2019 10:00:00 +0000\n");
+  const auto& record =
+      ParseHeader("Date: 1 Jan 2019 10:00:00 +0000\nReceived: a; 2 Jan 2019 10:00:00 +0000\n");
   EXPECT_EQ(DateText(record.SentDate), "nil");
   EXPECT_EQ(DateText(record.ReceivedDate), "2019-01-02T10:00:00");
   EXPECT_EQ(TakeRaised(), "");
@@ -417,10 +418,10 @@ TEST_F(Dates, LogEachStepWithoutAConstructor) {
   StartWithDates(standin::DateFlavour::kNoConstructor);
   const LogCapture log;
   ParseHeader(kLoggedDate);
-  EXPECT_EQ(log.Text(),
-            Lines(Joined(Joined(FieldLines(), {"f1 (nil)", "f2 (nil)",
-                                               "Date Constructor 3 missing!?"}),
-                         SecondsLines())));
+  EXPECT_EQ(
+      log.Text(),
+      Lines(Joined(Joined(FieldLines(), {"f1 (nil)", "f2 (nil)", "Date Constructor 3 missing!?"}),
+                   SecondsLines())));
 }
 
 TEST_F(Dates, LogNoZoneOffsetForZoneZeroAndNoConstructorWithoutADate) {

@@ -21,8 +21,8 @@ namespace zqv::test {
 namespace {
 
 // What the wrapped file functions do instead of the real ones.
-std::optional<long> g_length;      // told by ftell
-std::size_t g_missing_bytes = 0;   // not read by fread
+std::optional<long> g_length;                                            // told by ftell
+std::size_t g_missing_bytes = 0;                                         // not read by fread
 std::size_t g_largest_zeroed = std::numeric_limits<std::size_t>::max();  // given by calloc
 
 }  // namespace
@@ -229,13 +229,16 @@ TEST_F(Input, SaysEachStep) {
 }
 
 TEST_F(Input, SaysWhatIsMissing) {
-  const auto none = standin::MakeFolderItem((folder_ / "none").string());
+  const std::string path = folder_ / "none";
+  const auto none = standin::MakeFolderItem(path);
+  const auto nowhere = standin::MakeFolderItem("");
   const LogCapture log;
   EXPECT_FALSE(email::ReadFile(nullptr).has_value());
   EXPECT_FALSE(email::ReadFile(none.raw()).has_value());
-  EXPECT_EQ(log.Text(), Logged({"folderitem is nil"}) + "native path: " +
-                            (folder_ / "none").string() + "\n" +
-                            Logged({"result (nil)", "f (nil)"}));
+  EXPECT_FALSE(email::ReadFile(nowhere.raw()).has_value());
+  EXPECT_EQ(log.Text(), Logged({"folderitem is nil"}) + "native path: " + path + "\n" +
+                            Logged({"result (nil)", "f (nil)"}) + "native path: \n" +
+                            Logged({"f (nil)"}));
   EXPECT_NE(TakeRaised(), "");
 }
 

@@ -57,7 +57,8 @@ constexpr char kMustStart[] =
     "UnsupportedOperationException, 0: Email must start with an header text. BOM character?";
 
 TEST_F(ParseMessage, WhoseFirstByteIsNotAsciiIsRefused) {
-  for (const char* message : {"\x80 A: b\n\n", "\xC3\xA9: b\n\n", "\xFF", "\xEF\xBB", "\xEF\xBB\xBE"}) {
+  for (const char* message :
+       {"\x80 A: b\n\n", "\xC3\xA9: b\n\n", "\xFF", "\xEF\xBB", "\xEF\xBB\xBE"}) {
     const auto email = ParseEmail(message);
     EXPECT_EQ(TakeRaised(), kMustStart);
     EXPECT_NE(Show(RecordOf(email).Source), "nil");
@@ -98,11 +99,11 @@ TEST_F(ParseMessage, DecodesTheSubject) {
 }
 
 TEST_F(ParseMessage, TakesTextFromTheAlternativeAndListsTheRest) {
-  const auto email = ParseEmail(
-      Mixed({"Content-Type: multipart/alternative; boundary=a\n\n"
-             "--a\nContent-Type: text/plain\n\nplain\n"
-             "--a\nContent-Type: text/html\n\n<p>html</p>\n--a--",
-             "Content-Type: application/pdf; name=a.pdf\n\npdf"}));
+  const auto email =
+      ParseEmail(Mixed({"Content-Type: multipart/alternative; boundary=a\n\n"
+                        "--a\nContent-Type: text/plain\n\nplain\n"
+                        "--a\nContent-Type: text/html\n\n<p>html</p>\n--a--",
+                        "Content-Type: application/pdf; name=a.pdf\n\npdf"}));
   const MimeEntityClassData& record = RecordOf(email);
   EXPECT_EQ(Show(record.PlainText), Ascii("plain"));
   EXPECT_EQ(Show(record.HTMLText), Ascii("<p>html</p>"));
@@ -124,12 +125,11 @@ TEST_F(ParseMessage, ListsASecondPlainTextByItsContentId) {
 }
 
 TEST_F(ParseMessage, ListsInnerPartsBeforeLaterOuterOnes) {
-  const auto email = ParseEmail(
-      Mixed({"Content-Type: image/x; name=1\n\nx",
-             "Content-Type: multipart/mixed; boundary=i\n\n"
-             "--i\nContent-Type: image/x; name=2\n\nx\n"
-             "--i\nContent-Type: image/x; name=3\n\nx\n--i--",
-             "Content-Type: image/x; name=4\n\nx"}));
+  const auto email = ParseEmail(Mixed({"Content-Type: image/x; name=1\n\nx",
+                                       "Content-Type: multipart/mixed; boundary=i\n\n"
+                                       "--i\nContent-Type: image/x; name=2\n\nx\n"
+                                       "--i\nContent-Type: image/x; name=3\n\nx\n--i--",
+                                       "Content-Type: image/x; name=4\n\nx"}));
   EXPECT_THAT(Names(Attachments(email)),
               ElementsAre(Ascii("1"), Ascii("2"), Ascii("3"), Ascii("4")));
 }
@@ -142,9 +142,8 @@ TEST_F(ParseMessage, OfOnlyHtmlGetsPlainTextFromIt) {
 
 TEST_F(ParseMessage, ThatIsAContainerHasNoDecodedBodyButItsPartsHave) {
   for (const char* subtype : {"mixed", "alternative", "related"}) {
-    const auto email =
-        ParseEmail("Content-Type: multipart/" + std::string(subtype) +
-                   "; boundary=b\n\n--b\nContent-Type: text/plain\n\ntext\n--b--\n");
+    const auto email = ParseEmail("Content-Type: multipart/" + std::string(subtype) +
+                                  "; boundary=b\n\n--b\nContent-Type: text/plain\n\ntext\n--b--\n");
     EXPECT_EQ(Show(RecordOf(email).BodyDecoded), "nil");
     ASSERT_EQ(Parts(RecordOf(email)).size(), 1U);
     EXPECT_EQ(Show(Parts(RecordOf(email))[0]->BodyDecoded), Ascii("text"));
@@ -161,12 +160,15 @@ TEST_F(ParseMessage, HasItsDates) {
 
 TEST_F(ParseMessage, TwiceHoldsTheSecondAndGivesTheFirstBack) {
   const auto email = NewEmail();
-  const std::string first = Mixed({"Content-Type: text/plain\n\nfirst", "X: y\n\nx"});
+  const std::string first =
+      Mixed({"Content-Type: text/plain\n\nfirst", "Content-Type: text/html\n\nfirst", "X: y\n\nx"});
   email::MimeEmailConstructor(email.get(), std::string_view(first), nullptr);
-  email::MimeEmailConstructor(email.get(), "Subject: second\n\nsecond"sv, nullptr);
+  email::MimeEmailConstructor(email.get(), "Subject: second\nContent-Type: text/plain\n\nsecond"sv,
+                              nullptr);
   EXPECT_EQ(Show(RecordOf(email).Subject), Ascii("second"));
   EXPECT_EQ(Show(RecordOf(email).PlainText), Ascii("second"));
-  EXPECT_EQ(Attachments(email).size(), 1U);
+  EXPECT_EQ(Show(RecordOf(email).HTMLText), "nil");
+  EXPECT_THAT(Attachments(email), IsEmpty());
 }
 
 TEST_F(ParseMessage, FreesTheBytesThatItOwns) {
@@ -232,12 +234,11 @@ TEST_F(ParseMessage, SaysEachStepOfAnImage) {
 
 TEST_F(ParseMessage, SaysEachStepOfAMultipart) {
   const LogCapture log;
-  const auto email = ParseEmail(Mixed({"Content-Type: text/plain\n\none",
-                                       "Content-Type: text/html\n\ntwo"}));
-  EXPECT_EQ(log.Text(),
-            Logged({"MimeEmailConstructor 116", "decoded body of type text, plain",
-                    "Set email plainText", "decoded body of type text, html", "Set email htmlText",
-                    "parts count 2"}));
+  const auto email =
+      ParseEmail(Mixed({"Content-Type: text/plain\n\none", "Content-Type: text/html\n\ntwo"}));
+  EXPECT_EQ(log.Text(), Logged({"MimeEmailConstructor 116", "decoded body of type text, plain",
+                                "Set email plainText", "decoded body of type text, html",
+                                "Set email htmlText", "parts count 2"}));
 }
 
 class SinglePart : public EmailTest {};
@@ -288,12 +289,12 @@ TEST_F(SinglePart, WithoutATypeIsOfferedAsText) {
 
 // Listed as an attachment by its disposition, and yet the message's text.
 TEST_F(SinglePart, TextMarkedAttachmentIsListedAndOfferedAsText) {
-  const auto plain = ParseEmail(
-      "Content-Type: text/plain\nContent-Disposition: attachment; filename=a\n\nplain");
+  const auto plain =
+      ParseEmail("Content-Type: text/plain\nContent-Disposition: attachment; filename=a\n\nplain");
   EXPECT_THAT(Names(Attachments(plain)), ElementsAre(Ascii("a")));
   EXPECT_EQ(Show(RecordOf(plain).PlainText), Ascii("plain"));
-  const auto html = ParseEmail(
-      "Content-Type: text/html\nContent-Disposition: attachment; filename=a\n\n<p>html");
+  const auto html =
+      ParseEmail("Content-Type: text/html\nContent-Disposition: attachment; filename=a\n\n<p>html");
   EXPECT_THAT(Names(Attachments(html)), ElementsAre(Ascii("a")));
   EXPECT_EQ(Show(RecordOf(html).HTMLText), Ascii("<p>html"));
 }

@@ -44,43 +44,46 @@ constexpr auto kHtml = Destination::kHtmlText;
 constexpr auto kListed = Destination::kAttachments;
 constexpr auto kInline = Destination::kInlines;
 
+constexpr bool kYes = true;
+constexpr bool kNo = false;
+
 constexpr RouteRow kRoutes[] = {
     // clang-format off
-    //  name                            type       subtype     disposition   id     plain  html   destination
-    {"FirstPlain",                      "text",    "plain",    "",           false, false, false, kPlain},
-    {"FirstPlainBesideHtml",            "text",    "plain",    "",           false, false, true,  kPlain},
-    {"FirstPlainInCapitals",            "TEXT",    "Plain",    "",           false, false, false, kPlain},
-    {"FirstPlainMarkedInline",          "text",    "plain",    "inline",     false, false, false, kPlain},
-    {"FirstPlainMarkedOtherwise",       "text",    "plain",    "form-data",  false, false, false, kPlain},
-    {"FirstPlainWithId",                "text",    "plain",    "",           true,  false, false, kPlain},
-    {"FirstPlainMarkedAttachment",      "text",    "plain",    "attachment", false, false, false, kListed},
-    {"FirstPlainMarkedInCapitals",      "text",    "plain",    "ATTACHMENT", false, false, false, kListed},
-    {"FirstPlainMarkedAttachmentWithId", "text",   "plain",    "attachment", true,  false, false, kListed},
-    {"SecondPlain",                     "text",    "plain",    "",           false, true,  false, kListed},
-    {"SecondPlainWithId",               "text",    "plain",    "",           true,  true,  false, kInline},
-    {"SecondPlainMarkedInline",         "text",    "plain",    "inline",     false, true,  false, kInline},
-    {"SecondPlainMarkedAttachmentWithId", "text",  "plain",    "attachment", true,  true,  false, kListed},
-    {"FirstHtml",                       "text",    "html",     "",           false, false, false, kHtml},
-    {"FirstHtmlBesidePlain",            "text",    "html",     "",           false, true,  false, kHtml},
-    {"FirstHtmlInCapitals",             "Text",    "HTML",     "",           false, false, false, kHtml},
-    {"FirstHtmlMarkedInline",           "text",    "html",     "inline",     false, false, false, kHtml},
-    {"FirstHtmlMarkedAttachment",       "text",    "html",     "attachment", false, false, false, kListed},
-    {"SecondHtml",                      "text",    "html",     "",           false, false, true,  kListed},
-    {"SecondHtmlWithId",                "text",    "html",     "",           true,  false, true,  kInline},
-    {"Calendar",                        "text",    "calendar", "",           false, false, false, kListed},
-    {"TextWithoutSubtype",              "text",    "",         "",           false, false, false, kListed},
-    {"PlainWithABlank",                 "text",    "plain ",   "",           false, false, false, kListed},
-    {"NoType",                          "",        "",         "",           false, false, false, kListed},
-    {"PlainOfAnotherType",              "image",   "plain",    "",           false, false, false, kListed},
-    {"Image",                           "image",   "png",      "",           false, false, false, kListed},
-    {"ImageWithId",                     "image",   "png",      "",           true,  false, false, kInline},
-    {"ImageMarkedInline",               "image",   "png",      "inline",     false, false, false, kInline},
-    {"ImageMarkedInlineInCapitals",     "image",   "png",      "Inline",     false, false, false, kInline},
-    {"ImageMarkedAttachmentWithId",     "image",   "png",      "attachment", true,  false, false, kListed},
-    {"ImageMarkedOtherwise",            "image",   "png",      "x-other",    false, false, false, kListed},
-    {"ImageMarkedOtherwiseWithId",      "image",   "png",      "x-other",    true,  false, false, kInline},
-    {"AttachmentWithABlank",            "image",   "png",      "attachment ", true, false, false, kInline},
-    {"Signed",                          "multipart", "signed", "",           false, false, false, kListed},
+    // name                         type         subtype     disposition  id    plain html
+    {"FirstPlain",                "text",      "plain",    "",            kNo,  kNo,  kNo,  kPlain},
+    {"FirstPlainBesideHtml",      "text",      "plain",    "",            kNo,  kNo,  kYes, kPlain},
+    {"FirstPlainInCapitals",      "TEXT",      "Plain",    "",            kNo,  kNo,  kNo,  kPlain},
+    {"FirstPlainMarkedInline",    "text",      "plain",    "inline",      kNo,  kNo,  kNo,  kPlain},
+    {"FirstPlainMarkedOtherwise", "text",      "plain",    "form-data",   kNo,  kNo,  kNo,  kPlain},
+    {"FirstPlainWithId",          "text",      "plain",    "",            kYes, kNo,  kNo,  kPlain},
+    {"FirstPlainFile",            "text",      "plain",    "attachment",  kNo,  kNo,  kNo,  kListed},
+    {"FirstPlainFileInCapitals",  "text",      "plain",    "ATTACHMENT",  kNo,  kNo,  kNo,  kListed},
+    {"FirstPlainFileWithId",      "text",      "plain",    "attachment",  kYes, kNo,  kNo,  kListed},
+    {"SecondPlain",               "text",      "plain",    "",            kNo,  kYes, kNo,  kListed},
+    {"SecondPlainWithId",         "text",      "plain",    "",            kYes, kYes, kNo,  kInline},
+    {"SecondPlainMarkedInline",   "text",      "plain",    "inline",      kNo,  kYes, kNo,  kInline},
+    {"SecondPlainFileWithId",     "text",      "plain",    "attachment",  kYes, kYes, kNo,  kListed},
+    {"FirstHtml",                 "text",      "html",     "",            kNo,  kNo,  kNo,  kHtml},
+    {"FirstHtmlBesidePlain",      "text",      "html",     "",            kNo,  kYes, kNo,  kHtml},
+    {"FirstHtmlInCapitals",       "Text",      "HTML",     "",            kNo,  kNo,  kNo,  kHtml},
+    {"FirstHtmlMarkedInline",     "text",      "html",     "inline",      kNo,  kNo,  kNo,  kHtml},
+    {"FirstHtmlFile",             "text",      "html",     "attachment",  kNo,  kNo,  kNo,  kListed},
+    {"SecondHtml",                "text",      "html",     "",            kNo,  kNo,  kYes, kListed},
+    {"SecondHtmlWithId",          "text",      "html",     "",            kYes, kNo,  kYes, kInline},
+    {"Calendar",                  "text",      "calendar", "",            kNo,  kNo,  kNo,  kListed},
+    {"TextWithoutSubtype",        "text",      "",         "",            kNo,  kNo,  kNo,  kListed},
+    {"PlainWithABlank",           "text",      "plain ",   "",            kNo,  kNo,  kNo,  kListed},
+    {"NoType",                    "",          "",         "",            kNo,  kNo,  kNo,  kListed},
+    {"PlainOfAnotherType",        "image",     "plain",    "",            kNo,  kNo,  kNo,  kListed},
+    {"Image",                     "image",     "png",      "",            kNo,  kNo,  kNo,  kListed},
+    {"ImageWithId",               "image",     "png",      "",            kYes, kNo,  kNo,  kInline},
+    {"ImageMarkedInline",         "image",     "png",      "inline",      kNo,  kNo,  kNo,  kInline},
+    {"ImageInlineInCapitals",     "image",     "png",      "Inline",      kNo,  kNo,  kNo,  kInline},
+    {"ImageFileWithId",           "image",     "png",      "attachment",  kYes, kNo,  kNo,  kListed},
+    {"ImageMarkedOtherwise",      "image",     "png",      "x-other",     kNo,  kNo,  kNo,  kListed},
+    {"ImageOtherwiseWithId",      "image",     "png",      "x-other",     kYes, kNo,  kNo,  kInline},
+    {"AttachmentWithABlank",      "image",     "png",      "attachment ", kYes, kNo,  kNo,  kInline},
+    {"Signed",                    "multipart", "signed",   "",            kNo,  kNo,  kNo,  kListed},
     // clang-format on
 };
 INSTANTIATE_TEST_SUITE_P(Parts, RouteOf, ::testing::ValuesIn(kRoutes),
@@ -169,9 +172,8 @@ TEST_F(Routing, TextOfUtf16ComesOutAsUtf8) {
 
 TEST_F(Routing, UnknownCharsetRaisesWhenAskedToAndGoesOn) {
   text::RaiseUnknownFormatExceptions = true;
-  const auto email =
-      ParseEmail(Mixed({"Content-Type: text/plain; charset=foo\n\n\xE9",
-                        "Content-Type: text/html; charset=utf-8\n\n<p>x</p>"}));
+  const auto email = ParseEmail(Mixed({"Content-Type: text/plain; charset=foo\n\n\xE9",
+                                       "Content-Type: text/html; charset=utf-8\n\n<p>x</p>"}));
   EXPECT_EQ(TakeRaised(), "UnsupportedFormatException, 0: Unhandled charset: foo");
   EXPECT_EQ(Show(RecordOf(email).PlainText), Shown(abi::kUnknownEncoding, "\xE9"));
   EXPECT_EQ(Show(RecordOf(email).HTMLText), Utf8("<p>x</p>"));
@@ -198,26 +200,26 @@ TEST_F(Routing, ImageWithoutDispositionGoesByItsContentId) {
 }
 
 TEST_F(Routing, SignedMultipartIsListedItself) {
-  const auto email = ParseEmail(Mixed({
-      "Content-Type: multipart/signed; boundary=s; name=container\n\n"
-      "--s\nContent-Type: text/plain\n\nsigned\n"
-      "--s\nContent-Type: application/pgp-signature; name=signature\n\nsig\n--s--\n"}));
+  const auto email = ParseEmail(
+      Mixed({"Content-Type: multipart/signed; boundary=s; name=container\n\n"
+             "--s\nContent-Type: text/plain\n\nsigned\n"
+             "--s\nContent-Type: application/pgp-signature; name=signature\n\nsig\n--s--\n"}));
   EXPECT_EQ(Show(RecordOf(email).PlainText), Ascii("signed"));
   EXPECT_THAT(Names(Attachments(email)), ElementsAre(Ascii("signature"), Ascii("container")));
   EXPECT_EQ(Show(Attachments(email)[1]->Data), "nil");
 }
 
 TEST_F(Routing, EmptyTextLeavesTheNextOneItsPlace) {
-  const auto email = ParseEmail(Mixed({"Content-Type: text/plain\n\n",
-                                       "Content-Type: text/plain\n\nsecond"}));
+  const auto email =
+      ParseEmail(Mixed({"Content-Type: text/plain\n\n", "Content-Type: text/plain\n\nsecond"}));
   EXPECT_EQ(Show(Parts(RecordOf(email))[0]->BodyDecoded), "nil");
   EXPECT_EQ(Show(RecordOf(email).PlainText), Ascii("second"));
   EXPECT_THAT(Attachments(email), IsEmpty());
 }
 
 TEST_F(Routing, SharesTheTextBetweenThePartAndTheMessage) {
-  const auto email = ParseEmail(Mixed({"Content-Type: text/plain\n\none",
-                                       "Content-Type: text/html\n\ntwo"}));
+  const auto email =
+      ParseEmail(Mixed({"Content-Type: text/plain\n\none", "Content-Type: text/html\n\ntwo"}));
   const MimeEntityClassData& record = RecordOf(email);
   EXPECT_EQ(record.PlainText.get(), Parts(record)[0]->BodyDecoded.get());
   EXPECT_EQ(record.HTMLText.get(), Parts(record)[1]->BodyDecoded.get());
@@ -225,9 +227,9 @@ TEST_F(Routing, SharesTheTextBetweenThePartAndTheMessage) {
 }
 
 TEST_F(Routing, SaysWhatItDid) {
-  const auto entity = Parse(Mixed({"Content-Type: text/plain\n\none",
-                                   "Content-Type: Text/HTML\n\ntwo",
-                                   "Content-Type: image/png\n\nthree"}));
+  const auto entity =
+      Parse(Mixed({"Content-Type: text/plain\n\none", "Content-Type: Text/HTML\n\ntwo",
+                   "Content-Type: image/png\n\nthree"}));
   const auto email = NewEmail();
   email::EntityRouter router(RecordOf(email));
   const LogCapture log;
@@ -254,8 +256,7 @@ TEST_F(Routing, GivesTheDecodedBodyOrNothing) {
 }
 
 TEST_F(Routing, DatesEveryPart) {
-  const auto email =
-      ParseEmail(Mixed({"Date: Tue, 1 Jan 2019 10:00:00 +0000\n\nx", "X: y\n\nx"}));
+  const auto email = ParseEmail(Mixed({"Date: Tue, 1 Jan 2019 10:00:00 +0000\n\nx", "X: y\n\nx"}));
   EXPECT_NE(DateText(Parts(RecordOf(email))[0]->SentDate), "nil");
   EXPECT_EQ(DateText(Parts(RecordOf(email))[1]->SentDate), "nil");
   EXPECT_EQ(DateText(RecordOf(email).SentDate), "nil");

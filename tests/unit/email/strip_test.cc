@@ -86,8 +86,9 @@ TEST_F(Strip, WithoutFilesGivesTheMessageWithSingleCrs) {
 constexpr char kText[] = "Content-Type: text/plain\n\ntext";
 
 TEST_F(Strip, KeepsTheTextAndTheFrame) {
-  EXPECT_EQ(Stripped(Mixed({kText, "Content-Type: application/pdf\nContent-Disposition: "
-                                   "attachment; filename=a.pdf\n\npdf"})),
+  EXPECT_EQ(Stripped(Mixed({kText,
+                            "Content-Type: application/pdf\nContent-Disposition: "
+                            "attachment; filename=a.pdf\n\npdf"})),
             Ascii("Content-Type: multipart/mixed; boundary=\"b\"\r\r--b\rContent-Type: "
                   "text/plain\r\rtext\r--b--\r"));
 }
@@ -109,8 +110,8 @@ TEST_F(Strip, OnlyTheDispositionDecides) {
 }
 
 TEST_F(Strip, RemovesPlainTextMarkedInline) {
-  const std::string stripped = Stripped(
-      Mixed({"Content-Type: text/plain\nContent-Disposition: inline\n\ntext"}));
+  const std::string stripped =
+      Stripped(Mixed({"Content-Type: text/plain\nContent-Disposition: inline\n\ntext"}));
   EXPECT_EQ(stripped.find("text\r"), std::string::npos);
 }
 
@@ -121,9 +122,9 @@ TEST_F(Strip, NeverRemovesTheMessageItself) {
 
 TEST_F(Strip, RemovesInsideContainersThatStayAndWholeOnesThatGo) {
   const std::string file = "Content-Disposition: attachment\n\nfile";
-  const std::string inner =
-      "Content-Type: multipart/mixed; boundary=i\n\n--i\n" + std::string(kText) +
-      "\n--i\nContent-Disposition: inline\n\npicture\n--i--";
+  const std::string inner = "Content-Type: multipart/mixed; boundary=i\n\n--i\n" +
+                            std::string(kText) +
+                            "\n--i\nContent-Disposition: inline\n\npicture\n--i--";
   const std::string gone = "Content-Disposition: attachment\n" + inner;
   const std::string kept = Stripped(Mixed({file, inner, file}));
   EXPECT_NE(kept.find("text\r--i--"), std::string::npos);
@@ -159,9 +160,8 @@ TEST_F(Strip, SaysWhatItDoesAndScansAnewAfterEachRemoval) {
 TEST_F(Strip, RaisesWhatIsThrown) {
   const auto email = NewEmail();
   RecordOf(email).Source.Put(NewText(NestedMessage(Nesting::kMultipart, 100'000)));
-  RunOnStack(kSmallStack, [&] {
-    EXPECT_EQ(email::SourceWithoutAttachments(email.get()), nullptr);
-  });
+  RunOnStack(kSmallStack,
+             [&] { EXPECT_EQ(email::SourceWithoutAttachments(email.get()), nullptr); });
   EXPECT_EQ(TakeRaised(), "RuntimeException, 0: C++ Exception: the message is nested too deeply");
 }
 

@@ -195,7 +195,8 @@ TEST_F(Body, IsNilWhenItsClassWasNeverRegistered) {
 // Instances are made in this order: body, then for a child its entity, body and header.
 TEST_F(Body, OfAChildIsNilWhenTheHostCannotMakeIt) {
   StartMimeWithFault("PluginNewInstance", {standin::Fault::Kind::kNothing, 3, 1});
-  const auto body = Build("Content-Type: multipart/mixed; boundary=o\n\n--o\nX-Name: a\n\n1\n--o--\n");
+  const auto body =
+      Build("Content-Type: multipart/mixed; boundary=o\n\n--o\nX-Name: a\n\n1\n--o--\n");
   ASSERT_THAT(sink_.Names(), ElementsAre("a"));
   EXPECT_EQ(sink_.told[0].body, nullptr);
   EXPECT_NE(sink_.told[0].header, nullptr);

@@ -30,10 +30,10 @@ class Entity : public MimeTest {
 
   // What the record holds, in the order in which it is given back.
   static std::vector<const void*> Held(const MimeEntityClassData& record) {
-    return {record.Header.get(),      record.Body.get(),       record.PlainText.get(),
-            record.HTMLText.get(),    record.BodyDecoded.get(), record.Subject.get(),
-            record.Source.get(),      record.Attachments.get(), record.Inlines.get(),
-            record.SentDate.get(),    record.ReceivedDate.get()};
+    return {record.Header.get(),   record.Body.get(),        record.PlainText.get(),
+            record.HTMLText.get(), record.BodyDecoded.get(), record.Subject.get(),
+            record.Source.get(),   record.Attachments.get(), record.Inlines.get(),
+            record.SentDate.get(), record.ReceivedDate.get()};
   }
 
   static const std::vector<const void*>& Nothing() {

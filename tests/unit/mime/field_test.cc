@@ -37,22 +37,21 @@ TEST_P(FieldFromText, HasNameAndValue) {
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, FieldFromText,
-    ::testing::Values(
-        FieldRow{"Plain", "Subject: hello", Ascii("Subject"), Ascii("hello")},
-        FieldRow{"WithoutBlank", "Subject:hello", Ascii("Subject"), Ascii("hello")},
-        FieldRow{"SeveralColons", "A: b: c", Ascii("A"), Ascii("b: c")},
-        FieldRow{"EncodedWordStays", "Subject: =?utf-8?Q?a?=", Ascii("Subject"),
-                 Ascii("=?utf-8?Q?a?=")},
-        FieldRow{"NameIsNotTrimmed", "A : b", Ascii("A "), Ascii("b")},
-        FieldRow{"BlanksBeforeTheValueGo", "A:   b  ", Ascii("A"), Ascii("b  ")},
-        FieldRow{"TabBeforeTheValueStays", "A: \tb", Ascii("A"), Ascii("\tb")},
-        FieldRow{"LineEndStays", "A: b\r\n c", Ascii("A"), Ascii("b\r\n c")},
-        FieldRow{"OnlyABlank", "A: ", Ascii("A"), Ascii(" ")},
-        FieldRow{"OnlyAName", "A:", Ascii("A"), "nil"},
-        FieldRow{"OnlyAValue", ": b", "nil", Ascii("b")},
-        FieldRow{"NoColon", "hello", "nil", "nil"},
-        FieldRow{"CutAtANul", std::string_view("A: b\0c", 6), Ascii("A"), Ascii("b")},
-        FieldRow{"NotAscii", "A: caf\xC3\xA9", Ascii("A"), Utf8("caf\xC3\xA9")}),
+    ::testing::Values(FieldRow{"Plain", "Subject: hello", Ascii("Subject"), Ascii("hello")},
+                      FieldRow{"WithoutBlank", "Subject:hello", Ascii("Subject"), Ascii("hello")},
+                      FieldRow{"SeveralColons", "A: b: c", Ascii("A"), Ascii("b: c")},
+                      FieldRow{"EncodedWordStays", "Subject: =?utf-8?Q?a?=", Ascii("Subject"),
+                               Ascii("=?utf-8?Q?a?=")},
+                      FieldRow{"NameIsNotTrimmed", "A : b", Ascii("A "), Ascii("b")},
+                      FieldRow{"BlanksBeforeTheValueGo", "A:   b  ", Ascii("A"), Ascii("b  ")},
+                      FieldRow{"TabBeforeTheValueStays", "A: \tb", Ascii("A"), Ascii("\tb")},
+                      FieldRow{"LineEndStays", "A: b\r\n c", Ascii("A"), Ascii("b\r\n c")},
+                      FieldRow{"OnlyABlank", "A: ", Ascii("A"), Ascii(" ")},
+                      FieldRow{"OnlyAName", "A:", Ascii("A"), "nil"},
+                      FieldRow{"OnlyAValue", ": b", "nil", Ascii("b")},
+                      FieldRow{"NoColon", "hello", "nil", "nil"},
+                      FieldRow{"CutAtANul", std::string_view("A: b\0c", 6), Ascii("A"), Ascii("b")},
+                      FieldRow{"NotAscii", "A: caf\xC3\xA9", Ascii("A"), Utf8("caf\xC3\xA9")}),
     [](const auto& row) { return row.param.name; });
 
 class Field : public MimeTest {};
@@ -85,8 +84,7 @@ TEST_F(Field, ConstructorRaisesWhatTheHostThrows) {
   StartMimeWithFault("PluginGetStringData", {standin::Fault::Kind::kThrows});
   const auto field = host::NewInstance<MimeFieldClassData>();
   // Only text that has to be converted is asked of this entry point.
-  mime::MimeFieldConstructor(field.get(),
-                             host::BuildString("A: caf\xE9", abi::kIsoLatin1).get());
+  mime::MimeFieldConstructor(field.get(), host::BuildString("A: caf\xE9", abi::kIsoLatin1).get());
   EXPECT_EQ(TakeRaised(), "RuntimeException, 0: C++ Exception: fault of PluginGetStringData");
   EXPECT_EQ(Show(host::RecordOf<MimeFieldClassData>(field.get())->Name), "nil");
 }

@@ -57,8 +57,7 @@ class Header : public MimeTest {
   }
   // The value of the field found, "none" when nothing was.
   static std::string Find(const host::ObjectRef& header, std::string_view name) {
-    const auto field =
-        host::ObjectRef::Adopt(mime::FieldByName(header.get(), NewText(name).get()));
+    const auto field = host::ObjectRef::Adopt(mime::FieldByName(header.get(), NewText(name).get()));
     return field ? Show(host::RecordOf<MimeFieldClassData>(field.get())->Value) : "none";
   }
 };
@@ -130,8 +129,7 @@ TEST_F(Header, AddressObjectsAreNilForFieldsThatNameNobody) {
 
 TEST_F(Header, SenderIsAMailbox) {
   const auto header = Build("Sender: A <a@example.com>\n\n");
-  const auto* mailbox =
-      host::RecordOf<mime::MimeMailboxClassData>(RecordOf(header).sender.get());
+  const auto* mailbox = host::RecordOf<mime::MimeMailboxClassData>(RecordOf(header).sender.get());
   ASSERT_NE(mailbox, nullptr);
   EXPECT_EQ(Show(mailbox->Label), Ascii("A"));
   EXPECT_EQ(Show(mailbox->Mailbox), Ascii("a"));
@@ -140,8 +138,7 @@ TEST_F(Header, SenderIsAMailbox) {
 
 TEST_F(Header, FromIsAListOfMailboxes) {
   const auto header = Build("From: a@x, b@y\n\n");
-  const auto* from =
-      host::RecordOf<mime::MimeMailboxListClassData>(RecordOf(header).from.get());
+  const auto* from = host::RecordOf<mime::MimeMailboxListClassData>(RecordOf(header).from.get());
   ASSERT_NE(from, nullptr);
   const auto mailboxes = RecordsIn<mime::MimeMailboxClassData>(from->mailboxes.get());
   ASSERT_EQ(mailboxes.size(), 2U);
@@ -164,15 +161,16 @@ TEST_F(Header, AddressObjectsAreNilWhenTheHostCannotMakeThem) {
   standin::Capabilities capabilities;
   capabilities.unknown_classes = {"MimeMailboxZQV", "MimeMailboxListZQV", "MimeAddressListZQV"};
   StartMime(capabilities);
-  const auto header = Build("Sender: s@x\nFrom: f@x\nTo: t@x\nReply-To: r@x\nCc: c@x\nBcc: b@x\n\n");
+  const auto header =
+      Build("Sender: s@x\nFrom: f@x\nTo: t@x\nReply-To: r@x\nCc: c@x\nBcc: b@x\n\n");
   for (const host::ObjectSlot* slot : AddressSlots(RecordOf(header)))
     EXPECT_EQ(slot->get(), nullptr);
   EXPECT_EQ(Fields(header).size(), 6U);
 }
 
 TEST_F(Header, EmptyFieldsAreNil) {
-  const auto header = Build(
-      "Subject:\nContent-Description: \nContent-Disposition:\nContent-ID:\nMessage-ID:\n\n");
+  const auto header =
+      Build("Subject:\nContent-Description: \nContent-Disposition:\nContent-ID:\nMessage-ID:\n\n");
   const MimeHeaderClassData& record = RecordOf(header);
   for (const host::StringSlot* slot :
        {&record.subject, &record.subjectDecoded, &record.ContentDescription,
@@ -190,19 +188,17 @@ TEST_F(Header, TextTakesItsEncodingFromItsBytesAndEndsAtANul) {
 
 TEST_F(Header, ListsEveryFieldInTheOrderOfTheMessage) {
   const auto header = Build("B: 1\nA: 2\nReceived: 3\nb: 4\nA: \n\n");
-  EXPECT_THAT(Fields(header),
-              ElementsAre(Shown("B", "1"), Shown("A", "2"), Shown("Received", "3"),
-                          Shown("b", "4"), Ascii("A") + ": nil"));
+  EXPECT_THAT(Fields(header), ElementsAre(Shown("B", "1"), Shown("A", "2"), Shown("Received", "3"),
+                                          Shown("b", "4"), Ascii("A") + ": nil"));
 }
 
 // The accessors have run by then, and the library writes their fields anew.
 TEST_F(Header, ListsTheTextFormOfFieldsThatHaveOne) {
-  const auto header = Build(
-      "Mime-Version: 1.0 (x)\nContent-Type: text/plain;charset=utf-8\nX-Raw: a;b=c\n\n");
-  EXPECT_THAT(Fields(header),
-              ElementsAre(Shown("Mime-Version", "1.0"),
-                          Shown("Content-Type", "text/plain; charset=\"utf-8\""),
-                          Shown("X-Raw", "a;b=c")));
+  const auto header =
+      Build("Mime-Version: 1.0 (x)\nContent-Type: text/plain;charset=utf-8\nX-Raw: a;b=c\n\n");
+  EXPECT_THAT(Fields(header), ElementsAre(Shown("Mime-Version", "1.0"),
+                                          Shown("Content-Type", "text/plain; charset=\"utf-8\""),
+                                          Shown("X-Raw", "a;b=c")));
 }
 
 TEST_F(Header, HasFieldIgnoresCase) {
@@ -306,8 +302,7 @@ TEST_F(Header, SaysThatSomethingWithoutANameWasThrown) {
   StartMimeWithFault("PluginObjectArrayInsertProc", {standin::Fault::Kind::kThrowsInt});
   const LogCapture log;
   const auto header = Build("A: 1\n\n");
-  EXPECT_EQ(TakeRaised(),
-            "RuntimeException, 0: Sorry, but there was an unnamed C++ Exception.");
+  EXPECT_EQ(TakeRaised(), "RuntimeException, 0: Sorry, but there was an unnamed C++ Exception.");
   EXPECT_EQ(log.Text(), Logged({"Unnamed C++ Exception."}));
   EXPECT_THAT(Fields(header), IsEmpty());
 }

@@ -21,8 +21,8 @@ struct Measured {
 [[gnu::noinline]] void MeasureInFrames(int frames, std::vector<Measured>& measured) {
   volatile char room[1'000];
   room[0] = 0;
-  measured.push_back({reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)),
-                      host::StackLeft().value()});
+  measured.push_back(
+      {reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)), host::StackLeft().value()});
   if (frames > 1) MeasureInFrames(frames - 1, measured);
   room[1] = room[0];  // no tail call: the frame stays
 }
@@ -40,12 +40,12 @@ TEST(Stack, LeftFallsByWhatEachFrameTakes) {
 // What a thread needs before its function runs: the C library's own data and a guard page.
 constexpr std::size_t kTakenByTheStart = 32 * 1024;
 
-// The C library gives a thread a larger stack that an earlier thread has left; so this needs a process
-// of its own, and sizes that rise.
+// The C library gives a thread a larger stack that an earlier thread has left; so this needs a
+// process of its own, and sizes that rise.
 TEST(Stack, LeftIsNearlyTheWholeStackWhenAThreadStarts) {
   if (!IsAlone()) return;
-  for (const std::size_t bytes : {std::size_t{64} * 1024, std::size_t{256} * 1024, kSmallStack,
-                                  kLargeStack}) {
+  for (const std::size_t bytes :
+       {std::size_t{64} * 1024, std::size_t{256} * 1024, kSmallStack, kLargeStack}) {
     std::size_t left = 0;
     RunOnStack(bytes, [&left] { left = host::StackLeft().value(); });
     EXPECT_LE(left, bytes);

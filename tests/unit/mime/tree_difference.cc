@@ -37,8 +37,8 @@ std::string Difference(const mimetic::MimeEntity& left, const mimetic::MimeEntit
   const auto& left_parts = left.body().parts();
   const auto& right_parts = right.body().parts();
   if (found.empty() && left_parts.size() != right_parts.size())
-    found = std::to_string(left_parts.size()) + " or " + std::to_string(right_parts.size()) +
-            " parts";
+    found =
+        std::to_string(left_parts.size()) + " or " + std::to_string(right_parts.size()) + " parts";
   if (!found.empty()) return where + ": " + found;
   auto other = right_parts.begin();
   std::size_t number = 0;

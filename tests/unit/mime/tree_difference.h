@@ -8,7 +8,8 @@
 namespace zqv::test {
 
 // The first thing in which the trees differ, in words that name the place; empty when they are the
-// same: field names and values, bodies, preambles, epilogues and numbers of parts, all byte for byte.
+// same: field names and values, bodies, preambles, epilogues and numbers of parts, all byte for
+// byte.
 std::string FirstDifference(const mimetic::MimeEntity& left, const mimetic::MimeEntity& right);
 
 }  // namespace zqv::test

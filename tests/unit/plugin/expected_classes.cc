@@ -214,8 +214,8 @@ ExpectedClass Attachment() {
 }  // namespace
 
 std::vector<ExpectedClass> ExpectedClasses() {
-  return {Body(),    Header(), Entity(), Address(), Group(), AddressList(), MailboxList(),
-          Mailbox(), Field(),  Email(),  Attachment()};
+  return {Body(),        Header(),  Entity(), Address(), Group(),     AddressList(),
+          MailboxList(), Mailbox(), Field(),  Email(),   Attachment()};
 }
 
 }  // namespace zqv::test

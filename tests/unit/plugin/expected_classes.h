@@ -16,9 +16,9 @@ struct ExpectedProperty {
   const char* name;
   const char* type;
   std::uint32_t flags;
-  std::int32_t offset;    // in the record; kComputed for a getter function
-  abi::REALproc getter;   // null for the standard getter
-  abi::REALproc setter;   // null for none
+  std::int32_t offset;   // in the record; kComputed for a getter function
+  abi::REALproc getter;  // null for the standard getter
+  abi::REALproc setter;  // null for none
   bool hidden;
 };
 
@@ -33,9 +33,9 @@ struct ExpectedMethod {
 struct ExpectedClass {
   abi::REALclassDefinition* definition;
   const char* name;
-  const char* super;          // null for none
-  std::size_t data_size;      // as the host gets it, rounded up
-  abi::REALproc destructor;   // null for none
+  const char* super;         // null for none
+  std::size_t data_size;     // as the host gets it, rounded up
+  abi::REALproc destructor;  // null for none
   std::vector<ExpectedProperty> properties;
   std::vector<ExpectedMethod> methods;
   std::vector<ExpectedProperty> shared_properties;

@@ -117,7 +117,8 @@ INSTANTIATE_TEST_SUITE_P(Hosts, Flags, ::testing::ValuesIn(kFlags),
 class Registration : public HostTest {
  protected:
   Registration() {
-    for (const ExpectedClass& expected : ExpectedClasses()) saved_.emplace_back(*expected.definition);
+    for (const ExpectedClass& expected : ExpectedClasses())
+      saved_.emplace_back(*expected.definition);
   }
   ~Registration() override {
     for (const Saved& saved : saved_) saved.Restore();
@@ -143,8 +144,7 @@ class Registration : public HostTest {
 
   static std::vector<std::string> Names(standin::Host& host) {
     std::vector<std::string> names;
-    for (const auto* info : host.classes().registered())
-      names.push_back(info->name);
+    for (const auto* info : host.classes().registered()) names.push_back(info->name);
     return names;
   }
 
@@ -170,10 +170,10 @@ class Registration : public HostTest {
   std::vector<Saved> saved_;
 };
 
-constexpr const char* kOrder[] = {
-    "MimeBodyZQV",        "MimeHeaderZQV",      "MimeEntityZQV",  "MimeAddressZQV",
-    "MimeGroupZQV",       "MimeAddressListZQV", "MimeMailboxListZQV", "MimeMailboxZQV",
-    "MimeFieldZQV",       "MimeEmailZQV",       "MimeAttachmentZQV"};
+constexpr const char* kOrder[] = {"MimeBodyZQV",        "MimeHeaderZQV",    "MimeEntityZQV",
+                                  "MimeAddressZQV",     "MimeGroupZQV",     "MimeAddressListZQV",
+                                  "MimeMailboxListZQV", "MimeMailboxZQV",   "MimeFieldZQV",
+                                  "MimeEmailZQV",       "MimeAttachmentZQV"};
 
 TEST_F(Registration, KeepsItsOrder) {
   EXPECT_THAT(Names(RegisterVersion(2024.1)), ::testing::ElementsAreArray(kOrder));
@@ -183,8 +183,7 @@ TEST_F(Registration, AnnouncesTheVersionThatEveryClassHas) {
   for (const auto& [host_version, control_version] :
        {std::pair{2011.9, 9}, {2012.5, 10}, {2013.02, 11}, {2013.035, 12}, {2013.04, 13}}) {
     standin::Host& registered = RegisterVersion(host_version);
-    EXPECT_THAT(registered.classes().announced(),
-                ElementsAre(control_version));
+    EXPECT_THAT(registered.classes().announced(), ElementsAre(control_version));
     for (const ExpectedClass& expected : ExpectedClasses())
       EXPECT_EQ(expected.definition->version, static_cast<std::uint32_t>(control_version));
     EXPECT_EQ(plugin::CurrentREALControlVersion, control_version);
@@ -238,8 +237,14 @@ TEST_F(Registration, GivesWhatTheHostGives) {
 TEST_F(Registration, RoundsDataSizesUpToSixteen) {
   StartVersion(2024.1);
   host().SetFault("PluginRegisterClass", standin::Fault{standin::Fault::Kind::kNothing});
-  for (const auto& [size, rounded] : {std::pair<std::size_t, std::size_t>{0, 0}, {1, 16}, {15, 16},
-                                      {16, 16}, {17, 32}, {88, 96}, {96, 96}, {136, 144}}) {
+  for (const auto& [size, rounded] : {std::pair<std::size_t, std::size_t>{0, 0},
+                                      {1, 16},
+                                      {15, 16},
+                                      {16, 16},
+                                      {17, 32},
+                                      {88, 96},
+                                      {96, 96},
+                                      {136, 144}}) {
     abi::REALclassDefinition definition{};
     definition.dataSize = size;
     plugin::MyREALRegisterClass(&definition);
