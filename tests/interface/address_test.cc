@@ -57,6 +57,21 @@ TEST_F(Addresses, RouteTakesNoPartInTheEmail) {
   EXPECT_EQ(Bytes(mailbox, "Email"), "ada@example.org");
 }
 
+// An address that was a group holds no group any more once it is made from a mailbox's text, and
+// gives back what it held.
+TEST_F(Addresses, ASecondConstructionStartsAnew) {
+  Start();
+  const Object address = FromText("MimeAddressZQV", "Crew: ada@example.org;");
+  ASSERT_FALSE(standin::IsNil(Get(address, "Group")));
+  Call(address, "Constructor(TextToParse as String)", MakeString("bob@example.net"));
+  EXPECT_TRUE(standin::IsNil(Get(address, "Group")));
+  EXPECT_EQ(std::get<bool>(Get(address, "isGroup")), false);
+  EXPECT_EQ(Bytes(ObjectOf(Get(address, "Mailbox")), "Email"), "bob@example.net");
+  Call(address, "Constructor(TextToParse as String)", MakeString("Rest: carol@example.com;"));
+  EXPECT_TRUE(standin::IsNil(Get(address, "Mailbox")));
+  EXPECT_EQ(CountOf(ObjectOf(Get(address, "Group"))), 1);
+}
+
 // A new string at each asking, owned by the application.
 TEST_F(Addresses, EmailIsMadeAtEachAsking) {
   Start();
