@@ -14,7 +14,6 @@
 #include "mime/body.h"
 #include "mime/header.h"
 #include "mime/parser.h"
-#include "text/ascii.h"
 #include "text/encoded_word.h"
 #include "text/html_to_text.h"
 
@@ -61,10 +60,9 @@ void CompleteSinglePart(MimeEntityClassData& record, const mimetic::MimeEntity& 
 
   const mimetic::ContentType& content_type = entity.header().contentType();
   record.BodyDecoded.Put(BuildBodyText(decoded->bytes(), content_type.param("charset")));
-  const bool is_text = text::EqualsIgnoringCase(content_type.type(), "text");
-  if (is_text && text::EqualsIgnoringCase(content_type.subtype(), "plain")) {
+  if (IsText(content_type.type(), content_type.subtype(), "plain")) {
     if (!record.PlainText) StorePlainText(record, record.BodyDecoded);
-  } else if (is_text && text::EqualsIgnoringCase(content_type.subtype(), "html")) {
+  } else if (IsText(content_type.type(), content_type.subtype(), "html")) {
     if (!record.HTMLText) StoreHtmlText(record, record.BodyDecoded);
   } else {
     ZQV_LOG("%s%s", "no mime type, make it text");

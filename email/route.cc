@@ -13,10 +13,6 @@ namespace {
 
 using text::EqualsIgnoringCase;
 
-bool IsText(const PartTraits& part, std::string_view subtype) {
-  return EqualsIgnoringCase(part.type, "text") && EqualsIgnoringCase(part.subtype, subtype);
-}
-
 // The views live as long as the entity's header, whose field values are parsed once.
 PartTraits TraitsOf(const mimetic::Header& header) {
   PartTraits part;
@@ -35,10 +31,14 @@ bool IsContainer(std::string_view type, std::string_view subtype) {
           EqualsIgnoringCase(subtype, "mixed"));
 }
 
+bool IsText(std::string_view type, std::string_view subtype, std::string_view wanted_subtype) {
+  return EqualsIgnoringCase(type, "text") && EqualsIgnoringCase(subtype, wanted_subtype);
+}
+
 Destination Route(const PartTraits& part, bool has_plain_text, bool has_html_text) {
   if (EqualsIgnoringCase(part.disposition, "attachment")) return Destination::kAttachments;
-  if (IsText(part, "plain") && !has_plain_text) return Destination::kPlainText;
-  if (IsText(part, "html") && !has_html_text) return Destination::kHtmlText;
+  if (IsText(part.type, part.subtype, "plain") && !has_plain_text) return Destination::kPlainText;
+  if (IsText(part.type, part.subtype, "html") && !has_html_text) return Destination::kHtmlText;
   const bool is_inline = EqualsIgnoringCase(part.disposition, "inline") || part.has_content_id;
   return is_inline ? Destination::kInlines : Destination::kAttachments;
 }

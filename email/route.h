@@ -34,6 +34,9 @@ Destination Route(const PartTraits& part, bool has_plain_text, bool has_html_tex
 // parts. Applications find a signature's container so. Test: Routing.SignedMultipartIsListedItself.
 bool IsContainer(std::string_view type, std::string_view subtype);
 
+// True for a text of that subtype; words are compared ignoring case.
+bool IsText(std::string_view type, std::string_view subtype, std::string_view wanted_subtype);
+
 // A decoded body as a host string [new lock]: in the named charset, or, when `charset` is empty, in
 // the encoding that the bytes show. Nil for an empty body.
 host::StringRef BuildBodyText(std::string_view decoded, const std::string& charset);
