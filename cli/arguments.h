@@ -1,7 +1,6 @@
 // The program's command line.
 #pragma once
 
-#include <string>
 #include <variant>
 
 #include "cli/session.h"
@@ -9,13 +8,9 @@
 
 namespace zqv::cli {
 
-enum class Verb { kShow, kTree, kHeaders, kList, kExtract, kClasses };
-
 struct Arguments {
-  Verb verb = Verb::kShow;
-  Files files;
-  HeadersOptions headers;
-  ExtractOptions extract;
+  Verb* verb = nullptr;
+  Request request;
   SessionOptions session;
 };
 

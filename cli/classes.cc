@@ -3,7 +3,7 @@
 
 namespace zqv::cli {
 
-int Classes(const Session& session, Output* output) {
+int Classes(const Session& session, const Request&, Output* output) {
   output->Print(session.host().ListClasses());
   return 0;
 }

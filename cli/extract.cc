@@ -20,8 +20,8 @@ std::string NameOf(const Attached& attached) {
 }
 
 // False when a part could not be written.
-bool WriteAll(const Object& email, const ExtractOptions& options, Output* output) {
-  const Folder folder(options.folder);
+bool WriteAll(const Object& email, const Request& request, Output* output) {
+  const Folder folder(request.folder);
   const PartTree tree(email);
   FileNames names;
   bool all_good = true;
@@ -29,7 +29,7 @@ bool WriteAll(const Object& email, const ExtractOptions& options, Output* output
     const standin::String data = TextMember(attached.record, "Data");
     try {
       const std::string name = names.Take(NameOf(attached));
-      output->PrintLine(folder.Write(name, data.bytes(), options.force));
+      output->PrintLine(folder.Write(name, data.bytes(), request.force));
     } catch (const std::exception& error) {
       Complain(error.what());
       all_good = false;
@@ -41,10 +41,9 @@ bool WriteAll(const Object& email, const ExtractOptions& options, Output* output
 
 }  // namespace
 
-int Extract(const Session& session, const std::string& file, const ExtractOptions& options,
-            Output* output) {
-  return ForEachFile(session, {file}, output, [&](const std::string&, const Object& email) {
-    return WriteAll(email, options, output);
+int Extract(const Session& session, const Request& request, Output* output) {
+  return ForEachFile(session, request.inputs, output, [&](const std::string&, const Object& email) {
+    return WriteAll(email, request, output);
   });
 }
 

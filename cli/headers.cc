@@ -24,20 +24,19 @@ std::size_t PrintFields(const Object& header, const std::string& wanted, Output*
 
 }  // namespace
 
-int Headers(const Session& session, const Files& files, const HeadersOptions& options,
-            Output* output) {
+int Headers(const Session& session, const Request& request, Output* output) {
   const auto visit = [&](const std::string& file, const Object& email) {
-    const Object part = FindPart(email, options.part);
+    const Object part = FindPart(email, request.part);
     if (part.IsNil()) {
-      Complain(file + ": there is no part " + options.part);
+      Complain(file + ": there is no part " + request.part);
       return false;
     }
-    const std::size_t count = PrintFields(ObjectMember(part, "Header"), options.name, output);
-    if (count > 0 || options.name.empty()) return true;
-    Complain(file + ": there is no field " + options.name);
+    const std::size_t count = PrintFields(ObjectMember(part, "Header"), request.field, output);
+    if (count > 0 || request.field.empty()) return true;
+    Complain(file + ": there is no field " + request.field);
     return false;
   };
-  return ForEachFile(session, files, output, visit);
+  return ForEachFile(session, request.inputs, output, visit);
 }
 
 }  // namespace zqv::cli

@@ -35,8 +35,8 @@ void PrintList(const Object& email, Output* output) {
 
 }  // namespace
 
-int List(const Session& session, const Files& files, Output* output) {
-  return ForEachFile(session, files, output, [&](const std::string&, const Object& email) {
+int List(const Session& session, const Request& request, Output* output) {
+  return ForEachFile(session, request.inputs, output, [&](const std::string&, const Object& email) {
     PrintList(email, output);
     return true;
   });

@@ -12,25 +12,6 @@
 namespace zqv::cli {
 namespace {
 
-int Run(const Arguments& arguments, Output* output) {
-  const Session session(arguments.session);
-  switch (arguments.verb) {
-    case Verb::kShow:
-      return Show(session, arguments.files, output);
-    case Verb::kTree:
-      return Tree(session, arguments.files, output);
-    case Verb::kHeaders:
-      return Headers(session, arguments.files, arguments.headers, output);
-    case Verb::kList:
-      return List(session, arguments.files, output);
-    case Verb::kExtract:
-      return Extract(session, arguments.files.front(), arguments.extract, output);
-    case Verb::kClasses:
-      return Classes(session, output);
-  }
-  return kUsageError;
-}
-
 int Main(int count, const char* const* values) {
   EndOnClosedPipe();
   const std::variant<Arguments, int> parsed = ParseArguments(count, values);
@@ -40,7 +21,8 @@ int Main(int count, const char* const* values) {
     code = *exit_code;
   } else {
     try {
-      code = Run(std::get<Arguments>(parsed), &output);
+      const auto& arguments = std::get<Arguments>(parsed);
+      code = arguments.verb(Session(arguments.session), arguments.request, &output);
     } catch (const std::exception& error) {
       Complain(error.what());
     }

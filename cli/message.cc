@@ -5,7 +5,6 @@
 #include <limits>
 #include <stdexcept>
 #include <system_error>
-#include <unordered_map>
 #include <utility>
 #include <variant>
 
@@ -29,30 +28,20 @@ Value IfPresent(const Object& object, Read read) {
   }
 }
 
-Value PropertyOf(const Object& object, std::string_view property) {
+}  // namespace
+
+Value Member(const Object& object, std::string_view property) {
   return IfPresent(object, [&] { return standin::Get(object, property); });
 }
 
-// Where in the tree the body objects are, by which attachments and parts know each other.
-std::unordered_map<const void*, std::size_t> IndexBodies(const PartTree& tree) {
-  std::unordered_map<const void*, std::size_t> index;
-  for (std::size_t i = 0; i < tree.parts().size(); ++i) {
-    const Object body = ObjectMember(tree.parts()[i].entity, "Body");
-    if (!body.IsNil()) index.emplace(body.thing(), i);
-  }
-  return index;
-}
-
-}  // namespace
-
 String TextMember(const Object& object, std::string_view property) {
-  const Value value = PropertyOf(object, property);
+  const Value value = Member(object, property);
   const auto* const text = std::get_if<String>(&value);
   return text != nullptr ? *text : String();
 }
 
 Object ObjectMember(const Object& object, std::string_view property) {
-  const Value value = PropertyOf(object, property);
+  const Value value = Member(object, property);
   const auto* const result = std::get_if<Object>(&value);
   return result != nullptr ? *result : Object();
 }
@@ -128,19 +117,28 @@ Object FindPart(const Object& email, const std::string& number) {
   return part;
 }
 
+PartFinder::PartFinder(const PartTree& tree) {
+  for (std::size_t i = 0; i < tree.parts().size(); ++i) {
+    const Object body = ObjectMember(tree.parts()[i].entity, "Body");
+    if (!body.IsNil()) by_body_.emplace(body.thing(), i);
+  }
+}
+
+std::optional<std::size_t> PartFinder::Find(const Object& record) const {
+  const auto found = by_body_.find(ObjectMember(record, "Body").thing());
+  return found == by_body_.end() ? std::nullopt : std::optional<std::size_t>(found->second);
+}
+
 std::vector<Attached> ListAttached(const Object& email, const PartTree& tree) {
-  const auto bodies = IndexBodies(tree);
+  const PartFinder finder(tree);
   std::vector<Attached> list;
   const auto add = [&](std::string_view declaration, bool is_inline) {
     for (const Object& record : ListMember(email, declaration)) {
-      const auto found = bodies.find(ObjectMember(record, "Body").thing());
-      const bool is_known = found != bodies.end();
-      list.push_back(
-          {record, is_inline, is_known ? std::optional<std::size_t>(found->second) : std::nullopt});
+      list.push_back({record, is_inline, finder.Find(record)});
     }
   };
-  add("Attachments as MimeAttachmentZQV()", false);
-  add("Inlines as MimeAttachmentZQV()", true);
+  add(kAttachments, false);
+  add(kInlines, true);
   std::stable_sort(list.begin(), list.end(), [](const Attached& a, const Attached& b) {
     constexpr std::size_t kLast = std::numeric_limits<std::size_t>::max();
     return a.part.value_or(kLast) < b.part.value_or(kLast);

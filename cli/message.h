@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "standin/application.h"
@@ -16,6 +17,7 @@
 namespace zqv::cli {
 
 // Properties of an object that may be nil. Absent ones are nil.
+standin::Value Member(const standin::Object& object, std::string_view property);
 standin::String TextMember(const standin::Object& object, std::string_view property);
 standin::Object ObjectMember(const standin::Object& object, std::string_view property);
 // What a method without arguments returns, as a list without its nil elements; empty when absent.
@@ -24,6 +26,10 @@ std::vector<standin::Object> ListMember(const standin::Object& object,
 
 // The parts of an entity that are multiparts or messages themselves; empty for any other.
 std::vector<standin::Object> PartsOf(const standin::Object& entity);
+
+// The declarations of a message's two lists of MimeAttachmentZQV.
+inline constexpr std::string_view kAttachments = "Attachments as MimeAttachmentZQV()";
+inline constexpr std::string_view kInlines = "Inlines as MimeAttachmentZQV()";
 
 // A header's fields in order.
 std::vector<standin::Object> FieldsOf(const standin::Object& header);
@@ -57,6 +63,19 @@ class PartTree {
 
 // The entity with this number, nil when there is none. Numbers as above.
 standin::Object FindPart(const standin::Object& email, const std::string& number);
+
+// Tells which part an attachment describes: they share their body object.
+class PartFinder {
+ public:
+  explicit PartFinder(const PartTree& tree);
+
+  // The part's index in the tree; nothing on a host too poor to tell. `record` is a
+  // MimeAttachmentZQV.
+  std::optional<std::size_t> Find(const standin::Object& record) const;
+
+ private:
+  std::unordered_map<const void*, std::size_t> by_body_;
+};
 
 // One attachment or inline part.
 struct Attached {

@@ -1,5 +1,7 @@
 #include "cli/output.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -20,6 +22,8 @@ void Output::PrintLine(std::string_view text) {
   Print(text);
   Print("\n");
 }
+
+bool Output::IsTerminal() { return isatty(STDOUT_FILENO) != 0; }
 
 bool Output::Finish() {
   if (std::fflush(stdout) != 0 && IsGood()) error_ = errno;

@@ -16,6 +16,8 @@ class Output {
   void Print(std::string_view text);
   void PrintLine(std::string_view text);
 
+  // Whether somebody reads this as it is printed.
+  static bool IsTerminal();
   // False once standard output could not be written.
   bool IsGood() const { return error_ == 0; }
   // Writes out what is held back; says "zqv: standard output: ..." and gives false when that or

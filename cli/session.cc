@@ -1,11 +1,13 @@
 #include "cli/session.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <exception>
 #include <filesystem>
+#include <memory>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
@@ -23,7 +25,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kLibraryName = "MimeEmailZQV.so";
-constexpr const char* kEmailClass = "MimeEmailZQV";
 constexpr std::string_view kStandardInput = "-";
 
 constexpr std::string_view kEntryPoints[] = {
@@ -47,16 +48,18 @@ std::string WholePath(const std::string& file) {
   return file.empty() ? file : (fs::current_path() / file).string();
 }
 
-std::string ReadStandardInput() {
+[[noreturn]] void FailToRead() { throw std::runtime_error(std::generic_category().message(errno)); }
+
+std::string ReadAll(int descriptor) {
   std::string bytes;
   std::array<char, 65536> buffer{};
   while (true) {
-    const ssize_t got = read(STDIN_FILENO, buffer.data(), buffer.size());
+    const ssize_t got = read(descriptor, buffer.data(), buffer.size());
     if (got == 0) return bytes;
     if (got > 0) {
       bytes.append(buffer.data(), static_cast<std::size_t>(got));
     } else if (errno != EINTR) {
-      throw std::runtime_error(std::generic_category().message(errno));
+      FailToRead();
     }
   }
 }
@@ -80,20 +83,30 @@ Session::Session(const SessionOptions& options)
 standin::Object Session::Open(const std::string& file) const {
   if (file == kStandardInput) {
     return standin::Construct(kEmailClass, "Constructor(Content as MemoryBlock)",
-                              standin::MakeMemoryBlock(ReadStandardInput()));
+                              standin::MakeMemoryBlock(ReadBytes(file)));
   }
   return standin::Construct(kEmailClass, "Constructor(File as FolderItem)",
                             standin::MakeFolderItem(WholePath(file)));
 }
 
+std::string ReadBytes(const std::string& file) {
+  if (file == kStandardInput) return ReadAll(STDIN_FILENO);
+  const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) FailToRead();
+  const std::unique_ptr<const int, void (*)(const int*)> closer(
+      &descriptor, [](const int* opened) { close(*opened); });
+  return ReadAll(descriptor);
+}
+
 int ForEachFile(const Session& session, const std::vector<std::string>& files, Output* output,
-                const Visit& visit) {
+                const Visit& visit, Headings headings) {
+  const bool has_headings = headings == Headings::kAmongSeveral && files.size() > 1;
   bool all_good = true;
   bool is_first = true;
   for (const std::string& file : files) {
     try {
       const standin::Object email = session.Open(file);
-      if (files.size() > 1) {
+      if (has_headings) {
         if (!is_first) output->PrintLine("");
         output->PrintLine("==> " + SafeText(file, Lines::kOne) + " <==");
         is_first = false;

@@ -3,7 +3,6 @@
 // Labelled lines first, then an empty line and the plain text. What a message does not have takes
 // no line.
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <utility>
 #include <variant>
@@ -24,20 +23,6 @@ struct Entry {
   std::string label;
   std::vector<std::string> lines;  // safe; no lines: no entry
 };
-
-struct AddressField {
-  const char* field;
-  const char* property;
-};
-
-constexpr std::array<AddressField, 6> kAddressFields = {{
-    {"From", "from"},
-    {"Sender", "sender"},
-    {"To", "too"},
-    {"Cc", "cc"},
-    {"Bcc", "bcc"},
-    {"Reply-To", "replyto"},
-}};
 
 std::vector<std::string> LineUnlessEmpty(std::string line) {
   std::vector<std::string> lines;
@@ -133,8 +118,8 @@ void ShowMessage(const Object& email, Output* output) {
 
 }  // namespace
 
-int Show(const Session& session, const Files& files, Output* output) {
-  return ForEachFile(session, files, output, [&](const std::string&, const Object& email) {
+int Show(const Session& session, const Request& request, Output* output) {
+  return ForEachFile(session, request.inputs, output, [&](const std::string&, const Object& email) {
     ShowMessage(email, output);
     return true;
   });

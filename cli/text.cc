@@ -92,6 +92,11 @@ std::string SafeText(const standin::String& string, Lines lines) {
   return Escape(string.bytes(), lines, string.encoding() == abi::kUtf8);
 }
 
+std::string DataText(const standin::String& string) {
+  const std::optional<std::string> utf8 = string.Utf8();
+  return utf8 ? WithLineFeeds(*utf8) : SafeText(string, Lines::kMany);
+}
+
 std::string SafeLine(const standin::String& string) {
   return std::string(Trim(SafeText(string, Lines::kOne)));
 }

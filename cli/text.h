@@ -19,6 +19,10 @@ enum class Lines { kMany, kOne };
 // UTF-8 or bytes of no known encoding, such as a file's name.
 std::string SafeText(std::string_view text, Lines lines);
 
+// A host string as data for other programs: in UTF-8, CR and CRLF as line feeds, nothing else
+// changed. What the host cannot convert becomes safe text.
+std::string DataText(const standin::String& string);
+
 // A host string as the host converts it; of one that it cannot convert, the ASCII characters.
 // Nil gives an empty text.
 std::string SafeText(const standin::String& string, Lines lines);

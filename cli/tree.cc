@@ -57,8 +57,8 @@ void PrintTree(const Object& email, Output* output) {
 
 }  // namespace
 
-int Tree(const Session& session, const Files& files, Output* output) {
-  return ForEachFile(session, files, output, [&](const std::string&, const Object& email) {
+int Tree(const Session& session, const Request& request, Output* output) {
+  return ForEachFile(session, request.inputs, output, [&](const std::string&, const Object& email) {
     PrintTree(email, output);
     return true;
   });

@@ -10,31 +10,42 @@
 
 namespace zqv::cli {
 
-using Files = std::vector<std::string>;  // paths; "-" is standard input
-
-struct HeadersOptions {
-  std::string name;        // empty: all fields
-  std::string part = "0";  // whose header
+// What a verb is to work on; each looks at what concerns it.
+struct Request {
+  std::vector<std::string> inputs;  // paths of files, "-" being standard input; texts for decode
+  std::string field;                // headers: only fields of this name; empty: all
+  std::string part = "0";           // headers: whose
+  std::string folder;               // extract: where the files go
+  bool force = false;               // extract: replaces files
+  bool raw = false;                 // bytes as the library has them
 };
 
-struct ExtractOptions {
-  std::string folder;
-  bool force = false;
-};
+using Verb = int(const Session& session, const Request& request, Output* output);
 
 // The labelled lines a reader wants, then the plain text.
-int Show(const Session& session, const Files& files, Output* output);
+Verb Show;
 // One line for each entity: number, type, size, name.
-int Tree(const Session& session, const Files& files, Output* output);
+Verb Tree;
 // Header fields; 1 also when a file lacks the part or the name asked for.
-int Headers(const Session& session, const Files& files, const HeadersOptions& options,
-            Output* output);
+Verb Headers;
+// One line for each mailbox of the address fields.
+Verb Addresses;
 // One line for each attachment and inline part.
-int List(const Session& session, const Files& files, Output* output);
+Verb List;
 // Writes the attachments and inline parts of one message and prints the paths.
-int Extract(const Session& session, const std::string& file, const ExtractOptions& options,
-            Output* output);
+Verb Extract;
+// The plain text of one message, or its HTML; 1 also when there is none.
+Verb Text;
+Verb Html;
+// The text of an HTML file, which is no message.
+Verb HtmlToText;
+// Encoded words of header text.
+Verb Decode;
+// One message without its files.
+Verb Strip;
+// All that the classes give, as JSON.
+Verb Json;
 // What the library registered; reads no message.
-int Classes(const Session& session, Output* output);
+Verb Classes;
 
 }  // namespace zqv::cli

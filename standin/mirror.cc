@@ -22,25 +22,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// Every byte can be told from the result.
-std::string Escape(std::string_view bytes) {
-  static constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string text;
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (c == '\\') {
-      text += "\\\\";
-    } else if (byte >= 0x20 && byte < 0x7F) {
-      text += c;
-    } else {
-      text += "\\x";
-      text += kDigits[byte >> 4U];
-      text += kDigits[byte & 15U];
-    }
-  }
-  return text;
-}
-
 class Walk {
  public:
   explicit Walk(const MirrorOptions& options) : options_(options) {}
@@ -174,6 +155,24 @@ class Walk {
 
 }  // namespace
 
+std::string EscapeBytes(std::string_view bytes) {
+  static constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string text;
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == '\\') {
+      text += "\\\\";
+    } else if (byte >= 0x20 && byte < 0x7F) {
+      text += c;
+    } else {
+      text += "\\x";
+      text += kDigits[byte >> 4U];
+      text += kDigits[byte & 15U];
+    }
+  }
+  return text;
+}
+
 Json MirrorText(const String& string) {
   if (string.IsNil()) return nullptr;
   Json json;
@@ -183,7 +182,7 @@ Json MirrorText(const String& string) {
   if (text) {
     json["text"] = *text;
   } else {
-    json["bytes"] = Escape(string.bytes());
+    json["bytes"] = EscapeBytes(string.bytes());
   }
   json["encoding"] = EncodingName(string.encoding());
   return json;

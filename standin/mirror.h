@@ -17,6 +17,7 @@
 #include <cstddef>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <string>
 #include <string_view>
 
 #include "standin/handles.h"
@@ -38,5 +39,9 @@ nlohmann::ordered_json Mirror(const Object& object, const MirrorOptions& options
 
 // One value by the same rules.
 nlohmann::ordered_json MirrorText(const String& string);
+
+// ASCII from which every byte can be told: a backslash is doubled, and each byte that is not
+// printable ASCII is written as \xHH.
+std::string EscapeBytes(std::string_view bytes);
 
 }  // namespace zqv::standin

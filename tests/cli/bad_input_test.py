@@ -14,7 +14,8 @@ NO_HEADER = ("UnsupportedOperationException: "
 NOT_OPENED = "IOException: Failed to open file for reading."
 NOBODY = 65534
 
-VERBS = (["show"], ["tree"], ["headers"], ["list"], ["extract", "--dir", "never-made"])
+VERBS = (["show"], ["tree"], ["headers"], ["addresses"], ["list"], ["text"], ["html"], ["strip"],
+         ["json"], ["extract", "--dir", "never-made"])
 
 
 class BadFileTest(program.TestCase):

@@ -19,11 +19,15 @@ class Result:
     def __init__(self, code, out, err):
         self.code = code
         self.out_bytes = out
-        self.out = out.decode("utf-8")
         self.err = err.decode("utf-8")
 
+    @property
+    def out(self):
+        return self.out_bytes.decode("utf-8")
+
     def __repr__(self):
-        return f"exit code {self.code}\n-- out\n{self.out}\n-- err\n{self.err}"
+        out = self.out_bytes.decode("utf-8", "backslashreplace")
+        return f"exit code {self.code}\n-- out\n{out}\n-- err\n{self.err}"
 
 
 def environment():

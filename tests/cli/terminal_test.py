@@ -33,7 +33,7 @@ class TerminalTest(program.TestCase):
         self.path = self.write("hostile.eml", HOSTILE)
 
     def test_no_verb_lets_a_control_character_through(self):
-        for verb in ("show", "tree", "headers", "list"):
+        for verb in ("show", "tree", "headers", "addresses", "list", "json"):
             with self.subTest(verb):
                 result = self.expect(zqv(verb, self.path))
                 self.assertTrue(result.out)

@@ -26,6 +26,13 @@ class UsageTest(program.TestCase):
             "extract into nothing": ["extract", PLAIN, "--dir", ""],
             "extract without file": ["extract", "--dir", target],
             "extract of two files": ["extract", PLAIN, PLAIN, "--dir", target],
+            "text of two files": ["text", PLAIN, PLAIN],
+            "html without file": ["html"],
+            "html2text of two files": ["html2text", PLAIN, PLAIN],
+            "strip without file": ["strip"],
+            "decode without text": ["decode"],
+            "json without file": ["json", "--raw"],
+            "raw list": ["list", "--raw", PLAIN],
             "classes with a file": ["classes", PLAIN],
             "unknown entry point": ["show", PLAIN, "--without", "REALNothing"],
             "entry point in lower case": ["show", PLAIN, "--without", "runtimeubound"],
@@ -44,7 +51,8 @@ class UsageTest(program.TestCase):
     def test_help(self):
         for arguments in (["--help"], ["-h"]):
             out = self.expect(zqv(*arguments)).out
-            for verb in ("show", "tree", "headers", "list", "extract", "classes"):
+            for verb in ("show", "tree", "headers", "addresses", "list", "extract", "text", "html",
+                         "html2text", "decode", "strip", "json", "classes"):
                 self.assertRegex(out, rf"(?m)^  {verb} ")
         self.assertIn("--force", self.expect(zqv("extract", "--help")).out)
 
