@@ -20,7 +20,7 @@ LAYERS = ["abi", "host", "text", "mime", "email", "plugin"]
 OTHERS = {
     "standin": ["abi"],
     "cli": ["standin", "abi"],
-    "tests/interface": ["standin", "abi", "tests/support"],
+    "tests/interface": ["cli", "standin", "abi", "tests/support"],
     "tests/cli": ["standin", "abi", "tests/support"],
     "tests/unit/mimetic": [],
     "tests/unit/standin": ["standin", "abi", "tests/support"],

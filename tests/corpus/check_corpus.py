@@ -4,7 +4,7 @@
 Prints one line per fault and ends with 1 if there is any, also when there is no message at all.
 It knows the format and what any result must satisfy; it parses no mail.
 
-Usage: check_data.py [folder]     (the folder messages/ beside this file when none is given)
+Usage: check_corpus.py [folder]     (the folder of this file when none is given)
 """
 
 import base64
@@ -31,18 +31,63 @@ EXCEPTION_CLASSES = {
     "UnsupportedFormatException", "UnsupportedOperationException",
 }
 REFUSED = "UnsupportedOperationException"  # raised before parsing: nothing but the source is filled
-REQUIRED = ("about", "rule", "source", "html_text", "body_decoded", "attachments", "inlines",
-            "parts")
-OPTIONAL = ("crlf", "raise_unknown_formats", "exception", "subject", "sent_date", "received_date",
-            "plain_text", "child_bodies")
+REQUIRED = ("about", "rule", "source", "message")
+OPTIONAL = ("crlf", "raise_unknown_formats", "exception")
+
+# Of each kind of object: its keys and what they hold. A name in brackets stands for a list of such.
+# Whatever is nil, false or empty is left out, so no key is required but those in ALWAYS.
+SHAPES = {
+    "message": {
+        "subject": "string", "date": "date", "received_date": "date", "plain_text": "string",
+        "html_text": "string", "attachments": ["attachment"], "inlines": ["attachment"],
+        "parts": ["part"],
+    },
+    "attachment": {
+        "part": "number", "filename": "string", "mime_type": "string", "mime_version": "string",
+        "content_type": "string", "content_transfer_encoding": "string",
+        "content_disposition": "string", "content_description": "string", "content_id": "string",
+        "data": "string",
+    },
+    "part": {"number": "number", "header": "header", "body": "body", "body_decoded": "string"},
+    "header": {
+        "mime_version": "string", "content_type": "string", "content_transfer_encoding": "string",
+        "content_transfer_encoding_mechanism": "string", "content_disposition": "string",
+        "content_description": "string", "content_id": "string", "subject": "string",
+        "subject_decoded": "string", "message_id": "string", "sender": "mailbox",
+        "from": "mailbox list", "to": "address list", "reply_to": "address list",
+        "cc": "address list", "bcc": "address list", "fields": "fields",
+    },
+    "body": {"preamble": "string", "epilogue": "string", "string_value": "string"},
+    "mailbox": {
+        "string_value": "string", "mailbox": "string", "domain": "string", "label": "string",
+        "label_decoded": "string", "sourceroute": "string", "email": "string",
+    },
+    "mailbox list": {"string_value": "string", "count": "count", "mailboxes": ["mailbox"]},
+    "group": {
+        "string_value": "string", "name": "string", "name_decoded": "string", "count": "count",
+        "mailboxes": ["mailbox"],
+    },
+    "address": {
+        "string_value": "string", "is_group": "true", "mailbox": "mailbox", "group": "group",
+    },
+    "address list": {"string_value": "string", "count": "count", "addresses": ["address"]},
+}
+ALWAYS = {
+    "message": ("parts",), "attachment": ("part",), "part": ("number",),
+    "mailbox list": ("count",), "group": ("count",), "address list": ("count",),
+}
+COMMON = "common.json"
+DATE = re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d")
+NUMBER = re.compile(r"0|[1-9]\d*(\.[1-9]\d*)*")
 NAME = re.compile(r"[a-z0-9]+(-[a-z0-9]+)*")
 
 
 class Checker:
     """Collects the faults of one expected-results file."""
 
-    def __init__(self, label):
+    def __init__(self, label, common):
         self.label = label
+        self.common = common
         self.faults = []
 
     def fault(self, where, what):
@@ -69,10 +114,6 @@ class Checker:
         self.expect(isinstance(value, str) and len(value) > 10 and value.endswith("."), where,
                     "must be a sentence that ends in a full stop")
 
-    def text_or_null(self, value, where):
-        self.expect(value is None or (isinstance(value, str) and value), where,
-                    "must be null or a text that is not empty")
-
     def string_bytes(self, value, where):
         """The bytes of a host string value, or None when it states them wrongly."""
         if ("text" in value) == ("bytes_base64" in value):
@@ -90,24 +131,33 @@ class Checker:
             return None
 
     def host_string(self, value, where):
-        """A host string: null, or bytes with the encoding number they are built in."""
-        if value is None:
+        """A host string: a text, or bytes with the encoding number they are built in."""
+        if isinstance(value, str):
+            self.expect(value and not value.startswith("@"), where,
+                        "a text form is not empty and does not begin with @")
+            self.expect("\n" not in value, where, "holds a line end: needs 'line_ends'")
             return
-        if not self.keys(value, where, ("encoding",), ("text", "bytes_base64", "line_ends")):
+        if not self.keys(value, where, (), ("encoding", "text", "bytes_base64", "line_ends")):
             return
         data = self.string_bytes(value, where)
-        encoding = value["encoding"]
-        if not self.expect(type(encoding) is int and encoding in ENCODINGS, where,
-                           f"no encoding of a host string: {encoding!r}") or data is None:
+        if data is None:
             return
-        self.expect(data, where, "a string of no bytes is nil: use null")
+        self.expect(data, where, "a string of no bytes is nil: leave it out")
+        self.encoding(value, data, where)
+        self.line_ends(value, data, where)
+
+    def encoding(self, value, data, where):
+        usual = ASCII if data.isascii() else UTF8
+        encoding = value.get("encoding", usual if "text" in value else None)
+        if not self.expect(type(encoding) is int and encoding in ENCODINGS, where,
+                           f"no encoding of a host string: {encoding!r}"):
+            return
         if data.isascii():
             self.expect(encoding not in BECOME_ASCII, where,
                         f"low bytes only, so encoding {encoding} becomes {ASCII}")
         elif "text" in value:
             self.expect(encoding == UTF8, where,
                         "high bytes in another encoding than UTF-8: use 'bytes_base64'")
-        self.line_ends(value, data, where)
 
     def line_ends(self, value, data, where):
         if b"\n" not in data:
@@ -119,19 +169,49 @@ class Checker:
         self.expect(ends != "message" or b"\r" not in data, where,
                     "line ends of the message are LF in the file")
 
-    def attachments(self, value, where):
-        if not self.expect(isinstance(value, list), where, "must be an array"):
+    def fields(self, value, where):
+        if not self.expect(isinstance(value, list) and value, where, "must be a list with entries"):
             return
-        for number, record in enumerate(value):
+        for number, pair in enumerate(value):
             at = f"{where}[{number}]"
-            if not self.keys(record, at, ("mime_type", "content_disposition_type", "data"),
-                             ("filename",)):
-                continue
-            self.text_or_null(record["mime_type"], f"{at}.mime_type")
-            self.text_or_null(record["content_disposition_type"], f"{at}.content_disposition_type")
-            if "filename" in record:
-                self.text_or_null(record["filename"], f"{at}.filename")
-            self.host_string(record["data"], f"{at}.data")
+            if self.expect(isinstance(pair, list) and len(pair) in (1, 2), at,
+                           "must be [name] or [name, value]"):
+                for element in pair:
+                    self.host_string(element, at)
+
+    def value(self, value, kind, where):
+        """One value of the kind that the table of shapes names."""
+        if isinstance(kind, list):
+            if self.expect(isinstance(value, list) and value, where,
+                           "must be a list with entries"):
+                for number, element in enumerate(value):
+                    self.value(element, kind[0], f"{where}[{number}]")
+        elif kind in SHAPES:
+            self.shaped(value, kind, where)
+        elif kind == "fields":
+            self.fields(value, where)
+        elif kind == "string":
+            self.host_string(value, where)
+        elif kind == "true":
+            self.expect(value is True, where, "false is left out")
+        elif kind == "count":
+            self.expect(type(value) is int and value >= 0, where, "must be a count")
+        else:
+            pattern = DATE if kind == "date" else NUMBER
+            self.expect(isinstance(value, str) and pattern.fullmatch(value), where,
+                        f"must be a {kind}")
+
+    def shaped(self, value, kind, where):
+        if isinstance(value, str):
+            self.expect(value[:1] == "@" and value[1:] in self.common, where,
+                        f"no object and no name in {COMMON}: {value!r}")
+            return
+        shape, required = SHAPES[kind], ALWAYS.get(kind, ())
+        if not self.keys(value, where, required, tuple(shape)):
+            return
+        for key, member in value.items():
+            if key in shape:
+                self.value(member, shape[key], f"{where}.{key}")
 
     def source(self, value, message):
         if value is None:
@@ -143,20 +223,25 @@ class Checker:
             self.expect(value["encoding"] == wanted, "source",
                         f"encoding must be {wanted} for these bytes")
 
-    def parts(self, expected):
-        parts = expected["parts"]
-        if parts is None:
-            return
-        if not self.expect(type(parts) is int and parts >= 0, "parts", "must be null or a count"):
-            return
-        self.expect(parts == 0 or expected["body_decoded"] is None, "body_decoded",
-                    "an entity with parts has no body of its own: must be null")
-        if "child_bodies" in expected:
-            bodies = expected["child_bodies"]
-            if self.expect(isinstance(bodies, list) and parts > 0 and len(bodies) == parts,
-                           "child_bodies", "must have one entry for each of the parts"):
-                for number, body in enumerate(bodies):
-                    self.host_string(body, f"child_bodies[{number}]")
+    def parts(self, message):
+        """Numbers depth-first, each part with header and body, attachments of parts there are."""
+        parts = [part for part in message["parts"] if isinstance(part, dict)]
+        numbers = [part.get("number") for part in parts]
+        self.expect(numbers[:1] == ["0"], "parts", "begin with the message, number 0")
+        seen = {"0": 0}
+        for number in numbers[1:]:
+            parent, _, ordinal = str(number).rpartition(".")
+            parent = parent or "0"
+            self.expect(seen.get(parent, -1) + 1 == int(ordinal or 0), "parts",
+                        f"{number} is out of order")
+            seen[parent] = seen.get(parent, 0) + 1
+            seen[str(number)] = 0
+        for key in ("attachments", "inlines"):
+            for record in message.get(key, []):
+                self.expect(record.get("part") in numbers, key, "describes no part of the message")
+        for part in parts:
+            self.expect(len(parts) == 1 or ("header" in part and "body" in part),
+                        f"part {part.get('number')}", "has a header and a body, be they {}")
 
     def exception(self, expected):
         """The exception, and that a refused message has nothing filled."""
@@ -169,13 +254,12 @@ class Checker:
                 self.expect(isinstance(value["message"], str) and value["message"],
                             "exception.message", "must be a text that is not empty")
                 refused = value["class"] == REFUSED
-        self.expect((expected["parts"] is None) == refused, "parts",
-                    "is null exactly when the message is refused")
+        top = expected["message"]["parts"][0]
+        self.expect(("header" in top) != refused and ("body" in top) != refused, "parts",
+                    "a message without header and body is one that was refused")
         if refused:
-            for key in ("subject", "plain_text", "html_text", "body_decoded"):
-                self.expect(expected.get(key) is None, key, "must be null: the message is refused")
-            for key in ("attachments", "inlines"):
-                self.expect(expected[key] == [], key, "must be empty: the message is refused")
+            self.expect(expected["message"] == {"parts": [{"number": "0"}]}, "message",
+                        "is empty: it was refused")
 
     def expected(self, value, message):
         if not self.keys(value, "top level", REQUIRED, OPTIONAL):
@@ -184,19 +268,12 @@ class Checker:
         self.sentence(value["rule"], "rule")
         for key, wanted in (("crlf", False), ("raise_unknown_formats", True)):
             self.expect(value.get(key, wanted) is wanted, key, f"can only be {wanted}")
-        for key in ("sent_date", "received_date"):
-            self.expect(isinstance(value.get(key, True), bool), key, "must be true or false")
-        if "subject" in value:
-            self.text_or_null(value["subject"], "subject")
-        for key in ("plain_text", "html_text", "body_decoded"):
-            self.host_string(value.get(key), key)
-        self.expect("plain_text" in value or value["html_text"] is not None, "plain_text",
-                    "may be left out only where it is made from the HTML")
-        self.attachments(value["attachments"], "attachments")
-        self.attachments(value["inlines"], "inlines")
         self.source(value["source"], message)
-        self.parts(value)
-        self.exception(value)
+        before = len(self.faults)
+        self.value(value["message"], "message", "message")
+        if len(self.faults) == before:
+            self.parts(value["message"])
+            self.exception(value)
 
 
 def unique_keys(pairs):
@@ -207,14 +284,17 @@ def unique_keys(pairs):
     return dict(pairs)
 
 
-def check_message(path, label):
+def load(path):
+    return json.loads(path.read_text(encoding="utf-8"), object_pairs_hook=unique_keys)
+
+
+def check_message(path, label, common):
     """The faults of one message and its results file, and the results' 'about' text."""
-    checker = Checker(label)
+    checker = Checker(label, common)
     message = path.read_bytes()
     checker.expect(b"\r" not in message, "message", "has a carriage return: lines end in LF")
     try:
-        text = path.with_suffix(".json").read_text(encoding="utf-8")
-        value = json.loads(text, object_pairs_hook=unique_keys)
+        value = load(path.with_suffix(".json"))
     except (OSError, ValueError) as error:
         checker.fault("expected results", str(error))
         return checker.faults, None
@@ -223,12 +303,29 @@ def check_message(path, label):
     return checker.faults, about if isinstance(about, str) else None
 
 
+def check_common(root):
+    """The named objects, and their faults: each must be of one of the shapes."""
+    try:
+        common = load(root / COMMON)
+    except (OSError, ValueError) as error:
+        return {}, [f"{COMMON}: {error}"]
+    faults = []
+    for name, value in common.items():
+        checkers = [Checker(COMMON, common) for _ in SHAPES]
+        for checker, kind in zip(checkers, SHAPES):
+            checker.shaped(value, kind, name)
+        if not any(checker.faults == [] for checker in checkers):
+            faults.append(f"{COMMON}: {name}: is no object of any kind")
+    return common, faults
+
+
 def check_folder(root):
     """All faults below `root`, and the number of messages seen."""
-    faults, seen, count = [], {}, 0
-    for path in sorted(p for p in root.rglob("*") if not p.is_dir()):
+    common, faults = check_common(root)
+    seen, count = {}, 0
+    for path in sorted(p for p in root.glob("*/*")):
         label = str(path.relative_to(root))
-        if len(path.relative_to(root).parts) != 2 or path.suffix not in (".eml", ".json"):
+        if not path.is_file() or path.suffix not in (".eml", ".json"):
             faults.append(f"{label}: only <origin>/<what-is-odd>.eml and .json belong here")
             continue
         if not NAME.fullmatch(path.stem) or not NAME.fullmatch(path.parent.name):
@@ -238,7 +335,7 @@ def check_folder(root):
                 faults.append(f"{label}: has no message")
             continue
         count += 1
-        found, about = check_message(path, label)
+        found, about = check_message(path, label, common)
         faults += found
         if about is not None and seen.setdefault(about, label) != label:
             faults.append(f"{label}: same 'about' as {seen[about]}")
@@ -251,7 +348,7 @@ def main(arguments):
     if len(arguments) > 1:
         print(__doc__, file=sys.stderr)
         return 2
-    root = pathlib.Path(arguments[0]) if arguments else pathlib.Path(__file__).parent / "messages"
+    root = pathlib.Path(arguments[0]) if arguments else pathlib.Path(__file__).parent
     faults, count = check_folder(root)
     for fault in faults:
         print(fault, file=sys.stderr)

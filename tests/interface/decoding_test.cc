@@ -1,4 +1,4 @@
-// Which text a message shows, and in which encoding, beside the messages of tests/data.
+// Which text a message shows, and in which encoding, beside the messages of tests/corpus.
 #include <gtest/gtest.h>
 
 #include <string>
