@@ -1,0 +1,305 @@
+// The message's source without its files, as SourceWithoutAttachments gives it.
+//
+// Expected texts follow from how a message is written: header fields one a line with the value of
+// Content-Type rewritten (its parameters in quotes), a blank line, the body as it was; each part
+// after a blank line and its boundary line. Every line break is one CR in the end.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "standin/mirror.h"
+#include "tests/interface/log_capture.h"
+#include "tests/interface/messages.h"
+#include "tests/interface/reading.h"
+#include "tests/interface/session.h"
+#include "tests/interface/utf16.h"
+
+namespace zqv::interface_test {
+namespace {
+
+using std::string_view_literals::operator""sv;
+using ::testing::Contains;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+constexpr const char* kEmail = "MimeEmailZQV";
+
+class Strip : public InterfaceTest {};
+
+std::string Stripped(const Object& message) {
+  return Show(Call(message, "SourceWithoutAttachments"));
+}
+
+Object FromString(const String& source) {
+  return standin::Construct(kEmail, "Constructor(Content as string)", source);
+}
+
+std::string StrippedUtf8(std::string_view source) {
+  return Stripped(FromString(MakeString(source, abi::kUtf8)));
+}
+
+// Parts must not end in a line end.
+std::string Multipart(const std::string& subtype, const std::string& boundary,
+                      const std::vector<std::string>& parts) {
+  std::string source = "Content-Type: multipart/" + subtype + "; boundary=" + boundary + "\n";
+  for (const std::string& part : parts) source += "\n--" + boundary + "\n" + part;
+  return source + "\n--" + boundary + "--\n";
+}
+
+// The same, as it is written.
+std::string Written(const std::string& subtype, const std::string& boundary,
+                    const std::vector<std::string>& parts) {
+  std::string text = "Content-Type: multipart/" + subtype + "; boundary=\"" + boundary + "\"\r";
+  for (const std::string& part : parts) text += "\r--" + boundary + "\r" + part;
+  return text + "\r--" + boundary + "--\r";
+}
+
+constexpr const char* kText = "Content-Type: text/plain\n\ntext";
+constexpr const char* kTextWritten = "Content-Type: text/plain\r\rtext";
+constexpr const char* kPdf =
+    "Content-Type: application/pdf\nContent-Disposition: attachment; filename=a.pdf\n\npdf";
+
+// A container's last line end stands before the next boundary already.
+std::string WithoutLastLineEnd(std::string source) {
+  source.pop_back();
+  return source;
+}
+
+TEST_F(Strip, WithoutFilesGivesTheMessageWithSingleCrs) {
+  Start();
+  EXPECT_EQ(StrippedUtf8("Subject: x\nTo: y\n\nline\n\nend\n"),
+            "0x600 Subject: x\rTo: y\r\rline\r\rend\r");
+  EXPECT_EQ(StrippedUtf8(Multipart("mixed", "b", {kText, kText})),
+            "0x600 " + Written("mixed", "b", {kTextWritten, kTextWritten}));
+}
+
+TEST_F(Strip, KeepsTheTextAndTheFrame) {
+  Start();
+  EXPECT_EQ(StrippedUtf8(Multipart("mixed", "b", {kText, kPdf})),
+            "0x600 " + Written("mixed", "b", {kTextWritten}));
+}
+
+TEST_F(Strip, RemovesFilesWhereverTheyStand) {
+  Start();
+  const std::string other = "Content-Disposition: INLINE\n\nother";
+  EXPECT_EQ(StrippedUtf8(Multipart("mixed", "b", {kPdf, other, kText, kPdf, kText, other, kPdf})),
+            "0x600 " + Written("mixed", "b", {kTextWritten, kTextWritten}));
+  // An empty frame still has its first line.
+  EXPECT_EQ(StrippedUtf8(Multipart("mixed", "b", {kPdf, other})),
+            "0x600 " + Written("mixed", "b", {""}));
+}
+
+// An image with a Content-ID is listed among the inlines, and stays without a disposition.
+TEST_F(Strip, OnlyTheDispositionDecides) {
+  Start();
+  const auto image = [](const std::string& fields) {
+    return "Content-Type: image/png\n" + fields + "\nimage";
+  };
+  const auto related = [&](const std::string& fields) {
+    return StrippedUtf8(Multipart("related", "r", {kText, image(fields)}));
+  };
+  const std::string gone = "0x600 " + Written("related", "r", {kTextWritten});
+  EXPECT_EQ(related("Content-Disposition: inline\n"), gone);
+  EXPECT_EQ(related("Content-ID: <i>\nContent-Disposition: Inline; filename=i.png\n"), gone);
+  EXPECT_EQ(related("Content-Disposition: attachment\n"), gone);
+  EXPECT_EQ(related(""),
+            "0x600 " + Written("related", "r", {kTextWritten, "Content-Type: image/png\r\rimage"}));
+  EXPECT_EQ(
+      related("Content-ID: <i>\n"),
+      "0x600 " + Written("related", "r",
+                         {kTextWritten, "Content-Type: image/png\rContent-ID: <i>\r\rimage"}));
+  EXPECT_EQ(related("Content-Disposition: form-data\n"),
+            "0x600 " + Written("related", "r",
+                               {kTextWritten,
+                                "Content-Type: image/png\rContent-Disposition: form-data\r"
+                                "\rimage"}));
+}
+
+// The message shows it as its plain text; the source without files lacks it.
+TEST_F(Strip, RemovesPlainTextMarkedInline) {
+  Start();
+  const Object message =
+      Parse(Multipart("mixed", "b",
+                      {"Content-Type: text/plain\nContent-Disposition: inline\n\nmarked",
+                       "Content-Type: text/html\n\n<p>H"}));
+  EXPECT_EQ(ShowProperty(message, "PlainText"), "0x600 marked");
+  EXPECT_EQ(Stripped(message),
+            "0x600 " + Written("mixed", "b", {"Content-Type: text/html\r\r<p>H"}));
+}
+
+TEST_F(Strip, NeverRemovesTheMessageItself) {
+  Start();
+  EXPECT_EQ(StrippedUtf8("Content-Disposition: attachment\n\nbody\n"),
+            "0x600 Content-Disposition: attachment\r\rbody\r");
+}
+
+TEST_F(Strip, PrunesContainersThatStayAndRemovesMarkedOnesWhole) {
+  Start();
+  const std::string inner = WithoutLastLineEnd(Multipart("alternative", "i", {kText, kPdf}));
+  EXPECT_EQ(StrippedUtf8(Multipart("mixed", "b", {inner, kPdf})),
+            "0x600 " + Written("mixed", "b", {Written("alternative", "i", {kTextWritten})}));
+  EXPECT_EQ(
+      StrippedUtf8(Multipart("mixed", "b", {kText, "Content-Disposition: attachment\n" + inner})),
+      "0x600 " + Written("mixed", "b", {kTextWritten}));
+}
+
+TEST_F(Strip, PrunesAttachedMessagesThatStay) {
+  Start();
+  const std::string inner =
+      "Subject: Inner\n" + WithoutLastLineEnd(Multipart("mixed", "i", {kText, kPdf}));
+  const std::string inner_written = "Subject: Inner\r" + Written("mixed", "i", {kTextWritten});
+  const std::string attached = "Content-Type: message/rfc822\n";
+  EXPECT_EQ(StrippedUtf8(Multipart("mixed", "b", {kText, attached + "\n" + inner, kPdf})),
+            "0x600 " + Written("mixed", "b",
+                               {kTextWritten, "Content-Type: message/rfc822\r\r" + inner_written}));
+  EXPECT_EQ(StrippedUtf8(
+                Multipart("mixed", "b", {kText, attached + "\n" + attached + "\n" + inner, kPdf})),
+            "0x600 " + Written("mixed", "b",
+                               {kTextWritten,
+                                "Content-Type: message/rfc822\r\rContent-Type: message/rfc822\r\r" +
+                                    inner_written}));
+  EXPECT_EQ(
+      StrippedUtf8(Multipart(
+          "mixed", "b", {kText, attached + "Content-Disposition: attachment\n\n" + inner, kPdf})),
+      "0x600 " + Written("mixed", "b", {kTextWritten}));
+}
+
+// The disposition of the attached message's own header is that of a part too.
+TEST_F(Strip, RemovesAMessageThatCallsItselfAFile) {
+  Start();
+  EXPECT_EQ(StrippedUtf8("Content-Type: message/rfc822\n\nContent-Disposition: attachment\n\nx\n"),
+            "0x600 Content-Type: message/rfc822\r");
+}
+
+// Four line feeds go, each behind the CR of its pair: two of the header, two of the body.
+TEST_F(Strip, MakesEachLineBreakOneCr) {
+  Start();
+  EXPECT_EQ(StrippedUtf8("X: y\r\n\r\na\r\n\r\nb"), "0x600 X: y\r\ra\r\rb");
+  EXPECT_EQ(StrippedUtf8("X: y\n\na\n\rb\nc\rd\r\n\ne\r\rf"), "0x600 X: y\r\ra\rb\rc\rd\r\re\r\rf");
+  const Object message = Parse("X: y\r\n\r\na\r\n\r\nb");
+  const LogCapture log;
+  SetShared(kEmail, "Debugging", true);
+  EXPECT_EQ(Stripped(message), "0x600 X: y\r\ra\r\rb");
+  SetShared(kEmail, "Debugging", false);
+  EXPECT_THAT(log.Lines(), Contains("ZQV Debug: removed characters 4"));
+}
+
+TEST_F(Strip, OfAStringIsReadInTheStringsEncoding) {
+  Start();
+  const std::string utf8 = "0x8000100 A: b\r\rcaf\xC3\xA9\r";
+  EXPECT_EQ(StrippedUtf8("A: b\n\ncaf\xC3\xA9\n"), utf8);
+  EXPECT_EQ(Stripped(FromString(MakeString("A: b\n\ncaf\xE9\n", abi::kIsoLatin1))), utf8);
+  EXPECT_EQ(Stripped(FromString(MakeString("A: b\n\ncaf\x8E\n", abi::kMacRoman))), utf8);
+  EXPECT_EQ(Stripped(FromString(MakeString("A: b\n\ncaf\x8E\n", abi::kUnknownEncoding))), utf8);
+  EXPECT_EQ(Stripped(FromString(MakeString("A: b\n\ncafe\n", abi::kUnknownEncoding))),
+            "0x600 A: b\r\rcafe\r");
+}
+
+// The message was parsed from the string's bytes, of which the file's disposition is not seen;
+// the source is read as text.
+TEST_F(Strip, OfAUtf16StringIsReadAsText) {
+  Start();
+  const std::string source = Multipart("mixed", "b", {kText, kPdf});
+  const Object message = FromString(MakeUtf16(std::u16string(source.begin(), source.end())));
+  EXPECT_EQ(ObjectOf(Call(message, "Attachments")).Size(), 1) << "all of it, as one file";
+  EXPECT_EQ(Stripped(message), "0x600 " + Written("mixed", "b", {kTextWritten}));
+  EXPECT_EQ(Stripped(FromString(MakeUtf16(u"A: b\n\ncaf\u00E9 \U0001F600"))),
+            "0x8000100 A: b\r\rcaf\xC3\xA9 \xF0\x9F\x98\x80");
+}
+
+// A block and a file have no encoding, so bytes of 0x80 and above are read as Mac Roman: 8E is e
+// with acute, C3 the square root, A9 the copyright sign.
+TEST_F(Strip, OfABlockOrFileIsReadAsMacRoman) {
+  Start();
+  for (const Way way : {Way::kBlock, Way::kFile}) {
+    EXPECT_EQ(Stripped(Parse("A: b\n\ncaf\x8E\n", way)), "0x8000100 A: b\r\rcaf\xC3\xA9\r");
+    EXPECT_EQ(Stripped(Parse("A: b\n\ncaf\xC3\xA9\n", way)),
+              "0x8000100 A: b\r\rcaf\xE2\x88\x9A\xC2\xA9\r");
+    EXPECT_EQ(Stripped(Parse("A: b\n\ncafe\n", way)), "0x600 A: b\r\rcafe\r");
+  }
+}
+
+// A form feed or a DEL is in no text that is taken for UTF-8.
+TEST_F(Strip, ResultIsAsciiUtf8OrMacRomanByItsBytes) {
+  Start();
+  EXPECT_EQ(StrippedUtf8("A: b\n\n\x0C\x7F"), "0x600 A: b\r\r\x0C\x7F");
+  EXPECT_EQ(StrippedUtf8("A: b\n\n\x0C\xC3\xA9"), "0x0 A: b\r\r\x0C\xC3\xA9");
+  EXPECT_EQ(StrippedUtf8("A: b\n\n\x7F\xC3\xA9"), "0x0 A: b\r\r\x7F\xC3\xA9");
+  EXPECT_EQ(StrippedUtf8("A: b\n\ncaf\xE9"), "0x0 A: b\r\rcaf\xE9") << "bytes that are no UTF-8";
+  // High bytes in the file alone go with it.
+  EXPECT_EQ(StrippedUtf8(Multipart("mixed", "b", {kText, std::string(kPdf) + "\xC3\xA9"})),
+            "0x600 " + Written("mixed", "b", {kTextWritten}));
+}
+
+TEST_F(Strip, ANulEndsTheSource) {
+  Start();
+  EXPECT_EQ(StrippedUtf8("A: b\n\none\0two"sv), "0x600 A: b\r\rone");
+  EXPECT_EQ(StrippedUtf8("A: b\n\ncaf\xC3\xA9\0two"sv), "0x8000100 A: b\r\rcaf\xC3\xA9");
+  for (const Way way : kAllWays) {
+    const Object message = Parse("A: b\n\none\0two"sv, way);
+    EXPECT_EQ(standin::BytesOf(Get(message, "PlainText")), "one\0two"sv) << NameOf(way);
+    EXPECT_EQ(Stripped(message), "0x600 A: b\r\rone") << NameOf(way);
+    EXPECT_EQ(Stripped(Parse("A: b\n\ncaf\x8E\0two"sv, way)), "0x8000100 A: b\r\rcaf\xC3\xA9")
+        << NameOf(way);
+  }
+}
+
+TEST_F(Strip, WithoutSourceIsNil) {
+  Start();
+  EXPECT_EQ(Stripped(NewInstance(kEmail)), "nil");
+  const Constructed empty = ConstructFromString("");
+  EXPECT_NE(empty.raised, "");
+  EXPECT_EQ(Stripped(empty.message), "nil");
+}
+
+// No first byte is looked at here: a line that begins with one above 0x7F is no header field, so
+// the whole text is the body of a message without header.
+TEST_F(Strip, DoesWhatTheConstructorRefusesOrSkips) {
+  Start();
+  const Constructed refused = ConstructOn(NewInstance(kEmail), "Constructor(Content as string)",
+                                          MakeString("\xC3\xA9: x\n\nT"));
+  EXPECT_NE(refused.raised, "");
+  EXPECT_EQ(Stripped(refused.message), "0x8000100 \r\xC3\xA9: x\r\rT");
+  const Object marked =
+      FromString(MakeString("\xEF\xBB\xBF"
+                            "A: b\n\nT"));
+  EXPECT_EQ(ShowProperty(marked, "PlainText"), "0x600 T");
+  EXPECT_EQ(Stripped(marked),
+            "0x8000100 \r\xEF\xBB\xBF"
+            "A: b\r\rT");
+}
+
+TEST_F(Strip, LeavesTheMessageAsItWas) {
+  Start();
+  for (const Way way : kAllWays) {
+    const Object message = Parse(RichMessage(), way);
+    const std::string before = standin::Mirror(message).dump();
+    const auto source = std::get<String>(Get(message, "Source"));
+    const std::int64_t locks = source.locks();
+    const std::string first = Stripped(message);
+    EXPECT_THAT(first, Not(HasSubstr("plan.pdf")));
+    EXPECT_THAT(first, HasSubstr("The attached one"));
+    EXPECT_EQ(Stripped(message), first);
+    EXPECT_EQ(source.locks(), locks);
+    EXPECT_TRUE(std::get<String>(Get(message, "Source")) == source);
+    EXPECT_EQ(source.bytes(), RichMessage());
+    EXPECT_EQ(standin::Mirror(message).dump(), before);
+    EXPECT_EQ(ObjectOf(Call(message, "Attachments")).Size(), 3)
+        << "the plan, the attached message, its text";
+  }
+}
+
+// A new string at each asking, owned by the application.
+TEST_F(Strip, IsMadeAtEachAsking) {
+  Start();
+  const Object message = Parse(PlainMessage());
+  const auto first = std::get<String>(Call(message, "SourceWithoutAttachments"));
+  EXPECT_EQ(first.locks(), 1);
+  EXPECT_FALSE(first == std::get<String>(Call(message, "SourceWithoutAttachments")));
+}
+
+}  // namespace
+}  // namespace zqv::interface_test
