@@ -1,7 +1,8 @@
 #include "tests/reference/encoded_word_twin.h"
 
 #include <cstddef>
-#include <vector>
+
+#include "tests/reference/transfer_twin.h"
 
 namespace zqv::reference {
 namespace {
@@ -56,27 +57,6 @@ std::string CollectUpToMark(const Endless& text, std::size_t* at) {
 }
 
 }  // namespace
-
-std::string DecodeBase64(const std::string& text) {
-  const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::vector<unsigned> values;
-  for (const char c : text) {
-    if (c == '=') values.push_back(100);
-    if (alphabet.find(c) != std::string::npos)
-      values.push_back(static_cast<unsigned>(alphabet.find(c)));
-  }
-  std::string out;
-  for (std::size_t i = 0; i + 1 < values.size(); i += 4) {
-    const unsigned third = i + 2 < values.size() ? values[i + 2] : 100;
-    const unsigned fourth = i + 3 < values.size() ? values[i + 3] : 100;
-    out += static_cast<char>((values[i] * 4 | (values[i + 1] / 16 & 3)) % 256);
-    if (third == 100) continue;
-    out += static_cast<char>((values[i + 1] * 16 | (third / 4 & 15)) % 256);
-    if (fourth == 100) continue;
-    out += static_cast<char>((third * 64 | fourth) % 256);
-  }
-  return out;
-}
 
 DecodedWords DecodeWords(const std::string& given) {
   const Endless text(given);

@@ -11,10 +11,6 @@ struct DecodedWords {
 };
 DecodedWords DecodeWords(const std::string& text);
 
-// Base64 that skips what it does not know. "=" in the third or fourth place of four ends the four;
-// in the first two it counts as 100.
-std::string DecodeBase64(const std::string& text);
-
 std::string StripQuotes(const std::string& text);
 
 }  // namespace zqv::reference

@@ -83,6 +83,10 @@ constexpr DecodeRow kBase64[] = {
     {"TwoLeftOverAreFlushed",    "base64", "QUJDQQ",                "ABCA"},
     {"OneLeftOverIsDropped",     "base64", "QUJDQ",                 "ABC"},
     {"GoesOnAfterPads",          "base64", "QQ==Qg==",              "AB"},
+    {"PadInThirdPlaceEndsFour",  "base64", "QQ=BQg==",              "AB"},
+    // 100 is 100100 in its low six bits; "Q", "U" and "J" are 010000, 010100 and 001001.
+    {"PadInTheFirstPlaceIs100",  "base64", "=QUJ",                  "\x91\x05\x09"},
+    {"PadInTheSecondPlaceIs100", "base64", "Q=UJ",                  "BE\x09"},
     {"NulByte",                  "base64", "AEE=",                  {"\0A", 2}},
     {"Empty",                    "base64", "",                      ""},
     // clang-format on
@@ -104,7 +108,21 @@ constexpr DecodeRow kQuotedPrintable[] = {
     {"BadCodeStays",             "quoted-printable", "a=zz",        "a=zz"},
     {"HalfABadCodeStays",        "quoted-printable", "a=Az",        "a=Az"},
     {"EqualsSign",               "quoted-printable", "a=3Db",       "a=b"},
+    {"LfCrIsOneBreak",           "quoted-printable", "a\n\rb",      "a\nb"},
+    {"LoneCrIsABreak",           "quoted-printable", "a\rb\r",      "a\nb\n"},
+    {"BlanksBeforeCrLfGo",       "quoted-printable", "a \t\r\nb",   "a\nb"},
+    {"BlanksTakeALoneLfAlong",   "quoted-printable", "a \t\nb",     "ab"},
+    {"BlanksInASoftBreak",       "quoted-printable", "a= \t\r\nb",  "ab"},
+    {"EqualsAndBlanksStay",      "quoted-printable", "a= \tb",      "a= \tb"},
+    {"BadCodeKeepsAControl",     "quoted-printable", "a=\x01z",     "a=\x01z"},
+    {"BadCodeKeepsTheNextOne",   "quoted-printable", "==41",        "==41"},
+    {"BadCodeKeepsALineEnd",     "quoted-printable", "=4\rb",       "=4\rb"},
+    {"EqualsAtTheEndStays",      "quoted-printable", "a=",          "a="},
+    {"HalfACodeAtTheEndStays",   "quoted-printable", "a=4",         "a=4"},
+    {"SoftBreakAtTheEndStays",   "quoted-printable", "a=\n",        "a="},
+    {"SoftCrLfAtTheEndGoes",     "quoted-printable", "a=\r\n",      "a"},
     {"BlankAtTheEndGivesEquals", "quoted-printable", "a ",          "a="},
+    {"TabsAtTheEndGiveATab",     "quoted-printable", "a\t\t",       "a=\t"},
     {"Empty",                    "quoted-printable", "",            ""},
     // clang-format on
 };

@@ -9,6 +9,7 @@
 #include "host/unicode.h"
 #include "standin/application.h"
 #include "tests/reference/encoded_word_twin.h"
+#include "tests/reference/transfer_twin.h"
 #include "tests/unit/host/host_fixture.h"
 #include "tests/unit/host/log_capture.h"
 #include "tests/unit/host/property.h"

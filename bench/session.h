@@ -1,0 +1,30 @@
+// What every benchmark program needs: the built library in a stand-in host, and texts to feed it.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "standin/application.h"
+
+namespace zqv::bench {
+
+// Loads the built library into a host that keeps no ledger, calls `register_all` and runs what it
+// registered, as the command line asks. Gives the program's exit code.
+int Run(int argc, char** argv, void (*register_all)());
+
+// `text` as often as it takes to have at least so many bytes.
+std::string Repeat(std::string_view text, std::size_t bytes);
+
+// The header of an ordinary message, without Content-Type and the empty line behind it.
+std::string_view Header();
+
+// Has the speed shown in bytes of input, of which each iteration read so many.
+void CountBytes(benchmark::State& state, std::size_t bytes);
+
+// One registered row: constructing a message from `message`, and letting the object go.
+void WholeConstruction(benchmark::State& state, const std::string& message);
+
+}  // namespace zqv::bench

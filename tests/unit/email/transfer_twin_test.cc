@@ -1,0 +1,170 @@
+// The transfer decoders beside their twins: every short text over the characters that matter, every
+// pair of bytes, and random long texts cut at every place.
+#include "tests/reference/transfer_twin.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "email/transfer.h"
+#include "tests/unit/host/property.h"
+
+namespace zqv::test {
+namespace {
+
+std::string AnyTextOf(const std::vector<std::string>& pieces) {
+  std::string text;
+  for (const std::string& piece :
+       *rc::gen::container<std::vector<std::string>>(rc::gen::elementOf(pieces)))
+    text += piece;
+  return text;
+}
+
+// A transfer encoding with its twin. Counts what it compares, so that no loop passes by being
+// empty.
+class Twins {
+ public:
+  using Decode = std::string (*)(std::string_view);
+  Twins(const char* mechanism, Decode twin) : encoding_(mechanism), twin_(twin) {}
+
+  ::testing::AssertionResult Agree(std::string_view text) {
+    ++compared_;
+    entity_.body().assign(text.data(), text.size());
+    const email::DecodedBody decoded = email::DecodeData(encoding_, entity_);
+    const std::string expected = twin_(text);
+    if (decoded.bytes() == expected) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure()
+           << ::testing::PrintToString(text) << " gives "
+           << ::testing::PrintToString(decoded.bytes()) << ", its twin gives "
+           << ::testing::PrintToString(expected);
+  }
+
+  // Every text of at most `longest` characters out of `alphabet`.
+  ::testing::AssertionResult AgreeOnAllTexts(std::string_view alphabet, std::size_t longest) {
+    for (std::size_t length = 0; length <= longest; ++length) {
+      std::string text(length, alphabet.front());
+      do {
+        if (const auto agree = Agree(text); !agree) return agree;
+      } while (Next(text, alphabet));
+    }
+    return ::testing::AssertionSuccess();
+  }
+
+  // `before`, each pair of bytes, and `behind`.
+  ::testing::AssertionResult AgreeOnAllPairs(const std::string& before, const std::string& behind) {
+    for (int pair = 0; pair < 0x10000; ++pair) {
+      const std::string bytes = {static_cast<char>(pair / 0x100), static_cast<char>(pair % 0x100)};
+      if (const auto agree = Agree(before + bytes + behind); !agree) return agree;
+    }
+    return ::testing::AssertionSuccess();
+  }
+
+  // Random texts put together from `pieces`, and every beginning of each.
+  bool AgreeOnBeginningsOfTextsOf(const std::vector<std::string>& pieces) {
+    return Holds("the same bytes as the twin", [&] {
+      const std::string text = AnyTextOf(pieces);
+      for (std::size_t length = 0; length <= text.size(); ++length) {
+        const auto agree = Agree(std::string_view(text).substr(0, length));
+        if (!agree) RC_FAIL(agree.message());
+      }
+    });
+  }
+
+  std::uint64_t compared() const { return compared_; }
+
+ private:
+  // Counts up, the last character fastest; false behind the last text of this length.
+  static bool Next(std::string& text, std::string_view alphabet) {
+    for (auto digit = text.rbegin(); digit != text.rend(); ++digit) {
+      const std::size_t next = alphabet.find(*digit) + 1;
+      *digit = alphabet[next % alphabet.size()];
+      if (next < alphabet.size()) return true;
+    }
+    return false;
+  }
+
+  const mimetic::ContentTransferEncoding encoding_;
+  const Decode twin_;
+  mimetic::MimeEntity entity_;
+  std::uint64_t compared_ = 0;
+};
+
+class Base64Twins : public ::testing::Test {
+ protected:
+  Twins twins_{"base64", reference::DecodeBase64};
+};
+
+class QuotedPrintableTwins : public ::testing::Test {
+ protected:
+  Twins twins_{"quoted-printable", reference::DecodeQuotedPrintable};
+};
+
+// clang-format off
+const std::string kNul(1, '\0');
+const std::vector<std::string> kBase64Pieces = {
+    "QWxhZGRpbg==", "QWxh", "+/09", "z", "Q", "=", "==", "\r\n", "\n", " ", "-_", "|", "{",
+    "\x7F", "\x80", "\xFF", kNul};
+const std::vector<std::string> kQuotedPrintablePieces = {
+    "caf=C3=A9", "a line", "=3D", "=e9", "=4", "=zz", "=", "=\r\n", "=\n", "= \t\n", "=\r",
+    " ", "\t", "  \r\n", " \n", "\r\n", "\n", "\r", "\n\r", "\x01", "\f",
+    "\x7F", "\x80", "\xFF", kNul};
+// clang-format on
+
+// 4 characters, up to 9 of them: (4^10 - 1) / 3 texts. They are two groups and one character more;
+// "n" and "Y" are the bits 100111 and 011000, so that each bit is met both ways.
+TEST_F(Base64Twins, AgreeOnEveryShortTextOfDigitsAndPads) {
+  ASSERT_TRUE(twins_.AgreeOnAllTexts("nY/=", 9));
+  EXPECT_EQ(twins_.compared(), 349525u);
+}
+
+// 8 characters, up to 6 of them: (8^7 - 1) / 7 texts. "{" and "|" stand behind the alphabet's last
+// letter, the last byte is above 0x7F.
+TEST_F(Base64Twins, AgreeOnEveryShortTextWithStrangers) {
+  ASSERT_TRUE(twins_.AgreeOnAllTexts("An=\n-{|\xE9", 6));
+  EXPECT_EQ(twins_.compared(), 299593u);
+}
+
+TEST_F(Base64Twins, AgreeOnEveryPairOfBytes) {
+  ASSERT_TRUE(twins_.AgreeOnAllPairs("", ""));
+  ASSERT_TRUE(twins_.AgreeOnAllPairs("QU", "JD"));
+  EXPECT_EQ(twins_.compared(), 2u * 0x10000);
+}
+
+TEST_F(Base64Twins, AgreeOnEveryBeginningOfRandomTexts) {
+  EXPECT_TRUE(twins_.AgreeOnBeginningsOfTextsOf(kBase64Pieces));
+}
+
+// 10 characters, up to 6 of them: (10^7 - 1) / 9 texts.
+TEST_F(QuotedPrintableTwins, AgreeOnEveryShortText) {
+  ASSERT_TRUE(twins_.AgreeOnAllTexts("=4Ee \t\r\n\x01\xE9", 6));
+  EXPECT_EQ(twins_.compared(), 1111111u);
+}
+
+// 6 characters, up to 7 of them: (6^8 - 1) / 5 texts.
+TEST_F(QuotedPrintableTwins, AgreeOnEveryShortTextOfBlanksAndLineEnds) {
+  ASSERT_TRUE(twins_.AgreeOnAllTexts("=A \t\r\n", 7));
+  EXPECT_EQ(twins_.compared(), 335923u);
+}
+
+TEST_F(QuotedPrintableTwins, AgreeOnEveryPairOfBytes) {
+  ASSERT_TRUE(twins_.AgreeOnAllPairs("", ""));
+  ASSERT_TRUE(twins_.AgreeOnAllPairs("", "a"));
+  EXPECT_EQ(twins_.compared(), 2u * 0x10000);
+}
+
+TEST_F(QuotedPrintableTwins, AgreeOnEveryCode) {
+  ASSERT_TRUE(twins_.AgreeOnAllPairs("=", ""));
+  ASSERT_TRUE(twins_.AgreeOnAllPairs("=", "a"));
+  EXPECT_EQ(twins_.compared(), 2u * 0x10000);
+}
+
+TEST_F(QuotedPrintableTwins, AgreeOnEveryBeginningOfRandomTexts) {
+  EXPECT_TRUE(twins_.AgreeOnBeginningsOfTextsOf(kQuotedPrintablePieces));
+}
+
+}  // namespace
+}  // namespace zqv::test
