@@ -11,8 +11,8 @@ bool IsNameCharacter(char c) { return c > 32 && c < 127 && c != ':'; }
 
 class HeaderLoader {
  public:
-  HeaderLoader(const char* at, const char* end, mimetic::Header& header)
-      : at_(at), end_(end), header_(header) {}
+  HeaderLoader(const char* at, const char* end, mimetic::Header& header, MessageLimits& limits)
+      : at_(at), end_(end), header_(header), limits_(limits) {}
 
   // A field is stored when the line after it begins, so one that the input ends in is lost.
   HeaderEnd Run() {
@@ -88,6 +88,7 @@ class HeaderLoader {
   // does so with a fold after a line that was passed over. Test: Parser.FoldAfterIgnoredLineStays.
   void StoreField() {
     if (name_.empty()) return;
+    limits_.AdmitField(name_, value_);
     mimetic::Field& field = *header_.insert(header_.end(), mimetic::Field());
     field.name(name_);
     field.value(value_.substr(0, value_.find('\0')));
@@ -98,6 +99,7 @@ class HeaderLoader {
   const char* at_;
   const char* end_;
   mimetic::Header& header_;
+  MessageLimits& limits_;
   std::string name_;
   std::string value_;
   std::string body_start_;
@@ -105,8 +107,9 @@ class HeaderLoader {
 
 }  // namespace
 
-HeaderEnd LoadHeader(const char* at, const char* end, mimetic::Header& header) {
-  return HeaderLoader(at, end, header).Run();
+HeaderEnd LoadHeader(const char* at, const char* end, mimetic::Header& header,
+                     MessageLimits& limits) {
+  return HeaderLoader(at, end, header, limits).Run();
 }
 
 }  // namespace zqv::mime

@@ -9,6 +9,8 @@
 
 #include <string>
 
+#include "mime/limits.h"
+
 namespace zqv::mime {
 
 // Where a header ended.
@@ -17,7 +19,9 @@ struct HeaderEnd {
   std::string body_start;  // bytes before `at` that belong to the body: a line that is no field
 };
 
-// Appends the fields between `at` and `end` to `header`.
-HeaderEnd LoadHeader(const char* at, const char* end, mimetic::Header& header);
+// Appends the fields between `at` and `end` to `header`. Throws std::runtime_error when a field is
+// beyond the limits.
+HeaderEnd LoadHeader(const char* at, const char* end, mimetic::Header& header,
+                     MessageLimits& limits);
 
 }  // namespace zqv::mime

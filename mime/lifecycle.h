@@ -10,6 +10,7 @@
 #include "host/errors.h"
 #include "host/record.h"
 #include "host/text_reader.h"
+#include "mime/limits.h"
 
 namespace zqv::mime {
 
@@ -23,14 +24,17 @@ void DestroyRecord(abi::REALobject self) {
 inline void ConstructEmpty(abi::REALobject) {}
 
 // "Constructor(TextToParse as String)" of a class whose record is filled from a `Parsed`: any text
-// [borrowed] is accepted, and whatever the library made of it is stored. Registered with the host.
+// [borrowed] within the limits is accepted, and whatever the library made of it is stored. Raises
+// "RuntimeException" for one beyond them. Registered with the host.
 template <class Record, class Parsed>
 void ConstructFromText(abi::REALobject self, abi::REALstring text) {
   host::Guard([=] {
     Record* record = host::RecordOf<Record>(self);
     if (record == nullptr) return;
     Clear(*record);
-    Set(*record, Parsed(host::ReadUtf8(text)));
+    const std::string utf8 = host::ReadUtf8(text);
+    AdmitText(utf8);
+    Set(*record, Parsed(utf8));
   });
 }
 

@@ -4,35 +4,18 @@
 
 #include <iterator>
 #include <memory>
-#include <stdexcept>
 
-#include "host/stack.h"
 #include "mime/header_loader.h"
+#include "mime/limits.h"
+#include "mime/open_boundaries.h"
 
 namespace zqv::mime {
 namespace {
 
-// What one parse may still add.
-class ParseLimits {
- public:
-  // Called for each new entity with the number of levels above it.
-  void Admit(std::size_t levels) {
-    if (++entities_ > kMostEntities) throw std::runtime_error("the message has too many parts");
-    if (levels < kLevelsUnmeasured) return;
-    if (most_levels_ == 0) most_levels_ = MeasureLevels(levels);
-    if (levels > most_levels_) throw std::runtime_error("the message is nested too deeply");
-  }
-
- private:
-  static std::size_t MeasureLevels(std::size_t levels) {
-    const std::optional<std::size_t> left = host::StackLeft();
-    if (!left.has_value()) return kLevelsUnknown;
-    if (*left <= kStackReserve) return levels;
-    return levels + (*left - kStackReserve) / kStackPerLevel;
-  }
-
-  std::size_t entities_ = 1;     // the message itself
-  std::size_t most_levels_ = 0;  // 0: not measured yet
+// What the parse of one message knows beside the library's own parser.
+struct ParseState {
+  MessageLimits limits;
+  OpenBoundaries boundaries;
 };
 
 // A position in the message. An input iterator to the library: any stronger kind selects another
@@ -46,7 +29,7 @@ class ByteIterator {
   using reference = const char&;
 
   ByteIterator() = default;
-  ByteIterator(const char* at, ParseLimits* limits) : at_(at), limits_(limits) {}
+  ByteIterator(const char* at, ParseState* state) : at_(at), state_(state) {}
 
   reference operator*() const { return *at_; }
   ByteIterator& operator++() {
@@ -59,11 +42,11 @@ class ByteIterator {
   const char* at() const { return at_; }
 
   // Of the parse that this position belongs to.
-  ParseLimits& limits() const { return *limits_; }
+  ParseState& state() const { return *state_; }
 
  private:
   const char* at_ = nullptr;
-  ParseLimits* limits_ = nullptr;
+  ParseState* state_ = nullptr;
 };
 
 using MessageParser = mimetic::IteratorParser<ByteIterator, std::input_iterator_tag>;
@@ -77,7 +60,7 @@ namespace mimetic {
 // take it. Throwing here leaks nothing.
 template <>
 void zqv::mime::MessageParser::pushNewChild() {
-  m_eit.limits().Admit(m_entityStack.size());
+  m_eit.state().limits.AdmitEntity(m_entityStack.size());
   MimeEntityList& parts = m_entityStack.top()->body().parts();
   auto child = std::make_unique<MimeEntity>();
   parts.push_back(child.get());
@@ -87,10 +70,46 @@ void zqv::mime::MessageParser::pushNewChild() {
 // Our own reading of a header, which leaves the position where the library's would.
 template <>
 void zqv::mime::MessageParser::loadHeader() {
+  zqv::mime::ParseState& state = m_eit.state();
   const zqv::mime::HeaderEnd header =
-      zqv::mime::LoadHeader(m_bit.at(), m_eit.at(), m_entityStack.top()->header());
-  m_bit = zqv::mime::ByteIterator(header.at, &m_eit.limits());
+      zqv::mime::LoadHeader(m_bit.at(), m_eit.at(), m_entityStack.top()->header(), state.limits);
+  m_bit = zqv::mime::ByteIterator(header.at, &state);
   m_entityStack.top()->body().append(header.body_start);
+}
+
+// The library asks every open boundary, innermost first, and tells only of the innermost whether it
+// closes.
+template <>
+zqv::mime::MessageParser::BoundaryType zqv::mime::MessageParser::isBoundary(
+    const std::string& line) {
+  const zqv::mime::OpenBoundaries& open = m_eit.state().boundaries;
+  m_lastBoundary = NoBoundary;
+  if (open.IsEmpty()) return m_lastBoundary;
+  const std::string& innermost = open.Innermost();
+  if (line.compare(0, innermost.size(), innermost) == 0) {
+    const bool closes = line.compare(innermost.size(), 2, "--") == 0;
+    m_lastBoundary = closes ? ClosingBoundary : Boundary;
+  } else if (open.AnyBegins(line)) {
+    m_lastBoundary = HigherLevelBoundary;
+  }
+  return m_lastBoundary;
+}
+
+// The library's own member, with the boundaries kept where isBoundary looks for them. One that ends
+// with the message stays open, as nothing asks any more.
+template <>
+void zqv::mime::MessageParser::loadMultipart() {
+  zqv::mime::OpenBoundaries& open = m_eit.state().boundaries;
+  open.Push(getBoundary());
+  copy_until_boundary(pePreamble);
+  while (m_bit != m_eit && m_lastBoundary == Boundary) {
+    pushNewChild();
+    doLoad();
+    popChild();
+  }
+  if (m_bit == m_eit || m_lastBoundary == NoBoundary) return;
+  open.Pop();
+  if (m_lastBoundary == ClosingBoundary) copy_until_boundary(peEpilogue);
 }
 
 }  // namespace mimetic
@@ -98,10 +117,10 @@ void zqv::mime::MessageParser::loadHeader() {
 namespace zqv::mime {
 
 void ParseMessage(std::string_view message, mimetic::MimeEntity& top) {
-  ParseLimits limits;
+  ParseState state;
   MessageParser parser(top);
-  parser.run(ByteIterator(message.data(), &limits),
-             ByteIterator(message.data() + message.size(), &limits));
+  parser.run(ByteIterator(message.data(), &state),
+             ByteIterator(message.data() + message.size(), &state));
 }
 
 }  // namespace zqv::mime

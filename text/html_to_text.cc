@@ -18,10 +18,10 @@ constexpr char32_t kTab = 9;
 constexpr char32_t kLineFeed = 10;
 constexpr char32_t kReturn = 13;
 
-// How many spaces the bullets of one text may be indented by, all together. No real list comes
-// near; without a limit 100 KB of nested lists make a gigabyte of spaces.
+// How many spaces the bullets of one text may be indented by, all together, besides one for each
+// of its code points. No real list comes near; without a limit 100 KB of nested lists make a
+// gigabyte of spaces.
 constexpr std::size_t kIndent = std::size_t{1} << 22;
-constexpr std::size_t kIndentPerCodePoint = 16;
 
 constexpr std::size_t kLongestReferenceName = 8;
 constexpr std::size_t kMostHexDigits = 8;
@@ -79,6 +79,7 @@ constexpr Range kWhiteSpace[] = {
 static_assert(std::size(kWhiteSpace) == 10);
 
 bool IsWhiteSpace(char32_t c) {
+  if (c > U' ' && c < U'\x85') return false;  // nearly all there is
   return std::any_of(std::begin(kWhiteSpace), std::end(kWhiteSpace),
                      [c](const Range& range) { return c >= range.first && c <= range.last; });
 }
@@ -134,8 +135,7 @@ std::uint32_t ReadNumericReference(std::u32string_view text) {
 // Walks the text once; every step moves `at_` forward.
 class HtmlPass {
  public:
-  explicit HtmlPass(std::u32string_view html)
-      : html_(html), indent_left_(kIndent + kIndentPerCodePoint * html.size()) {
+  explicit HtmlPass(std::u32string_view html) : html_(html), indent_left_(kIndent + html.size()) {
     constexpr std::size_t kSpare = 4096;  // most texts need no second allocation
     output_.reserve(html.size() + kSpare);
   }

@@ -196,5 +196,25 @@ TEST_F(Addresses, TextInAnotherEncodingIsTakenInUtf8) {
   EXPECT_EQ(ShowProperty(mailbox, "Mailbox"), "0x600 rene");
 }
 
+// A comma costs hundreds of bytes of objects.
+TEST_F(Addresses, TooManyInOneTextAreRefused) {
+  Start();
+  for (const char* class_name : {"MimeAddressListZQV", "MimeMailboxListZQV", "MimeGroupZQV"}) {
+    EXPECT_EQ(RaisedBy([&] { FromText(class_name, "g:" + std::string(300'000, ',')); }),
+              "RuntimeException, 0: C++ Exception: the text has too many addresses")
+        << class_name;
+  }
+}
+
+TEST_F(Addresses, TooManyInAMessageAreRefused) {
+  Start();
+  const Constructed constructed =
+      ConstructFromString("To: " + std::string(300'000, ',') + "\n\nbody\n");
+  EXPECT_EQ(constructed.raised,
+            "RuntimeException, 0: C++ Exception: the message has too many addresses or parameters");
+  EXPECT_FALSE(standin::IsNil(Get(constructed.message, "Source")));
+  EXPECT_TRUE(standin::IsNil(Get(constructed.message, "Header")));
+}
+
 }  // namespace
 }  // namespace zqv::interface_test

@@ -1,4 +1,4 @@
-# The five mendings of mimetic 0.9.8: which text of which file becomes which, and how often it
+# The mendings of mimetic 0.9.8: which text of which file becomes which, and how often it
 # stands there. mend.cmake applies them and stops when a text is not found exactly that often.
 # Each fault has a test in tests/unit/mimetic/faults_test.cc.
 #
@@ -47,3 +47,105 @@ mend(mimetic/parser/itparser.h 1
   [[
             size_t oldBufsz = bufsz;
             bufsz = bufsz ? bufsz * 2 : alloc_block;]])
+
+# Two that cost time growing with the square of a hostile text. The results are the same.
+
+mend(mimetic/strutils.cxx 1
+  "canonical() moves the rest of the text for each blank and comment it drops"
+  [[
+    int in_par = 0, in_brack = 0, par_last;
+    for(int t =input.length() - 1; t >= 0; --t)
+    {
+        if(input[t] == '"') {]]
+  [[
+    int in_par = 0, in_brack = 0;
+    string kept; // from the last character to the first
+    size_t par_last = 0;
+    for(int t =input.length() - 1; t >= 0; --t)
+    {
+        const size_t before = kept.length();
+        kept += input[t];
+        if(input[t] == '"') {]])
+mend(mimetic/strutils.cxx 1
+  "canonical(), the place of a comment"
+  [[
+                par_last = t;]]
+  [[
+                par_last = before;]])
+mend(mimetic/strutils.cxx 1
+  "canonical(), a comment"
+  [[
+                input.erase(t, 1 + par_last - t);]]
+  [[
+                kept.resize(par_last);]])
+mend(mimetic/strutils.cxx 1
+  "canonical(), the space instead of a comment"
+  [[
+                    input.insert(t, " ");]]
+  [[
+                    kept += ' ';]])
+mend(mimetic/strutils.cxx 1
+  "canonical(), a blank"
+  [[
+            input.erase(t, 1);
+        }
+    }
+    return input;]]
+  [[
+            kept.resize(before);
+        }
+    }
+    return string(kept.rbegin(), kept.rend());]])
+
+mend(mimetic/rfc822/field.cxx 1
+  "Field::write() moves the rest of the field for each line it folds, and scans it for blanks"
+  [[
+        skip = name().length() + 2; 
+
+        while(ostr.length() > fold)]]
+  [[
+        skip = name().length() + 2; 
+        const size_t end = ostr.find_last_not_of(" \t") + 1; // only blanks follow
+        size_t start = 0; // of what is not written yet
+
+        while(ostr.length() - start > fold)]])
+mend(mimetic/rfc822/field.cxx 1
+  "Field::write(), one line"
+  [[
+            for(i = skip; i < ostr.length(); ++i)
+            {
+                if(ostr[i] == '"' && prev != '\\')
+                    in_quote = !in_quote;
+
+                if(!in_quote && isblank(ostr[i]))]]
+  [[
+            for(i = skip; i < ostr.length() - start; ++i)
+            {
+                const char c = ostr[start + i];
+                if(c == '"' && prev != '\\')
+                    in_quote = !in_quote;
+
+                if(!in_quote && isblank(c))]])
+mend(mimetic/rfc822/field.cxx 1
+  "Field::write(), the end of a line"
+  [[
+                    os.write(ostr.c_str(), sp);
+                    ostr.erase(0, 1+sp);
+                    if(ostr.length() && !utils::string_is_blank(ostr))]]
+  [[
+                    os.write(ostr.c_str() + start, sp);
+                    start += 1+sp;
+                    if(start < end)]])
+mend(mimetic/rfc822/field.cxx 1
+  "Field::write(), the character before"
+  [[
+                prev = ostr[i];]]
+  [[
+                prev = c;]])
+mend(mimetic/rfc822/field.cxx 1
+  "Field::write(), the last line"
+  [[
+        os << ostr;
+        return os;]]
+  [[
+        return os.write(ostr.c_str() + start, ostr.length() - start);]])

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "mime/limits.h"
 #include "tests/unit/mime/thread_stack.h"
 #include "tests/unit/mime/tree_difference.h"
 
@@ -359,6 +360,51 @@ TEST(ParserLimits, RefuseOneEntityMoreAndKeepWhatWasParsed) {
   mimetic::MimeEntity entity;
   EXPECT_EQ(Refusal(ManyParts(100'000), entity), "the message has too many parts");
   EXPECT_EQ(entity.body().parts().size(), 99'999U);
+}
+
+// `repeated` as a message's text so often.
+std::string Repeated(const std::string& start, const std::string& repeated, std::size_t times,
+                     const std::string& end) {
+  std::string message = start;
+  for (std::size_t i = 0; i < times; ++i) message += repeated;
+  return message + end;
+}
+
+TEST(ParserLimits, CountTheFieldsOfAllEntities) {
+  const std::string outer = "Content-Type: message/rfc822\n\n";
+  mimetic::MimeEntity entity;
+  EXPECT_EQ(Refusal(Repeated(outer, "a:\n", mime::kMostFields - 1, "\n"), entity), "");
+  mimetic::MimeEntity other;
+  EXPECT_EQ(Refusal(Repeated(outer, "a:\n", mime::kMostFields, "\n"), other),
+            "the message has too many fields");
+  EXPECT_EQ(other.body().parts().size(), 1U);
+}
+
+TEST(ParserLimits, CountTheEntriesOfListFields) {
+  constexpr const char* kTooMany = "the message has too many addresses or parameters";
+  // A field has one entry more than it has separators.
+  const std::string half = Repeated("\ncC: ", ",", mime::kMostEntries / 2 - 1, "\n");
+  const std::pair<const char*, const char*> rows[] = {{"To: ", ","},
+                                                      {"from: ", ","},
+                                                      {"BCC: ", ";"},
+                                                      {"Reply-To: ", ","},
+                                                      {"Sender: ", ","},
+                                                      {"Content-Type: a/b", ";"},
+                                                      {"Content-Disposition: a", ";"}};
+  for (const auto& [start, separator] : rows) {
+    SCOPED_TRACE(start);
+    mimetic::MimeEntity entity;
+    EXPECT_EQ(Refusal(Repeated(start, separator, mime::kMostEntries / 2 - 1, half + "\n"), entity),
+              "");
+    mimetic::MimeEntity other;
+    EXPECT_EQ(Refusal(Repeated(start, separator, mime::kMostEntries / 2, half + "\n"), other),
+              kTooMany);
+  }
+}
+
+TEST(ParserLimits, DoNotCountTheSeparatorsOfOtherFields) {
+  mimetic::MimeEntity entity;
+  EXPECT_EQ(Refusal(Repeated("Subject: ", ",;", mime::kMostEntries, "\n\n"), entity), "");
 }
 
 TEST(ParserLimits, CountAgainForEachMessage) {

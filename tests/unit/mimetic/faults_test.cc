@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 #include <mimetic/mimetic.h>
 #include <mimetic/rfc822/datetime.h>
+#include <rapidcheck.h>
 
 #include <cstddef>
 #include <iterator>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 
@@ -193,6 +195,133 @@ TEST(MimeticFaults, LongFieldArrivesWhole) {
     EXPECT_EQ(std::string(entity.header().front().name().c_str()), name);
     EXPECT_EQ(entity.body(), "body\n");
   }
+}
+
+// Every text of up to `most` of these characters.
+template <typename Visit>
+void ForEachText(const std::string& characters, std::size_t most, const Visit& visit,
+                 const std::string& text = {}) {
+  visit(text);
+  if (text.size() == most) return;
+  for (const char c : characters) ForEachText(characters, most, visit, text + c);
+}
+
+// The rules of canonical(), one character after the other from the right: a comment becomes a space
+// or nothing, and without blanks those outside of quotes and comments go, up to the first '>'.
+std::string SlowCanonical(const std::string& text, bool without_blanks) {
+  const std::size_t first = text.find_first_not_of(' ');
+  if (first == std::string::npos) return {};
+  const std::string trimmed = text.substr(first, text.find_last_not_of(' ') - first + 1);
+  std::string result;
+  std::string comment;  // open since its ')'
+  bool in_quotes = false;
+  bool in_angles = false;
+  int depth = 0;
+  for (auto at = trimmed.rbegin(); at != trimmed.rend(); ++at) {
+    const char c = *at;
+    bool ends_comment = false;
+    bool is_dropped = false;
+    if (c == '"') {
+      in_quotes = !in_quotes;
+    } else if (!in_quotes) {
+      in_angles = in_angles || c == '>';
+      if (c == ')') ++depth;
+      if (c == '(') ends_comment = --depth == 0;
+      is_dropped = c == ' ' && without_blanks && depth == 0 && !in_angles;
+    }
+    if (ends_comment) {
+      comment.clear();
+      if (!without_blanks) result.insert(0, 1, ' ');
+    } else if (depth > 0) {
+      comment.insert(0, 1, c);
+    } else if (!is_dropped) {
+      result.insert(0, 1, c);
+    }
+  }
+  return comment + result;
+}
+
+TEST(MimeticFaults, CanonicalKeepsItsResultsInLinearTime) {
+  const bool agreed = rc::check([] {
+    const std::string text =
+        *rc::gen::container<std::string>(rc::gen::elementOf(std::string("  ab\"()<>@.,\t")));
+    RC_ASSERT(mimetic::canonical(text, true) == SlowCanonical(text, true));
+    RC_ASSERT(mimetic::canonical(text, false) == SlowCanonical(text, false));
+  });
+  EXPECT_TRUE(agreed);
+}
+
+TEST(MimeticFaults, CanonicalKeepsItsResultsOnEveryShortText) {
+  std::size_t different = 0;
+  ForEachText(" a\"()>", 7, [&](const std::string& text) {
+    if (mimetic::canonical(text, true) != SlowCanonical(text, true)) ++different;
+    if (mimetic::canonical(text, false) != SlowCanonical(text, false)) ++different;
+  });
+  EXPECT_EQ(different, 0U);
+}
+
+TEST(MimeticFaults, CanonicalByHand) {
+  EXPECT_EQ(mimetic::canonical(" a (x (y) \")\") b ", true), "ab");
+  EXPECT_EQ(mimetic::canonical(" a (x (y) \")\") b ", false), "a   b");
+  EXPECT_EQ(mimetic::canonical("a b <c d> e f", true), "a b <c d>ef");
+  EXPECT_EQ(mimetic::canonical("\"a b\" c", true), "\"a b\"c");
+  EXPECT_EQ(mimetic::canonical("a ( b", true), "a (b");
+  EXPECT_EQ(mimetic::canonical("a ) b", true), "a )b");
+}
+
+// A field in lines of at most `fold` characters where it has blanks outside of quotes.
+std::string SlowFold(const std::string& name, const std::string& value, std::size_t fold) {
+  std::string rest = name + ": " + value;
+  std::string written;
+  for (std::size_t skip = name.size() + 2; rest.size() > fold; skip = 0) {
+    std::size_t blank = 0;
+    bool in_quotes = false;
+    for (std::size_t i = skip; i < rest.size() && (i <= fold || blank == 0); ++i) {
+      if (rest[i] == '"' && (i == skip || rest[i - 1] != '\\')) in_quotes = !in_quotes;
+      if (!in_quotes && (rest[i] == ' ' || rest[i] == '\t')) blank = i;
+    }
+    if (blank == 0) break;
+    written += rest.substr(0, blank);
+    rest.erase(0, blank + 1);
+    if (rest.find_first_not_of(" \t") != std::string::npos) written += "\r\n\t";
+  }
+  return written + rest;
+}
+
+TEST(MimeticFaults, WritingAFieldKeepsItsResultsInLinearTime) {
+  constexpr unsigned kFold = 6;
+  const bool agreed = rc::check([] {
+    const std::string name = *rc::gen::container<std::string>(rc::gen::just('n'));
+    const std::string value =
+        *rc::gen::container<std::string>(rc::gen::elementOf(std::string("  ab\"\\\t;")));
+    std::ostringstream stream;
+    mimetic::Field(name, value).write(stream, kFold);
+    RC_ASSERT(stream.str() == SlowFold(name, value, kFold));
+  });
+  EXPECT_TRUE(agreed);
+}
+
+TEST(MimeticFaults, WritingAFieldKeepsItsResultsOnEveryShortText) {
+  constexpr unsigned kFold = 3;
+  std::size_t different = 0;
+  ForEachText(" a\"\\", 8, [&](const std::string& value) {
+    std::ostringstream stream;
+    mimetic::Field("", value).write(stream, kFold);
+    if (stream.str() != SlowFold("", value, kFold)) ++different;
+  });
+  EXPECT_EQ(different, 0U);
+}
+
+TEST(MimeticFaults, WritingAFieldByHand) {
+  const auto written = [](const std::string& value) {
+    std::ostringstream stream;
+    mimetic::Field("N", value).write(stream, 8);
+    return stream.str();
+  };
+  EXPECT_EQ(written("ab cd ef"), "N: ab cd\r\n\tef");
+  EXPECT_EQ(written("\"a b c\" d"), "N: \"a b c\"\r\n\td");
+  EXPECT_EQ(written("abcdefghij"), "N: abcdefghij");
+  EXPECT_EQ(written("ab cd    "), "N: ab cd   ");
 }
 
 }  // namespace
