@@ -4,6 +4,7 @@
 
 #include <ctime>
 #include <exception>
+#include <optional>
 #include <string>
 #include <typeinfo>
 
@@ -71,17 +72,28 @@ void SetProperties(abi::REALobject date, const DateFields& fields) {
 // Seconds that this machine's local time is ahead of UTC now.
 // QUIRK: now, not at the message's date, so that across a change of daylight saving time the result
 // is off by the difference. Test: Dates.UsesTheOffsetOfTheMoment.
-double AddLocalOffset(double seconds) {
-  const std::time_t now = std::time(nullptr);
-  const std::tm* local = std::localtime(&now);
-  if (local == nullptr) return seconds;
-  ZQV_LOG("%s%s %ld", "tm_gmtoff", local->tm_gmtoff);
-  return seconds + static_cast<double>(local->tm_gmtoff);
-}
+// Nothing when the local time cannot be had.
+class LocalOffset {
+ public:
+  // Asked once: the C library looks at the zone's file each time.
+  std::optional<long> Get() {
+    if (!is_known_) {
+      const std::time_t now = std::time(nullptr);
+      const std::tm* local = std::localtime(&now);
+      if (local != nullptr) offset_ = local->tm_gmtoff;
+      is_known_ = true;
+    }
+    return offset_;
+  }
+
+ private:
+  std::optional<long> offset_;
+  bool is_known_ = false;
+};
 
 // The message's instant in local time: the fields are taken as local, moved by the message's own
 // zone to UTC and by the machine's offset to local time.
-ObjectRef ConvertDate(const std::string& text) {
+ObjectRef ConvertDate(const std::string& text, LocalOffset& local_offset) {
   const DateFields fields = ReadFields(text);
   ObjectRef date =
       NewDate(fields.year, fields.month, fields.day, fields.hour, fields.minute, fields.second);
@@ -94,22 +106,28 @@ ObjectRef ConvertDate(const std::string& text) {
     ZQV_LOG("%s%s %f", "zoneOffset", offset);
     seconds -= offset;
   }
-  seconds = AddLocalOffset(seconds);
+  if (const std::optional<long> offset = local_offset.Get()) {
+    ZQV_LOG("%s%s %ld", "tm_gmtoff", *offset);
+    seconds += static_cast<double>(*offset);
+  }
   ZQV_LOG("%s%s %f", "seconds", seconds);
   if (date) host::entry::REALSetPropValueDouble(date.get(), "TotalSeconds", seconds);
   return date;
 }
 
-void ParseField(mime::MimeEntityClassData& record, const mimetic::Field& field) {
+void ParseField(mime::MimeEntityClassData& record, const mimetic::Field& field,
+                LocalOffset& local_offset) {
   const std::string& name = field.name();
-  if (text::EqualsIgnoringCase(name, "date")) record.SentDate.Put(ConvertDate(field.value()));
+  if (text::EqualsIgnoringCase(name, "date")) {
+    record.SentDate.Put(ConvertDate(field.value(), local_offset));
+  }
   if (!text::EqualsIgnoringCase(name, "received")) return;
   const std::string value = field.value();
   // QUIRK: the first "; " is taken, even inside a comment before the date.
   // Test: Dates.FirstSemicolonAndBlankWins.
   const std::size_t semicolon = value.find("; ");
   if (semicolon == std::string::npos) return;
-  record.ReceivedDate.Put(ConvertDate(value.substr(semicolon + 1)));
+  record.ReceivedDate.Put(ConvertDate(value.substr(semicolon + 1), local_offset));
 }
 
 }  // namespace
@@ -146,9 +164,10 @@ ObjectRef NewDate(std::int64_t year, std::int64_t month, std::int64_t day, std::
 }
 
 void ParseDate(mime::MimeEntityClassData& record, const mimetic::Header& header) {
+  LocalOffset local_offset;
   for (const mimetic::Field& field : header) {
     try {
-      ParseField(record, field);
+      ParseField(record, field, local_offset);
     } catch (const std::exception& e) {
       ZQV_LOG("%s%s %s, %s", "C++ Exception: ", typeid(e).name(), e.what());
     } catch (...) {

@@ -48,6 +48,43 @@ mend(mimetic/parser/itparser.h 1
             size_t oldBufsz = bufsz;
             bufsz = bufsz ? bufsz * 2 : alloc_block;]])
 
+# Two that depend on the process's locale: in a Turkish one "MIME" and "mime" would differ, and a C++
+# locale may group the digits of a number.
+
+mend(mimetic/strutils.h 1
+  "texts are compared with the locale's own case"
+  [[
+        for(size_t i=0; i < n; ++i)
+            if(toupper(s1[i]) != toupper(s2[i]))
+                return (toupper(s1[i]) < toupper(s2[i])) ?-1: 1;
+        return 0;
+    }]]
+  [[
+        for(size_t i=0; i < n; ++i)
+            if(upper(s1[i]) != upper(s2[i]))
+                return (upper(s1[i]) < upper(s2[i])) ?-1: 1;
+        return 0;
+    }
+    static int upper(char c)
+    {    return (c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);    }]])
+mend(mimetic/strutils.h 1
+  "texts of unlike lengths are compared, and may be read past their ends"
+  [[
+inline bool operator==(const istring& is, const std::string& s)
+{
+    return (0 ==]]
+  [[
+inline bool operator==(const istring& is, const std::string& s)
+{
+    return is.length() == s.length() && (0 ==]])
+mend(mimetic/utils.cxx 1
+  "numbers are written with the locale's digit groups"
+  [[
+    Int i(n);
+    return i;]]
+  [[
+    return std::to_string(n);]])
+
 # Two that cost time growing with the square of a hostile text. The results are the same.
 
 mend(mimetic/strutils.cxx 1
