@@ -1,16 +1,25 @@
 #include "bench/session.h"
 
-#include "standin/host.h"
 #include "standin/library.h"
 
 namespace zqv::bench {
 
-int Run(int argc, char** argv, void (*register_all)()) {
+namespace {
+
+standin::Capabilities WithoutLedger() {
   standin::Capabilities capabilities;
   capabilities.ledger = false;
-  const auto host = standin::Host::Start(capabilities);
-  const standin::Library library(ZQV_LIBRARY);
-  library.Enter(*host);
+  return capabilities;
+}
+
+}  // namespace
+
+Session::Session() : host_(standin::Host::Start(WithoutLedger())) {
+  standin::Library(ZQV_LIBRARY).Enter(*host_);
+}
+
+int Run(int argc, char** argv, void (*register_all)()) {
+  const Session session;
 
   register_all();
   benchmark::Initialize(&argc, argv);

@@ -4,14 +4,25 @@
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 
 #include "standin/application.h"
+#include "standin/host.h"
 
 namespace zqv::bench {
 
-// Loads the built library into a host that keeps no ledger, calls `register_all` and runs what it
+// The built library in a host that keeps no ledger, for the life of the object.
+class Session {
+ public:
+  Session();
+
+ private:
+  std::unique_ptr<standin::Host> host_;
+};
+
+// Starts a session, calls `register_all` and runs what it
 // registered, as the command line asks. Gives the program's exit code.
 int Run(int argc, char** argv, void (*register_all)());
 
