@@ -1,0 +1,21 @@
+// Feeds the target with what libFuzzer makes up.
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "fuzz/target.h"
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
+  zqv::fuzz::target.start();
+  return 0;
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  // A copy of exactly this size, so that reading beyond its end is noticed.
+  const std::string input(data, data + size);
+  zqv::fuzz::RunBoth(input);
+  return 0;
+}

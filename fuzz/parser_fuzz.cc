@@ -1,0 +1,79 @@
+// The parser over bytes in memory beside the MIME library's own stream constructor: the same tree,
+// byte for byte.
+#include <mimetic/mimetic.h>
+
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "fuzz/alphabet.h"
+#include "fuzz/target.h"
+#include "mime/parser.h"
+#include "tests/unit/mime/tree_difference.h"
+
+namespace zqv::fuzz {
+namespace {
+
+// clang-format off
+constexpr std::string_view kPieces[] = {
+    "\n", "\n", "\n", "\r", "\r\n", "\r\r\n", "\n\r", "\n\n", " ", "\t", "\n ", "\n\t", "\n \n",
+    ":", "A:", "A: b\n", "a b: c\n", "B :\n e\n", ":x\n", "x", "xyz", "-", "--", "\n--", "\n--\n",
+    "--b", "--b\n", "--b\n", "--b \n", "--bc\n", "--b--", "--b--\n", "--b--\n", "--c\n", "--c--\n",
+    "\n--b\n\n", "\n--c\n\n", "--b\r\n", "--b--\r\n",
+    "Content-Type: multipart/mixed; boundary=b\n\n",
+    "Content-Type: multipart/mixed; boundary=b\n",
+    "Content-Type: multipart/mixed; boundary=c\n\n",
+    "Content-Type: multipart/mixed; boundary=\"b\"\r\n\r\n",
+    "Content-Type: multipart/mixed; boundary=bc\n\n",
+    "Content-Type: multipart/mixed\n\n",
+    "Content-Type: Multipart/Digest; Boundary=b\n\n",
+    "Content-Type: message/rfc822\n\n",
+    "Content-Type: message/rfc822\n",
+    "Content-Type: text/plain\n\n",
+    "Content-Type:", "multipart/", "message/rfc822", ";", "boundary=", "\"", "=",
+    "\xC3\xA9", "\xFF", "\x7F", "\x01", std::string_view("\0", 1),
+    // The library works in blocks of 128 bytes in headers and of 4096 in bodies.
+    "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx"
+    "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx",
+    "------------------------------------------------------------------------------------------\n",
+};
+// clang-format on
+
+// Whether our own parser takes the message; then its nesting is no danger to the library either.
+bool Parse(std::string_view message, mimetic::MimeEntity& entity) {
+  try {
+    mime::ParseMessage(message, entity);
+    return true;
+  } catch (const std::runtime_error& error) {
+    ExpectSame("what is not parsed", error.what(), "the message is nested too deeply");
+    return false;
+  }
+}
+
+void Start() {}
+
+void Run(std::string_view input) {
+  mimetic::MimeEntity ours;
+  if (!Parse(input, ours)) return;
+  std::istringstream stream{std::string(input)};
+  const mimetic::MimeEntity theirs(stream);
+  ExpectSame("the trees differ", test::FirstDifference(theirs, ours), "");
+}
+
+// A run of one byte is one piece many times over: the ends of the library's large blocks are only
+// reached so.
+std::string Spell(std::string_view input) {
+  std::string text = Alphabet(kPieces).Spell(input, 4'000);
+  if (input.size() > 1 && input[0] == 'L') {
+    const std::size_t length = 3'950 + static_cast<unsigned char>(input[1]);
+    text.insert(text.size() / 2, length, 'x');
+  }
+  return text;
+}
+
+}  // namespace
+
+const Target target = {Start, Run, Spell};
+
+}  // namespace zqv::fuzz
