@@ -1,0 +1,164 @@
+// Makes inputs of the given dimensions and uses them through the built library, counted by
+// callgrind:
+//   valgrind --tool=callgrind --collect-atstart=no
+//     growth_probe [--phase=PHASE] DIMENSION=BYTES[,BYTES...]...
+//   growth_probe --list    the dimensions: name, default size, what grows, separated by tabs
+//
+// Writes one line an input: the dimension, the size asked for, the real one, and by which limit the
+// input was refused, if it was. Callgrind writes one profile an input, in the same order. Ends with
+// 2 for a mistake in the command line and with 3 when an input is refused by no limit of its
+// dimension.
+#include <pthread.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <cstdio>
+#include <exception>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "standin/host.h"
+#include "standin/library.h"
+#include "tests/growth/dimensions.h"
+
+namespace zqv::growth {
+namespace {
+
+// Of the thread that does the work, since nesting is limited by the stack there is.
+constexpr std::size_t kStack = std::size_t{8} << 20U;
+
+// One argument: inputs of one dimension.
+struct Job {
+  const Dimension* dimension = nullptr;
+  std::vector<std::size_t> sizes;
+};
+
+struct Request {
+  std::vector<Job> jobs;
+  std::string_view phase;  // empty: that of the dimension
+};
+
+bool ParseSizes(std::string_view text, std::vector<std::size_t>* sizes) {
+  const char* position = text.data();
+  const char* const end = position + text.size();
+  while (true) {
+    std::size_t size = 0;
+    const auto [next, error] = std::from_chars(position, end, size);
+    if (error != std::errc()) return false;
+    sizes->push_back(size);
+    if (next == end) return true;
+    if (*next != ',') return false;
+    position = next + 1;
+  }
+}
+
+std::optional<Request> ParseArguments(const std::vector<std::string_view>& arguments) {
+  constexpr std::string_view kPhase = "--phase=";
+  Request request;
+  for (const std::string_view argument : arguments) {
+    if (argument.substr(0, kPhase.size()) == kPhase) {
+      request.phase = argument.substr(kPhase.size());
+      const auto& phases = PhaseNames();
+      if (std::find(phases.begin(), phases.end(), request.phase) == phases.end()) return {};
+      continue;
+    }
+    const std::size_t equals = std::min(argument.find('='), argument.size() - 1);
+    Job job;
+    job.dimension = FindDimension(argument.substr(0, equals));
+    if (job.dimension == nullptr) return {};
+    if (!ParseSizes(argument.substr(equals + 1), &job.sizes)) return {};
+    request.jobs.push_back(std::move(job));
+  }
+  if (request.jobs.empty()) return {};
+  return request;
+}
+
+void List() {
+  for (const Dimension* const dimension : ListedDimensions()) {
+    std::printf("%s\t%zu\t%s\n", dimension->name, dimension->bytes, dimension->grows);
+  }
+}
+
+// One input after the other; false when one was refused that must not be.
+bool Measure(const Job& job, std::string_view phase) {
+  const Dimension& dimension = *job.dimension;
+  // What is done once in a process is done here, uncounted.
+  Meter nothing("none");
+  dimension.work(dimension.make(0), nothing);
+
+  Meter meter(phase.empty() ? dimension.phase : phase);
+  for (const std::size_t size : job.sizes) {
+    const std::string input = dimension.make(size);
+    const std::string refusal = dimension.work(input, meter);
+    Meter::Report(std::string(dimension.name) + " " + std::to_string(size));
+    if (!refusal.empty() && (dimension.limit == nullptr || refusal != dimension.limit)) {
+      std::fprintf(stderr, "%s: refused: %s\n", dimension.name, refusal.c_str());
+      return false;
+    }
+    std::printf("%s\t%zu\t%zu\t%s\n", dimension.name, size, input.size(), refusal.c_str());
+    std::fflush(stdout);
+  }
+  return true;
+}
+
+bool MeasureInHost(const Request& request) {
+  standin::Capabilities capabilities;
+  capabilities.ledger = false;
+  const auto host = standin::Host::Start(capabilities);
+  const standin::Library library(ZQV_LIBRARY);
+  library.Enter(*host);
+  return std::all_of(request.jobs.begin(), request.jobs.end(),
+                     [&](const Job& job) { return Measure(job, request.phase); });
+}
+
+// Runs `body` in a thread of its own with the given stack, waits for its end.
+void InThread(std::size_t stack_size, std::function<void()> body) {
+  const auto start = [](void* context) -> void* {
+    (*static_cast<const std::function<void()>*>(context))();
+    return nullptr;
+  };
+  pthread_attr_t attributes;
+  pthread_t thread{};
+  if (pthread_attr_init(&attributes) != 0 ||
+      pthread_attr_setstacksize(&attributes, stack_size) != 0 ||
+      pthread_create(&thread, &attributes, start, &body) != 0 ||
+      pthread_join(thread, nullptr) != 0) {
+    throw std::runtime_error("no thread");
+  }
+  pthread_attr_destroy(&attributes);
+}
+
+int Run(const std::vector<std::string_view>& arguments) {
+  if (arguments.size() == 1 && arguments[0] == "--list") {
+    List();
+    return 0;
+  }
+  const auto request = ParseArguments(arguments);
+  if (!request) {
+    std::fputs("usage: growth_probe [--phase=PHASE] DIMENSION=BYTES[,BYTES...]... | --list\n",
+               stderr);
+    return 2;
+  }
+  int code = 1;
+  InThread(kStack, [&] {
+    try {
+      code = MeasureInHost(*request) ? 0 : 3;
+    } catch (const std::exception& exception) {
+      std::fprintf(stderr, "growth_probe: %s\n", exception.what());
+    }
+  });
+  return code;
+}
+
+}  // namespace
+}  // namespace zqv::growth
+
+int main(int argc, char** argv) {
+  return zqv::growth::Run(std::vector<std::string_view>(argv + 1, argv + argc));
+}

@@ -1,0 +1,36 @@
+// What is done with an input through the built library, as an application does it, and counted. The
+// input is handed to the host before counting starts.
+//
+// Each gives what a constructor raised, or an empty text.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/growth/meter.h"
+
+namespace zqv::growth {
+
+using Work = std::string (*)(const std::string& input, Meter& meter);
+
+// Phases: construct, read (everything there is to read, once), strip (SourceWithoutAttachments),
+// release.
+std::string UseMessage(const std::string& input, Meter& meter);
+
+// The shared methods of a message. Phase: call.
+std::string UseDecodeInline(const std::string& input, Meter& meter);
+std::string UseHtmlToPlainText(const std::string& input, Meter& meter);
+
+// The classes that are made from a text. Phases: construct, read, release.
+std::string UseMailbox(const std::string& input, Meter& meter);
+std::string UseGroup(const std::string& input, Meter& meter);
+std::string UseAddress(const std::string& input, Meter& meter);
+std::string UseMailboxList(const std::string& input, Meter& meter);
+std::string UseAddressList(const std::string& input, Meter& meter);
+std::string UseField(const std::string& input, Meter& meter);
+
+// The names of all phases, and of all together.
+const std::vector<std::string_view>& PhaseNames();
+
+}  // namespace zqv::growth
