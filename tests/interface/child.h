@@ -2,7 +2,10 @@
 // names the configuration, and the library's state in this process stays as it was.
 #pragma once
 
+#include <sys/mman.h>
+
 #include <functional>
+#include <new>
 #include <string>
 
 namespace zqv::interface_test {
@@ -27,5 +30,26 @@ constexpr int Repetitions(int plain, int sanitized) { return kSanitized ? saniti
 // exception and, where a leak checker runs, without a leak.
 void InChild(const std::string& configuration, const std::function<void()>& body,
              unsigned seconds = 60);
+
+// Plain data that a child writes and its parent reads.
+template <typename T>
+class SharedWithChild {
+ public:
+  SharedWithChild() {
+    void* const memory =
+        mmap(nullptr, sizeof(T), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) throw std::bad_alloc();
+    value_ = new (memory) T();
+  }
+  ~SharedWithChild() { munmap(value_, sizeof(T)); }
+  SharedWithChild(const SharedWithChild&) = delete;
+  SharedWithChild& operator=(const SharedWithChild&) = delete;
+
+  T& operator*() const { return *value_; }
+  T* operator->() const { return value_; }
+
+ private:
+  T* value_;
+};
 
 }  // namespace zqv::interface_test

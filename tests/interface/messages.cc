@@ -93,6 +93,18 @@ std::string NestedMultiparts(std::size_t levels) {
   return text;
 }
 
+std::string NestedMultipartsWithFiles(std::size_t levels) {
+  std::string text = "Subject: Nested\nMIME-Version: 1.0\n";
+  for (std::size_t i = 0; i < levels; ++i) text += OpenMultipart(i);
+  text += kTextPart;
+  for (std::size_t i = levels; i-- > 0;) {
+    text += "--b" + std::to_string(i) + "x\nContent-Type: application/pdf\n" +
+            "Content-Disposition: attachment\n\nFile of level " + std::to_string(i) + "\n" +
+            CloseMultipart(i);
+  }
+  return text;
+}
+
 std::string NestedMessages(std::size_t levels) {
   std::string text = "Subject: Nested\n";
   for (std::size_t i = 0; i < levels; ++i) text += kOpenMessage;

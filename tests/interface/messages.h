@@ -16,6 +16,8 @@ std::string RichMessage();
 
 // A multipart/mixed whose only part is again one, `levels` times, around a text/plain part.
 std::string NestedMultiparts(std::size_t levels);
+// The same, with a file beside each of these parts: "File of level 3".
+std::string NestedMultipartsWithFiles(std::size_t levels);
 // A message/rfc822 in another, `levels` times, around a text/plain message.
 std::string NestedMessages(std::size_t levels);
 // Both in turn.

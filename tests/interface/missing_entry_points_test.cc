@@ -1,19 +1,16 @@
-// Hosts that lack an entry point, or whose entry points give nothing or throw: the step is skipped,
-// and nothing crashes, leaks or lets a C++ exception out. The stand-in host ends the process on
-// every misuse of what it handed out, so each configuration runs in a child.
+// Hosts that lack entry points: the step is skipped, and nothing crashes, leaks or lets a C++
+// exception out. The stand-in host ends the process on every misuse of what it handed out, so each
+// configuration runs in a child.
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 
-#include <array>
+#include <algorithm>
 #include <cstdint>
-#include <map>
-#include <memory>
-#include <new>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "standin/store.h"
+#include "tests/interface/broken_host.h"
 #include "tests/interface/child.h"
 #include "tests/interface/messages.h"
 #include "tests/interface/reading.h"
@@ -21,134 +18,6 @@
 
 namespace zqv::interface_test {
 namespace {
-
-constexpr const char* kEntryPoints[] = {
-#define ZQV_ENTRY_POINT(name, result, arguments, ownership) #name,
-#include "abi/entry_points.def"
-};
-static_assert(std::size(kEntryPoints) == 35);
-
-// An old host builds strings otherwise and has no fitting constructor of dates; between them the
-// two hosts use every entry point but the platform's own string.
-struct HostKind {
-  const char* name;
-  double version;
-  standin::DateFlavour date_flavour;
-};
-constexpr HostKind kHosts[] = {{"new host", 2024.1, standin::DateFlavour::kSevenArguments},
-                               {"old host", 2011.0, standin::DateFlavour::kNoConstructor}};
-
-Capabilities CapabilitiesOf(const HostKind& kind) {
-  Capabilities capabilities;
-  capabilities.version = kind.version;
-  capabilities.date_flavour = kind.date_flavour;
-  // A failing array layout makes the library read elements through the host.
-  if (kind.version < 2013) capabilities.array_layout = standin::ArrayLayout::kWrongDimensions;
-  return capabilities;
-}
-
-bool IsRegistered() { return Host::Get("the test").classes().registered().size() == 11; }
-
-void UseAllWays() {
-  if (!IsRegistered()) return;
-  for (const Way way : kAllWays) UseEverything(way, RichMessage());
-}
-
-// Without an upper bound the library appends at index 1 and takes index 0 for an element, also of
-// an empty array. The stand-in ends the process then, but a host need not: here insertions out of
-// bounds are dropped, and elements out of bounds are nil.
-abi::Resolver real_resolver = nullptr;
-
-template <typename Function>
-Function RealEntryPoint(const char* name) {
-  return reinterpret_cast<Function>(real_resolver(name));
-}
-
-std::int64_t UpperBound(abi::REALarray array) {
-  return Host::Get("the test")
-      .store()
-      .UpperBound(*reinterpret_cast<const standin::ArrayThing*>(array));
-}
-
-void InsertOrDrop(abi::REALarray array, abi::RBInteger index, abi::REALobject object) {
-  if (index < 0 || index > UpperBound(array) + 1) return;
-  const auto procedure = RealEntryPoint<void* (*)(abi::REALarray)>("PluginObjectArrayInsertProc");
-  reinterpret_cast<abi::ObjectArrayInsertProc>(procedure(array))(array, index, object);
-}
-
-void* TolerantInsertProc(abi::REALarray) { return reinterpret_cast<void*>(&InsertOrDrop); }
-
-abi::REALobject TolerantRead(abi::REALarray array, abi::RBInteger index) {
-  if (index < 0 || index > UpperBound(array)) return nullptr;
-  using Read = abi::REALobject (*)(abi::REALarray, abi::RBInteger);
-  return RealEntryPoint<Read>("RuntimeDirectReadObjectArray")(array, index);
-}
-
-// String data that is not taken back cannot be given back, and the library's record of it goes all
-// the same. The stand-in knows records by their address, which may then come again: so it is given
-// records that stay.
-std::map<abi::REALstringData*, std::unique_ptr<abi::REALstringData>> lasting_records;
-std::vector<std::unique_ptr<abi::REALstringData>> abandoned_records;
-
-abi::RBBoolean LastingGet(abi::REALstring string, std::uint32_t encoding,
-                          abi::REALstringData* data) {
-  using Get = abi::RBBoolean (*)(abi::REALstring, std::uint32_t, abi::REALstringData*);
-  auto& record = lasting_records[data];
-  if (record != nullptr) abandoned_records.push_back(std::move(record));
-  record = std::make_unique<abi::REALstringData>();
-  const abi::RBBoolean is_lent =
-      RealEntryPoint<Get>("PluginGetStringData")(string, encoding, record.get());
-  *data = *record;
-  if (is_lent == 0) lasting_records.erase(data);
-  return is_lent;
-}
-
-void LastingDispose(abi::REALstringData* data) {
-  using Dispose = void (*)(abi::REALstringData*);
-  const auto record = lasting_records.find(data);
-  ASSERT_NE(record, lasting_records.end()) << "never lent, or given back before";
-  RealEntryPoint<Dispose>("PluginDisposeStringData")(record->second.get());
-  abandoned_records.push_back(std::move(record->second));
-  lasting_records.erase(record);
-}
-
-struct Replacement {
-  std::string_view name;
-  void* function;
-};
-
-void* TolerantResolver(const char* name) {
-  const Replacement kReplacements[] = {
-      {"PluginObjectArrayInsertProc", reinterpret_cast<void*>(&TolerantInsertProc)},
-      {"RuntimeDirectReadObjectArray", reinterpret_cast<void*>(&TolerantRead)},
-      {"PluginGetStringData", reinterpret_cast<void*>(&LastingGet)},
-      {"PluginDisposeStringData", reinterpret_cast<void*>(&LastingDispose)},
-  };
-  void* const real = real_resolver(name);
-  if (real == nullptr) return nullptr;
-  for (const Replacement& replacement : kReplacements) {
-    if (replacement.name == name) return replacement.function;
-  }
-  return real;
-}
-
-// The resolver carries no context, so it is the same for every host.
-void TakeRealResolver() { real_resolver = Host::Start()->resolver(); }
-
-// Runs everything on a host with one fault.
-void UseWithFault(const HostKind& kind, std::string_view entry_point, const Fault& fault) {
-  Capabilities capabilities = CapabilitiesOf(kind);
-  capabilities.faults[std::string(entry_point)] = fault;
-  if (entry_point == "RuntimeUBound" || entry_point == "PluginDisposeStringData") {
-    TakeRealResolver();
-    Session session(capabilities, Exceptions::kMayBeLost, &TolerantResolver);
-    session.Expect(StringData::kMayStay);
-    UseAllWays();
-    return;
-  }
-  const Session session(capabilities, Exceptions::kMayBeLost);
-  UseAllWays();
-}
 
 class MissingEntryPoints : public InterfaceTest {};
 
@@ -176,9 +45,79 @@ TEST_F(MissingEntryPoints, EachMissingInTurn) {
   LoadLibraryFile();
   for (const HostKind& kind : kHosts) {
     for (const char* name : kEntryPoints) {
-      InChild(std::string(kind.name) + " without " + name,
-              [&] { UseWithFault(kind, name, Fault()); });
+      InChild(std::string(kind.name) + " without " + name, [&] {
+        UseWithFaults(kind, {{name, Fault()}});
+      });
     }
+  }
+}
+
+// Entry points of which one may take the place of another, or one is of no use without another.
+const std::vector<std::vector<std::string>> kFamilies = {
+    // strings
+    {"REALLockString", "REALUnlockString", "REALBuildString", "REALBuildStringWithEncoding",
+     "REALGetStringEncoding", "REALSetStringEncoding", "REALConvertString", "StringGetCString",
+     "REALLoadGlobalMethod", "RuntimeAddString", "RuntimeStringCompare", "REALGetStringCFString"},
+    // the text of strings
+    {"PluginGetStringData", "PluginDisposeStringData", "StringGetCString", "REALLoadGlobalMethod",
+     "REALGetStringEncoding"},
+    // arrays
+    {"RuntimeUBound", "RuntimeArrayCreateSingleDimBoundedArray", "PluginObjectArrayInsertProc",
+     "RuntimeDirectReadObjectArray", "PluginIntegerArrayGetProc", "PluginIntegerArraySetProc"},
+    // objects
+    {"PluginNewInstance", "REALLockObject", "REALUnlockObject"},
+    // properties and methods
+    {"REALGetPropValueString", "REALGetPropValueDouble", "REALSetPropValueString",
+     "REALSetPropValueInteger", "REALSetPropValueDouble", "REALLoadObjectMethod",
+     "REALLoadGlobalMethod"},
+    // exceptions
+    {"PluginNewInstance", "REALSetPropValueString", "REALSetPropValueInteger",
+     "RuntimeRaiseException"},
+    // memory blocks
+    {"memoryBlockGetPtr", "memoryBlockGetSize"},
+    // registration
+    {"REALGetRBVersion", "RegisterPluginVersion", "PluginRegisterClass"},
+};
+
+TEST_F(MissingEntryPoints, EachPairOfAFamily) {
+  LoadLibraryFile();
+  std::set<std::string> covered;
+  for (const std::vector<std::string>& family : kFamilies) {
+    covered.insert(family.begin(), family.end());
+    for (auto first = family.begin(); first != family.end(); ++first) {
+      for (auto second = first + 1; second != family.end(); ++second) {
+        for (const HostKind& kind : kHosts) {
+          InChild(std::string(kind.name) + " without " + *first + " and " + *second, [&] {
+            UseWithFaults(kind, {{*first, Fault()}, {*second, Fault()}});
+          });
+        }
+      }
+    }
+  }
+  EXPECT_EQ(covered.size(), std::size(kEntryPoints)) << "each is of some family";
+}
+
+TEST_F(MissingEntryPoints, WholeFamilies) {
+  LoadLibraryFile();
+  for (const std::vector<std::string>& family : kFamilies) {
+    Faults faults;
+    for (const std::string& name : family) faults[name] = Fault();
+    for (const HostKind& kind : kHosts) {
+      InChild(std::string(kind.name) + " without any like " + family.front(),
+              [&] { UseWithFaults(kind, faults); });
+    }
+  }
+}
+
+// A host of which nothing can be had, and one that only takes classes.
+TEST_F(MissingEntryPoints, All) {
+  LoadLibraryFile();
+  for (const HostKind& kind : kHosts) {
+    Faults faults;
+    for (const char* name : kEntryPoints) faults[name] = Fault();
+    InChild(std::string(kind.name) + " without anything", [&] { UseWithFaults(kind, faults); });
+    faults.erase("PluginRegisterClass");
+    InChild(std::string(kind.name) + " that only registers", [&] { UseWithFaults(kind, faults); });
   }
 }
 
@@ -199,86 +138,6 @@ TEST_F(MissingEntryPoints, EveryListSurvives) {
     EXPECT_EQ(std::get<std::int64_t>(Get(ObjectOf(Get(header, "from")), "Count")), 1);
     EXPECT_EQ(std::get<std::int64_t>(Get(ObjectOf(Get(header, "too")), "Count")), 1);
     EXPECT_EQ(ShowProperty(message, "PlainText"), "0x201 Caf\xE9 at noon");
-  });
-}
-
-// How often each entry point is called in a clean run, in the order of kEntryPoints. Counted in a
-// child, so that the library stays fresh here.
-using CallCounts = std::array<std::uint64_t, std::size(kEntryPoints)>;
-
-CallCounts CleanCallCounts(const HostKind& kind) {
-  void* const shared =
-      mmap(nullptr, sizeof(CallCounts), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-  if (shared == MAP_FAILED) throw std::bad_alloc();
-  auto* const counts = static_cast<CallCounts*>(shared);
-  InChild("clean run", [&] {
-    Session session(CapabilitiesOf(kind));
-    UseAllWays();
-    for (std::size_t i = 0; i < counts->size(); ++i) {
-      (*counts)[i] = session.host().CallCount(kEntryPoints[i]);
-    }
-  });
-  const CallCounts result = *counts;
-  munmap(shared, sizeof(CallCounts));
-  return result;
-}
-
-// The calls from 1 to `last` at which a fault begins: the first, the last, and ever larger steps
-// between.
-std::vector<std::uint64_t> Starts(std::uint64_t last, std::uint64_t growth) {
-  std::vector<std::uint64_t> starts;
-  for (std::uint64_t n = 1; n < last; n = n * growth + 1) starts.push_back(n);
-  if (last > 0) starts.push_back(last);
-  return starts;
-}
-
-class BrokenEntryPoints : public InterfaceTest, public ::testing::WithParamInterface<int> {
- protected:
-  // One child per entry point, start and duration of the fault: this call alone, and from it on.
-  void BreakEachInTurn(Fault::Kind fault_kind) {
-    const HostKind& kind = kHosts[GetParam()];
-    LoadLibraryFile();
-    const CallCounts counts = CleanCallCounts(kind);
-    for (std::size_t i = 0; i < counts.size(); ++i) {
-      const std::string name = kEntryPoints[i];
-      for (const std::uint64_t start : Starts(counts[i], kSanitized ? 25 : 3)) {
-        for (const bool once : {true, false}) {
-          Fault fault{fault_kind, start};
-          if (once) fault.calls = 1;
-          InChild(std::string(kind.name) + ", " + name + (once ? " at call " : " from call ") +
-                      std::to_string(start),
-                  [&] { UseWithFault(kind, name, fault); });
-        }
-      }
-    }
-  }
-};
-
-TEST_P(BrokenEntryPoints, EachGivesNothingInTurn) { BreakEachInTurn(Fault::Kind::kNothing); }
-TEST_P(BrokenEntryPoints, EachThrowsInTurn) { BreakEachInTurn(Fault::Kind::kThrows); }
-TEST_P(BrokenEntryPoints, EachThrowsAnIntInTurn) { BreakEachInTurn(Fault::Kind::kThrowsInt); }
-
-INSTANTIATE_TEST_SUITE_P(Hosts, BrokenEntryPoints, ::testing::Values(0, 1),
-                         [](const auto& row) { return row.param == 0 ? "New" : "Old"; });
-
-std::string RaisedWithFault(const char* entry_point, Fault::Kind kind) {
-  Capabilities capabilities;
-  capabilities.faults[entry_point] = Fault{kind};
-  Session session(capabilities, Exceptions::kMayBeLost);
-  return ConstructFromString(PlainMessage()).raised;
-}
-
-// What the application sees of a C++ exception that a host let out.
-TEST_F(MissingEntryPoints, ThrownExceptionsBecomeTheHosts) {
-  LoadLibraryFile();
-  InChild("std::runtime_error", [] {
-    EXPECT_EQ(RaisedWithFault("RuntimeArrayCreateSingleDimBoundedArray", Fault::Kind::kThrows),
-              "RuntimeException, 0: C++ Exception: fault of "
-              "RuntimeArrayCreateSingleDimBoundedArray");
-  });
-  InChild("int", [] {
-    EXPECT_EQ(RaisedWithFault("RuntimeArrayCreateSingleDimBoundedArray", Fault::Kind::kThrowsInt),
-              "RuntimeException, 0: Sorry, but there was an unnamed C++ Exception.");
   });
 }
 
@@ -331,6 +190,84 @@ TEST_F(MissingEntryPoints, OnlyTheStepIsSkipped) {
       Session session(capabilities);
       const Object message = Parse(RichMessage());
       EXPECT_EQ(standin::IsNil(Get(message, row.property)), row.is_nil);
+    });
+  }
+}
+
+// What the application sees of one thing.
+struct FallbackRow {
+  const char* entry_point;
+  const char* what;
+  std::string (*see)();
+  const char* expected;
+};
+
+std::string EmptyText() { return ConstructFromString("").raised; }
+std::string PlainFrom(Way way) { return Construct(way, PlainMessage()).raised; }
+std::string Utf16Text() {
+  // "Hi" in UTF-16, its first unit the byte-order mark of this machine's order.
+  return ShowProperty(Parse("Content-Type: text/plain; charset=utf-16\n"
+                            "Content-Transfer-Encoding: base64\n\n//5IAGkA\n"),
+                      "PlainText");
+}
+Object HeaderOfPlain() { return ObjectOf(Get(Parse(PlainMessage()), "Header")); }
+std::string Email() { return ShowProperty(FromText("MimeMailboxZQV", "ada@example.org"), "Email"); }
+std::string FieldCount() {
+  return std::to_string(ObjectOf(Call(HeaderOfPlain(), "Fields as MimeFieldZQV()")).Size());
+}
+std::string CountOfTwo() {
+  const Object list = FromText("MimeMailboxListZQV", "a@example.org, b@example.org");
+  return std::to_string(std::get<std::int64_t>(Get(list, "Count")));
+}
+std::string MacRomanHtml() {
+  return Show(CallShared("MimeEmailZQV", "HTMLToPlainText", MakeString("Caf\x8E", abi::kMacRoman)));
+}
+
+// What takes the place of the step that is skipped.
+TEST_F(MissingEntryPoints, FallbackValues) {
+  static constexpr char kNoText[] = "UnsupportedOperationException, 0: Can't parse empty text.";
+  static constexpr char kNoFile[] = "IOException, 0: Failed to open file for reading.";
+  static constexpr FallbackRow kRows[] = {
+      {"RuntimeRaiseException", "nothing is raised", &EmptyText, ""},
+      {"PluginNewInstance", "there is nothing to raise", &EmptyText, ""},
+      {"REALSetPropValueString", "no text", &EmptyText, "UnsupportedOperationException, 0: "},
+      {"REALBuildStringWithEncoding", "no text", &EmptyText, "UnsupportedOperationException, 0: "},
+      {"REALSetPropValueInteger", "the number is 0 anyway", &EmptyText, kNoText},
+      {"REALUnlockObject", "raised all the same", &EmptyText, kNoText},
+      {"StringGetCString", "no bytes", [] { return PlainFrom(Way::kString); }, kNoText},
+      {"REALLoadGlobalMethod", "no length", [] { return PlainFrom(Way::kString); }, kNoText},
+      {"memoryBlockGetPtr", "no bytes", [] { return PlainFrom(Way::kBlock); }, kNoText},
+      {"memoryBlockGetSize", "no bytes", [] { return PlainFrom(Way::kBlock); }, kNoText},
+      {"REALGetPropValueString", "no path", [] { return PlainFrom(Way::kFile); }, kNoFile},
+      {"StringGetCString", "not needed", [] { return PlainFrom(Way::kBlock); }, ""},
+      {"REALConvertString", "UTF-16 cannot be converted", &Utf16Text, "nil"},
+      {"RuntimeAddString", "the two parts cannot be joined", &Email, "nil"},
+      {"RuntimeUBound", "counts as 0, which is one element", &CountOfTwo, "1"},
+      {"PluginObjectArrayInsertProc", "elements are dropped", &FieldCount, "0"},
+      {"PluginObjectArrayInsertProc", "elements are dropped", &CountOfTwo, "0"},
+      {"PluginGetStringData", "the text cannot be had", &MacRomanHtml, "nil"},
+  };
+  LoadLibraryFile();
+  for (const FallbackRow& row : kRows) {
+    InChild(std::string(row.entry_point) + ": " + row.what, [&] {
+      const auto session = StartBroken(kHosts[0], {{row.entry_point, Fault()}});
+      EXPECT_EQ(row.see(), row.expected);
+    });
+  }
+}
+
+// An array of another layout than the known ones is read through the host, or not at all.
+TEST_F(MissingEntryPoints, WithoutReadingArraysElementsAreNil) {
+  LoadLibraryFile();
+  for (const bool is_missing : {false, true}) {
+    InChild(is_missing ? "missing" : "there", [is_missing] {
+      Capabilities capabilities;
+      capabilities.array_layout = standin::ArrayLayout::kWrongDimensions;
+      if (is_missing) capabilities.faults["RuntimeDirectReadObjectArray"] = Fault();
+      Session session(capabilities);
+      const Object header = HeaderOfPlain();
+      EXPECT_EQ(ObjectOf(Call(header, "Fields", 0)).IsNil(), is_missing);
+      EXPECT_EQ(std::get<bool>(Call(header, "hasField", MakeString("Subject"))), !is_missing);
     });
   }
 }

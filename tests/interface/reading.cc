@@ -31,6 +31,9 @@ std::string WriteTemporaryFile(std::string_view bytes) {
 // have small stacks too.
 class Reader {
  public:
+  // Elements of lists are asked for by the indices from -1 to `last_index`.
+  explicit Reader(int last_index = 11) : last_index_(last_index) {}
+
   void Run(const Object& top) {
     Add(top);
     while (!waiting_.empty()) {
@@ -41,10 +44,13 @@ class Reader {
   }
 
   int calls() const { return calls_; }
+  const std::string& raised() const { return raised_; }
 
   template <typename Work>
   void Try(Work work) {
-    static_cast<void>(RaisedBy(work));
+    const std::string raised = RaisedBy(work);
+    // Indices around the bounds are part of the reading.
+    if (raised.find("OutOfBoundsException, 0: The parameter index") != 0) raised_ += raised;
     ++calls_;
   }
 
@@ -75,7 +81,7 @@ class Reader {
     if (parameters.empty()) {
       Try([&] { Call(object, declaration); });
     } else if (standin::KindOf(parameters[0].type) == standin::TypeKind::kInteger) {
-      for (int index = -1; index < 12; ++index) {
+      for (int index = -1; index <= last_index_; ++index) {
         Try([&] { Add(ObjectOf(Call(object, declaration, index))); });
       }
     } else {
@@ -85,8 +91,10 @@ class Reader {
     }
   }
 
+  const int last_index_;
   std::vector<Object> waiting_;
   int calls_ = 0;
+  std::string raised_;
 };
 
 }  // namespace
@@ -167,6 +175,12 @@ int UseEverything(Way way, std::string_view bytes) {
     });
   }
   return reader.calls();
+}
+
+std::string ReadEverything(const Object& object, int last_index) {
+  Reader reader(last_index);
+  reader.Run(object);
+  return reader.raised();
 }
 
 nlohmann::ordered_json MirrorWithoutDates(const Object& message) {

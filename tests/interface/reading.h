@@ -60,6 +60,11 @@ std::string ShowProperty(const Object& object, std::string_view property);
 // from text. Exceptions of the host are let pass. Gives the number of calls that came back.
 int UseEverything(Way way, std::string_view bytes);
 
+// The same for an object that there is already, without what is beside it; elements of lists by the
+// indices from -1 to `last_index`. Gives what was raised; that an index is out of bounds does not
+// count.
+std::string ReadEverything(const Object& object, int last_index = 11);
+
 // The properties and array methods of a message and of all below it; dates left out, since they
 // depend on this machine's zone.
 nlohmann::ordered_json MirrorWithoutDates(const Object& message);

@@ -1,10 +1,11 @@
-// Nested messages on small stacks: hosts run threads on as little as 256 KB. Construction, reading
-// and release all take place in such a thread; the result is the tree or an exception, never a
-// crash.
+// Nested messages on small stacks: hosts run threads on as little as 256 KB. Construction, reading,
+// writing without the files and release all take place in such a thread; the result is the tree or
+// an exception, never a crash.
 #include <gtest/gtest.h>
 #include <pthread.h>
 
 #include <cstddef>
+#include <cstdio>
 #include <functional>
 #include <string>
 
@@ -45,8 +46,10 @@ struct Shape {
   const char* name;
   std::string (*make)(std::size_t levels);
 };
-constexpr Shape kShapes[] = {
-    {"multiparts", &NestedMultiparts}, {"messages", &NestedMessages}, {"mixture", &NestedMixture}};
+constexpr Shape kShapes[] = {{"multiparts", &NestedMultiparts},
+                             {"messages", &NestedMessages},
+                             {"mixture", &NestedMixture},
+                             {"multiparts with files", &NestedMultipartsWithFiles}};
 
 // How many entities lie in one another, the message itself not counted.
 std::size_t DepthOf(const Object& message) {
@@ -60,13 +63,27 @@ std::size_t DepthOf(const Object& message) {
   }
 }
 
-// Makes, reads and releases one message; true when it was parsed.
+// The source without its files is that of the whole tree, or refused like a message: it may cost
+// another number of bytes per level than the construction.
+void ExpectWrittenOrRefused(const Object& message) {
+  Value source;
+  const std::string raised = RaisedBy([&] { source = Call(message, "SourceWithoutAttachments"); });
+  if (!raised.empty()) {
+    EXPECT_EQ(raised, kTooDeep);
+    return;
+  }
+  const std::string text = standin::BytesOf(source);
+  EXPECT_NE(text.find("The innermost text."), std::string::npos);
+  EXPECT_EQ(text.find("File of level"), std::string::npos);
+}
+
+// Makes, reads, writes and releases one message; true when it was parsed.
 bool ParsesAsWholeOrNotAtAll(const std::string& bytes, std::size_t levels) {
   const Constructed constructed = Construct(Way::kBlock, bytes);
   if (constructed.raised.empty()) {
     EXPECT_EQ(DepthOf(constructed.message), levels);
     EXPECT_FALSE(standin::Mirror(constructed.message, {levels + 1, false, nullptr}).is_null());
-    static_cast<void>(Call(constructed.message, "SourceWithoutAttachments"));
+    ExpectWrittenOrRefused(constructed.message);
     return true;
   }
   EXPECT_TRUE(constructed.raised == kTooDeep || constructed.raised == kTooMany)
@@ -81,6 +98,7 @@ struct StackRow {
 };
 constexpr StackRow kStacks[] = {{"256 KB", 256 * kKilobyte, 8},
                                 {"512 KB", 512 * kKilobyte, 250},
+                                {"1 MB", kMegabyte, 500},
                                 {"8 MB", 8 * kMegabyte, 4000}};
 
 class Stack : public InterfaceTest, public ::testing::WithParamInterface<std::size_t> {};
@@ -108,11 +126,12 @@ TEST_P(Stack, NestedMessageGivesATreeOrAnException) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Sizes, Stack, ::testing::Values(0U, 1U, 2U), [](const auto& row) {
-  std::string name = kStacks[row.param].name;
-  name.erase(name.find(' '), 1);
-  return name;
-});
+INSTANTIATE_TEST_SUITE_P(Sizes, Stack, ::testing::Range(std::size_t{0}, std::size(kStacks)),
+                         [](const auto& row) {
+                           std::string name = kStacks[row.param].name;
+                           name.erase(name.find(' '), 1);
+                           return name;
+                         });
 
 // The largest number of levels that is still parsed, and its neighbours: the limit lies before the
 // end of the stack, wherever that is.
@@ -120,6 +139,7 @@ TEST_P(Stack, EveryDepthAroundTheLimit) {
   const StackRow& row = kStacks[GetParam()];
   LoadLibraryFile();
   for (const Shape& shape : kShapes) {
+    const SharedWithChild<std::size_t> deepest;
     InChild(std::string(row.name) + ", " + shape.name, [&] {
       Session session;
       InThread(row.stack, [&] {
@@ -130,8 +150,29 @@ TEST_P(Stack, EveryDepthAroundTheLimit) {
           (ParsesAsWholeOrNotAtAll(shape.make(levels), levels) ? parsed : refused) = levels;
         }
         EXPECT_GE(parsed, kSanitized ? 8U : row.must_parse);
+        *deepest = parsed;
       });
     });
+    std::printf("%s hold %zu %s\n", row.name, *deepest, shape.name);
+  }
+}
+
+// A message that was made where there was room for it, written where there is not.
+TEST_F(InterfaceTest, DeepMessageIsWrittenOnASmallStack) {
+  Start();
+  for (const Shape& shape : kShapes) {
+    for (const std::size_t levels : {10U, 100U, 1000U, 4000U}) {
+      Object message;
+      InThread(64 * kMegabyte, [&] {
+        message = Parse(shape.make(levels), Way::kString);
+        EXPECT_EQ(DepthOf(message), levels);
+      });
+      for (const std::size_t stack : {256 * kKilobyte, 512 * kKilobyte, 8 * kMegabyte}) {
+        InThread(stack, [&] { ExpectWrittenOrRefused(message); });
+      }
+      // The host frees objects by recursion of its own.
+      InThread(64 * kMegabyte, [&] { message = Object(); });
+    }
   }
 }
 

@@ -407,6 +407,21 @@ TEST(ParserLimits, DoNotCountTheSeparatorsOfOtherFields) {
   EXPECT_EQ(Refusal(Repeated("Subject: ", ",;", mime::kMostEntries, "\n\n"), entity), "");
 }
 
+// What AdmitText says of a text with so many separators, nothing when it lets the text pass.
+std::string RefusalOfText(std::size_t commas) {
+  try {
+    mime::AdmitText(std::string(commas, ','));
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return {};
+}
+
+TEST(ParserLimits, HoldForATextThatIsParsedByItself) {
+  EXPECT_EQ(RefusalOfText(mime::kMostEntries - 1), "");
+  EXPECT_EQ(RefusalOfText(mime::kMostEntries), "the text has too many addresses");
+}
+
 TEST(ParserLimits, CountAgainForEachMessage) {
   for (int i = 0; i < 2; ++i) {
     mimetic::MimeEntity entity;

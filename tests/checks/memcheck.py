@@ -1,0 +1,146 @@
+#!/usr/bin/env python3
+"""Runs the zqv program with the library that ships under valgrind, over real messages.
+
+  memcheck.py ZQV FOLDER json    everything of each message of samples/ and tests/corpus
+  memcheck.py ZQV FOLDER verbs   the other verbs that call the library, one message each
+  memcheck.py --self-test CXX    demands that planted faults are found with the same options
+
+FOLDER is the project. Each error that valgrind reports and each block of memory that nothing points
+to at the end is a fault. The sanitizers see more, but of code that was compiled for them; this is
+the code that ships, the MIME library and the system's libraries included. Ends with 77 where there
+is no valgrind.
+"""
+
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+
+FAULTY = 99  # what valgrind makes the program's exit code when it has found anything
+SKIPPED = 77
+VALGRIND = ["valgrind", "--quiet", f"--error-exitcode={FAULTY}", "--leak-check=full",
+            "--errors-for-leak-kinds=definite,indirect", "--show-leak-kinds=definite,indirect",
+            f"--suppressions={pathlib.Path(__file__).with_name('memcheck.supp')}"]
+
+
+def run(command):
+    return subprocess.run(VALGRIND + command, capture_output=True, check=False)
+
+
+def explain(finished):
+    """The beginning of what valgrind and the program said."""
+    return finished.stderr.decode("utf-8", "replace")[:8000]
+
+
+def check_json(zqv, top):
+    """One process for all messages, as in an application that reads a mailbox."""
+    samples = sorted(top.glob("samples/*.eml"))
+    corpus = sorted(top.glob("tests/corpus/*/*.eml"))
+    if not samples or not corpus:
+        return [f"no messages in {top}"]
+    files = [str(path) for path in samples + corpus]
+    finished = run([zqv, "json", *files])
+    # Messages that raise are told on standard error and make the exit code 1.
+    documents = finished.stdout.count(b'"format_version"')
+    refused = finished.stderr.count(f"zqv: {top}/".encode())
+    print(f"{len(files)} messages, {documents} documents, {refused} refused")
+    faults = []
+    if finished.returncode not in (0, 1):
+        faults.append(f"ended with {finished.returncode}:\n{explain(finished)}")
+    if documents + refused != len(files) or documents < len(samples):
+        faults.append(f"not all messages were read:\n{explain(finished)}")
+    return faults
+
+
+# Arguments behind the program's name, and text that must be in what it prints.
+VERBS = [
+    (["show", "samples/nested.eml"], b"Subject"),
+    (["tree", "samples/attachments.eml"], b"text/plain"),
+    (["addresses", "samples/group-addresses.eml"], b"@"),
+    (["text", "samples/html-only.eml"], b" "),
+    (["text", "samples/japanese.eml"], b"\n"),
+    (["strip", "samples/attachments.eml"], b"Dear all,"),
+    (["strip", "samples/inline-images.eml"], b"Subject"),
+    (["decode", "=?ISO-8859-1?Q?Caf=E9?="], "Café".encode()),
+    (["classes"], b"MimeEmailZQV"),
+]
+
+
+def check_verbs(zqv, top):
+    faults = []
+    for arguments, expected in VERBS:
+        words = [str(top / word) if word.startswith("samples/") else word for word in arguments]
+        finished = run([zqv, *words])
+        if finished.returncode != 0:
+            faults.append(f"{arguments}: ended with {finished.returncode}:\n{explain(finished)}")
+        elif expected not in finished.stdout:
+            faults.append(f"{arguments}: printed {finished.stdout[:200]}")
+    print(f"{len(VERBS)} runs")
+    return faults
+
+
+PLANTED = r"""
+#include <cstdlib>
+#include <cstring>
+
+struct Node { Node* next; };
+
+__attribute__((noinline)) void Leak() {
+  Node* volatile first = new Node{new Node{nullptr}};
+  first = nullptr;
+}
+
+int main(int, char** values) {
+  const char* const fault = values[1];
+  volatile char* const memory = static_cast<char*>(std::malloc(16));
+  int code = 0;
+  if (std::strcmp(fault, "uninitialised") == 0 && memory[3] == 'x') code = 1;
+  if (std::strcmp(fault, "overrun") == 0) memory[16] = 'x';
+  if (std::strcmp(fault, "leak") == 0) Leak();
+  std::free(const_cast<char*>(memory));
+  if (std::strcmp(fault, "freed") == 0) code = memory[0] == 'x' ? 0 : 0;
+  return code;
+}
+"""
+# A word for the planted program, and what valgrind says of it; nothing where nothing is wrong.
+EXPECTED = [
+    ("none", None),
+    ("uninitialised", "uninitialised"),
+    ("overrun", "Invalid write of size 1"),
+    ("leak", "definitely lost"),
+    ("freed", "Invalid read of size 1"),
+]
+
+
+def self_test(compiler):
+    faults = []
+    with tempfile.TemporaryDirectory() as name:
+        source = pathlib.Path(name) / "planted.cc"
+        program = str(source.with_suffix(""))
+        source.write_text(PLANTED)
+        subprocess.run([compiler, "-O1", "-o", program, str(source)], check=True)
+        for word, message in EXPECTED:
+            finished = run([program, word])
+            wanted = FAULTY if message else 0
+            if finished.returncode != wanted or (message or "") not in explain(finished):
+                faults.append(f"{word}: ended with {finished.returncode}:\n{explain(finished)}")
+    return faults
+
+
+def main():
+    if not shutil.which("valgrind"):
+        print("skipped: valgrind is not installed")
+        return SKIPPED
+    if sys.argv[1] == "--self-test":
+        faults = self_test(sys.argv[2])
+    else:
+        zqv, top, what = sys.argv[1:4]
+        faults = {"json": check_json, "verbs": check_verbs}[what](zqv, pathlib.Path(top))
+    for fault in faults:
+        print(fault)
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
