@@ -1,12 +1,10 @@
 #include "email/transfer.h"
 
-#include <mimetic/codec/base64.h>
-#include <mimetic/codec/qp.h>
-
 #include <algorithm>
 #include <iterator>
 
 #include "text/ascii.h"
+#include "text/transfer_codes.h"
 
 namespace zqv::email {
 namespace {
@@ -17,15 +15,6 @@ constexpr std::string_view kBase64 = "base64";
 constexpr std::string_view kQuotedPrintable = "quoted-printable";
 constexpr std::string_view kKnownMechanisms[] = {"",       kBase64, kQuotedPrintable,
                                                  "binary", "7bit",  "8bit"};
-
-template <class Decoder>
-DecodedBody Decode(std::string_view body) {
-  std::string decoded;
-  decoded.reserve(body.size());
-  Decoder decoder;
-  decoder.process(body.begin(), body.end(), std::back_inserter(decoded));
-  return DecodedBody(std::move(decoded));
-}
 
 }  // namespace
 
@@ -38,8 +27,10 @@ DecodedBody DecodeData(const mimetic::ContentTransferEncoding& encoding,
                        const mimetic::MimeEntity& entity) {
   const std::string& mechanism = encoding.mechanism();
   const std::string& body = entity.body();
-  if (EqualsIgnoringCase(mechanism, kBase64)) return Decode<mimetic::Base64::Decoder>(body);
-  if (EqualsIgnoringCase(mechanism, kQuotedPrintable)) return Decode<mimetic::QP::Decoder>(body);
+  if (EqualsIgnoringCase(mechanism, kBase64)) return DecodedBody(text::DecodeBase64(body));
+  if (EqualsIgnoringCase(mechanism, kQuotedPrintable)) {
+    return DecodedBody(text::DecodeQuotedPrintable(body));
+  }
   return DecodedBody(std::string_view(body));
 }
 

@@ -14,11 +14,11 @@ namespace zqv::mime {
 inline constexpr std::size_t kMostEntities = 100'000;
 
 // Header fields of all entities together. The shortest costs 3 bytes of input.
-inline constexpr std::size_t kMostFields = 500'000;
+inline constexpr std::size_t kMostFields = 200'000;
 
 // Addresses and parameters of all header fields together, or of one text that an application has
 // parsed. An empty address costs one byte of input.
-inline constexpr std::size_t kMostEntries = 250'000;
+inline constexpr std::size_t kMostEntries = 100'000;
 
 // Stack that one level of nesting may cost in the dearest of all walks: building the host objects,
 // or the host's destroying them, which runs through the host's own frames between ours. Measured

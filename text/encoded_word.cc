@@ -1,9 +1,6 @@
 #include "text/encoded_word.h"
 
-#include <mimetic/codec/base64.h>
-
 #include <algorithm>
-#include <iterator>
 #include <string_view>
 
 #include "host/errors.h"
@@ -13,6 +10,7 @@
 #include "host/unicode.h"
 #include "text/charset.h"
 #include "text/quotes.h"
+#include "text/transfer_codes.h"
 
 namespace zqv::text {
 namespace {
@@ -25,11 +23,6 @@ int HexValue(char c) {
   if (c >= '0' && c <= '9') return c - '0';
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
   return c >= 'A' && c <= 'F' ? c - 'A' + 10 : 0;
-}
-
-void AppendBase64(std::string_view payload, std::string& out) {
-  mimetic::Base64::Decoder decoder;
-  decoder.process(payload.begin(), payload.end(), std::back_inserter(out));
 }
 
 void AppendQ(std::string_view payload, std::string& out) {
@@ -90,7 +83,7 @@ class EncodedWordScanner {
     // QUIRK: lower-case letters delimit a word whose text is then not decoded. Applications rely
     // on the asymmetry. Test: EncodedWords.LowerCaseLettersAreNotDecoded.
     if (letter == 'B') {
-      AppendBase64(payload, decoded_);
+      decoded_ += DecodeBase64(payload);
     } else if (letter == 'Q') {
       AppendQ(payload, decoded_);
     } else {

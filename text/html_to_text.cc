@@ -18,9 +18,8 @@ constexpr char32_t kTab = 9;
 constexpr char32_t kLineFeed = 10;
 constexpr char32_t kReturn = 13;
 
-// How many spaces the bullets of one text may be indented by, all together, besides one for each
-// of its code points. No real list comes near; without a limit 100 KB of nested lists make a
-// gigabyte of spaces.
+// How many spaces the bullets of one text may be indented by, all together. No real list comes
+// near; without a limit 100 KB of nested lists make a gigabyte of spaces.
 constexpr std::size_t kIndent = std::size_t{1} << 22;
 
 constexpr std::size_t kLongestReferenceName = 8;
@@ -135,7 +134,7 @@ std::uint32_t ReadNumericReference(std::u32string_view text) {
 // Walks the text once; every step moves `at_` forward.
 class HtmlPass {
  public:
-  explicit HtmlPass(std::u32string_view html) : html_(html), indent_left_(kIndent + html.size()) {
+  explicit HtmlPass(std::u32string_view html) : html_(html), indent_left_(kIndent) {
     constexpr std::size_t kSpare = 4096;  // most texts need no second allocation
     output_.reserve(html.size() + kSpare);
   }
@@ -344,8 +343,10 @@ std::u32string HtmlToPlainText(std::u32string_view html) { return HtmlPass(html)
 
 host::StringRef HTMLToPlainText(abi::REALstring html) {
   if (html == nullptr) return {};
-  host::rbText reader(html);
-  const std::u32string text = HtmlToPlainText(reader.Utf32());
+  const std::u32string text = [&] {
+    host::rbText reader(html);  // its copy of the text need not outlive the pass
+    return HtmlToPlainText(reader.Utf32());
+  }();
   const std::size_t size = text.size();
   ZQV_LOG("%s%s %lu", "output.size", static_cast<unsigned long>(size));
   if (text.empty()) return {};

@@ -1,0 +1,24 @@
+// Base64 and quoted-printable (RFC 2045, sections 6.7 and 6.8) as the MIME library decodes them, to
+// the byte and on every input, at several times its speed.
+//
+// QUIRK: neither refuses anything, and both have ways of their own with what is no regular code.
+// Applications know the results. Test: Transfer.IsTakenOff.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace zqv::text {
+
+// Characters that are neither of the alphabet nor "=" are skipped. Of each four others "=" in the
+// third or fourth place ends what the four give; in the first or second it counts as a value. Fewer
+// than four at the end give the whole bytes that they hold.
+std::string DecodeBase64(std::string_view text);
+
+// Blanks before a CR or LF go, and that one character with them; CRLF, LFCR, CR and LF are one LF
+// each; other control characters go. "=" with blanks and a line end is a soft break; "=" that
+// begins no code stays, with what does not fit. What the end leaves undecided, blanks or the start
+// of a code, becomes "=", with a tab if its second character is one.
+std::string DecodeQuotedPrintable(std::string_view text);
+
+}  // namespace zqv::text
