@@ -3,6 +3,7 @@
 #include <mimetic/mimeentity.h>
 
 #include <optional>
+#include <utility>
 
 #include "email/dates.h"
 #include "email/route.h"
@@ -82,6 +83,16 @@ void BuildObjects(MimeEntityClassData& record, const mimetic::MimeEntity& entity
   if (parts == 0) CompleteSinglePart(record, entity, std::move(decoded));
 }
 
+// All that needs the parsed tree, which is gone when this returns.
+void ParseAndBuild(MimeEntityClassData& record, std::string_view bytes, MessageBytes message) {
+  mimetic::MimeEntity entity;
+  mime::ParseMessage(bytes, entity);
+  message.Free();
+  BuildObjects(record, entity);
+  const mimetic::Header& header = entity.header();
+  record.Subject.Put(text::DecodeInlineEncodings(std::string(header.subject()), false));
+}
+
 }  // namespace
 
 void MimeEmailConstructor(abi::REALobject self, MessageBytes message, abi::REALstring source) {
@@ -94,12 +105,7 @@ void MimeEmailConstructor(abi::REALobject self, MessageBytes message, abi::REALs
     bytes.remove_prefix(kByteOrderMark.size());
   if (!Check(bytes)) return;
 
-  mimetic::MimeEntity entity;
-  mime::ParseMessage(bytes, entity);
-  message.Free();
-  BuildObjects(*record, entity);
-  const mimetic::Header& header = entity.header();
-  record->Subject.Put(text::DecodeInlineEncodings(std::string(header.subject()), false));
+  ParseAndBuild(*record, bytes, std::move(message));
   if (!record->PlainText) record->PlainText.Put(text::HTMLToPlainText(record->HTMLText.get()));
 }
 
