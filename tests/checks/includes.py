@@ -109,7 +109,7 @@ PLANTED = [
     ("host/a.cc", '#include "abi/x.h"', ""),
     ("plugin/a.cc", '#include "email/x.h"', ""),
     ("email/a.cc", "#include <mimetic/mimetic.h>", ""),
-    ("text/encoded_word.cc", "#include <mimetic/codec/qp.h>", ""),
+    ("email/transfer.cc", "#include <mimetic/codec/qp.h>", ""),
     ("tests/unit/mime/a.cc", '#include "standin/x.h"', ""),
     ("tests/unit/mime/a.cc", '#include "tests/unit/mime/x.h"', ""),
     ("tests/unit/text/a.cc", '#include "tests/reference/x.h"', ""),

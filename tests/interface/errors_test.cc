@@ -294,7 +294,7 @@ TEST_F(Errors, HugeFileWithLittleMemory) {
       ASSERT_EQ(setrlimit(RLIMIT_AS, &limit), 0);
       ReadsHugeFile(path);
     };
-    InChild(std::to_string(gigabytes) + " GB", body, 200);
+    InChild(std::to_string(gigabytes) + " GB", body, 280);
   }
 }
 
@@ -309,7 +309,7 @@ TEST_F(Errors, HugeFile) {
   const std::string path = WriteHugeFile(folder);
   LoadLibraryFile();
   InChild(
-      "all memory", [&] { ReadsHugeFile(path); }, 200);
+      "all memory", [&] { ReadsHugeFile(path); }, 280);
 }
 
 // A FolderItem that knows nothing but its URL, on a host that has no "NativePath" yet.

@@ -197,14 +197,14 @@ constexpr Shape kAmplifiers[] = {
     {"multiparts in multiparts", [](std::size_t n) { return NestedMultiparts(n / 70); }},
 };
 
-// As much as one message may have of everything at once: 99,999 parts, 5 fields for each, 249,000
-// addresses in all, and text up to `bytes`.
+// As much as one message may have of everything at once: parts, two fields for each, one of them
+// with an address, and text up to `bytes`.
 std::string AllJustBelowTheLimits(std::size_t bytes) {
-  const std::string part = "--b\nTo: a,b\na:\nb:\nc:\nd:\n\n";
+  const std::string part = "--b\nTo:a\na:\n\n";
   std::string parts;
   for (int i = 0; i < 99'990; ++i) parts += part;
   const std::size_t rest = bytes - std::min(bytes, parts.size() + 1000);
-  return "To: a,b:c;,d\n" + Multipart(parts + "--b\nContent-Type: text/html; charset=utf-8\n\n" +
+  return "To: a\n" + Multipart(parts + "--b\nContent-Type: text/html; charset=utf-8\n\n" +
                                       Repeat("<ul><li>&lt;", rest) + "\n");
 }
 
