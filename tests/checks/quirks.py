@@ -6,6 +6,7 @@
 
 A quirk is a comment of the library's own folders that says QUIRK:, and later Test: Suite.Name, with
 several tests separated by commas. The test must exist in tests/, and the document must name it.
+Whatever test this document and SECURITY.md name must exist: `Suite.Name`, or `Suite.*` for some.
 """
 
 import pathlib
@@ -13,6 +14,8 @@ import re
 import sys
 import tempfile
 
+NAMING_TESTS = ["docs/quirks.md", "SECURITY.md"]
+NAMED = re.compile(r"`([A-Z]\w*\.(?:[A-Z]\w*|\*))`")
 ROOMS = ["abi", "host", "text", "mime", "email", "plugin"]
 COMMENT = re.compile(r"^\s*//\s?(.*)$")
 TESTS = re.compile(r"Test: ((?:\w+\.\w+)(?:,\s+\w+\.\w+)*)")
@@ -66,9 +69,12 @@ def check(top):
                         faults.append(f"{place}: {test} is not in docs/quirks.md")
     if not named:
         faults.append("no quirk found at all")
-    for test in re.findall(r"`(\w+\.\w+)`", listed):
-        if re.fullmatch(r"[A-Z]\w*\.[A-Z]\w*", test) and test not in defined:
-            faults.append(f"docs/quirks.md: the test {test} does not exist")
+    suites = {test.split(".")[0] + ".*" for test in defined}
+    for document in NAMING_TESTS:
+        path = top / document
+        for test in NAMED.findall(path.read_text("utf-8") if path.is_file() else ""):
+            if test not in defined and test not in suites:
+                faults.append(f"{document}: the test {test} does not exist")
     return faults
 
 
@@ -83,6 +89,8 @@ PLANTED = [
     ({"tests/a_test.cc": "TEST(Odd, One) {}\n"}, "Odd.Two does not exist"),
     ({"docs/quirks.md": "| odd | `Odd.One` |\n"}, "Odd.Two is not in docs/quirks.md"),
     ({"docs/quirks.md": GOOD["docs/quirks.md"] + "| `Odd.Three` |\n"}, "Odd.Three does not exist"),
+    ({"SECURITY.md": "| `Odd.One`, `Odd.*`, `Odd.Four` |\n"}, "SECURITY.md: the test Odd.Four does not exist"),
+    ({"SECURITY.md": "| `Even.*` |\n"}, "SECURITY.md: the test Even.* does not exist"),
     ({"host/a.h": "int F();\n"}, "no quirk found at all"),
 ]
 

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -299,6 +300,34 @@ TEST_F(Strip, IsMadeAtEachAsking) {
   const auto first = std::get<String>(Call(message, "SourceWithoutAttachments"));
   EXPECT_EQ(first.locks(), 1);
   EXPECT_FALSE(first == std::get<String>(Call(message, "SourceWithoutAttachments")));
+}
+
+// Names of the fields, as a reader of the written message finds them.
+std::vector<std::string> FieldNames(const Object& message) {
+  std::vector<std::string> names;
+  const Object fields =
+      ObjectOf(Call(ObjectOf(Get(message, "Header")), "Fields as MimeFieldZQV()"));
+  for (std::int64_t i = 0; i < fields.Size(); ++i) {
+    names.push_back(standin::BytesOf(Get(ObjectOf(fields.At(i)), "Name")));
+  }
+  return names;
+}
+
+// Line breaks hidden in words, quotes, comments, folds and long lines that are folded anew.
+TEST_F(Strip, WritesNoFieldThatWasNotThere) {
+  Start();
+  const std::string source =
+      "Subject: =?utf-8?Q?a=0D=0ABcc:_eve@example.org?= =?utf-8?B?DQpFdmlsOiB4?=\n"
+      "To: \"a\n Bcc: eve@example.org\" <b@example.org>, c@example.org (\n Evil: x)\n"
+      "X-Long: " +
+      std::string(80, 'a') + " Bcc: " + std::string(80, 'b') + " \t Evil: x\n" +
+      "Content-Type: text/plain; name=\"a\n Evil: x\"\n\ntext\n";
+  const Object message = FromString(MakeString(source, abi::kUtf8));
+  const std::string written = standin::BytesOf(Call(message, "SourceWithoutAttachments"));
+  EXPECT_EQ(FieldNames(message),
+            (std::vector<std::string>{"Subject", "To", "X-Long", "Content-Type"}));
+  EXPECT_EQ(FieldNames(FromString(MakeString(written, abi::kUtf8))), FieldNames(message));
+  EXPECT_THAT(written, HasSubstr("\r\rtext\r"));
 }
 
 }  // namespace
