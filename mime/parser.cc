@@ -2,8 +2,12 @@
 
 #include <mimetic/parser/itparser.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
 #include <iterator>
 #include <memory>
+#include <string>
 
 #include "mime/header_loader.h"
 #include "mime/limits.h"
@@ -47,6 +51,83 @@ class ByteIterator {
  private:
   const char* at_ = nullptr;
   ParseState* state_ = nullptr;
+};
+
+bool IsLineEnd(char c) { return c == '\r' || c == '\n'; }
+
+// CRLF and LFCR are one line end.
+bool IsPair(char first, char second) {
+  return IsLineEnd(first) && IsLineEnd(second) && first != second;
+}
+
+// The lines of a text, up to a boundary, as the library reads them.
+//
+// QUIRK: the library reads through a buffer of 4,096 bytes and knows of a text only what is in it.
+// When it is full, all but the last line is written out of it; of a line that fills it alone, all
+// is, and what follows counts as the start of a line. So the line end before a boundary stays when
+// it was written out just before. Test:
+// Parser.GivesTheLibrarysTreeForEveryBodyLengthAroundItsBlocks.
+class BlockReader {
+ public:
+  BlockReader(const char* at, const char* end)
+      : at_(at), end_(end), block_(at), line_(at), next_cr_(at), next_lf_(at) {}
+
+  const char* at() const { return at_; }
+  // The line that was read, which begins no earlier than the buffer.
+  std::string_view line() const { return {line_, static_cast<std::size_t>(line_end_ - line_)}; }
+
+  // Reads a line and its end; false when the text ends first.
+  bool ReadLine() {
+    line_ = at_;
+    while (true) {
+      EmptyFullBuffer();
+      const char* const full = end_ - block_ > kBlock ? block_ + kBlock : end_;
+      line_end_ = std::min(NextLineEnd(), full);
+      at_ = line_end_;
+      if (at_ == end_) return false;
+      if (at_ == full) continue;
+      at_ += end_ - at_ > 1 && IsPair(at_[0], at_[1]) ? 2 : 1;
+      return true;
+    }
+  }
+
+  // Where the text ends when the line that was read is a boundary: before the line end in front of
+  // it, if that is in the buffer.
+  const char* TextEnd() const {
+    const std::ptrdiff_t before = line_ - block_;
+    if (before >= 2 && IsPair(line_[-1], line_[-2])) return line_ - 2;
+    return before >= 1 && IsLineEnd(line_[-1]) ? line_ - 1 : line_;
+  }
+
+ private:
+  static constexpr std::ptrdiff_t kBlock = 4093;
+
+  void EmptyFullBuffer() {
+    if (at_ - block_ < kBlock) return;
+    if (line_ == block_) line_ = at_;
+    block_ = line_;
+  }
+
+  // The next CR or LF from where reading is, or the end. Each is looked for once.
+  const char* NextLineEnd() {
+    next_cr_ = NextOf('\r', next_cr_);
+    next_lf_ = NextOf('\n', next_lf_);
+    return std::min(next_cr_, next_lf_);
+  }
+
+  const char* NextOf(char c, const char* known) const {
+    if (known == end_ || (known >= at_ && *known == c)) return known;
+    const void* const found = std::memchr(at_, c, static_cast<std::size_t>(end_ - at_));
+    return found != nullptr ? static_cast<const char*>(found) : end_;
+  }
+
+  const char* at_;
+  const char* const end_;
+  const char* block_;  // the first byte that is in the buffer
+  const char* line_;
+  const char* line_end_ = nullptr;
+  const char* next_cr_;
+  const char* next_lf_;
 };
 
 using MessageParser = mimetic::IteratorParser<ByteIterator, std::input_iterator_tag>;
@@ -93,6 +174,29 @@ zqv::mime::MessageParser::BoundaryType zqv::mime::MessageParser::isBoundary(
     m_lastBoundary = HigherLevelBoundary;
   }
   return m_lastBoundary;
+}
+
+// The library's own member reads bytes one by one into its buffer; here the text is taken as it
+// lies.
+template <>
+void zqv::mime::MessageParser::copy_until_boundary(ParsingElem element) {
+  const char* const text = m_bit.at();
+  const char* text_end = m_eit.at();
+  zqv::mime::BlockReader reader(text, text_end);
+  while (reader.ReadLine()) {
+    const std::string_view line = reader.line();
+    if (line.substr(0, 2) == "--" && isBoundary(std::string(line)) != NoBoundary) {
+      text_end = reader.TextEnd();
+      break;
+    }
+  }
+  m_bit = zqv::mime::ByteIterator(reader.at(), &m_eit.state());
+  std::string* part = nullptr;
+  mimetic::Body& body = m_entityStack.top()->body();
+  if (element == peBody) part = &body;
+  if (element == pePreamble) part = &body.preamble();
+  if (element == peEpilogue) part = &body.epilogue();
+  if (part != nullptr) part->append(text, static_cast<std::size_t>(text_end - text));
 }
 
 // The library's own member, with the boundaries kept where isBoundary looks for them. One that ends

@@ -131,6 +131,39 @@ TEST(Parser, GivesTheLibrarysTreeForEveryBodyLengthAroundItsBlocks) {
   }
 }
 
+// Lines that end in each way, begin as boundaries do or not, and fill blocks to the byte or nearly.
+std::string AnyLine(std::mt19937& random) {
+  static constexpr const char* kStarts[] = {"",    "",     "",    "-",      "--",  "--b",
+                                            "--c", "--b-", "---", "--b--x", "x--", " --b"};
+  static constexpr const char* kEnds[] = {"\n", "\n", "\n", "\r\n", "\r\n", "\r", "\n\r", ""};
+  static constexpr std::size_t kLengths[] = {0, 0, 1, 2, 76, 76, 1'000, 2'040, 4'080, 4'090};
+  const auto below = [&](std::size_t end) { return random() % end; };
+  const std::size_t length = kLengths[below(std::size(kLengths))] + below(8);
+  return kStarts[below(std::size(kStarts))] + std::string(length, 'x') +
+         kEnds[below(std::size(kEnds))];
+}
+
+TEST(Parser, GivesTheLibrarysTreeForLinesThatFillItsBlocks) {
+  std::mt19937 random(1);
+  std::size_t with_parts = 0;
+  for (int i = 0; i < 4'000; ++i) {
+    std::string message =
+        "Content-Type: multipart/mixed; boundary=c\n\n--c\nContent-Type: multipart/mixed; "
+        "boundary=b\n\n";
+    for (std::size_t lines = 1 + random() % 12; lines > 0; --lines) {
+      message += AnyLine(random);
+      if (random() % 4 == 0) message += "\n--b\n\n";
+    }
+    if (random() % 2 == 0) message += "\n--b--\nepilogue\n--c--\n";
+    ASSERT_EQ(DifferenceFromTheLibrary(message), "") << ::testing::PrintToString(message);
+    mimetic::MimeEntity entity;
+    mime::ParseMessage(message, entity);
+    if (!entity.body().parts().empty() && !entity.body().parts().front()->body().parts().empty())
+      ++with_parts;
+  }
+  EXPECT_GT(with_parts, 1'000U);
+}
+
 // Changes a message at random, the same way on every run.
 class Mutator {
  public:
