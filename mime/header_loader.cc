@@ -1,7 +1,5 @@
 #include "mime/header_loader.h"
 
-#include <algorithm>
-
 namespace zqv::mime {
 namespace {
 
@@ -45,10 +43,18 @@ class HeaderLoader {
     if (at_ != end_ && *at_ == other) ++at_;
   }
 
-  void SkipBlanks() { at_ = std::find_if_not(at_, end_, IsBlank); }
+  void SkipBlanks() {
+    while (at_ != end_ && IsBlank(*at_)) ++at_;
+  }
+
+  const char* LineEnd() const {
+    const char* at = at_;
+    while (at != end_ && !IsNewline(*at)) ++at;
+    return at;
+  }
 
   void ReadValue() {
-    const char* line_end = std::find_if(at_, end_, IsNewline);
+    const char* const line_end = LineEnd();
     value_.append(at_, line_end);
     at_ = line_end;
   }
@@ -64,6 +70,10 @@ class HeaderLoader {
   // The rest of a line that should be a field. False when it is none: then the body has begun, and
   // what was read of the line belongs to it.
   bool ReadField() {
+    const char* name_end = at_;
+    while (name_end != end_ && IsNameCharacter(*name_end)) ++name_end;
+    name_.append(at_, name_end);
+    at_ = name_end;
     while (at_ != end_ && *at_ != ':') {
       const bool after_blank = !name_.empty() && IsBlank(name_.back());
       if (!IsBlank(*at_) && (after_blank || !IsNameCharacter(*at_))) {
@@ -74,7 +84,7 @@ class HeaderLoader {
     }
     if (at_ == end_) return true;
     if (name_.empty()) {  // a line that begins with the colon is passed over
-      at_ = std::find_if(at_, end_, IsNewline);
+      at_ = LineEnd();
       return true;
     }
     while (!name_.empty() && IsBlank(name_.back())) name_.pop_back();
