@@ -1,27 +1,15 @@
 // Building blocks of the inputs.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 
+#include "tests/support/long_text.h"
+
 namespace zqv::growth {
 
-// `text` as often as it takes to have at least so many bytes.
-inline std::string Repeat(std::string_view text, std::size_t bytes) {
-  std::string result;
-  result.reserve(bytes + text.size());
-  while (result.size() < bytes) result += text;
-  return result;
-}
-
-// item(0), item(1) and so on, until there are at least so many bytes.
-template <typename Item>
-std::string Count(std::size_t bytes, Item item) {
-  std::string result;
-  for (std::size_t number = 0; result.size() < bytes; ++number) result += item(number);
-  return result;
-}
+using test::Count;
+using test::Repeat;
 
 // A message of one text/plain part; `fields` are whole lines.
 inline std::string PlainMessage(const std::string& fields, const std::string& body = "Hello.\n") {

@@ -24,6 +24,7 @@
 #include "tests/interface/messages.h"
 #include "tests/interface/reading.h"
 #include "tests/interface/session.h"
+#include "tests/support/long_text.h"
 
 namespace zqv::interface_test {
 namespace {
@@ -33,6 +34,9 @@ constexpr bool kShips = false;
 #else
 constexpr bool kShips = true;
 #endif
+
+using test::Count;
+using test::Repeat;
 
 constexpr std::size_t kMegabyte = std::size_t{1} << 20;
 constexpr std::size_t kGigabyte = std::size_t{1} << 30;
@@ -55,20 +59,6 @@ std::size_t BeginPeak() {
   const std::size_t resident = StatusOf("VmRSS");
   EXPECT_LT(StatusOf("VmHWM"), resident + kMegabyte) << "the peak was not forgotten";
   return resident;
-}
-
-std::string Repeat(std::string_view text, std::size_t bytes) {
-  std::string result;
-  result.reserve(bytes + text.size());
-  while (result.size() < bytes) result += text;
-  return result;
-}
-
-template <typename Item>
-std::string Count(std::size_t bytes, Item item) {
-  std::string result;
-  for (std::size_t number = 0; result.size() < bytes; ++number) result += item(number);
-  return result;
 }
 
 std::string WithBody(std::string_view type, std::string_view transfer, const std::string& body) {
@@ -205,7 +195,7 @@ std::string AllJustBelowTheLimits(std::size_t bytes) {
   for (int i = 0; i < 99'990; ++i) parts += part;
   const std::size_t rest = bytes - std::min(bytes, parts.size() + 1000);
   return "To: a\n" + Multipart(parts + "--b\nContent-Type: text/html; charset=utf-8\n\n" +
-                                      Repeat("<ul><li>&lt;", rest) + "\n");
+                               Repeat("<ul><li>&lt;", rest) + "\n");
 }
 
 // What may be raised for a message that asks for too much.

@@ -1,0 +1,26 @@
+// Texts of any length, for tests of what hostile mail costs.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace zqv::test {
+
+// `text` as often as it takes to have at least so many bytes.
+inline std::string Repeat(std::string_view text, std::size_t bytes) {
+  std::string result;
+  result.reserve(bytes + text.size());
+  while (result.size() < bytes) result += text;
+  return result;
+}
+
+// item(0), item(1) and so on, until there are at least so many bytes.
+template <typename Item>
+std::string Count(std::size_t bytes, Item item) {
+  std::string result;
+  for (std::size_t number = 0; result.size() < bytes; ++number) result += item(number);
+  return result;
+}
+
+}  // namespace zqv::test
