@@ -60,7 +60,15 @@ struct Row {
 
 void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
 
-void EnterStreams(const char* name) { std::locale::global(std::locale(name)); }
+// The C library keeps for ever what it noted of LOCPATH when a C++ locale was made.
+extern "C" __attribute__((weak)) void __lsan_disable();
+extern "C" __attribute__((weak)) void __lsan_enable();
+
+void EnterStreams(const char* name) {
+  if (__lsan_disable != nullptr) __lsan_disable();
+  std::locale::global(std::locale(name));
+  if (__lsan_enable != nullptr) __lsan_enable();
+}
 
 // The C locale, which every program starts in, is what all are compared with.
 const Row kRows[] = {
