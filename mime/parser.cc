@@ -60,6 +60,28 @@ bool IsPair(char first, char second) {
   return IsLineEnd(first) && IsLineEnd(second) && first != second;
 }
 
+// Where a character comes next. What was searched is not searched again.
+class Finder {
+ public:
+  Finder(char c, const char* at) : c_(c), known_(at) {}
+
+  // The first one in [at, limit), or `limit`. Neither ever goes back.
+  const char* Next(const char* at, const char* limit) {
+    if (is_found_ && known_ >= at) return std::min(known_, limit);
+    const char* const from = std::max(at, known_);
+    if (from >= limit) return limit;
+    const void* const found = std::memchr(from, c_, static_cast<std::size_t>(limit - from));
+    is_found_ = found != nullptr;
+    known_ = is_found_ ? static_cast<const char*>(found) : limit;
+    return known_;
+  }
+
+ private:
+  const char c_;
+  const char* known_;  // one of them, or there is none before
+  bool is_found_ = false;
+};
+
 // The lines of a text, up to a boundary, as the library reads them.
 //
 // QUIRK: the library reads through a buffer of 4,096 bytes and knows of a text only what is in it.
@@ -70,7 +92,7 @@ bool IsPair(char first, char second) {
 class BlockReader {
  public:
   BlockReader(const char* at, const char* end)
-      : at_(at), end_(end), block_(at), line_(at), next_cr_(at), next_lf_(at) {}
+      : at_(at), end_(end), block_(at), line_(at), cr_('\r', at), lf_('\n', at) {}
 
   const char* at() const { return at_; }
   // The line that was read, which begins no earlier than the buffer.
@@ -82,7 +104,7 @@ class BlockReader {
     while (true) {
       EmptyFullBuffer();
       const char* const full = end_ - block_ > kBlock ? block_ + kBlock : end_;
-      line_end_ = std::min(NextLineEnd(), full);
+      line_end_ = cr_.Next(at_, lf_.Next(at_, full));
       at_ = line_end_;
       if (at_ == end_) return false;
       if (at_ == full) continue;
@@ -108,26 +130,13 @@ class BlockReader {
     block_ = line_;
   }
 
-  // The next CR or LF from where reading is, or the end. Each is looked for once.
-  const char* NextLineEnd() {
-    next_cr_ = NextOf('\r', next_cr_);
-    next_lf_ = NextOf('\n', next_lf_);
-    return std::min(next_cr_, next_lf_);
-  }
-
-  const char* NextOf(char c, const char* known) const {
-    if (known == end_ || (known >= at_ && *known == c)) return known;
-    const void* const found = std::memchr(at_, c, static_cast<std::size_t>(end_ - at_));
-    return found != nullptr ? static_cast<const char*>(found) : end_;
-  }
-
   const char* at_;
   const char* const end_;
   const char* block_;  // the first byte that is in the buffer
   const char* line_;
   const char* line_end_ = nullptr;
-  const char* next_cr_;
-  const char* next_lf_;
+  Finder cr_;
+  Finder lf_;
 };
 
 using MessageParser = mimetic::IteratorParser<ByteIterator, std::input_iterator_tag>;
