@@ -3,7 +3,6 @@
 #include "standin/library.h"
 
 namespace zqv::bench {
-
 namespace {
 
 standin::Capabilities WithoutLedger() {
@@ -26,12 +25,6 @@ int Run(int argc, char** argv, void (*register_all)()) {
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
   benchmark::RunSpecifiedBenchmarks();
   return 0;
-}
-
-std::string Repeat(std::string_view text, std::size_t bytes) {
-  std::string result;
-  while (result.size() < bytes) result += text;
-  return result;
 }
 
 std::string_view Header() {

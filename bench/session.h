@@ -10,6 +10,7 @@
 
 #include "standin/application.h"
 #include "standin/host.h"
+#include "tests/support/long_text.h"
 
 namespace zqv::bench {
 
@@ -22,12 +23,11 @@ class Session {
   std::unique_ptr<standin::Host> host_;
 };
 
-// Starts a session, calls `register_all` and runs what it
-// registered, as the command line asks. Gives the program's exit code.
+// Starts a session, calls `register_all` and runs what it registered, as the command line asks.
+// Gives the program's exit code.
 int Run(int argc, char** argv, void (*register_all)());
 
-// `text` as often as it takes to have at least so many bytes.
-std::string Repeat(std::string_view text, std::size_t bytes);
+using test::Repeat;
 
 // The header of an ordinary message, without Content-Type and the empty line behind it.
 std::string_view Header();

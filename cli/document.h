@@ -3,8 +3,7 @@
 //   message     subject, date, received_date, plain_text, html_text, source, attachments, inlines,
 //               parts
 //   attachment  part (the number of the part it describes), filename, mime_type ... data
-//   part        number, header, body, body_decoded; all of them in one list, parents first, with
-//   the
+//   part        number, header, body, body_decoded; all parts in one list, parents first, with the
 //               numbers of PartTree
 //   header      its texts, sender, from, to, reply_to, cc, bcc, and all fields
 //

@@ -1,10 +1,13 @@
 #include "mime/header_loader.h"
 
+#include "text/ascii.h"
+
 namespace zqv::mime {
 namespace {
 
-bool IsNewline(char c) { return c == '\r' || c == '\n'; }
-bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+using text::IsBlank;
+using text::IsLineEnd;
+
 bool IsNameCharacter(char c) { return c > 32 && c < 127 && c != ':'; }
 
 class HeaderLoader {
@@ -31,7 +34,7 @@ class HeaderLoader {
  private:
   // True, with the line end taken, at an empty line.
   bool EndsHere() {
-    if (!IsNewline(*at_)) return false;
+    if (!IsLineEnd(*at_)) return false;
     SkipLineEnd();
     return true;
   }
@@ -49,7 +52,7 @@ class HeaderLoader {
 
   const char* LineEnd() const {
     const char* at = at_;
-    while (at != end_ && !IsNewline(*at)) ++at;
+    while (at != end_ && !IsLineEnd(*at)) ++at;
     return at;
   }
 

@@ -12,6 +12,7 @@
 #include "mime/header_loader.h"
 #include "mime/limits.h"
 #include "mime/open_boundaries.h"
+#include "text/ascii.h"
 
 namespace zqv::mime {
 namespace {
@@ -53,7 +54,7 @@ class ByteIterator {
   ParseState* state_ = nullptr;
 };
 
-bool IsLineEnd(char c) { return c == '\r' || c == '\n'; }
+using text::IsLineEnd;
 
 // CRLF and LFCR are one line end.
 bool IsPair(char first, char second) {

@@ -8,6 +8,7 @@
 #include "host/strings.h"
 #include "host/text_reader.h"
 #include "host/unicode.h"
+#include "text/ascii.h"
 #include "text/charset.h"
 #include "text/quotes.h"
 #include "text/transfer_codes.h"
@@ -19,11 +20,8 @@ constexpr std::size_t kShortestEncodedWord = 7;  // =?c?Q?=
 
 std::string_view UpToNul(std::string_view text) { return text.substr(0, text.find('\0')); }
 
-int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return c >= 'A' && c <= 'F' ? c - 'A' + 10 : 0;
-}
+// Of what is no digit, 0.
+int HexValue(char c) { return std::max(HexadecimalValue(c), 0); }
 
 void AppendQ(std::string_view payload, std::string& out) {
   for (std::size_t i = 0; i < payload.size(); ++i) {

@@ -4,6 +4,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
+
+#include "text/ascii.h"
 
 namespace zqv::text {
 namespace {
@@ -89,9 +92,6 @@ class Base64Decoder {
   char* out_;
 };
 
-bool IsBlank(char c) { return c == ' ' || c == '\t'; }
-bool IsLineEnd(char c) { return c == '\r' || c == '\n'; }
-
 // What ends a run of characters that stay: "=" and control characters but the tab.
 constexpr std::array<bool, 256> MakeEndsRun() {
   std::array<bool, 256> table{};
@@ -102,13 +102,6 @@ constexpr std::array<bool, 256> MakeEndsRun() {
 constexpr std::array<bool, 256> kEndsRun = MakeEndsRun();
 
 bool EndsRun(char c) { return kEndsRun[static_cast<unsigned char>(c)]; }
-
-// -1 for what is no hexadecimal digit.
-int HexadecimalValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
-}
 
 class QuotedPrintableDecoder {
  public:
