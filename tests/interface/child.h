@@ -23,6 +23,13 @@ inline constexpr bool kSanitized = true;
 inline constexpr bool kSanitized = false;
 #endif
 
+// Whether this is how the library ships. Others need more stack and memory.
+#if !defined(__OPTIMIZE__) || defined(ZQV_INSTRUMENTED)
+inline constexpr bool kShips = false;
+#else
+inline constexpr bool kShips = true;
+#endif
+
 // What a sanitizer's slowness leaves of a number of repetitions.
 constexpr int Repetitions(int plain, int sanitized) { return kSanitized ? sanitized : plain; }
 

@@ -29,12 +29,6 @@
 namespace zqv::interface_test {
 namespace {
 
-#if !defined(__OPTIMIZE__) || defined(ZQV_INSTRUMENTED)
-constexpr bool kShips = false;
-#else
-constexpr bool kShips = true;
-#endif
-
 using test::Count;
 using test::Repeat;
 
