@@ -224,8 +224,23 @@ bool IsWholeDeclaration(std::string_view text, const Declaration& declaration) {
 }
 
 // The one method of the class line that `text` and the arguments leave.
-const Method& FindMethod(const ClassInfo& info, std::vector<Method> ClassInfo::*table,
-                         std::string_view text, const std::vector<Value>& values) {
+// The method of the class itself that was registered with this very text, as a compiler finds it
+// once for all calls; null when there is none that takes the values.
+const Method* FindExactMethod(const std::vector<Method>& methods, std::string_view text,
+                              const std::vector<Value>& values) {
+  for (const Method& method : methods) {
+    CallArguments scratch;
+    if (text == method.row->declaration && Marshal(method.declaration, values, &scratch)) {
+      return &method;
+    }
+  }
+  return nullptr;
+}
+
+// By name, or by the whole declaration, in the class and those above it; refuses when there is not
+// exactly one that takes the values.
+const Method& FindOnlyMethod(const ClassInfo& info, std::vector<Method> ClassInfo::*table,
+                             std::string_view text, const std::vector<Value>& values) {
   const std::optional<Declaration> wanted = ParseDeclaration(text);
   if (!wanted) Refuse("not a declaration: " + std::string(text));
   const bool whole = IsWholeDeclaration(text, *wanted);
@@ -246,6 +261,13 @@ const Method& FindMethod(const ClassInfo& info, std::vector<Method> ClassInfo::*
   }
   if (!name_exists) Refuse(info.name + " has no method " + std::string(text));
   if (found == nullptr) Refuse(std::string(text) + ": the arguments fit no such method");
+  return *found;
+}
+
+const Method& FindMethod(const ClassInfo& info, std::vector<Method> ClassInfo::*table,
+                         std::string_view text, const std::vector<Value>& values) {
+  const Method* found = FindExactMethod(info.*table, text, values);
+  if (found == nullptr) found = &FindOnlyMethod(info, table, text, values);
   if ((found->flags & (abi::kFlagPrivate | abi::kFlagProtected)) != 0) {
     Refuse(info.name + "." + std::string(text) + " is private");
   }

@@ -188,6 +188,38 @@ std::optional<std::string> RunIconv(std::string_view bytes, const char* from, co
   }
 }
 
+// What iconv gives, without its two passes: hosts convert between their own encodings fast, and
+// every text made from HTML comes this way.
+std::optional<std::string> Utf32ToUtf8(std::string_view bytes) {
+  if (bytes.size() % sizeof(char32_t) != 0) return std::nullopt;
+  std::string text(bytes.size(), '\0');
+  char* out = text.data();
+  const auto put = [&out](char32_t bits) { *out++ = static_cast<char>(bits); };
+  for (std::size_t i = 0; i < bytes.size(); i += sizeof(char32_t)) {
+    char32_t c;
+    std::memcpy(&c, bytes.data() + i, sizeof c);
+    if (c < 0x80) {
+      put(c);
+      continue;
+    }
+    if (c > 0x10FFFF || (c >= 0xD800 && c < 0xE000)) return std::nullopt;
+    if (c < 0x800) {
+      put(0xC0 | c >> 6);
+    } else {
+      if (c < 0x10000) {
+        put(0xE0 | c >> 12);
+      } else {
+        put(0xF0 | c >> 18);
+        put(0x80 | (c >> 12 & 0x3F));
+      }
+      put(0x80 | (c >> 6 & 0x3F));
+    }
+    put(0x80 | (c & 0x3F));
+  }
+  text.resize(static_cast<std::size_t>(out - text.data()));
+  return text;
+}
+
 std::optional<std::u32string> CodePointsByRow(std::string_view bytes, const Row& row) {
   if (row.has_ascii && IsAscii(bytes)) return std::u32string(bytes.begin(), bytes.end());
   const std::optional<std::string> raw = RunIconv(bytes, row.name, kUtf32Here);
@@ -244,6 +276,7 @@ std::optional<std::string> Convert(std::string_view bytes, abi::Encoding from, a
   if (source == nullptr || target == nullptr) return std::nullopt;
   if (source->name == nullptr || target->name == nullptr) return std::nullopt;
   if (source->has_ascii && target->has_ascii && IsAscii(bytes)) return std::string(bytes);
+  if (from == abi::kUtf32 && to == abi::kUtf8) return Utf32ToUtf8(bytes);
   const std::optional<std::u32string> text = CodePointsByRow(bytes, *source);
   if (!text) return std::nullopt;
   if (from == to) return std::string(bytes);

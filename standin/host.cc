@@ -12,8 +12,6 @@
 namespace zqv::standin {
 namespace {
 
-Host* current = nullptr;  // the resolver has no context to carry it
-
 // What the resolver gives for one entry point: counts, applies the fault, then does the work.
 template <EntryId kId, auto kBody>
 struct Counted;
@@ -60,23 +58,20 @@ EntryId EntryOf(std::string_view name) {
 }  // namespace
 
 std::unique_ptr<Host> Host::Start(Capabilities capabilities) {
-  if (current != nullptr) Fatal("a second host in one process");
+  if (current_ != nullptr) Fatal("a second host in one process");
   return std::unique_ptr<Host>(new Host(std::move(capabilities)));
 }
 
 Host::Host(Capabilities capabilities)
     : capabilities_(std::move(capabilities)), store_(capabilities_) {
-  current = this;
+  current_ = this;
   for (const auto& [name, fault] : capabilities_.faults) SetFault(name, fault);
 }
 
-Host::~Host() { current = nullptr; }
+Host::~Host() { current_ = nullptr; }
 
-Host* Host::Current() { return current; }
-
-Host& Host::Get(const char* user) {
-  if (current == nullptr) Fatal(std::string(user) + " is called while no host lives");
-  return *current;
+void Host::FailWithoutHost(const char* user) {
+  Fatal(std::string(user) + " is called while no host lives");
 }
 
 abi::Resolver Host::resolver() const { return &Host::Resolve; }
@@ -117,11 +112,9 @@ void Host::SetFault(std::string_view name, std::optional<Fault> fault) {
   if (of_objects || of_strings) counts_locks_ = false;
 }
 
-bool Host::Enter(EntryId id) {
-  ++total_calls_;
-  EntryState& state = entries_[id];
-  ++state.calls;
-  if (!state.fault || state.calls < state.fault->from_call) return false;
+bool Host::ApplyFault(EntryId id) const {
+  const EntryState& state = entries_[id];
+  if (state.calls < state.fault->from_call) return false;
   if (state.calls - state.fault->from_call >= state.fault->calls) return false;
   switch (state.fault->kind) {
     case Fault::Kind::kMissing:

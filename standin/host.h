@@ -33,9 +33,12 @@ class Host {
   Host& operator=(const Host&) = delete;
 
   // Null when no host lives.
-  static Host* Current();
+  static Host* Current() { return current_; }
   // Fatal when no host lives.
-  static Host& Get(const char* user);
+  static Host& Get(const char* user) {
+    if (current_ == nullptr) FailWithoutHost(user);
+    return *current_;
+  }
 
   // What the plug-in's exported function receives. It serves whichever host lives.
   abi::Resolver resolver() const;
@@ -80,7 +83,12 @@ class Host {
   void DropStray();
 
   // Counts a call of an entry point and applies its fault: true when the call must do nothing.
-  bool Enter(EntryId id);
+  bool Enter(EntryId id) {
+    ++total_calls_;
+    EntryState& state = entries_[id];
+    ++state.calls;
+    return state.fault.has_value() && ApplyFault(id);
+  }
 
   // Whether "PluginNewInstance" must give nil for this class.
   bool IsUnknownClass(std::string_view name) const;
@@ -95,7 +103,11 @@ class Host {
 
   explicit Host(Capabilities capabilities);
   static void* Resolve(const char* name);
+  [[noreturn]] static void FailWithoutHost(const char* user);
+  bool ApplyFault(EntryId id) const;
   const EntryState& State(std::string_view name) const;
+
+  inline static Host* current_ = nullptr;  // the resolver has no context to carry it
 
   const Capabilities capabilities_;
   ClassTable classes_;

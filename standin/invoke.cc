@@ -15,8 +15,6 @@
 namespace zqv::standin {
 namespace {
 
-bool in_plugin = false;
-
 template <typename Result>
 ZQV_ANY_FUNCTION_TYPE Result Jump(abi::REALproc function, const CallArguments& arguments) {
   using Function = Result (*)(std::int64_t, std::int64_t, std::int64_t, std::int64_t, std::int64_t,
@@ -70,11 +68,5 @@ bool CallBoolean(abi::REALproc function, const CallArguments& arguments, const s
 double CallDouble(abi::REALproc function, const CallArguments& arguments, const std::string& what) {
   return Call<double>(function, arguments, what);
 }
-
-bool InPlugin() { return in_plugin; }
-
-PluginScope::PluginScope(bool now_in_plugin) : before_(in_plugin) { in_plugin = now_in_plugin; }
-
-PluginScope::~PluginScope() { in_plugin = before_; }
 
 }  // namespace zqv::standin

@@ -35,15 +35,21 @@ std::int64_t CallInteger(abi::REALproc function, const CallArguments& arguments,
 bool CallBoolean(abi::REALproc function, const CallArguments& arguments, const std::string& what);
 double CallDouble(abi::REALproc function, const CallArguments& arguments, const std::string& what);
 
+namespace internal {
+inline bool in_plugin = false;
+}  // namespace internal
+
 // Whether code of the plug-in runs at this moment, called by the host and not itself inside an
 // entry point. A test that makes allocations fail asks this so as to spare the host's own.
-bool InPlugin();
+inline bool InPlugin() { return internal::in_plugin; }
 
 // Sets what InPlugin answers, and restores it.
 class PluginScope {
  public:
-  explicit PluginScope(bool in_plugin);
-  ~PluginScope();
+  explicit PluginScope(bool now_in_plugin) : before_(internal::in_plugin) {
+    internal::in_plugin = now_in_plugin;
+  }
+  ~PluginScope() { internal::in_plugin = before_; }
   PluginScope(const PluginScope&) = delete;
   PluginScope& operator=(const PluginScope&) = delete;
 

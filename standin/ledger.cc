@@ -89,8 +89,8 @@ void Ledger::Trim(std::size_t max_entries, std::size_t max_bytes) {
   }
 }
 
-void Ledger::CheckAlive(const void* pointer, const char* user) const {
-  if (!enabled_ || live_.count(pointer) != 0) return;
+void Ledger::Look(const void* pointer, const char* user) const {
+  if (live_.count(pointer) != 0) return;
   const auto dead = dead_.find(pointer);
   if (dead != dead_.end()) {
     Fatal(std::string(user) + ": use of a freed " +

@@ -43,7 +43,9 @@ class Ledger {
   void Died(Thing* thing, std::size_t bytes);
 
   // Fatal unless `pointer` is a live thing; `user` names who uses it.
-  void CheckAlive(const void* pointer, const char* user) const;
+  void CheckAlive(const void* pointer, const char* user) const {
+    if (enabled_) Look(pointer, user);
+  }
 
   // Books a filled string-data record by its address; fatal when that one is still outstanding.
   void Lent(const abi::REALstringData* record, const char* user);
@@ -69,6 +71,7 @@ class Ledger {
     std::size_t bytes;
   };
 
+  void Look(const void* pointer, const char* user) const;
   void Trim(std::size_t max_entries, std::size_t max_bytes);
   std::int64_t& Count(ThingKind kind);
 

@@ -31,6 +31,7 @@ Date::Field FieldOf(const NativeProperty& property) {
 
 bool IsMissing(const ClassInfo& info, const char* property,
                const std::set<std::string, std::less<>>& missing) {
+  if (missing.empty()) return false;
   for (const ClassInfo* c = &info; c != nullptr; c = c->super) {
     if (missing.count(c->name + "." + property) != 0) return true;
   }

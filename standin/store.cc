@@ -98,15 +98,13 @@ bool Store::IsImmortal(ThingKind kind) const {
   return kind == ThingKind::kString ? strings_are_immortal_ : objects_are_immortal_;
 }
 
-void* Store::Allocate(std::size_t size, const char* creator) {
-  void* const memory = std::calloc(1, size);
-  if (memory == nullptr) Fatal(std::string(creator) + ": out of memory");
-  return memory;
-}
-
 template <typename T>
-T* Store::Begin(std::size_t size, const TypeInfo& type, ThingKind kind, const char* creator) {
-  T* const thing = static_cast<T*>(Allocate(size, creator));
+T* Store::Begin(std::size_t size, std::size_t zeroed, const TypeInfo& type, ThingKind kind,
+                const char* creator) {
+  void* const memory = std::malloc(size);
+  if (memory == nullptr) Fatal(std::string(creator) + ": out of memory");
+  std::memset(memory, 0, zeroed);
+  T* const thing = static_cast<T*>(memory);
   thing->type = &type;
   thing->kind = kind;
   thing->creator = creator;
@@ -115,11 +113,13 @@ T* Store::Begin(std::size_t size, const TypeInfo& type, ThingKind kind, const ch
 }
 
 StringThing* Store::NewString(std::string_view bytes, abi::Encoding encoding, const char* creator) {
-  auto* const string = Begin<StringThing>(sizeof(StringThing) + bytes.size() + 1, kStringType,
-                                          ThingKind::kString, creator);
+  auto* const string =
+      Begin<StringThing>(sizeof(StringThing) + bytes.size() + 1, sizeof(StringThing), kStringType,
+                         ThingKind::kString, creator);
   string->encoding = encoding;
   string->length = bytes.size();
   if (!bytes.empty()) std::memcpy(string->data(), bytes.data(), bytes.size());
+  string->data()[bytes.size()] = '\0';
   if (ledger_.enabled()) string->checksum = Checksum(bytes);
   ledger_.Born(string);
   return string;
@@ -127,7 +127,8 @@ StringThing* Store::NewString(std::string_view bytes, abi::Encoding encoding, co
 
 Thing* Store::NewObject(const ClassInfo& info, const char* creator) {
   if (info.native != NativeKind::kNone) return NewNative(info, creator);
-  Thing* const object = Begin<Thing>(info.instance_size, info, ThingKind::kObject, creator);
+  Thing* const object =
+      Begin<Thing>(info.instance_size, info.instance_size, info, ThingKind::kObject, creator);
   if (ledger_.enabled()) GuardGaps(object, info);
   ledger_.Born(object);
   // Constructor functions run from the top class down, as destructors run from the bottom up.
@@ -145,7 +146,8 @@ Thing* Store::NewObject(const ClassInfo& info, const char* creator) {
 
 NativeThing* Store::NewNative(const ClassInfo& info, const char* creator) {
   std::unique_ptr<NativeState> state = NewState(info.native);
-  auto* const object = Begin<NativeThing>(sizeof(NativeThing), info, ThingKind::kObject, creator);
+  auto* const object = Begin<NativeThing>(sizeof(NativeThing), sizeof(NativeThing), info,
+                                          ThingKind::kObject, creator);
   object->state = state.release();
   ledger_.Born(object);
   return object;
@@ -157,7 +159,8 @@ ArrayThing* Store::NewArray(int element_type, std::int64_t upper_bound, const ch
   body->slots.resize(static_cast<std::size_t>(upper_bound + 1));
   const TypeInfo& type =
       element_type == abi::kObjectElements ? kObjectArrayType : kIntegerArrayType;
-  auto* const array = Begin<ArrayThing>(sizeof(ArrayThing), type, ThingKind::kArray, creator);
+  auto* const array =
+      Begin<ArrayThing>(sizeof(ArrayThing), sizeof(ArrayThing), type, ThingKind::kArray, creator);
   array->body = body.release();
   if (layout_ == ArrayLayout::kWrongLocks) {
     array->lock_bias = kWrongLocksBias;

@@ -58,11 +58,11 @@ class Store {
   void Insert(ArrayThing* array, std::int64_t index, Thing* element, const char* user);
 
  private:
-  // Zero-filled memory; fatal when there is none.
-  void* Allocate(std::size_t size, const char* creator);
-  // Allocates a thing and fills in its head, with one lock.
+  // Allocates a thing, zeroes its first bytes and fills in its head, with one lock; fatal when
+  // there is no memory.
   template <typename T>
-  T* Begin(std::size_t size, const TypeInfo& type, ThingKind kind, const char* creator);
+  T* Begin(std::size_t size, std::size_t zeroed, const TypeInfo& type, ThingKind kind,
+           const char* creator);
   Thing* Checked(const void* raw, const char* user) const;
   void ShowFields(ArrayThing* array) const;
   bool IsImmortal(ThingKind kind) const;

@@ -1,8 +1,10 @@
 // Small helpers for names: the host compares every name without regard to ASCII case.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
-#include <functional>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -16,6 +18,7 @@ constexpr char LowerAscii(char c) {
 // Equal but for ASCII case.
 inline bool SameName(std::string_view left, std::string_view right) {
   if (left.size() != right.size()) return false;
+  if (left == right) return true;
   for (std::size_t i = 0; i < left.size(); ++i) {
     if (LowerAscii(left[i]) != LowerAscii(right[i])) return false;
   }
@@ -32,9 +35,15 @@ inline std::string LowerName(std::string_view name) {
 // Hash and equality of names for unordered containers.
 struct NameHash {
   std::size_t operator()(std::string_view name) const {
-    std::size_t hash = 14695981039346656037U;
-    for (const char c : name) {
-      hash = (hash ^ static_cast<unsigned char>(LowerAscii(c))) * 1099511628211U;
+    constexpr std::uint64_t kCaseBits = 0x2020202020202020U;  // by which a letter's cases differ
+    std::uint64_t hash = 14695981039346656037U ^ name.size();
+    while (!name.empty()) {
+      std::uint64_t word = 0;
+      const std::size_t size = std::min(name.size(), sizeof word);
+      std::memcpy(&word, name.data(), size);
+      hash = (hash ^ (word | kCaseBits)) * 1099511628211U;
+      hash ^= hash >> 32U;
+      name.remove_prefix(size);
     }
     return hash;
   }
