@@ -186,3 +186,56 @@ mend(mimetic/rfc822/field.cxx 1
         return os;]]
   [[
         return os.write(ostr.c_str() + start, ostr.length() - start);]])
+
+# What is asked of every header, and copied texts several times each time. The results are the same.
+
+mend(mimetic/rfc822/header.h 1
+  "find_by_name holds a copy of the name, and is copied with it"
+  [[
+        const istring m_name;]]
+  [[
+        const std::string& m_name; // outlives the search]])
+mend(mimetic/rfc822/header.cxx 1
+  "find_by_name, compared ignoring case: the istring stands on the left"
+  [[
+    return m_name == f.name();]]
+  [[
+    return f.name() == m_name;]])
+mend(mimetic/rfc822/field.cxx 1
+  "Field::name() makes the name twice"
+  [[
+    m_name = name;
+    if(m_pValue != 0)]]
+  [[
+    m_name.assign(name);
+    if(m_pValue != 0)]])
+mend(mimetic/strutils.cxx 1
+  "canonical() takes apart what holds nothing to take out"
+  [[
+    if(s.empty())
+        return s;]]
+  [[
+    if(s.find_first_of(" \"()<>") == string::npos)
+        return s;]])
+mend(mimetic/rfc822/mailbox.cxx 1
+  "Mailbox::str() makes three strings of each"
+  [[
+    rs += m_mailbox + "@" + m_domain;]]
+  [[
+    rs.reserve(rs.length() + m_mailbox.length() + m_domain.length() + 2);
+    rs += m_mailbox;
+    rs += '@';
+    rs += m_domain;]])
+mend(mimetic/contenttype.cxx 1
+  "ContentType::str() makes five strings of each parameter"
+  [[
+        ostr += "; " + bit->name() + "=\"" + bit->value() + "\"";]]
+  [[
+        ostr.append("; ").append(bit->name()).append("=\"").append(bit->value()) += '"';]])
+mend(mimetic/contentdisposition.cxx 1
+  "ContentDisposition::str() makes five strings of each parameter"
+  [[
+        ostr += "; " + bit->name() +  "=\"" 
+               + bit->value() + "\"";]]
+  [[
+        ostr.append("; ").append(bit->name()).append("=\"").append(bit->value()) += '"';]])
