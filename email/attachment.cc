@@ -9,7 +9,6 @@
 #include "host/record.h"
 #include "host/strings.h"
 #include "host/unicode.h"
-#include "mime/header.h"
 #include "text/ascii.h"
 #include "text/charset.h"
 #include "text/encoded_word.h"
@@ -48,26 +47,26 @@ StringRef ExtendedFileName(const std::string& value) {
   return host::BuildString(rest, encoding);
 }
 
-StringRef FileName(const mimetic::Header& header, std::string_view decoded) {
-  const mimetic::ContentDisposition& disposition = header.contentDisposition();
-  const mimetic::ContentType& content_type = header.contentType();
+StringRef FileName(const mime::HeaderView& header, std::string_view decoded) {
+  const mimetic::ContentDisposition& disposition = header.content_disposition();
+  const mimetic::ContentType& content_type = header.content_type();
   for (const std::string& name : {disposition.param("filename"), content_type.param("filename"),
                                   content_type.param("name")}) {
     if (StringRef text = text::DecodeInlineEncodings(name, false)) return text;
   }
   if (StringRef text = ExtendedFileName(disposition.param("filename*"))) return text;
-  return host::CString2RB_detect_encoding(MakeUpFileName(mime::ContentIdText(header), decoded));
+  return host::CString2RB_detect_encoding(MakeUpFileName(header.content_id(), decoded));
 }
 
-void Fill(MimeAttachmentClassData& record, const mimetic::Header& header,
+void Fill(MimeAttachmentClassData& record, const mime::HeaderView& header,
           std::string_view decoded) {
-  record.MimeType.Put(TrimmedText(MimeTypeText(header.contentType())));
-  record.MimeVersion.Put(TrimmedText(header.mimeVersion().str()));
-  record.ContentType.Put(TrimmedText(header.contentType().str()));
-  record.ContentTransferEncoding.Put(TrimmedText(header.contentTransferEncoding().str()));
-  record.ContentDisposition.Put(TrimmedText(header.contentDisposition().str()));
-  record.ContentDescription.Put(TrimmedText(header.contentDescription().str()));
-  record.contentId.Put(TrimmedText(mime::ContentIdText(header)));
+  record.MimeType.Put(TrimmedText(MimeTypeText(header.content_type())));
+  record.MimeVersion.Put(TrimmedText(header.mime_version().str()));
+  record.ContentType.Put(TrimmedText(header.content_type().str()));
+  record.ContentTransferEncoding.Put(TrimmedText(header.content_transfer_encoding().str()));
+  record.ContentDisposition.Put(TrimmedText(header.content_disposition().str()));
+  record.ContentDescription.Put(TrimmedText(header.content_description().str()));
+  record.contentId.Put(TrimmedText(header.content_id()));
   record.Filename.Put(FileName(header, decoded));
 }
 
@@ -93,7 +92,7 @@ std::string MakeUpFileName(std::string content_id, std::string_view decoded) {
 }
 
 void AddAttachment(mime::MimeEntityClassData& email_record, abi::REALstring text,
-                   const mimetic::Header& header, abi::REALobject body,
+                   const mime::HeaderView& header, abi::REALobject body,
                    abi::REALobject header_object, bool is_inline, std::string_view decoded) {
   const auto object = host::NewInstance<MimeAttachmentClassData>();
   if (!object) return;

@@ -2,12 +2,11 @@
 // HTML.
 #pragma once
 
-#include <mimetic/header.h>
-
 #include <string>
 #include <string_view>
 
 #include "abi/records.h"
+#include "mime/header_view.h"
 #include "mime/lifecycle.h"
 #include "mime/records.h"
 
@@ -34,7 +33,7 @@ static_assert(sizeof(MimeAttachmentClassData) == 11 * sizeof(void*));
 // `body` and `header_object` [borrowed] may be nil. A part that the host cannot make an object or a
 // list for is not listed.
 void AddAttachment(mime::MimeEntityClassData& email_record, abi::REALstring text,
-                   const mimetic::Header& header, abi::REALobject body,
+                   const mime::HeaderView& header, abi::REALobject body,
                    abi::REALobject header_object, bool is_inline, std::string_view decoded);
 
 // The file name for a part whose header names none: the Content-ID without its angle brackets, or

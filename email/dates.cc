@@ -1,15 +1,15 @@
 #include "email/dates.h"
 
-#include <mimetic/rfc822/datetime.h>
-
 #include <ctime>
 #include <exception>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <typeinfo>
 
+#include "email/date_text.h"
 #include "host/log.h"
-#include "text/ascii.h"
+#include "mime/header_view.h"
 
 namespace zqv::email {
 namespace {
@@ -34,15 +34,8 @@ constexpr char kSixArguments[] =
 // What a host takes for "no offset given".
 constexpr double kNoOffset = -10000.0;
 
-struct DateFields {
-  std::int64_t year, month, day, hour, minute, second;
-  int zone;
-};
-
-DateFields ReadFields(const std::string& text) {
-  const mimetic::DateTime date(text);
-  const DateFields fields{date.year(),   date.month().ordinal(), date.day(),           date.hour(),
-                          date.minute(), date.second(),          date.zone().ordinal()};
+DateFields ReadFields(std::string_view text) {
+  const DateFields fields = ReadDateText(text);
   ZQV_LOG("%s%s %d", "day", static_cast<int>(fields.day));
   ZQV_LOG("%s%s %d", "month", static_cast<int>(fields.month));
   ZQV_LOG("%s%s %d", "year", static_cast<int>(fields.year));
@@ -93,7 +86,7 @@ class LocalOffset {
 
 // The message's instant in local time: the fields are taken as local, moved by the message's own
 // zone to UTC and by the machine's offset to local time.
-ObjectRef ConvertDate(const std::string& text, LocalOffset& local_offset) {
+ObjectRef ConvertDate(std::string_view text, LocalOffset& local_offset) {
   const DateFields fields = ReadFields(text);
   ObjectRef date =
       NewDate(fields.year, fields.month, fields.day, fields.hour, fields.minute, fields.second);
@@ -117,17 +110,17 @@ ObjectRef ConvertDate(const std::string& text, LocalOffset& local_offset) {
 
 void ParseField(mime::MimeEntityClassData& record, const mimetic::Field& field,
                 LocalOffset& local_offset) {
-  const std::string& name = field.name();
-  if (text::EqualsIgnoringCase(name, "date")) {
+  const std::optional<mime::FieldName> name = mime::RecogniseFieldName(field.name());
+  if (name == mime::FieldName::kDate) {
     record.SentDate.Put(ConvertDate(field.value(), local_offset));
   }
-  if (!text::EqualsIgnoringCase(name, "received")) return;
+  if (name != mime::FieldName::kReceived) return;
   const std::string value = field.value();
   // QUIRK: the first "; " is taken, even inside a comment before the date.
   // Test: Dates.FirstSemicolonAndBlankWins.
   const std::size_t semicolon = value.find("; ");
   if (semicolon == std::string::npos) return;
-  record.ReceivedDate.Put(ConvertDate(value.substr(semicolon + 1), local_offset));
+  record.ReceivedDate.Put(ConvertDate(std::string_view(value).substr(semicolon + 1), local_offset));
 }
 
 }  // namespace
@@ -163,9 +156,10 @@ ObjectRef NewDate(std::int64_t year, std::int64_t month, std::int64_t day, std::
   return date;
 }
 
-void ParseDate(mime::MimeEntityClassData& record, const mimetic::Header& header) {
+void ParseDate(mime::MimeEntityClassData& record, const mime::HeaderView& header) {
+  if (!header.Has(mime::FieldName::kDate) && !header.Has(mime::FieldName::kReceived)) return;
   LocalOffset local_offset;
-  for (const mimetic::Field& field : header) {
+  for (const mimetic::Field& field : header.fields()) {
     try {
       ParseField(record, field, local_offset);
     } catch (const std::exception& e) {

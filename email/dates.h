@@ -1,11 +1,10 @@
 // When a message was sent and received, as the host's Date objects in local time.
 #pragma once
 
-#include <mimetic/header.h>
-
 #include <cstdint>
 
 #include "host/ref.h"
+#include "mime/header_view.h"
 #include "mime/records.h"
 
 namespace zqv::email {
@@ -13,7 +12,7 @@ namespace zqv::email {
 // Stores the dates of the header's Date and Received fields in `record`. With several, the last
 // Date wins, and the last Received that holds "; ". A date that cannot be read is skipped. Raises
 // nothing.
-void ParseDate(mime::MimeEntityClassData& record, const mimetic::Header& header);
+void ParseDate(mime::MimeEntityClassData& record, const mime::HeaderView& header);
 
 // A new Date of the host with these fields [new lock]; nil when the host cannot make one. Fields
 // out of range roll over as the host has it.

@@ -14,6 +14,7 @@
 #include "host/strings.h"
 #include "mime/body.h"
 #include "mime/header.h"
+#include "mime/header_view.h"
 #include "mime/parser.h"
 #include "text/encoded_word.h"
 #include "text/html_to_text.h"
@@ -53,13 +54,13 @@ bool Check(std::string_view message) {
 // QUIRK: a part of any type but text/plain and text/html is offered as plain text too, besides
 // being listed, so that an application which shows PlainText shows something. Test:
 // SinglePart.ImageIsListedAndOfferedAsText.
-void CompleteSinglePart(MimeEntityClassData& record, const mimetic::MimeEntity& entity,
-                        std::optional<DecodedBody>&& decoded) {
-  const mimetic::ContentTransferEncoding& encoding = entity.header().contentTransferEncoding();
+void CompleteSinglePart(MimeEntityClassData& record, const mime::HeaderView& header,
+                        std::string_view body, std::optional<DecodedBody>&& decoded) {
+  const mimetic::ContentTransferEncoding& encoding = header.content_transfer_encoding();
   if (!is_known_mechanism(encoding.mechanism())) return;
-  if (!decoded.has_value()) decoded = DecodeData(encoding, entity);
+  if (!decoded.has_value()) decoded = DecodeData(encoding, body);
 
-  const mimetic::ContentType& content_type = entity.header().contentType();
+  const mimetic::ContentType& content_type = header.content_type();
   record.BodyDecoded.Put(BuildBodyText(decoded->bytes(), content_type.param("charset")));
   if (IsText(content_type.type(), content_type.subtype(), "plain")) {
     if (!record.PlainText) StorePlainText(record, record.BodyDecoded);
@@ -71,26 +72,28 @@ void CompleteSinglePart(MimeEntityClassData& record, const mimetic::MimeEntity& 
   }
 }
 
-void BuildObjects(MimeEntityClassData& record, const mimetic::MimeEntity& entity) {
-  EntityRouter router(record);
+void BuildObjects(MimeEntityClassData& record, const mimetic::MimeEntity& entity,
+                  const mime::LeafBodies& leaves) {
+  const mime::HeaderView header(entity.header());
+  const std::string_view body = leaves.Of(entity.body());
+  EntityRouter router(record, leaves);
   record.Body.Put(mime::NewMimeBodyZQV(entity.body(), router));
-  record.Header.Put(mime::NewMimeHeaderZQV(entity.header()));
+  record.Header.Put(mime::NewMimeHeaderZQV(header));
   std::optional<DecodedBody> decoded =
-      DecodeEntity(record, entity, record, record.Body.get(), record.Header.get());
-  ParseDate(record, entity.header());
+      DecodeEntity(record, header, body, record, record.Body.get(), record.Header.get());
+  ParseDate(record, header);
   const std::size_t parts = entity.body().parts().size();
   ZQV_LOG("%s%s %lu", "parts count", static_cast<unsigned long>(parts));
-  if (parts == 0) CompleteSinglePart(record, entity, std::move(decoded));
+  if (parts == 0) CompleteSinglePart(record, header, body, std::move(decoded));
+  record.Subject.Put(text::DecodeInlineEncodings(header.subject(), false));
 }
 
 // All that needs the parsed tree, which is gone when this returns.
-void ParseAndBuild(MimeEntityClassData& record, std::string_view bytes, MessageBytes message) {
+void ParseAndBuild(MimeEntityClassData& record, std::string_view bytes) {
+  mime::LeafBodies leaves;
   mimetic::MimeEntity entity;
-  mime::ParseMessage(bytes, entity);
-  message.Free();
-  BuildObjects(record, entity);
-  const mimetic::Header& header = entity.header();
-  record.Subject.Put(text::DecodeInlineEncodings(std::string(header.subject()), false));
+  mime::ParseMessage(bytes, entity, leaves);
+  BuildObjects(record, entity, leaves);
 }
 
 }  // namespace
@@ -105,7 +108,8 @@ void MimeEmailConstructor(abi::REALobject self, MessageBytes message, abi::REALs
     bytes.remove_prefix(kByteOrderMark.size());
   if (!Check(bytes)) return;
 
-  ParseAndBuild(*record, bytes, std::move(message));
+  ParseAndBuild(*record, bytes);
+  message.Free();
   if (!record->PlainText) record->PlainText.Put(text::HTMLToPlainText(record->HTMLText.get()));
 }
 

@@ -4,7 +4,7 @@
 #include "email/dates.h"
 #include "host/log.h"
 #include "host/strings.h"
-#include "mime/header.h"
+#include "mime/header_view.h"
 #include "text/ascii.h"
 #include "text/charset.h"
 
@@ -14,12 +14,12 @@ namespace {
 using text::EqualsIgnoringCase;
 
 // The views live as long as the entity's header, whose field values are parsed once.
-PartTraits TraitsOf(const mimetic::Header& header) {
+PartTraits TraitsOf(const mime::HeaderView& header, const mimetic::ContentType& content_type) {
   PartTraits part;
-  part.type = header.contentType().type();
-  part.subtype = header.contentType().subtype();
-  part.disposition = header.contentDisposition().type();
-  part.has_content_id = !mime::ContentIdText(header).empty();
+  part.type = content_type.type();
+  part.subtype = content_type.subtype();
+  part.disposition = header.content_disposition().type();
+  part.has_content_id = !header.content_id().empty();
   return part;
 }
 
@@ -59,33 +59,32 @@ void StoreHtmlText(mime::MimeEntityClassData& email_record, const host::StringSl
 }
 
 std::optional<DecodedBody> DecodeEntity(mime::MimeEntityClassData& entity_record,
-                                        const mimetic::MimeEntity& entity,
+                                        const mime::HeaderView& fields, std::string_view text,
                                         mime::MimeEntityClassData& email_record,
                                         abi::REALobject body, abi::REALobject header) {
-  const mimetic::Header& fields = entity.header();
-  const mimetic::ContentType& content_type = fields.contentType();
+  const mimetic::ContentType& content_type = fields.content_type();
   if (IsContainer(content_type.type(), content_type.subtype())) return std::nullopt;
-  const mimetic::ContentTransferEncoding& encoding = fields.contentTransferEncoding();
+  const mimetic::ContentTransferEncoding& encoding = fields.content_transfer_encoding();
   if (!is_known_mechanism(encoding.mechanism())) return std::nullopt;
 
-  DecodedBody decoded = DecodeData(encoding, entity);
+  DecodedBody decoded = DecodeData(encoding, text);
   entity_record.BodyDecoded.Put(BuildBodyText(decoded.bytes(), content_type.param("charset")));
-  const PartTraits part = TraitsOf(fields);
+  const PartTraits part = TraitsOf(fields, content_type);
   ZQV_LOG("%s%s %s, %s", "decoded body of type", content_type.type().c_str(),
           content_type.subtype().c_str());
-  const host::StringSlot& text = entity_record.BodyDecoded;
+  const host::StringSlot& body_text = entity_record.BodyDecoded;
   const Destination destination = Route(part, static_cast<bool>(email_record.PlainText),
                                         static_cast<bool>(email_record.HTMLText));
   switch (destination) {
     case Destination::kPlainText:
-      StorePlainText(email_record, text);
+      StorePlainText(email_record, body_text);
       break;
     case Destination::kHtmlText:
-      StoreHtmlText(email_record, text);
+      StoreHtmlText(email_record, body_text);
       break;
     case Destination::kAttachments:
     case Destination::kInlines:
-      AddAttachment(email_record, text.get(), fields, body, header,
+      AddAttachment(email_record, body_text.get(), fields, body, header,
                     destination == Destination::kInlines, decoded.bytes());
   }
   return decoded;
@@ -93,8 +92,9 @@ std::optional<DecodedBody> DecodeEntity(mime::MimeEntityClassData& entity_record
 
 void EntityRouter::OnEntity(const mimetic::MimeEntity& entity, mime::MimeEntityClassData& record,
                             abi::REALobject body, abi::REALobject header) {
-  DecodeEntity(record, entity, email_record_, body, header);
-  ParseDate(record, entity.header());
+  const mime::HeaderView fields(entity.header());
+  DecodeEntity(record, fields, leaves_.Of(entity.body()), email_record_, body, header);
+  ParseDate(record, fields);
 }
 
 }  // namespace zqv::email

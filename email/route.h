@@ -11,6 +11,8 @@
 #include "email/transfer.h"
 #include "host/ref.h"
 #include "mime/entity.h"
+#include "mime/header_view.h"
+#include "mime/leaf_bodies.h"
 
 namespace zqv::email {
 
@@ -43,10 +45,10 @@ host::StringRef BuildBodyText(std::string_view decoded, const std::string& chars
 
 // Decodes one entity: stores its text in `entity_record` and routes it into `email_record`, which
 // is the same record for the message itself. Gives the decoded body, or nothing for a container and
-// for an unknown transfer encoding, which are skipped. `body` and `header` [borrowed] are the
-// entity's objects or nil.
+// for an unknown transfer encoding, which are skipped. `text` is the entity's body; `body` and
+// `header` [borrowed] are its objects or nil.
 std::optional<DecodedBody> DecodeEntity(mime::MimeEntityClassData& entity_record,
-                                        const mimetic::MimeEntity& entity,
+                                        const mime::HeaderView& fields, std::string_view text,
                                         mime::MimeEntityClassData& email_record,
                                         abi::REALobject body, abi::REALobject header);
 
@@ -57,14 +59,17 @@ void StoreHtmlText(mime::MimeEntityClassData& email_record, const host::StringSl
 // Decodes, routes and dates every entity below the message.
 class EntityRouter final : public mime::EntitySink {
  public:
-  // Routes into `email_record`, which must outlive this.
-  explicit EntityRouter(mime::MimeEntityClassData& email_record) : email_record_(email_record) {}
+  // Routes into `email_record`, which must outlive this, as must `leaves`.
+  EntityRouter(mime::MimeEntityClassData& email_record, const mime::LeafBodies& leaves)
+      : email_record_(email_record), leaves_(leaves) {}
 
   void OnEntity(const mimetic::MimeEntity& entity, mime::MimeEntityClassData& record,
                 abi::REALobject body, abi::REALobject header) override;
+  std::string_view TextOf(const mimetic::Body& body) const override { return leaves_.Of(body); }
 
  private:
   mime::MimeEntityClassData& email_record_;
+  const mime::LeafBodies& leaves_;
 };
 
 }  // namespace zqv::email

@@ -23,15 +23,13 @@ bool is_known_mechanism(std::string_view mechanism) {
                      [&](std::string_view known) { return EqualsIgnoringCase(known, mechanism); });
 }
 
-DecodedBody DecodeData(const mimetic::ContentTransferEncoding& encoding,
-                       const mimetic::MimeEntity& entity) {
+DecodedBody DecodeData(const mimetic::ContentTransferEncoding& encoding, std::string_view body) {
   const std::string& mechanism = encoding.mechanism();
-  const std::string& body = entity.body();
   if (EqualsIgnoringCase(mechanism, kBase64)) return DecodedBody(text::DecodeBase64(body));
   if (EqualsIgnoringCase(mechanism, kQuotedPrintable)) {
     return DecodedBody(text::DecodeQuotedPrintable(body));
   }
-  return DecodedBody(std::string_view(body));
+  return DecodedBody(body);
 }
 
 }  // namespace zqv::email

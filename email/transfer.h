@@ -1,26 +1,29 @@
 // Content transfer encodings (RFC 2045, section 6): which are known, and taking one off a body.
 #pragma once
 
-#include <mimetic/mimeentity.h>
+#include <mimetic/contenttransferencoding.h>
 
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "text/transfer_codes.h"
+
 namespace zqv::email {
 
-// A body's bytes without transfer encoding: the entity's own bytes when nothing had to be decoded,
-// so it must not outlive the entity.
+// A body's bytes without transfer encoding: the very bytes when nothing had to be decoded, so it
+// must not outlive them.
 class DecodedBody {
  public:
   explicit DecodedBody(std::string_view borrowed) : borrowed_(borrowed) {}
-  explicit DecodedBody(std::string&& owned) : owned_(std::move(owned)) {}
+  explicit DecodedBody(std::string&&) = delete;  // gone before it can be read
+  explicit DecodedBody(text::DecodedBytes&& owned) : owned_(std::move(owned)) {}
 
-  std::string_view bytes() const { return owned_.has_value() ? *owned_ : borrowed_; }
+  std::string_view bytes() const { return owned_.has_value() ? owned_->view() : borrowed_; }
 
  private:
-  std::optional<std::string> owned_;
+  std::optional<text::DecodedBytes> owned_;
   std::string_view borrowed_;
 };
 
@@ -28,8 +31,7 @@ class DecodedBody {
 // case and nothing else: "7bit " with a trailing blank is unknown.
 bool is_known_mechanism(std::string_view mechanism);
 
-// The body of `entity` with the transfer encoding removed; unchanged for the identity encodings.
-DecodedBody DecodeData(const mimetic::ContentTransferEncoding& encoding,
-                       const mimetic::MimeEntity& entity);
+// `body` [borrowed] with the transfer encoding removed; unchanged for the identity encodings.
+DecodedBody DecodeData(const mimetic::ContentTransferEncoding& encoding, std::string_view body);
 
 }  // namespace zqv::email

@@ -1,5 +1,7 @@
 // The conversions of text beside their slow twins. The first byte of an input picks one, the rest
 // is its text.
+#include <mimetic/mimeentity.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
@@ -117,7 +119,7 @@ std::string DecodedBody(const char* mechanism, const std::string& text) {
   mimetic::MimeEntity entity;
   entity.body().assign(text.data(), text.size());
   const mimetic::ContentTransferEncoding encoding(mechanism);
-  return std::string(email::DecodeData(encoding, entity).bytes());
+  return std::string(email::DecodeData(encoding, entity.body()).bytes());
 }
 
 void CompareBase64(const std::string& text) {

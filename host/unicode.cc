@@ -1,7 +1,11 @@
 #include "host/unicode.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <iterator>
+
+#include "host/bytes16.h"
 
 namespace zqv::host {
 namespace {
@@ -21,6 +25,27 @@ bool IsTextByte(std::uint8_t byte) {
   return (byte >= 0x20 && byte <= 0x7E) || byte == '\t' || byte == '\n' || byte == '\r';
 }
 
+// Eight bytes of a text at once.
+using Word = std::uint64_t;
+constexpr Word kEachByte = 0x0101010101010101u;
+constexpr Word kHighBits = 0x80 * kEachByte;
+
+Word LoadWord(const char* bytes) {
+  Word word;
+  std::memcpy(&word, bytes, sizeof word);
+  return word;
+}
+
+// The high bit of each byte of `word`, all below 0x80, that is below `limit`; bytes after such a
+// one may be named too.
+constexpr Word BytesBelow(Word word, Word limit) { return (word - limit * kEachByte) & kHighBits; }
+
+// Whether all are 0x20 to 0x7E.
+bool IsPrintable(Word word) {
+  if ((word & kHighBits) != 0) return false;
+  return (BytesBelow(word, 0x20) | BytesBelow(word ^ 0x7F * kEachByte, 1)) == 0;
+}
+
 // The second byte's range narrows after some lead bytes: no overlong forms, no surrogates, nothing
 // above U+10FFFF (RFC 3629, section 4).
 struct Lead {
@@ -34,18 +59,29 @@ constexpr Lead kLeads[] = {
     {0xF1, 0xF3, 0x80, 0xBF, 4}, {0xF4, 0xF4, 0x80, 0x8F, 4},
 };
 
+constexpr std::uint8_t kNoLead = std::size(kLeads);
+
+// By byte: its row of the table, or kNoLead.
+constexpr std::array<std::uint8_t, 256> MakeLeadRows() {
+  std::array<std::uint8_t, 256> rows{};
+  for (std::uint8_t& row : rows) row = kNoLead;
+  for (std::uint8_t row = 0; row < kNoLead; ++row) {
+    for (std::size_t byte = kLeads[row].first; byte <= kLeads[row].last; ++byte) rows[byte] = row;
+  }
+  return rows;
+}
+constexpr std::array<std::uint8_t, 256> kLeadRows = MakeLeadRows();
+
 bool IsTrail(char c) { return (Byte(c) & 0xC0) == 0x80; }
 
 // The length of the multi-byte sequence at the start of `bytes`, or 0 when there is no legal one.
 std::size_t LegalMultiByteLength(const char* bytes, std::size_t available) {
-  const std::uint8_t lead = Byte(bytes[0]);
-  for (const Lead& row : kLeads) {
-    if (lead < row.first || lead > row.last) continue;
-    if (available < row.length) return 0;
-    if (Byte(bytes[1]) < row.second || Byte(bytes[1]) > row.second_last) return 0;
-    return std::all_of(bytes + 2, bytes + row.length, IsTrail) ? row.length : 0;
-  }
-  return 0;
+  const std::uint8_t row = kLeadRows[Byte(bytes[0])];
+  if (row == kNoLead) return 0;
+  const Lead& lead = kLeads[row];
+  if (available < lead.length) return 0;
+  if (Byte(bytes[1]) < lead.second || Byte(bytes[1]) > lead.second_last) return 0;
+  return std::all_of(bytes + 2, bytes + lead.length, IsTrail) ? lead.length : 0;
 }
 
 bool IsMark(char32_t c) { return c == kByteOrderMark || c == kSwappedByteOrderMark; }
@@ -60,20 +96,27 @@ char32_t DecodeLegal(const char* bytes, std::size_t length) {
 }  // namespace
 
 bool IsAscii(std::string_view bytes) {
-  constexpr std::uint64_t kHighBits = 0x8080808080808080u;
-  std::size_t i = 0;
-  for (; i + sizeof(std::uint64_t) <= bytes.size(); i += sizeof(std::uint64_t)) {
-    std::uint64_t word;
-    std::memcpy(&word, bytes.data() + i, sizeof word);
-    if ((word & kHighBits) != 0) return false;
+  constexpr std::size_t kStep = 4 * kBytes16;
+  const char* at = bytes.data();
+  const char* const end = at + bytes.size();
+  for (; static_cast<std::size_t>(end - at) >= kStep; at += kStep) {
+    const Bytes16 any = LoadBytes16(at) | LoadBytes16(at + kBytes16) |
+                        LoadBytes16(at + 2 * kBytes16) | LoadBytes16(at + 3 * kBytes16);
+    if (AnyOf(any < 0)) return false;
   }
-  return std::all_of(bytes.begin() + static_cast<std::ptrdiff_t>(i), bytes.end(),
-                     [](char c) { return Byte(c) < 0x80; });
+  for (; static_cast<std::size_t>(end - at) >= sizeof(Word); at += sizeof(Word)) {
+    if ((LoadWord(at) & kHighBits) != 0) return false;
+  }
+  return std::all_of(at, end, [](char c) { return Byte(c) < 0x80; });
 }
 
 bool is_utf8(const char* bytes, std::size_t length) {
   std::size_t i = 0;
   while (i < length) {
+    if (length - i >= sizeof(Word) && IsPrintable(LoadWord(bytes + i))) {
+      i += sizeof(Word);
+      continue;
+    }
     if (Byte(bytes[i]) < 0x80) {
       if (!IsTextByte(Byte(bytes[i]))) return false;
       ++i;
@@ -110,6 +153,11 @@ Conversion Utf8ToUtf32(std::string_view bytes, char32_t* out) {
   Conversion result;
   while (result.stopped < bytes.size()) {
     const char* sequence = bytes.data() + result.stopped;
+    if (Byte(*sequence) < 0x80) {
+      out[result.written++] = Byte(*sequence);
+      ++result.stopped;
+      continue;
+    }
     const std::size_t length = Utf8SequenceLength(*sequence);
     if (length > bytes.size() - result.stopped || !IsLegalUTF8(sequence, length)) {
       result.legal = false;

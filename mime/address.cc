@@ -7,11 +7,17 @@
 namespace zqv::mime {
 
 void Set(MimeAddressClassData& record, const mimetic::Address& address) {
-  record.StringValue.Put(host::CString2RB_detect_encoding(address.str()));
+  Set(record, address, address.str());
+}
+
+void Set(MimeAddressClassData& record, const mimetic::Address& address, const std::string& text) {
+  record.StringValue.Put(host::CString2RB_detect_encoding(text));
   record.isGroup = address.isGroup() ? 1 : 0;
   if (!address.isGroup()) {
     const mimetic::Mailbox& mailbox = address.mailbox();
-    if (!mailbox.mailbox(1).empty()) record.Mailbox.Put(NewFilled<MimeMailboxClassData>(mailbox));
+    if (!mailbox.mailbox(1).empty()) {
+      record.Mailbox.Put(NewFilled<MimeMailboxClassData>(mailbox, text));
+    }
     return;
   }
   const mimetic::Group& group = address.group();

@@ -9,8 +9,10 @@
 namespace zqv::mime {
 
 // Fills a fresh record. A mailbox without local part, and a group without name and members, are
-// left out: then both objects are nil.
+// left out: then both objects are nil. `text`: the address's text form, for those who have it
+// already.
 void Set(MimeAddressClassData& record, const mimetic::Address& address);
+void Set(MimeAddressClassData& record, const mimetic::Address& address, const std::string& text);
 // Gives back everything that the record holds; nil afterwards.
 void Clear(MimeAddressClassData& record);
 

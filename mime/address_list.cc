@@ -7,11 +7,12 @@
 namespace zqv::mime {
 
 void Set(MimeAddressListClassData& record, const mimetic::AddressList& list) {
-  record.StringValue.Put(host::CString2RB_detect_encoding(list.str()));
+  const std::vector<std::string> texts = TextsOf(list);
+  record.StringValue.Put(host::CString2RB_detect_encoding(Join(texts, ", ")));
   record.addresses.Put(host::NewObjectArray());
   if (!record.addresses) return;
-  for (const mimetic::Address& address : list) {
-    const host::ObjectRef object = NewFilled<MimeAddressClassData>(address);
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    const host::ObjectRef object = NewFilled<MimeAddressClassData>(list[i], texts[i]);
     if (object) host::AppendObject(record.addresses.get(), object.get());
   }
 }

@@ -14,7 +14,7 @@ void AppendChild(const mimetic::MimeEntity& child, abi::REALarray parts, EntityS
   if (!object) return;
   MimeEntityClassData& record = *host::RecordOf<MimeEntityClassData>(object.get());
   record.Body.Put(NewMimeBodyZQV(child.body(), sink));
-  record.Header.Put(NewMimeHeaderZQV(child.header()));
+  record.Header.Put(NewMimeHeaderZQV(HeaderView(child.header())));
   sink.OnEntity(child, record, record.Body.get(), record.Header.get());
   if (parts != nullptr) host::AppendObject(parts, object.get());
 }
@@ -27,7 +27,8 @@ host::ObjectRef NewMimeBodyZQV(const mimetic::Body& body, EntitySink& sink) {
   MimeBodyClassData& record = *host::RecordOf<MimeBodyClassData>(object.get());
   record.preamble.Put(host::CString2RB_detect_encoding(body.preamble()));
   record.epilogue.Put(host::CString2RB_detect_encoding(body.epilogue()));
-  record.StringValue.Put(host::CString2RB_detect_encoding(body));
+  const std::string_view text = sink.TextOf(body);
+  record.StringValue.Put(host::BuildDetectedString(text.substr(0, text.find('\0'))));
   record.parts.Put(host::NewObjectArray());
   for (const mimetic::MimeEntity* child : body.parts()) {
     if (child != nullptr) AppendChild(*child, record.parts.get(), sink);

@@ -3,6 +3,8 @@
 
 #include <mimetic/mimeentity.h>
 
+#include <string_view>
+
 #include "abi/records.h"
 #include "mime/lifecycle.h"
 #include "mime/records.h"
@@ -17,6 +19,9 @@ class EntitySink {
   // each nil when the host could not make it. May throw.
   virtual void OnEntity(const mimetic::MimeEntity& entity, MimeEntityClassData& record,
                         abi::REALobject body, abi::REALobject header) = 0;
+
+  // The text of a body [borrowed], which the tree need not hold itself.
+  virtual std::string_view TextOf(const mimetic::Body& body) const { return body; }
 
  protected:
   ~EntitySink() = default;

@@ -8,10 +8,11 @@ namespace zqv::mime {
 
 void Set(MimeGroupClassData& record, const mimetic::Group& group) {
   const std::string name = group.name(0);
-  record.StringValue.Put(host::CString2RB_detect_encoding(group.str()));
+  const std::vector<std::string> texts = TextsOf(group);
+  record.StringValue.Put(host::CString2RB_detect_encoding(name + Join(texts, ",") + ";"));
   record.Name.Put(host::CString2RB_detect_encoding(name));
   record.NameDecoded.Put(text::DecodeInlineEncodings(name, false));
-  record.mailboxes.Put(NewMailboxArray(group));
+  record.mailboxes.Put(NewMailboxArray(group, texts));
 }
 
 void Clear(MimeGroupClassData& record) {

@@ -6,6 +6,7 @@
 #include "host/strings.h"
 #include "mime/address_list.h"
 #include "mime/field.h"
+#include "mime/header_view.h"
 #include "mime/mailbox.h"
 #include "mime/mailbox_list.h"
 #include "text/encoded_word.h"
@@ -15,34 +16,32 @@ namespace {
 
 using host::CString2RB_detect_encoding;
 
-void FillTexts(MimeHeaderClassData& record, const mimetic::Header& header) {
-  record.MimeVersion.Put(CString2RB_detect_encoding(header.mimeVersion().str()));
-  record.ContentType.Put(CString2RB_detect_encoding(header.contentType().str()));
-  record.ContentTransferEncoding.Put(
-      CString2RB_detect_encoding(header.contentTransferEncoding().str()));
-  record.ContentTransferEncodingMechanism.Put(
-      CString2RB_detect_encoding(header.contentTransferEncoding().mechanism()));
-  record.ContentDisposition.Put(CString2RB_detect_encoding(header.contentDisposition().str()));
-  record.ContentDescription.Put(CString2RB_detect_encoding(header.contentDescription().str()));
-  record.contentId.Put(CString2RB_detect_encoding(ContentIdText(header)));
-  // A copy: the next call frees what the reference names.
-  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+void FillTexts(MimeHeaderClassData& record, const HeaderView& header) {
+  const mimetic::ContentTransferEncoding& encoding = header.content_transfer_encoding();
   const std::string subject = header.subject();
+  record.MimeVersion.Put(CString2RB_detect_encoding(header.mime_version().str()));
+  record.ContentType.Put(CString2RB_detect_encoding(header.content_type().str()));
+  record.ContentTransferEncoding.Put(CString2RB_detect_encoding(encoding.str()));
+  record.ContentTransferEncodingMechanism.Put(CString2RB_detect_encoding(encoding.mechanism()));
+  record.ContentDisposition.Put(CString2RB_detect_encoding(header.content_disposition().str()));
+  record.ContentDescription.Put(CString2RB_detect_encoding(header.content_description().str()));
+  record.contentId.Put(CString2RB_detect_encoding(header.content_id()));
   record.subject.Put(CString2RB_detect_encoding(subject));
-  record.messageid.Put(CString2RB_detect_encoding(MessageIdText(header)));
+  record.messageid.Put(CString2RB_detect_encoding(header.message_id()));
   record.subjectDecoded.Put(text::DecodeInlineEncodings(subject, false));
 }
 
 // An address field that the header lacks, or that holds nobody, gives nil and no empty object.
-void FillAddresses(MimeHeaderClassData& record, const mimetic::Header& header) {
+void FillAddresses(MimeHeaderClassData& record, const HeaderView& header) {
   const mimetic::Mailbox& sender = header.sender();
   if (!sender.mailbox(1).empty()) record.sender.Put(NewFilled<MimeMailboxClassData>(sender));
-  if (!header.from().empty()) record.from.Put(NewFilled<MimeMailboxListClassData>(header.from()));
+  const mimetic::MailboxList& from = header.from();
+  if (!from.empty()) record.from.Put(NewFilled<MimeMailboxListClassData>(from));
   const auto put = [](host::ObjectSlot& slot, const mimetic::AddressList& list) {
     if (!list.empty()) slot.Put(NewFilled<MimeAddressListClassData>(list));
   };
   put(record.too, header.to());
-  put(record.replyto, header.replyto());
+  put(record.replyto, header.reply_to());
   put(record.cc, header.cc());
   put(record.bcc, header.bcc());
 }
@@ -74,22 +73,14 @@ host::ObjectRef FindField(abi::REALobject self, abi::REALstring name) {
 
 }  // namespace
 
-std::string ContentIdText(const mimetic::Header& header) {
-  return header.hasField("Content-ID") ? header.contentId().str() : std::string();
-}
-
-std::string MessageIdText(const mimetic::Header& header) {
-  return header.hasField("Message-ID") ? header.messageid().str() : std::string();
-}
-
-host::ObjectRef NewMimeHeaderZQV(const mimetic::Header& header) {
+host::ObjectRef NewMimeHeaderZQV(const HeaderView& header) {
   auto object = host::NewInstance<MimeHeaderClassData>();
   if (!object) return {};
   host::Guard([&] {
     MimeHeaderClassData& record = *host::RecordOf<MimeHeaderClassData>(object.get());
     FillTexts(record, header);
     FillAddresses(record, header);
-    FillFields(record, header);
+    FillFields(record, header.fields());
   });
   return object;
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/ref.h"
+#include "mime/header_view.h"
 #include "mime/lifecycle.h"
 #include "mime/list_access.h"
 
@@ -13,12 +14,7 @@ namespace zqv::mime {
 
 // A new object for `header`; nil when the host cannot make one. A failure on the way raises and
 // gives the object as far as it was filled. [new lock]
-host::ObjectRef NewMimeHeaderZQV(const mimetic::Header& header);
-
-// The text of the Content-ID or Message-ID field; empty when there is none. The library makes up an
-// id for an absent field, and with it tells the machine's name, so the field itself is asked for.
-std::string ContentIdText(const mimetic::Header& header);
-std::string MessageIdText(const mimetic::Header& header);
+host::ObjectRef NewMimeHeaderZQV(const HeaderView& header);
 
 // Gives back everything that the record holds; nil afterwards.
 void Clear(MimeHeaderClassData& record);

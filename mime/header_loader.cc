@@ -1,5 +1,9 @@
 #include "mime/header_loader.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
 #include "text/ascii.h"
 
 namespace zqv::mime {
@@ -8,18 +12,26 @@ namespace {
 using text::IsBlank;
 using text::IsLineEnd;
 
-bool IsNameCharacter(char c) { return c > 32 && c < 127 && c != ':'; }
+constexpr std::array<bool, 256> MakeNameCharacters() {
+  std::array<bool, 256> table{};
+  for (std::size_t c = 33; c < 127; ++c) table[c] = c != ':';
+  return table;
+}
+constexpr std::array<bool, 256> kNameCharacters = MakeNameCharacters();
+
+bool IsNameCharacter(char c) { return kNameCharacters[static_cast<unsigned char>(c)]; }
 
 class HeaderLoader {
  public:
-  HeaderLoader(const char* at, const char* end, mimetic::Header& header, MessageLimits& limits)
-      : at_(at), end_(end), header_(header), limits_(limits) {}
+  HeaderLoader(const char* at, const char* end, mimetic::Header& header, MessageLimits& limits,
+               LineEndFinder& line_ends)
+      : at_(at), end_(end), header_(header), limits_(limits), line_ends_(line_ends) {}
 
   // A field is stored when the line after it begins, so one that the input ends in is lost.
   HeaderEnd Run() {
     bool more = at_ != end_ && !EndsHere() && ReadField();
     while (more && at_ != end_) {
-      SkipLineEnd();
+      at_ = SkipLineEnd(at_, end_);
       if (at_ == end_) break;
       if (IsBlank(*at_)) {
         ReadFold();
@@ -35,29 +47,16 @@ class HeaderLoader {
   // True, with the line end taken, at an empty line.
   bool EndsHere() {
     if (!IsLineEnd(*at_)) return false;
-    SkipLineEnd();
+    at_ = SkipLineEnd(at_, end_);
     return true;
-  }
-
-  // CR, LF, CR LF and LF CR each are one line end.
-  void SkipLineEnd() {
-    const char other = *at_ == '\r' ? '\n' : '\r';
-    ++at_;
-    if (at_ != end_ && *at_ == other) ++at_;
   }
 
   void SkipBlanks() {
     while (at_ != end_ && IsBlank(*at_)) ++at_;
   }
 
-  const char* LineEnd() const {
-    const char* at = at_;
-    while (at != end_ && !IsLineEnd(*at)) ++at;
-    return at;
-  }
-
   void ReadValue() {
-    const char* const line_end = LineEnd();
+    const char* const line_end = line_ends_.Next(at_, end_);
     value_.append(at_, line_end);
     at_ = line_end;
   }
@@ -87,7 +86,7 @@ class HeaderLoader {
     }
     if (at_ == end_) return true;
     if (name_.empty()) {  // a line that begins with the colon is passed over
-      at_ = LineEnd();
+      at_ = line_ends_.Next(at_, end_);
       return true;
     }
     while (!name_.empty() && IsBlank(name_.back())) name_.pop_back();
@@ -102,9 +101,10 @@ class HeaderLoader {
   void StoreField() {
     if (name_.empty()) return;
     limits_.AdmitField(name_, value_);
-    mimetic::Field& field = *header_.insert(header_.end(), mimetic::Field());
+    value_.resize(std::min(value_.find('\0'), value_.size()));
+    mimetic::Field& field = header_.emplace_back();
     field.name(name_);
-    field.value(value_.substr(0, value_.find('\0')));
+    field.value(value_);
     name_.clear();
     value_.clear();
   }
@@ -113,6 +113,7 @@ class HeaderLoader {
   const char* end_;
   mimetic::Header& header_;
   MessageLimits& limits_;
+  LineEndFinder& line_ends_;
   std::string name_;
   std::string value_;
   std::string body_start_;
@@ -121,8 +122,8 @@ class HeaderLoader {
 }  // namespace
 
 HeaderEnd LoadHeader(const char* at, const char* end, mimetic::Header& header,
-                     MessageLimits& limits) {
-  return HeaderLoader(at, end, header, limits).Run();
+                     MessageLimits& limits, LineEndFinder& line_ends) {
+  return HeaderLoader(at, end, header, limits, line_ends).Run();
 }
 
 }  // namespace zqv::mime

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "mime/limits.h"
+#include "mime/line_ends.h"
 
 namespace zqv::mime {
 
@@ -22,6 +23,6 @@ struct HeaderEnd {
 // Appends the fields between `at` and `end` to `header`. Throws std::runtime_error when a field is
 // beyond the limits.
 HeaderEnd LoadHeader(const char* at, const char* end, mimetic::Header& header,
-                     MessageLimits& limits);
+                     MessageLimits& limits, LineEndFinder& line_ends);
 
 }  // namespace zqv::mime

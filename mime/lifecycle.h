@@ -6,6 +6,8 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "host/errors.h"
 #include "host/record.h"
@@ -38,12 +40,31 @@ void ConstructFromText(abi::REALobject self, abi::REALstring text) {
   });
 }
 
-// A new object filled from `parsed` [new lock]; nil when the host cannot make one.
-template <class Record, class Parsed>
-host::ObjectRef NewFilled(const Parsed& parsed) {
+// A new object filled from `parsed` by Set [new lock]; nil when the host cannot make one.
+template <class Record, class... Parsed>
+host::ObjectRef NewFilled(const Parsed&... parsed) {
   host::ObjectRef object = host::NewInstance<Record>();
-  if (object) Set(*host::RecordOf<Record>(object.get()), parsed);
+  if (object) Set(*host::RecordOf<Record>(object.get()), parsed...);
   return object;
+}
+
+// The text forms of all entries of a list: each is part of the list's own, and made once.
+template <class List>
+std::vector<std::string> TextsOf(const List& list) {
+  std::vector<std::string> texts;
+  texts.reserve(list.size());
+  for (const auto& entry : list) texts.push_back(entry.str());
+  return texts;
+}
+
+// The texts with a separator between them.
+inline std::string Join(const std::vector<std::string>& texts, std::string_view separator) {
+  std::string joined;
+  for (const std::string& text : texts) {
+    if (&text != &texts.front()) joined += separator;
+    joined += text;
+  }
+  return joined;
 }
 
 }  // namespace zqv::mime

@@ -5,19 +5,26 @@
 #include <stdexcept>
 
 #include "host/stack.h"
-#include "text/ascii.h"
+#include "mime/header_view.h"
 
 namespace zqv::mime {
 namespace {
 
-// The fields whose values are taken apart into lists.
-constexpr std::string_view kListFields[] = {
-    "bcc", "cc", "content-disposition", "content-type", "from", "reply-to", "sender", "to",
-};
-
+// Whether the field's value is taken apart into a list.
 bool IsListField(std::string_view name) {
-  return std::any_of(std::begin(kListFields), std::end(kListFields),
-                     [&](std::string_view field) { return text::EqualsIgnoringCase(name, field); });
+  switch (RecogniseFieldName(name).value_or(FieldName::kDate)) {
+    case FieldName::kBcc:
+    case FieldName::kCc:
+    case FieldName::kContentDisposition:
+    case FieldName::kContentType:
+    case FieldName::kFrom:
+    case FieldName::kReplyTo:
+    case FieldName::kSender:
+    case FieldName::kTo:
+      return true;
+    default:
+      return false;
+  }
 }
 
 // At least as many as the library makes of the value.

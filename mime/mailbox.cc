@@ -24,8 +24,12 @@ StringRef Email(const MimeMailboxClassData& record) {
 }  // namespace
 
 void Set(MimeMailboxClassData& record, const mimetic::Mailbox& mailbox) {
+  Set(record, mailbox, mailbox.str());
+}
+
+void Set(MimeMailboxClassData& record, const mimetic::Mailbox& mailbox, const std::string& text) {
   const std::string label = mailbox.label(0);
-  record.StringValue.Put(CString2RB_detect_encoding(mailbox.str()));
+  record.StringValue.Put(CString2RB_detect_encoding(text));
   record.Mailbox.Put(CString2RB_detect_encoding(mailbox.mailbox(1)));
   record.Domain.Put(CString2RB_detect_encoding(mailbox.domain(1)));
   record.Label.Put(CString2RB_detect_encoding(label));
@@ -42,12 +46,13 @@ void Clear(MimeMailboxClassData& record) {
   record.Sourceroute.Clear();
 }
 
-host::ArrayRef NewMailboxArray(const std::vector<mimetic::Mailbox>& mailboxes) {
+host::ArrayRef NewMailboxArray(const std::vector<mimetic::Mailbox>& mailboxes,
+                               const std::vector<std::string>& texts) {
   host::ArrayRef array = host::NewObjectArray();
   if (!array) return array;
-  for (const mimetic::Mailbox& mailbox : mailboxes) {
-    if (mailbox.mailbox(1).empty()) continue;
-    const host::ObjectRef object = NewFilled<MimeMailboxClassData>(mailbox);
+  for (std::size_t i = 0; i < mailboxes.size(); ++i) {
+    if (mailboxes[i].mailbox(1).empty()) continue;
+    const host::ObjectRef object = NewFilled<MimeMailboxClassData>(mailboxes[i], texts[i]);
     if (object) host::AppendObject(array.get(), object.get());
   }
   return array;

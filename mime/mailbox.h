@@ -10,14 +10,16 @@
 
 namespace zqv::mime {
 
-// Fills a fresh record.
+// Fills a fresh record. `text`: the mailbox's text form, for those who have it already.
 void Set(MimeMailboxClassData& record, const mimetic::Mailbox& mailbox);
+void Set(MimeMailboxClassData& record, const mimetic::Mailbox& mailbox, const std::string& text);
 // Gives back everything that the record holds; nil afterwards.
 void Clear(MimeMailboxClassData& record);
 
 // An array of objects, one for each mailbox that has a local part [new lock]; the others are left
-// out. Nil when the host cannot make an array.
-host::ArrayRef NewMailboxArray(const std::vector<mimetic::Mailbox>& mailboxes);
+// out. `texts` are the text forms. Nil when the host cannot make an array.
+host::ArrayRef NewMailboxArray(const std::vector<mimetic::Mailbox>& mailboxes,
+                               const std::vector<std::string>& texts);
 
 // Registered with the host.
 inline constexpr auto MimeMailboxConstructor =

@@ -6,8 +6,9 @@
 namespace zqv::mime {
 
 void Set(MimeMailboxListClassData& record, const mimetic::MailboxList& list) {
-  record.StringValue.Put(host::CString2RB_detect_encoding(list.str()));
-  record.mailboxes.Put(NewMailboxArray(list));
+  const std::vector<std::string> texts = TextsOf(list);
+  record.StringValue.Put(host::CString2RB_detect_encoding(Join(texts, ", ")));
+  record.mailboxes.Put(NewMailboxArray(list, texts));
 }
 
 void Clear(MimeMailboxListClassData& record) {

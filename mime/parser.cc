@@ -2,15 +2,15 @@
 
 #include <mimetic/parser/itparser.h>
 
-#include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <iterator>
 #include <memory>
 #include <string>
 
+#include "host/bytes16.h"
 #include "mime/header_loader.h"
 #include "mime/limits.h"
+#include "mime/line_ends.h"
 #include "mime/open_boundaries.h"
 #include "text/ascii.h"
 
@@ -19,8 +19,13 @@ namespace {
 
 // What the parse of one message knows beside the library's own parser.
 struct ParseState {
+  ParseState(std::string_view message, LeafBodies* leaves)
+      : line_ends(message.data()), leaf_bodies(leaves) {}
+
   MessageLimits limits;
   OpenBoundaries boundaries;
+  LineEndFinder line_ends;
+  LeafBodies* leaf_bodies;  // null: the tree gets copies
 };
 
 // A position in the message. An input iterator to the library: any stronger kind selects another
@@ -54,34 +59,9 @@ class ByteIterator {
   ParseState* state_ = nullptr;
 };
 
+using host::Bytes16;
+using host::kBytes16;
 using text::IsLineEnd;
-
-// CRLF and LFCR are one line end.
-bool IsPair(char first, char second) {
-  return IsLineEnd(first) && IsLineEnd(second) && first != second;
-}
-
-// Where a character comes next. What was searched is not searched again.
-class Finder {
- public:
-  Finder(char c, const char* at) : c_(c), known_(at) {}
-
-  // The first one in [at, limit), or `limit`. Neither ever goes back.
-  const char* Next(const char* at, const char* limit) {
-    if (is_found_ && known_ >= at) return std::min(known_, limit);
-    const char* const from = std::max(at, known_);
-    if (from >= limit) return limit;
-    const void* const found = std::memchr(from, c_, static_cast<std::size_t>(limit - from));
-    is_found_ = found != nullptr;
-    known_ = is_found_ ? static_cast<const char*>(found) : limit;
-    return known_;
-  }
-
- private:
-  const char c_;
-  const char* known_;  // one of them, or there is none before
-  bool is_found_ = false;
-};
 
 // The lines of a text, up to a boundary, as the library reads them.
 //
@@ -92,24 +72,25 @@ class Finder {
 // Parser.GivesTheLibrarysTreeForEveryBodyLengthAroundItsBlocks.
 class BlockReader {
  public:
-  BlockReader(const char* at, const char* end)
-      : at_(at), end_(end), block_(at), line_(at), cr_('\r', at), lf_('\n', at) {}
+  BlockReader(const char* at, const char* end, LineEndFinder& line_ends)
+      : at_(at), end_(end), block_(at), line_(at), line_ends_(line_ends) {}
 
   const char* at() const { return at_; }
   // The line that was read, which begins no earlier than the buffer.
   std::string_view line() const { return {line_, static_cast<std::size_t>(line_end_ - line_)}; }
 
-  // Reads a line and its end; false when the text ends first.
+  // Reads a line and its end; false when the text ends first. Lines that are surely no boundary are
+  // passed over.
   bool ReadLine() {
+    SkipPlainLines();
     line_ = at_;
     while (true) {
       EmptyFullBuffer();
-      const char* const full = end_ - block_ > kBlock ? block_ + kBlock : end_;
-      line_end_ = cr_.Next(at_, lf_.Next(at_, full));
+      line_end_ = line_ends_.Next(at_, Full());
       at_ = line_end_;
       if (at_ == end_) return false;
-      if (at_ == full) continue;
-      at_ += end_ - at_ > 1 && IsPair(at_[0], at_[1]) ? 2 : 1;
+      if (at_ == Full()) continue;
+      at_ = SkipLineEnd(at_, end_);
       return true;
     }
   }
@@ -125,6 +106,32 @@ class BlockReader {
  private:
   static constexpr std::ptrdiff_t kBlock = 4093;
 
+  // Where the buffer is full, or the text ends.
+  const char* Full() const { return end_ - block_ > kBlock ? block_ + kBlock : end_; }
+
+  static Bytes16 AreLineEnds(Bytes16 c) { return (c == '\r') | (c == '\n'); }
+
+  // From the start of a line to that of another, with all between in the buffer: the last one, or
+  // the first that begins with "-".
+  void SkipPlainLines() {
+    if (at_ != end_ && *at_ == '-') return;
+    const char* const full = Full();
+    const char* last = at_;
+    for (const char* block = at_; full - block > static_cast<std::ptrdiff_t>(kBytes16);
+         block += kBytes16) {
+      const Bytes16 next = host::LoadBytes16(block + 1);
+      const Bytes16 starts = AreLineEnds(host::LoadBytes16(block)) & ~AreLineEnds(next);
+      if (!host::AnyOf(starts)) continue;
+      const Bytes16 dashes = starts & (next == '-');
+      if (host::AnyOf(dashes)) {
+        at_ = block + host::FirstOf(dashes) + 1;
+        return;
+      }
+      last = block + host::LastOf(starts) + 1;
+    }
+    at_ = last;
+  }
+
   void EmptyFullBuffer() {
     if (at_ - block_ < kBlock) return;
     if (line_ == block_) line_ = at_;
@@ -136,8 +143,7 @@ class BlockReader {
   const char* block_;  // the first byte that is in the buffer
   const char* line_;
   const char* line_end_ = nullptr;
-  Finder cr_;
-  Finder lf_;
+  LineEndFinder& line_ends_;
 };
 
 using MessageParser = mimetic::IteratorParser<ByteIterator, std::input_iterator_tag>;
@@ -162,8 +168,8 @@ void zqv::mime::MessageParser::pushNewChild() {
 template <>
 void zqv::mime::MessageParser::loadHeader() {
   zqv::mime::ParseState& state = m_eit.state();
-  const zqv::mime::HeaderEnd header =
-      zqv::mime::LoadHeader(m_bit.at(), m_eit.at(), m_entityStack.top()->header(), state.limits);
+  const zqv::mime::HeaderEnd header = zqv::mime::LoadHeader(
+      m_bit.at(), m_eit.at(), m_entityStack.top()->header(), state.limits, state.line_ends);
   m_bit = zqv::mime::ByteIterator(header.at, &state);
   m_entityStack.top()->body().append(header.body_start);
 }
@@ -192,7 +198,7 @@ template <>
 void zqv::mime::MessageParser::copy_until_boundary(ParsingElem element) {
   const char* const text = m_bit.at();
   const char* text_end = m_eit.at();
-  zqv::mime::BlockReader reader(text, text_end);
+  zqv::mime::BlockReader reader(text, text_end, m_eit.state().line_ends);
   while (reader.ReadLine()) {
     const std::string_view line = reader.line();
     if (line.substr(0, 2) == "--" && isBoundary(std::string(line)) != NoBoundary) {
@@ -201,8 +207,13 @@ void zqv::mime::MessageParser::copy_until_boundary(ParsingElem element) {
     }
   }
   m_bit = zqv::mime::ByteIterator(reader.at(), &m_eit.state());
+  zqv::mime::LeafBodies* const leaves = m_eit.state().leaf_bodies;
   std::string* part = nullptr;
   mimetic::Body& body = m_entityStack.top()->body();
+  if (element == peBody && leaves != nullptr && body.empty()) {
+    leaves->Add(body, {text, static_cast<std::size_t>(text_end - text)});
+    return;
+  }
   if (element == peBody) part = &body;
   if (element == pePreamble) part = &body.preamble();
   if (element == peEpilogue) part = &body.epilogue();
@@ -230,11 +241,23 @@ void zqv::mime::MessageParser::loadMultipart() {
 
 namespace zqv::mime {
 
-void ParseMessage(std::string_view message, mimetic::MimeEntity& top) {
-  ParseState state;
+namespace {
+
+void Parse(std::string_view message, mimetic::MimeEntity& top, LeafBodies* leaves) {
+  ParseState state(message, leaves);
   MessageParser parser(top);
   parser.run(ByteIterator(message.data(), &state),
              ByteIterator(message.data() + message.size(), &state));
+}
+
+}  // namespace
+
+void ParseMessage(std::string_view message, mimetic::MimeEntity& top) {
+  Parse(message, top, nullptr);
+}
+
+void ParseMessage(std::string_view message, mimetic::MimeEntity& top, LeafBodies& leaves) {
+  Parse(message, top, &leaves);
 }
 
 }  // namespace zqv::mime

@@ -8,10 +8,16 @@
 
 #include <string_view>
 
+#include "mime/leaf_bodies.h"
+
 namespace zqv::mime {
 
 // Parses `message` into `top`, which must be empty. Throws std::runtime_error, leaving `top` with
 // what was parsed until then, when the message is beyond a limit.
 void ParseMessage(std::string_view message, mimetic::MimeEntity& top);
+
+// The same, but the bodies of leaves are left where they lie: `leaves` tells of them, as long as
+// the message lives. A tree without them cannot be written.
+void ParseMessage(std::string_view message, mimetic::MimeEntity& top, LeafBodies& leaves);
 
 }  // namespace zqv::mime

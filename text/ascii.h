@@ -2,6 +2,7 @@
 // digits. Comparing words, case counts for nothing, and only ASCII letters have one.
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 namespace zqv::text {
@@ -22,6 +23,12 @@ constexpr int HexadecimalValue(char c) {
 }
 
 // True when the two are equal but for the case of ASCII letters.
-bool EqualsIgnoringCase(std::string_view left, std::string_view right);
+inline bool EqualsIgnoringCase(std::string_view left, std::string_view right) {
+  if (left.size() != right.size()) return false;
+  for (std::size_t i = 0; i < left.size(); ++i) {
+    if (LowerAscii(left[i]) != LowerAscii(right[i])) return false;
+  }
+  return true;
+}
 
 }  // namespace zqv::text

@@ -81,7 +81,7 @@ class EncodedWordScanner {
     // QUIRK: lower-case letters delimit a word whose text is then not decoded. Applications rely
     // on the asymmetry. Test: EncodedWords.LowerCaseLettersAreNotDecoded.
     if (letter == 'B') {
-      decoded_ += DecodeBase64(payload);
+      decoded_ += DecodeBase64(payload).view();
     } else if (letter == 'Q') {
       AppendQ(payload, decoded_);
     } else {
@@ -125,7 +125,8 @@ host::StringRef BuildDecoded(std::string&& decoded, abi::Encoding encoding, bool
 
 host::StringRef DecodeInlineEncodings(const std::string& text, bool unquote) {
   if (text.empty()) return {};
-  if (text.size() < kShortestEncodedWord) return BuildPlain(text, unquote);
+  const bool has_word = text.size() >= kShortestEncodedWord && text.find("=?") != text.npos;
+  if (!has_word) return BuildPlain(text, unquote);
   EncodedWordScanner scanner(UpToNul(text));
   scanner.Run();
   if (scanner.charset().empty()) return BuildPlain(text, unquote);

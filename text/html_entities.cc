@@ -1,6 +1,8 @@
 #include "text/html_entities.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <iterator>
 
 namespace zqv::text {
@@ -264,16 +266,52 @@ constexpr HtmlEntity kHtmlEntities[] = {
 };
 static_assert(std::size(kHtmlEntities) == kHtmlEntityCount);
 
+namespace {
+
+constexpr std::size_t kLetters = 128;
+
+// The rows by the first letter of their names, those of one letter in the table's order.
+struct Index {
+  std::array<std::uint8_t, kHtmlEntityCount> rows;
+  std::array<std::uint8_t, kLetters + 1> first;  // by letter: where its rows begin
+};
+static_assert(kHtmlEntityCount < 256);
+
+constexpr Index MakeIndex() {
+  Index index{};
+  std::uint8_t count = 0;
+  for (std::size_t letter = 0; letter < kLetters; ++letter) {
+    index.first[letter] = count;
+    for (std::size_t row = 0; row < kHtmlEntityCount; ++row) {
+      if (static_cast<std::size_t>(kHtmlEntities[row].name[0]) == letter)
+        index.rows[count++] = static_cast<std::uint8_t>(row);
+    }
+  }
+  index.first[kLetters] = count;
+  return index;
+}
+constexpr Index kIndex = MakeIndex();
+static_assert(kIndex.first[kLetters] == kHtmlEntityCount, "every name begins with an ASCII letter");
+
+bool Begins(const HtmlEntity& row, std::u32string_view beginning) {
+  return row.name.size() >= beginning.size() &&
+         std::equal(beginning.begin(), beginning.end(), row.name.begin(),
+                    [](char32_t c, char letter) { return c == static_cast<char32_t>(letter); });
+}
+
+}  // namespace
+
 char32_t FindHtmlEntity(std::u32string_view beginning) {
-  const auto begins = [&](const HtmlEntity& row) {
-    return row.name.size() >= beginning.size() &&
-           std::equal(beginning.begin(), beginning.end(), row.name.begin(),
-                      [](char32_t c, char letter) { return c == static_cast<char32_t>(letter); });
-  };
+  if (beginning.empty()) return kHtmlEntities[0].code_point;
+  if (beginning.front() >= kLetters) return 0;
   // QUIRK: a name need not be whole: "sigma" finds "sigmaf", "or" finds "ordf", "sup" finds "sup2".
   // Applications know the texts so. Test: HtmlEntities.TheFirstRowThatBeginsSoWins.
-  const auto* row = std::find_if(std::begin(kHtmlEntities), std::end(kHtmlEntities), begins);
-  return row != std::end(kHtmlEntities) ? row->code_point : 0;
+  for (std::size_t i = kIndex.first[beginning.front()]; i < kIndex.first[beginning.front() + 1];
+       ++i) {
+    const HtmlEntity& row = kHtmlEntities[kIndex.rows[i]];
+    if (Begins(row, beginning)) return row.code_point;
+  }
+  return 0;
 }
 
 }  // namespace zqv::text

@@ -1,9 +1,11 @@
 #include "text/html_to_text.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <iterator>
 #include <limits>
+#include <type_traits>
 
 #include "host/log.h"
 #include "host/strings.h"
@@ -85,13 +87,28 @@ bool IsWhiteSpace(char32_t c) {
 
 bool IsLetter(char32_t c) { return (c >= U'A' && c <= U'Z') || (c >= U'a' && c <= U'z'); }
 
+// Those that are more than text: they begin or end a tag, begin a reference or end a line.
+constexpr std::array<bool, 64> MakeMarkup() {
+  std::array<bool, 64> table{};
+  for (const char c : {'<', '>', '&', '\n', '\r'}) table[static_cast<unsigned char>(c)] = true;
+  return table;
+}
+constexpr std::array<bool, 64> kMarkup = MakeMarkup();
+
+bool IsMarkup(char32_t c) { return c < kMarkup.size() && kMarkup[c]; }
+
+// "<" and ">" differ in one bit.
+bool IsAngle(char32_t c) { return (c | 2U) == U'>'; }
+
 // `name` holds ASCII letters only.
-Tag FindTag(std::u32string_view name) {
-  const auto* row = std::find_if(std::begin(kTags), std::end(kTags), [name](const TagRow& r) {
+template <class Unit>
+Tag FindTag(std::basic_string_view<Unit> name) {
+  const auto is = [name](const TagRow& row) {
     return std::equal(
-        name.begin(), name.end(), r.name.begin(), r.name.end(),
-        [](char32_t c, char letter) { return LowerAscii(static_cast<char>(c)) == letter; });
-  });
+        name.begin(), name.end(), row.name.begin(), row.name.end(),
+        [](Unit c, char letter) { return LowerAscii(static_cast<char>(c)) == letter; });
+  };
+  const auto* row = std::find_if(std::begin(kTags), std::end(kTags), is);
   return row != std::end(kTags) ? row->tag : Tag::kOther;
 }
 
@@ -105,12 +122,13 @@ std::uint32_t DigitValue(char32_t c) {
 // The number at the start of `text`, the largest 32-bit one when it does not fit; 0 when there is
 // none or it is negative. A "-" counts wherever it stands. Of each code point only the bits in
 // `mask` are looked at.
-std::uint32_t ReadNumber(std::u32string_view text, std::uint32_t base, char32_t mask) {
+template <class Unit>
+std::uint32_t ReadNumber(std::basic_string_view<Unit> text, std::uint32_t base, char32_t mask) {
   constexpr std::uint64_t kLargest = std::numeric_limits<std::uint32_t>::max();
   std::uint64_t value = 0;
   bool negative = false;
-  for (const char32_t unit : text) {
-    const char32_t c = unit & mask;
+  for (const Unit unit : text) {
+    const char32_t c = static_cast<char32_t>(unit) & mask;
     const std::uint32_t digit = DigitValue(c);
     if (digit < base) {
       value = std::min(value * base + digit, kLargest);
@@ -124,43 +142,59 @@ std::uint32_t ReadNumber(std::u32string_view text, std::uint32_t base, char32_t 
 }
 
 // `text` begins with the "#". 0 when it is not a reference to a character.
-std::uint32_t ReadNumericReference(std::u32string_view text) {
+template <class Unit>
+std::uint32_t ReadNumericReference(std::basic_string_view<Unit> text) {
   // QUIRK: the upper bits of the digits are not looked at, and "#X" is not hexadecimal.
   // Test: HtmlReferences.DigitsAreReadByTheirLowBits.
-  if (text.substr(1, 1) == U"x") return ReadNumber(text.substr(2, kMostHexDigits), 16, 0xFFFF);
+  if (text.size() > 1 && text[1] == Unit{'x'})
+    return ReadNumber(text.substr(2, kMostHexDigits), 16, 0xFFFF);
   return ReadNumber(text.substr(1), 10, 0xFF);
 }
 
-// Walks the text once; every step moves `at_` forward.
+// Walks the text once; every step moves `at_` forward. A unit is a code point: a char32_t, or a
+// char of ASCII text, which need not be made wider to be read.
+template <class Unit>
 class HtmlPass {
+  using View = std::basic_string_view<Unit>;
+
  public:
-  explicit HtmlPass(std::u32string_view html) : html_(html), indent_left_(kIndent) {
+  explicit HtmlPass(View html) : html_(html), indent_left_(kIndent) {
     constexpr std::size_t kSpare = 4096;  // most texts need no second allocation
     output_.reserve(html.size() + kSpare);
   }
 
   std::u32string Run() {
     while (at_ < html_.size()) {
-      const char32_t c = html_[at_];
-      Step(c);
-      previous_ = c;
+      const char32_t c = At(at_);
+      previous_ = Step(c) ? c : At(at_ - 1);
     }
     return std::move(output_);
   }
 
  private:
-  void Step(char32_t c) {
-    if (c == U'<') return ReadTag();
-    if (c == kLineFeed || c == kReturn) return ReadLineBreak();
-    if (c == U'>') return EndTag();
-    if (IsDropped() || in_noscript_) return Skip(1);
-    if (c == U'&' && ReadReference()) return;
-    ReadCharacter(c);
+  // Reads what begins with `c`; false when it was a run of single code points.
+  bool Step(char32_t c) {
+    if (c == U'<') {
+      ReadTag();
+    } else if (c == kLineFeed || c == kReturn) {
+      ReadLineBreak();
+    } else if (c == U'>') {
+      EndTag();
+    } else if (IsDropped() || in_noscript_) {
+      SkipToAngle();
+      return false;
+    } else if (c != U'&' || !ReadReference()) {
+      ReadText();
+      return false;
+    }
+    return true;
   }
+
+  char32_t At(std::size_t index) const { return static_cast<char32_t>(html_[index]); }
 
   // The code point that many after the current one; NUL beyond the end.
   char32_t Peek(std::size_t ahead) const {
-    return ahead < html_.size() - at_ ? html_[at_ + ahead] : U'\0';
+    return ahead < html_.size() - at_ ? At(at_ + ahead) : U'\0';
   }
 
   void Skip(std::size_t count) { at_ += std::min(count, html_.size() - at_); }
@@ -174,17 +208,15 @@ class HtmlPass {
   void AppendLineBreak() { Append(kReturn, true); }
 
   void ReadTag() {
-    if (html_.substr(at_, 4) == U"<!--") return SkipComment();
+    if (Peek(1) == U'!' && Peek(2) == U'-' && Peek(3) == U'-') return SkipComment();
     ++tag_depth_;
     const bool closing = Peek(1) == U'/';
     if (in_script_ && !closing) return StayInScript(2);
     Skip(closing ? 2 : 1);
-    const std::u32string_view rest = html_.substr(at_);
-    const auto name_end = std::find_if_not(rest.begin(), rest.end(), IsLetter);
-    const std::u32string_view name =
-        rest.substr(0, static_cast<std::size_t>(std::distance(rest.begin(), name_end)));
-    Skip(name.size());
-    const Tag tag = FindTag(name);
+    std::size_t name_end = at_;
+    while (name_end < html_.size() && IsLetter(At(name_end))) ++name_end;
+    const Tag tag = FindTag(html_.substr(at_, name_end - at_));
+    at_ = name_end;
     if (in_script_ && tag != Tag::kScript) return StayInScript(1);
     if (closing) {
       CloseTag(tag);
@@ -201,8 +233,9 @@ class HtmlPass {
 
   void SkipComment() {
     ZQV_LOG("%s%s %ld", "start of comment found", static_cast<long>(at_ + 1));
-    const std::size_t end = html_.find(U"-->", at_ + 4);
-    if (end == std::u32string_view::npos) return Skip(html_.size());
+    constexpr Unit kEnd[] = {'-', '-', '>'};
+    const std::size_t end = html_.find(kEnd, at_ + 4, std::size(kEnd));
+    if (end == View::npos) return Skip(html_.size());
     ZQV_LOG("%s%s %ld", "end of comment found", static_cast<long>(end));
     at_ = end + 3;
     if (Peek(0) == kReturn) Skip(1);
@@ -299,13 +332,17 @@ class HtmlPass {
 
   // False when the "&" begins no reference and is an ordinary character.
   bool ReadReference() {
-    const std::u32string_view rest = html_.substr(at_ + 1);
-    const auto window = rest.substr(0, kLongestReferenceName);
-    const std::size_t length = std::min(window.find_first_of(U";\0", 0, 2), window.size());
+    const View rest = html_.substr(at_ + 1);
+    char32_t name[kLongestReferenceName];
+    std::size_t length = 0;
+    while (length < std::min(rest.size(), kLongestReferenceName) && rest[length] != Unit{';'} &&
+           rest[length] != Unit{}) {
+      name[length] = static_cast<char32_t>(rest[length]);
+      ++length;
+    }
     if (length == 0) return false;
-    const std::u32string_view name = window.substr(0, length);
-    char32_t c = FindHtmlEntity(name);
-    if (c == 0 && name.front() == U'#') {
+    char32_t c = FindHtmlEntity({name, length});
+    if (c == 0 && name[0] == U'#') {
       c = ReadNumericReference(rest);
       if (c == 0) return false;
     }
@@ -317,13 +354,38 @@ class HtmlPass {
     return true;
   }
 
-  void ReadCharacter(char32_t c) {
-    if (!IsWhiteSpace(c) || !IsWhiteSpace(previous_)) output_ += c;
-    at_line_start_ = false;
-    Skip(1);
+  // Text that is dropped, up to a tag's beginning or end.
+  void SkipToAngle() {
+    while (at_ < html_.size() && !IsAngle(At(at_))) ++at_;
   }
 
-  std::u32string_view html_;
+  // At least the current code point, whatever it is, as a character.
+  void ReadText() {
+    bool after_space = IsWhiteSpace(previous_);
+    const std::size_t begin = at_;
+    do {
+      const char32_t c = At(at_);
+      const bool is_space = IsWhiteSpace(c);
+      if (is_space && after_space) break;
+      after_space = is_space;
+      ++at_;
+    } while (at_ < html_.size() && !IsMarkup(At(at_)));
+    AppendText(html_.substr(begin, at_ - begin));
+    while (after_space && at_ < html_.size() && !IsMarkup(At(at_)) && IsWhiteSpace(At(at_))) ++at_;
+    at_line_start_ = false;
+  }
+
+  void AppendText(View text) {
+    if constexpr (std::is_same_v<Unit, char32_t>) {
+      output_.append(text);
+    } else {
+      const std::size_t before = output_.size();
+      output_.resize(before + text.size());
+      std::copy(text.begin(), text.end(), output_.begin() + static_cast<std::ptrdiff_t>(before));
+    }
+  }
+
+  View html_;
   std::size_t at_ = 0;
   std::u32string output_;
   char32_t previous_ = 0;       // handled in the step before, output or not
@@ -340,12 +402,13 @@ class HtmlPass {
 }  // namespace
 
 std::u32string HtmlToPlainText(std::u32string_view html) { return HtmlPass(html).Run(); }
+std::u32string HtmlToPlainText(std::string_view html) { return HtmlPass(html).Run(); }
 
 host::StringRef HTMLToPlainText(abi::REALstring html) {
   if (html == nullptr) return {};
   const std::u32string text = [&] {
     host::rbText reader(html);  // its copy of the text need not outlive the pass
-    return HtmlToPlainText(reader.Utf32());
+    return reader.CheckASCII() ? HtmlToPlainText(reader.Utf8()) : HtmlToPlainText(reader.Utf32());
   }();
   const std::size_t size = text.size();
   ZQV_LOG("%s%s %lu", "output.size", static_cast<unsigned long>(size));

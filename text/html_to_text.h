@@ -16,6 +16,8 @@ namespace zqv::text {
 // an end runs to the end of the text. Time and memory are linear in the input: bullets of lists
 // nested thousands deep are not indented any more.
 std::u32string HtmlToPlainText(std::u32string_view html);
+// The same of a text of ASCII characters.
+std::u32string HtmlToPlainText(std::string_view html);
 
 // The same for a host string [borrowed; nil in, nil out]; nil when nothing is left. [new lock]
 host::StringRef HTMLToPlainText(abi::REALstring html);

@@ -5,20 +5,36 @@
 // Applications know the results. Test: Transfer.IsTakenOff.
 #pragma once
 
-#include <string>
+#include <cstddef>
+#include <memory>
 #include <string_view>
 
 namespace zqv::text {
 
+// What a decoder made: room for the most that a text can give, and how much of it was needed. The
+// room is not filled with zeros first.
+class DecodedBytes {
+ public:
+  explicit DecodedBytes(std::size_t room) : bytes_(new char[room]) {}
+
+  char* data() { return bytes_.get(); }
+  void EndAt(const char* end) { size_ = static_cast<std::size_t>(end - bytes_.get()); }
+  std::string_view view() const { return {bytes_.get(), size_}; }
+
+ private:
+  std::unique_ptr<char[]> bytes_;
+  std::size_t size_ = 0;
+};
+
 // Characters that are neither of the alphabet nor "=" are skipped. Of each four others "=" in the
 // third or fourth place ends what the four give; in the first or second it counts as a value. Fewer
 // than four at the end give the whole bytes that they hold.
-std::string DecodeBase64(std::string_view text);
+DecodedBytes DecodeBase64(std::string_view text);
 
 // Blanks before a CR or LF go, and that one character with them; CRLF, LFCR, CR and LF are one LF
 // each; other control characters go. "=" with blanks and a line end is a soft break; "=" that
 // begins no code stays, with what does not fit. What the end leaves undecided, blanks or the start
 // of a code, becomes "=", with a tab if its second character is one.
-std::string DecodeQuotedPrintable(std::string_view text);
+DecodedBytes DecodeQuotedPrintable(std::string_view text);
 
 }  // namespace zqv::text

@@ -231,7 +231,8 @@ TEST_F(Routing, SaysWhatItDid) {
       Parse(Mixed({"Content-Type: text/plain\n\none", "Content-Type: Text/HTML\n\ntwo",
                    "Content-Type: image/png\n\nthree"}));
   const auto email = NewEmail();
-  email::EntityRouter router(RecordOf(email));
+  const mime::LeafBodies none;
+  email::EntityRouter router(RecordOf(email), none);
   const LogCapture log;
   for (const mimetic::MimeEntity* part : entity->body().parts()) {
     const auto object = host::NewInstance<MimeEntityClassData>();
@@ -246,8 +247,8 @@ TEST_F(Routing, GivesTheDecodedBodyOrNothing) {
   const auto email = NewEmail();
   const auto decode = [&](const char* message) -> std::string {
     const auto entity = Parse(message);
-    const auto decoded =
-        email::DecodeEntity(RecordOf(email), *entity, RecordOf(email), nullptr, nullptr);
+    const auto decoded = email::DecodeEntity(RecordOf(email), mime::HeaderView(entity->header()),
+                                             entity->body(), RecordOf(email), nullptr, nullptr);
     return decoded.has_value() ? std::string(decoded->bytes()) : "nothing";
   };
   EXPECT_EQ(decode("Content-Transfer-Encoding: base64\n\nQUJD"), "ABC");

@@ -9,6 +9,7 @@
 
 #include "host/errors.h"
 #include "mime/field.h"
+#include "mime/header_view.h"
 #include "tests/unit/host/log_capture.h"
 #include "tests/unit/mime/mime_fixture.h"
 
@@ -34,7 +35,7 @@ constexpr char kWholeHeader[] =
 class Header : public MimeTest {
  protected:
   host::ObjectRef Build(std::string_view message) {
-    return mime::NewMimeHeaderZQV(Parse(message)->header());
+    return mime::NewMimeHeaderZQV(mime::HeaderView(Parse(message)->header()));
   }
 
   static MimeHeaderClassData& RecordOf(const host::ObjectRef& header) {
@@ -101,8 +102,8 @@ TEST_F(Header, MakesUpNoContentIdAndNoMessageId) {
   EXPECT_EQ(Show(RecordOf(header).contentId), "nil");
   EXPECT_EQ(Show(RecordOf(header).messageid), "nil");
   const auto entity = Parse("X: y\n\n");
-  EXPECT_EQ(mime::ContentIdText(entity->header()), "");
-  EXPECT_EQ(mime::MessageIdText(entity->header()), "");
+  EXPECT_EQ(mime::HeaderView(entity->header()).content_id(), "");
+  EXPECT_EQ(mime::HeaderView(entity->header()).message_id(), "");
 }
 
 TEST_F(Header, FindsIdsWhateverTheirCase) {

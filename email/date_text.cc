@@ -1,0 +1,137 @@
+// Nearly every date is written as RFC 5322 has it, and its parts lie where they are expected: those
+// are read in one pass. Everything else goes to the MIME library, which allocates a dozen strings
+// for a date.
+#include "email/date_text.h"
+
+#include <mimetic/rfc822/datetime.h>
+
+#include <cstddef>
+#include <iterator>
+#include <optional>
+#include <string>
+
+#include "text/ascii.h"
+
+namespace zqv::email {
+namespace {
+
+constexpr std::string_view kMonths[] = {"jan", "feb", "mar", "apr", "may", "jun",
+                                        "jul", "aug", "sep", "oct", "nov", "dec"};
+static_assert(std::size(kMonths) == 12);
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsLetter(char c) {
+  const char lower = text::LowerAscii(c);
+  return lower >= 'a' && lower <= 'z';
+}
+
+// Takes one part after the other from the front of a text. What does not fit spoils it all.
+class PartReader {
+ public:
+  explicit PartReader(std::string_view text) : rest_(text) {}
+
+  bool is_good() const { return is_good_; }
+
+  // A number of `least` to `most` digits.
+  int Number(std::size_t least, std::size_t most) {
+    int value = 0;
+    std::size_t count = 0;
+    for (; count < most && IsDigit(Front()); ++count) {
+      value = value * 10 + (Front() - '0');
+      rest_.remove_prefix(1);
+    }
+    is_good_ = is_good_ && count >= least;
+    return value;
+  }
+
+  // 1 to 12.
+  int Month() {
+    int month = 1;
+    for (const std::string_view name : kMonths) {
+      if (text::EqualsIgnoringCase(rest_.substr(0, name.size()), name)) {
+        rest_.remove_prefix(name.size());
+        return month;
+      }
+      ++month;
+    }
+    is_good_ = false;
+    return 0;
+  }
+
+  int Sign() {
+    const int sign = Front() == '-' ? -1 : 1;
+    Take(sign < 0 ? '-' : '+');
+    return sign;
+  }
+
+  void Take(char c) {
+    is_good_ = is_good_ && Front() == c;
+    if (is_good_) rest_.remove_prefix(1);
+  }
+
+  void SkipSpaces() {
+    while (Front() == ' ') rest_.remove_prefix(1);
+  }
+
+  // "Tue," and the like.
+  void SkipDayName() {
+    if (!IsLetter(Front())) return;
+    while (IsLetter(Front())) rest_.remove_prefix(1);
+    Take(',');
+    SkipSpaces();
+  }
+
+  // The end of the text, after a simple comment at the most.
+  void End() {
+    SkipSpaces();
+    if (Front() == '(') {
+      const std::size_t end = rest_.find_first_of("()\"", 1);
+      if (end != std::string_view::npos && rest_[end] == ')') rest_.remove_prefix(end + 1);
+      SkipSpaces();
+    }
+    is_good_ = is_good_ && rest_.empty();
+  }
+
+ private:
+  // NUL, which is in no date, at the end.
+  char Front() const { return rest_.empty() ? '\0' : rest_.front(); }
+
+  std::string_view rest_;
+  bool is_good_ = true;
+};
+
+// A date with all its parts and one space between them; nothing for any other.
+std::optional<DateFields> ReadRegular(std::string_view text) {
+  DateFields date{};
+  PartReader reader(text);
+  reader.SkipSpaces();
+  reader.SkipDayName();
+  date.day = reader.Number(1, 2);
+  reader.Take(' ');
+  date.month = reader.Month();
+  reader.Take(' ');
+  date.year = reader.Number(4, 4);
+  reader.Take(' ');
+  date.hour = reader.Number(1, 2);
+  reader.Take(':');
+  date.minute = reader.Number(2, 2);
+  reader.Take(':');
+  date.second = reader.Number(2, 2);
+  reader.Take(' ');
+  date.zone = reader.Sign();
+  date.zone *= reader.Number(4, 4);
+  reader.End();
+  if (!reader.is_good()) return std::nullopt;
+  return date;
+}
+
+}  // namespace
+
+DateFields ReadDateText(std::string_view text) {
+  if (const std::optional<DateFields> date = ReadRegular(text)) return *date;
+  const mimetic::DateTime date{std::string(text)};
+  return {date.year(),   date.month().ordinal(), date.day(),           date.hour(),
+          date.minute(), date.second(),          date.zone().ordinal()};
+}
+
+}  // namespace zqv::email

@@ -1,0 +1,124 @@
+#include "mime/header_view.h"
+
+#include <iterator>
+
+#include "text/ascii.h"
+
+namespace zqv::mime {
+namespace {
+
+struct Row {
+  std::string_view name;
+  FieldName field;
+};
+
+// By length, so that a name is compared with two of them at the most.
+constexpr Row kNames[] = {
+    // clang-format off
+    {"cc",                        FieldName::kCc},
+    {"to",                        FieldName::kTo},
+    {"bcc",                       FieldName::kBcc},
+    {"date",                      FieldName::kDate},
+    {"from",                      FieldName::kFrom},
+    {"sender",                    FieldName::kSender},
+    {"subject",                   FieldName::kSubject},
+    {"received",                  FieldName::kReceived},
+    {"reply-to",                  FieldName::kReplyTo},
+    {"content-id",                FieldName::kContentId},
+    {"message-id",                FieldName::kMessageId},
+    {"content-type",              FieldName::kContentType},
+    {"mime-version",              FieldName::kMimeVersion},
+    {"content-description",       FieldName::kContentDescription},
+    {"content-disposition",       FieldName::kContentDisposition},
+    {"content-transfer-encoding", FieldName::kContentTransferEncoding},
+    // clang-format on
+};
+
+constexpr std::size_t kLongest = 25;
+
+// By length: the first name that is no shorter.
+struct Starts {
+  std::uint8_t row[kLongest + 2];
+};
+constexpr Starts MakeStarts() {
+  Starts starts{};
+  std::uint8_t row = 0;
+  for (std::size_t length = 0; length <= kLongest + 1; ++length) {
+    while (row < std::size(kNames) && kNames[row].name.size() < length) ++row;
+    starts.row[length] = row;
+  }
+  return starts;
+}
+constexpr Starts kStarts = MakeStarts();
+static_assert(kStarts.row[kLongest + 1] == std::size(kNames), "a longer name");
+
+}  // namespace
+
+std::optional<FieldName> RecogniseFieldName(std::string_view name) {
+  if (name.size() > kLongest) return std::nullopt;
+  for (std::size_t i = kStarts.row[name.size()]; i < kStarts.row[name.size() + 1]; ++i) {
+    if (text::EqualsIgnoringCase(name, kNames[i].name)) return kNames[i].field;
+  }
+  return std::nullopt;
+}
+
+HeaderView::HeaderView(const mimetic::Header& header) : header_(header) {
+  for (const mimetic::Field& field : header) {
+    if (const auto name = RecogniseFieldName(field.name())) present_ |= Bit(*name);
+  }
+}
+
+template <class Value>
+const Value& HeaderView::Typed(FieldName name, const Value& (mimetic::Header::*get)() const) const {
+  static const Value absent;
+  return Has(name) ? (header_.*get)() : absent;
+}
+
+const mimetic::MimeVersion& HeaderView::mime_version() const {
+  return Typed<mimetic::MimeVersion>(FieldName::kMimeVersion, &mimetic::Header::mimeVersion);
+}
+const mimetic::ContentType& HeaderView::content_type() const {
+  return Typed<mimetic::ContentType>(FieldName::kContentType, &mimetic::Header::contentType);
+}
+const mimetic::ContentTransferEncoding& HeaderView::content_transfer_encoding() const {
+  return Typed<mimetic::ContentTransferEncoding>(FieldName::kContentTransferEncoding,
+                                                 &mimetic::Header::contentTransferEncoding);
+}
+const mimetic::ContentDisposition& HeaderView::content_disposition() const {
+  return Typed<mimetic::ContentDisposition>(FieldName::kContentDisposition,
+                                            &mimetic::Header::contentDisposition);
+}
+const mimetic::ContentDescription& HeaderView::content_description() const {
+  return Typed<mimetic::ContentDescription>(FieldName::kContentDescription,
+                                            &mimetic::Header::contentDescription);
+}
+const mimetic::Mailbox& HeaderView::sender() const {
+  return Typed<mimetic::Mailbox>(FieldName::kSender, &mimetic::Header::sender);
+}
+const mimetic::MailboxList& HeaderView::from() const {
+  return Typed<mimetic::MailboxList>(FieldName::kFrom, &mimetic::Header::from);
+}
+const mimetic::AddressList& HeaderView::to() const {
+  return Typed<mimetic::AddressList>(FieldName::kTo, &mimetic::Header::to);
+}
+const mimetic::AddressList& HeaderView::reply_to() const {
+  return Typed<mimetic::AddressList>(FieldName::kReplyTo, &mimetic::Header::replyto);
+}
+const mimetic::AddressList& HeaderView::cc() const {
+  return Typed<mimetic::AddressList>(FieldName::kCc, &mimetic::Header::cc);
+}
+const mimetic::AddressList& HeaderView::bcc() const {
+  return Typed<mimetic::AddressList>(FieldName::kBcc, &mimetic::Header::bcc);
+}
+
+std::string HeaderView::content_id() const {
+  return Has(FieldName::kContentId) ? header_.contentId().str() : std::string();
+}
+std::string HeaderView::message_id() const {
+  return Has(FieldName::kMessageId) ? header_.messageid().str() : std::string();
+}
+std::string HeaderView::subject() const {
+  return Has(FieldName::kSubject) ? header_.subject() : std::string();
+}
+
+}  // namespace zqv::mime

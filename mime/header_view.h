@@ -1,0 +1,79 @@
+// The fields of a header that mean something here, by their names.
+//
+// A header is walked once to see which of them it has, so that nothing is searched for in vain:
+// most headers have a third of them, and the library searches by name. Names and values are the
+// MIME library's own; the first field of a name counts.
+#pragma once
+
+#include <mimetic/header.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zqv::mime {
+
+enum class FieldName : std::uint8_t {
+  kBcc,
+  kCc,
+  kContentDescription,
+  kContentDisposition,
+  kContentId,
+  kContentTransferEncoding,
+  kContentType,
+  kDate,
+  kFrom,
+  kMessageId,
+  kMimeVersion,
+  kReceived,
+  kReplyTo,
+  kSender,
+  kSubject,
+  kTo,
+};
+
+// Nothing for any other name. Case counts for nothing (RFC 5322, section 1.2.2).
+std::optional<FieldName> RecogniseFieldName(std::string_view name);
+
+// Reads a header, which must outlive it. An absent field is what the library makes of no field:
+// empty texts and lists, but for the version "0.0", the type "/" and the mailbox "@".
+class HeaderView {
+ public:
+  explicit HeaderView(const mimetic::Header& header);
+
+  const mimetic::Header& fields() const { return header_; }
+
+  bool Has(FieldName name) const { return (present_ & Bit(name)) != 0; }
+
+  const mimetic::MimeVersion& mime_version() const;
+  const mimetic::ContentType& content_type() const;
+  const mimetic::ContentTransferEncoding& content_transfer_encoding() const;
+  const mimetic::ContentDisposition& content_disposition() const;
+  const mimetic::ContentDescription& content_description() const;
+  const mimetic::Mailbox& sender() const;
+  const mimetic::MailboxList& from() const;
+  const mimetic::AddressList& to() const;
+  const mimetic::AddressList& reply_to() const;
+  const mimetic::AddressList& cc() const;
+  const mimetic::AddressList& bcc() const;
+
+  // These three are texts: the library would make up an id for a header that has none, and give a
+  // reference that does not last.
+  std::string content_id() const;
+  std::string message_id() const;
+  std::string subject() const;
+
+ private:
+  static constexpr std::uint32_t Bit(FieldName name) {
+    return std::uint32_t{1} << static_cast<unsigned>(name);
+  }
+
+  template <class Value>
+  const Value& Typed(FieldName name, const Value& (mimetic::Header::*get)() const) const;
+
+  const mimetic::Header& header_;
+  std::uint32_t present_ = 0;
+};
+
+}  // namespace zqv::mime
