@@ -108,19 +108,20 @@ ObjectRef ConvertDate(std::string_view text, LocalOffset& local_offset) {
   return date;
 }
 
-void ParseField(mime::MimeEntityClassData& record, const mimetic::Field& field,
-                LocalOffset& local_offset) {
-  const std::optional<mime::FieldName> name = mime::RecogniseFieldName(field.name());
+void ParseField(mime::MimeEntityClassData& record, const mime::HeaderView& header,
+                std::size_t index, LocalOffset& local_offset) {
+  const std::optional<mime::FieldName> name = mime::RecogniseFieldName(header.Name(index));
+  std::string storage;
   if (name == mime::FieldName::kDate) {
-    record.SentDate.Put(ConvertDate(field.value(), local_offset));
+    record.SentDate.Put(ConvertDate(header.Value(index, storage), local_offset));
   }
   if (name != mime::FieldName::kReceived) return;
-  const std::string value = field.value();
+  const std::string_view value = header.Value(index, storage);
   // QUIRK: the first "; " is taken, even inside a comment before the date.
   // Test: Dates.FirstSemicolonAndBlankWins.
   const std::size_t semicolon = value.find("; ");
-  if (semicolon == std::string::npos) return;
-  record.ReceivedDate.Put(ConvertDate(std::string_view(value).substr(semicolon + 1), local_offset));
+  if (semicolon == std::string_view::npos) return;
+  record.ReceivedDate.Put(ConvertDate(value.substr(semicolon + 1), local_offset));
 }
 
 }  // namespace
@@ -159,9 +160,9 @@ ObjectRef NewDate(std::int64_t year, std::int64_t month, std::int64_t day, std::
 void ParseDate(mime::MimeEntityClassData& record, const mime::HeaderView& header) {
   if (!header.Has(mime::FieldName::kDate) && !header.Has(mime::FieldName::kReceived)) return;
   LocalOffset local_offset;
-  for (const mimetic::Field& field : header.fields()) {
+  for (std::size_t i = 0; i < header.size(); ++i) {
     try {
-      ParseField(record, field, local_offset);
+      ParseField(record, header, i, local_offset);
     } catch (const std::exception& e) {
       ZQV_LOG("%s%s %s, %s", "C++ Exception: ", typeid(e).name(), e.what());
     } catch (...) {

@@ -73,10 +73,10 @@ void CompleteSinglePart(MimeEntityClassData& record, const mime::HeaderView& hea
 }
 
 void BuildObjects(MimeEntityClassData& record, const mimetic::MimeEntity& entity,
-                  const mime::LeafBodies& leaves) {
-  const mime::HeaderView header(entity.header());
-  const std::string_view body = leaves.Of(entity.body());
-  EntityRouter router(record, leaves);
+                  const mime::MessageTexts& texts) {
+  EntityRouter router(record, texts);
+  const mime::HeaderView header = router.ViewOf(entity.header());
+  const std::string_view body = router.TextOf(entity.body());
   record.Body.Put(mime::NewMimeBodyZQV(entity.body(), router));
   record.Header.Put(mime::NewMimeHeaderZQV(header));
   std::optional<DecodedBody> decoded =
@@ -90,10 +90,10 @@ void BuildObjects(MimeEntityClassData& record, const mimetic::MimeEntity& entity
 
 // All that needs the parsed tree, which is gone when this returns.
 void ParseAndBuild(MimeEntityClassData& record, std::string_view bytes) {
-  mime::LeafBodies leaves;
+  mime::MessageTexts texts;
   mimetic::MimeEntity entity;
-  mime::ParseMessage(bytes, entity, leaves);
-  BuildObjects(record, entity, leaves);
+  mime::ParseMessage(bytes, entity, texts);
+  BuildObjects(record, entity, texts);
 }
 
 }  // namespace

@@ -92,8 +92,8 @@ std::optional<DecodedBody> DecodeEntity(mime::MimeEntityClassData& entity_record
 
 void EntityRouter::OnEntity(const mimetic::MimeEntity& entity, mime::MimeEntityClassData& record,
                             abi::REALobject body, abi::REALobject header) {
-  const mime::HeaderView fields(entity.header());
-  DecodeEntity(record, fields, leaves_.Of(entity.body()), email_record_, body, header);
+  const mime::HeaderView fields = ViewOf(entity.header());
+  DecodeEntity(record, fields, TextOf(entity.body()), email_record_, body, header);
   ParseDate(record, fields);
 }
 

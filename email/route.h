@@ -12,7 +12,7 @@
 #include "host/ref.h"
 #include "mime/entity.h"
 #include "mime/header_view.h"
-#include "mime/leaf_bodies.h"
+#include "mime/message_texts.h"
 
 namespace zqv::email {
 
@@ -59,17 +59,20 @@ void StoreHtmlText(mime::MimeEntityClassData& email_record, const host::StringSl
 // Decodes, routes and dates every entity below the message.
 class EntityRouter final : public mime::EntitySink {
  public:
-  // Routes into `email_record`, which must outlive this, as must `leaves`.
-  EntityRouter(mime::MimeEntityClassData& email_record, const mime::LeafBodies& leaves)
-      : email_record_(email_record), leaves_(leaves) {}
+  // Routes into `email_record`, which must outlive this, as must `texts`.
+  EntityRouter(mime::MimeEntityClassData& email_record, const mime::MessageTexts& texts)
+      : email_record_(email_record), texts_(texts) {}
 
   void OnEntity(const mimetic::MimeEntity& entity, mime::MimeEntityClassData& record,
                 abi::REALobject body, abi::REALobject header) override;
-  std::string_view TextOf(const mimetic::Body& body) const override { return leaves_.Of(body); }
+  std::string_view TextOf(const mimetic::Body& body) const override { return texts_.Of(body); }
+  mime::HeaderView ViewOf(const mimetic::Header& header) const override {
+    return mime::HeaderView(header, texts_.Of(header));
+  }
 
  private:
   mime::MimeEntityClassData& email_record_;
-  const mime::LeafBodies& leaves_;
+  const mime::MessageTexts& texts_;
 };
 
 }  // namespace zqv::email

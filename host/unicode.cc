@@ -86,6 +86,16 @@ std::size_t LegalMultiByteLength(const char* bytes, std::size_t available) {
 
 bool IsMark(char32_t c) { return c == kByteOrderMark || c == kSwappedByteOrderMark; }
 
+// Sixteen ASCII characters to as many code points; false, with nothing written, when one is none.
+bool WidenAscii(const char* from, char32_t* to) {
+  const Bytes16 bytes = LoadBytes16(from);
+  if (AnyOf(bytes < 0)) return false;
+  char32_t wide[kBytes16] = {};
+  for (std::size_t i = 0; i < kBytes16; ++i) wide[i] = static_cast<char32_t>(bytes[i]);
+  std::memcpy(to, wide, sizeof wide);
+  return true;
+}
+
 char32_t DecodeLegal(const char* bytes, std::size_t length) {
   constexpr std::uint8_t kLeadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
   char32_t c = Byte(bytes[0]) & kLeadBits[length];
@@ -153,6 +163,11 @@ Conversion Utf8ToUtf32(std::string_view bytes, char32_t* out) {
   Conversion result;
   while (result.stopped < bytes.size()) {
     const char* sequence = bytes.data() + result.stopped;
+    if (bytes.size() - result.stopped >= kBytes16 && WidenAscii(sequence, out + result.written)) {
+      result.stopped += kBytes16;
+      result.written += kBytes16;
+      continue;
+    }
     if (Byte(*sequence) < 0x80) {
       out[result.written++] = Byte(*sequence);
       ++result.stopped;

@@ -14,7 +14,7 @@ void AppendChild(const mimetic::MimeEntity& child, abi::REALarray parts, EntityS
   if (!object) return;
   MimeEntityClassData& record = *host::RecordOf<MimeEntityClassData>(object.get());
   record.Body.Put(NewMimeBodyZQV(child.body(), sink));
-  record.Header.Put(NewMimeHeaderZQV(HeaderView(child.header())));
+  record.Header.Put(NewMimeHeaderZQV(sink.ViewOf(child.header())));
   sink.OnEntity(child, record, record.Body.get(), record.Header.get());
   if (parts != nullptr) host::AppendObject(parts, object.get());
 }

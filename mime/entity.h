@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "abi/records.h"
+#include "mime/header_view.h"
 #include "mime/lifecycle.h"
 #include "mime/records.h"
 
@@ -22,6 +23,8 @@ class EntitySink {
 
   // The text of a body [borrowed], which the tree need not hold itself.
   virtual std::string_view TextOf(const mimetic::Body& body) const { return body; }
+  // A header with the values of its fields, which the tree need not hold itself.
+  virtual HeaderView ViewOf(const mimetic::Header& header) const { return HeaderView(header); }
 
  protected:
   ~EntitySink() = default;

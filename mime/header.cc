@@ -46,11 +46,14 @@ void FillAddresses(MimeHeaderClassData& record, const HeaderView& header) {
   put(record.bcc, header.bcc());
 }
 
-void FillFields(MimeHeaderClassData& record, const mimetic::Header& header) {
+void FillFields(MimeHeaderClassData& record, const HeaderView& header) {
   record.fields.Put(host::NewObjectArray());
   if (!record.fields) return;
-  for (const mimetic::Field& field : header) {
-    const host::ObjectRef object = NewFilled<MimeFieldClassData>(field);
+  std::string storage;
+  for (std::size_t i = 0; i < header.size(); ++i) {
+    const std::string_view value = header.Value(i, storage);
+    const host::ObjectRef object =
+        NewFilled<MimeFieldClassData>(std::string_view(header.Name(i)), value);
     if (object) host::AppendObject(record.fields.get(), object.get());
   }
 }
@@ -80,7 +83,7 @@ host::ObjectRef NewMimeHeaderZQV(const HeaderView& header) {
     MimeHeaderClassData& record = *host::RecordOf<MimeHeaderClassData>(object.get());
     FillTexts(record, header);
     FillAddresses(record, header);
-    FillFields(record, header.fields());
+    FillFields(record, header);
   });
   return object;
 }

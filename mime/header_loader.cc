@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <optional>
+#include <string_view>
 
+#include "mime/header_view.h"
 #include "text/ascii.h"
 
 namespace zqv::mime {
@@ -21,11 +24,23 @@ constexpr std::array<bool, 256> kNameCharacters = MakeNameCharacters();
 
 bool IsNameCharacter(char c) { return kNameCharacters[static_cast<unsigned char>(c)]; }
 
+// Whether the library is asked what a field of this name says. Of dates it is not: their texts are
+// read by themselves.
+bool IsAskedFor(std::optional<FieldName> name) {
+  return name.has_value() && name != FieldName::kDate && name != FieldName::kReceived;
+}
+
 class HeaderLoader {
  public:
   HeaderLoader(const char* at, const char* end, mimetic::Header& header, MessageLimits& limits,
-               LineEndFinder& line_ends)
-      : at_(at), end_(end), header_(header), limits_(limits), line_ends_(line_ends) {}
+               LineEndFinder& line_ends, MessageTexts* texts)
+      : at_(at),
+        end_(end),
+        header_(header),
+        limits_(limits),
+        line_ends_(line_ends),
+        texts_(texts),
+        values_(texts != nullptr ? &texts->NewFieldTexts(header) : nullptr) {}
 
   // A field is stored when the line after it begins, so one that the input ends in is lost.
   HeaderEnd Run() {
@@ -57,7 +72,7 @@ class HeaderLoader {
 
   void ReadValue() {
     const char* const line_end = line_ends_.Next(at_, end_);
-    value_.append(at_, line_end);
+    AppendValue({at_, static_cast<std::size_t>(line_end - at_)});
     at_ = line_end;
   }
 
@@ -65,7 +80,7 @@ class HeaderLoader {
   void ReadFold() {
     SkipBlanks();
     if (at_ == end_) return;
-    value_ += ' ';
+    AppendValue(" ");
     ReadValue();
   }
 
@@ -96,17 +111,35 @@ class HeaderLoader {
     return true;
   }
 
+  // A value of one piece stays where it lies.
+  void AppendValue(std::string_view piece) {
+    if (value_.empty() && joined_.empty()) {
+      value_ = piece;
+      return;
+    }
+    if (joined_.empty()) joined_ = value_;
+    joined_ += piece;
+  }
+
   // QUIRK: a value without a name stays, and the next field's value is appended to it. The library
   // does so with a fold after a line that was passed over. Test: Parser.FoldAfterIgnoredLineStays.
   void StoreField() {
     if (name_.empty()) return;
-    limits_.AdmitField(name_, value_);
-    value_.resize(std::min(value_.find('\0'), value_.size()));
+    const std::optional<FieldName> name = RecogniseFieldName(name_);
+    std::string_view value = joined_.empty() ? value_ : joined_;
+    limits_.AdmitField(name, value);
+    value = value.substr(0, value.find('\0'));
     mimetic::Field& field = header_.emplace_back();
     field.name(name_);
-    field.value(value_);
+    if (values_ == nullptr || IsAskedFor(name)) {
+      field.value(std::string(value));
+      if (values_ != nullptr) values_->emplace_back();
+    } else {
+      values_->push_back(joined_.empty() && !value.empty() ? value : texts_->Keep(value));
+    }
     name_.clear();
-    value_.clear();
+    value_ = {};
+    joined_.clear();
   }
 
   const char* at_;
@@ -114,16 +147,19 @@ class HeaderLoader {
   mimetic::Header& header_;
   MessageLimits& limits_;
   LineEndFinder& line_ends_;
+  MessageTexts* texts_;  // null: the header gets every value
+  FieldTexts* values_;   // of the texts
   std::string name_;
-  std::string value_;
+  std::string_view value_;  // in the message, when it is all
+  std::string joined_;      // all of a value of several pieces
   std::string body_start_;
 };
 
 }  // namespace
 
 HeaderEnd LoadHeader(const char* at, const char* end, mimetic::Header& header,
-                     MessageLimits& limits, LineEndFinder& line_ends) {
-  return HeaderLoader(at, end, header, limits, line_ends).Run();
+                     MessageLimits& limits, LineEndFinder& line_ends, MessageTexts* texts) {
+  return HeaderLoader(at, end, header, limits, line_ends, texts).Run();
 }
 
 }  // namespace zqv::mime

@@ -11,6 +11,7 @@
 
 #include "mime/limits.h"
 #include "mime/line_ends.h"
+#include "mime/message_texts.h"
 
 namespace zqv::mime {
 
@@ -20,9 +21,10 @@ struct HeaderEnd {
   std::string body_start;  // bytes before `at` that belong to the body: a line that is no field
 };
 
-// Appends the fields between `at` and `end` to `header`. Throws std::runtime_error when a field is
-// beyond the limits.
+// Appends the fields between `at` and `end` to `header`, which is empty. `texts`, if given, gets
+// the values of fields that have no meaning for the library. Throws std::runtime_error when a field
+// is beyond the limits.
 HeaderEnd LoadHeader(const char* at, const char* end, mimetic::Header& header,
-                     MessageLimits& limits, LineEndFinder& line_ends);
+                     MessageLimits& limits, LineEndFinder& line_ends, MessageTexts* texts);
 
 }  // namespace zqv::mime

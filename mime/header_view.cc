@@ -62,15 +62,22 @@ std::optional<FieldName> RecogniseFieldName(std::string_view name) {
   return std::nullopt;
 }
 
-HeaderView::HeaderView(const mimetic::Header& header) : header_(header) {
+HeaderView::HeaderView(const mimetic::Header& header, const FieldTexts* texts)
+    : header_(header), texts_(texts) {
   for (const mimetic::Field& field : header) {
     if (const auto name = RecogniseFieldName(field.name())) present_ |= Bit(*name);
   }
 }
 
-template <class Value>
-const Value& HeaderView::Typed(FieldName name, const Value& (mimetic::Header::*get)() const) const {
-  static const Value absent;
+std::string_view HeaderView::Value(std::size_t index, std::string& storage) const {
+  if (texts_ != nullptr && (*texts_)[index].data() != nullptr) return (*texts_)[index];
+  storage = header_[index].value();
+  return storage;
+}
+
+template <class Type>
+const Type& HeaderView::Typed(FieldName name, const Type& (mimetic::Header::*get)() const) const {
+  static const Type absent;
   return Has(name) ? (header_.*get)() : absent;
 }
 

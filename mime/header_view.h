@@ -7,10 +7,13 @@
 
 #include <mimetic/header.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "mime/message_texts.h"
 
 namespace zqv::mime {
 
@@ -40,9 +43,14 @@ std::optional<FieldName> RecogniseFieldName(std::string_view name);
 // empty texts and lists, but for the version "0.0", the type "/" and the mailbox "@".
 class HeaderView {
  public:
-  explicit HeaderView(const mimetic::Header& header);
+  // `texts` [borrowed]: the values that the header does not hold itself; null when it holds all.
+  explicit HeaderView(const mimetic::Header& header, const FieldTexts* texts = nullptr);
 
-  const mimetic::Header& fields() const { return header_; }
+  // The fields in their order; a value is the library's text form once a field was asked for below.
+  std::size_t size() const { return header_.size(); }
+  const std::string& Name(std::size_t index) const { return header_[index].name(); }
+  // [borrowed from the message or from `storage`]
+  std::string_view Value(std::size_t index, std::string& storage) const;
 
   bool Has(FieldName name) const { return (present_ & Bit(name)) != 0; }
 
@@ -69,10 +77,11 @@ class HeaderView {
     return std::uint32_t{1} << static_cast<unsigned>(name);
   }
 
-  template <class Value>
-  const Value& Typed(FieldName name, const Value& (mimetic::Header::*get)() const) const;
+  template <class Type>
+  const Type& Typed(FieldName name, const Type& (mimetic::Header::*get)() const) const;
 
   const mimetic::Header& header_;
+  const FieldTexts* texts_;
   std::uint32_t present_ = 0;
 };
 

@@ -5,14 +5,13 @@
 #include <stdexcept>
 
 #include "host/stack.h"
-#include "mime/header_view.h"
 
 namespace zqv::mime {
 namespace {
 
 // Whether the field's value is taken apart into a list.
-bool IsListField(std::string_view name) {
-  switch (RecogniseFieldName(name).value_or(FieldName::kDate)) {
+bool IsListField(std::optional<FieldName> name) {
+  switch (name.value_or(FieldName::kDate)) {
     case FieldName::kBcc:
     case FieldName::kCc:
     case FieldName::kContentDisposition:
@@ -49,7 +48,7 @@ void MessageLimits::AdmitEntity(std::size_t levels) {
   if (levels > most_levels_) throw std::runtime_error("the message is nested too deeply");
 }
 
-void MessageLimits::AdmitField(std::string_view name, std::string_view value) {
+void MessageLimits::AdmitField(std::optional<FieldName> name, std::string_view value) {
   if (++fields_ > kMostFields) throw std::runtime_error("the message has too many fields");
   if (!IsListField(name)) return;
   entries_ += CountEntries(value);

@@ -5,7 +5,10 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
+
+#include "mime/header_view.h"
 
 namespace zqv::mime {
 
@@ -45,7 +48,7 @@ class MessageLimits {
   // For each new entity but the message itself: the levels above it.
   void AdmitEntity(std::size_t levels);
   // For each field, before it is parsed any further.
-  void AdmitField(std::string_view name, std::string_view value);
+  void AdmitField(std::optional<FieldName> name, std::string_view value);
 
  private:
   std::size_t entities_ = 1;

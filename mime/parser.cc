@@ -19,13 +19,13 @@ namespace {
 
 // What the parse of one message knows beside the library's own parser.
 struct ParseState {
-  ParseState(std::string_view message, LeafBodies* leaves)
-      : line_ends(message.data()), leaf_bodies(leaves) {}
+  ParseState(std::string_view message, MessageTexts* message_texts)
+      : line_ends(message.data()), texts(message_texts) {}
 
   MessageLimits limits;
   OpenBoundaries boundaries;
   LineEndFinder line_ends;
-  LeafBodies* leaf_bodies;  // null: the tree gets copies
+  MessageTexts* texts;  // null: the tree gets copies
 };
 
 // A position in the message. An input iterator to the library: any stronger kind selects another
@@ -168,8 +168,9 @@ void zqv::mime::MessageParser::pushNewChild() {
 template <>
 void zqv::mime::MessageParser::loadHeader() {
   zqv::mime::ParseState& state = m_eit.state();
-  const zqv::mime::HeaderEnd header = zqv::mime::LoadHeader(
-      m_bit.at(), m_eit.at(), m_entityStack.top()->header(), state.limits, state.line_ends);
+  const zqv::mime::HeaderEnd header =
+      zqv::mime::LoadHeader(m_bit.at(), m_eit.at(), m_entityStack.top()->header(), state.limits,
+                            state.line_ends, state.texts);
   m_bit = zqv::mime::ByteIterator(header.at, &state);
   m_entityStack.top()->body().append(header.body_start);
 }
@@ -207,11 +208,11 @@ void zqv::mime::MessageParser::copy_until_boundary(ParsingElem element) {
     }
   }
   m_bit = zqv::mime::ByteIterator(reader.at(), &m_eit.state());
-  zqv::mime::LeafBodies* const leaves = m_eit.state().leaf_bodies;
+  zqv::mime::MessageTexts* const texts = m_eit.state().texts;
   std::string* part = nullptr;
   mimetic::Body& body = m_entityStack.top()->body();
-  if (element == peBody && leaves != nullptr && body.empty()) {
-    leaves->Add(body, {text, static_cast<std::size_t>(text_end - text)});
+  if (element == peBody && texts != nullptr && body.empty()) {
+    texts->AddBody(body, {text, static_cast<std::size_t>(text_end - text)});
     return;
   }
   if (element == peBody) part = &body;
@@ -243,8 +244,8 @@ namespace zqv::mime {
 
 namespace {
 
-void Parse(std::string_view message, mimetic::MimeEntity& top, LeafBodies* leaves) {
-  ParseState state(message, leaves);
+void Parse(std::string_view message, mimetic::MimeEntity& top, MessageTexts* texts) {
+  ParseState state(message, texts);
   MessageParser parser(top);
   parser.run(ByteIterator(message.data(), &state),
              ByteIterator(message.data() + message.size(), &state));
@@ -256,8 +257,8 @@ void ParseMessage(std::string_view message, mimetic::MimeEntity& top) {
   Parse(message, top, nullptr);
 }
 
-void ParseMessage(std::string_view message, mimetic::MimeEntity& top, LeafBodies& leaves) {
-  Parse(message, top, &leaves);
+void ParseMessage(std::string_view message, mimetic::MimeEntity& top, MessageTexts& texts) {
+  Parse(message, top, &texts);
 }
 
 }  // namespace zqv::mime

@@ -8,7 +8,7 @@
 
 #include <string_view>
 
-#include "mime/leaf_bodies.h"
+#include "mime/message_texts.h"
 
 namespace zqv::mime {
 
@@ -16,8 +16,8 @@ namespace zqv::mime {
 // what was parsed until then, when the message is beyond a limit.
 void ParseMessage(std::string_view message, mimetic::MimeEntity& top);
 
-// The same, but the bodies of leaves are left where they lie: `leaves` tells of them, as long as
-// the message lives. A tree without them cannot be written.
-void ParseMessage(std::string_view message, mimetic::MimeEntity& top, LeafBodies& leaves);
+// The same, but texts are left where they lie, and the tree is without them: `texts` tells, as long
+// as the message lives. A tree without them cannot be written.
+void ParseMessage(std::string_view message, mimetic::MimeEntity& top, MessageTexts& texts);
 
 }  // namespace zqv::mime

@@ -10,9 +10,9 @@
 namespace zqv::standin {
 namespace {
 
-constexpr const char* kUser = "application";
+constexpr const char* kHandle = "application";
 
-Store& CurrentStore() { return Host::Get(kUser).store(); }
+Store& CurrentStore() { return Host::Get(kHandle).store(); }
 
 const ArrayThing& ArrayOf(const Object& object) {
   if (!object.IsArray()) throw std::invalid_argument("not an array");
@@ -24,15 +24,15 @@ const ArrayThing& ArrayOf(const Object& object) {
 void AddLock(Thing* thing) {
   if (thing == nullptr) return;
   Store& store = CurrentStore();
-  store.ledger().CheckAlive(thing, kUser);
-  store.Lock(thing, kUser);
+  store.ledger().CheckAlive(thing, kHandle);
+  store.Lock(thing, kHandle);
 }
 
 void GiveBack(Thing* thing) {
   if (thing == nullptr) return;
   Store& store = CurrentStore();
-  store.ledger().CheckAlive(thing, kUser);
-  store.Unlock(thing, kUser);
+  store.ledger().CheckAlive(thing, kHandle);
+  store.Unlock(thing, kHandle);
 }
 
 std::optional<std::string> String::Utf8() const {
@@ -48,7 +48,7 @@ const std::string& Object::ClassName() const {
 bool Object::IsA(std::string_view class_name) const {
   if (IsNil()) throw std::invalid_argument("nil has no class");
   const ClassInfo* const own = ClassOf(*thing());
-  const ClassInfo* const other = Host::Get(kUser).classes().Find(class_name);
+  const ClassInfo* const other = Host::Get(kHandle).classes().Find(class_name);
   return own != nullptr && other != nullptr && own->IsA(*other);
 }
 
@@ -59,10 +59,10 @@ std::int64_t Object::Size() const { return CurrentStore().UpperBound(ArrayOf(*th
 Value Object::At(std::int64_t index) const {
   const ArrayThing& array = ArrayOf(*this);
   if (index < 0 || index >= Size()) throw std::out_of_range("index outside the array");
-  const std::int64_t slot = CurrentStore().Element(array, index, kUser);
+  const std::int64_t slot = CurrentStore().Element(array, index, kHandle);
   if (array.body->element_type != abi::kObjectElements) return slot;
   if (slot == 0) return std::monostate();
-  Thing* const element = CurrentStore().Object(reinterpret_cast<const void*>(slot), kUser);
+  Thing* const element = CurrentStore().Object(reinterpret_cast<const void*>(slot), kHandle);
   AddLock(element);
   return Object::Adopt(element);
 }
@@ -72,7 +72,7 @@ void Object::Append(const Object& element) const {
     throw std::invalid_argument("not an array of objects");
   }
   auto* const array = static_cast<ArrayThing*>(thing());
-  CurrentStore().Insert(array, Size(), element.thing(), kUser);
+  CurrentStore().Insert(array, Size(), element.thing(), kHandle);
 }
 
 }  // namespace zqv::standin

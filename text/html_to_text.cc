@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <iterator>
 #include <limits>
 #include <type_traits>
 
+#include "host/bytes16.h"
 #include "host/log.h"
 #include "host/strings.h"
 #include "host/text_reader.h"
@@ -99,6 +101,14 @@ bool IsMarkup(char32_t c) { return c < kMarkup.size() && kMarkup[c]; }
 
 // "<" and ">" differ in one bit.
 bool IsAngle(char32_t c) { return (c | 2U) == U'>'; }
+
+// The same of the units in sixteen bytes: each byte of those that are is set.
+host::Bytes16 AreAngles(const char* units) { return (host::LoadBytes16(units) | 2) == '>'; }
+host::Bytes16 AreAngles(const char32_t* units) {
+  std::uint32_t __attribute__((vector_size(host::kBytes16))) words;
+  std::memcpy(&words, units, sizeof words);
+  return reinterpret_cast<host::Bytes16>((words | 2) == '>');
+}
 
 // `name` holds ASCII letters only.
 template <class Unit>
@@ -356,6 +366,14 @@ class HtmlPass {
 
   // Text that is dropped, up to a tag's beginning or end.
   void SkipToAngle() {
+    constexpr std::size_t kUnits = host::kBytes16 / sizeof(Unit);
+    for (; html_.size() - at_ >= kUnits; at_ += kUnits) {
+      const host::Bytes16 angles = AreAngles(html_.data() + at_);
+      if (host::AnyOf(angles)) {
+        at_ += host::FirstOf(angles) / sizeof(Unit);
+        return;
+      }
+    }
     while (at_ < html_.size() && !IsAngle(At(at_))) ++at_;
   }
 

@@ -231,7 +231,7 @@ TEST_F(Routing, SaysWhatItDid) {
       Parse(Mixed({"Content-Type: text/plain\n\none", "Content-Type: Text/HTML\n\ntwo",
                    "Content-Type: image/png\n\nthree"}));
   const auto email = NewEmail();
-  const mime::LeafBodies none;
+  const mime::MessageTexts none;
   email::EntityRouter router(RecordOf(email), none);
   const LogCapture log;
   for (const mimetic::MimeEntity* part : entity->body().parts()) {

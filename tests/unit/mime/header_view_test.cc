@@ -101,7 +101,10 @@ TEST(HeaderView, GivesTheFirstFieldOfAName) {
   EXPECT_EQ(view.message_id(), "<m>");
   EXPECT_EQ(view.from().size(), 2U);
   EXPECT_EQ(view.sender().mailbox(1), "s");
-  EXPECT_EQ(&view.fields(), &entity.header());
+  std::string storage;
+  EXPECT_EQ(view.size(), 11U);
+  EXPECT_EQ(view.Name(1), "SUBJECT");
+  EXPECT_EQ(view.Value(1, storage), "b");
 }
 
 }  // namespace

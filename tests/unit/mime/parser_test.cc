@@ -21,13 +21,18 @@
 namespace zqv::test {
 namespace {
 
-// Gives the entities of a tree the bodies that lie elsewhere.
-void PutBack(const mime::LeafBodies& leaves, mimetic::MimeEntity& entity) {
-  entity.body().assign(leaves.Of(entity.body()));
-  for (mimetic::MimeEntity* const part : entity.body().parts()) PutBack(leaves, *part);
+// Gives the entities of a tree the texts that lie elsewhere.
+void PutBack(const mime::MessageTexts& texts, mimetic::MimeEntity& entity) {
+  entity.body().assign(texts.Of(entity.body()));
+  const mime::FieldTexts& values = *texts.Of(entity.header());
+  ASSERT_EQ(values.size(), entity.header().size());
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (values[i].data() != nullptr) entity.header()[i].value(std::string(values[i]));
+  }
+  for (mimetic::MimeEntity* const part : entity.body().parts()) PutBack(texts, *part);
 }
 
-// How ours, with the bodies of leaves and without, and the library's own stream constructor differ
+// How ours, with the texts and without, and the library's own stream constructor differ
 // on `message`; empty when they agree.
 std::string DifferenceFromTheLibrary(const std::string& message) {
   std::istringstream stream(message);
@@ -36,11 +41,11 @@ std::string DifferenceFromTheLibrary(const std::string& message) {
   mime::ParseMessage(message, entity);
   const std::string difference = FirstDifference(expected, entity);
   if (!difference.empty()) return difference;
-  mime::LeafBodies leaves;
-  mimetic::MimeEntity without_bodies;
-  mime::ParseMessage(message, without_bodies, leaves);
-  PutBack(leaves, without_bodies);
-  return FirstDifference(expected, without_bodies);
+  mime::MessageTexts texts;
+  mimetic::MimeEntity without_texts;
+  mime::ParseMessage(message, without_texts, texts);
+  PutBack(texts, without_texts);
+  return FirstDifference(expected, without_texts);
 }
 
 std::vector<std::filesystem::path> FilesBelow(const char* folder) {
@@ -97,25 +102,25 @@ void ExpectSameTreesOfAll(const std::string& bytes, std::size_t length) {
 TEST(Parser, LeavesTheBodiesOfLeavesWhereTheyLie) {
   const std::string message =
       "Content-Type: multipart/mixed; boundary=b\n\nbefore\n--b\n\nfirst\n--b\n\n--b--\nafter\n";
-  mime::LeafBodies leaves;
+  mime::MessageTexts texts;
   mimetic::MimeEntity entity;
-  mime::ParseMessage(message, entity, leaves);
+  mime::ParseMessage(message, entity, texts);
   const mimetic::MimeEntity& first = *entity.body().parts().front();
   EXPECT_EQ(first.body(), "");
-  EXPECT_EQ(leaves.Of(first.body()), "first");
-  EXPECT_EQ(leaves.Of(first.body()).data(), message.data() + message.find("first"));
-  EXPECT_EQ(leaves.Of(entity.body()), "") << "it has parts";
+  EXPECT_EQ(texts.Of(first.body()), "first");
+  EXPECT_EQ(texts.Of(first.body()).data(), message.data() + message.find("first"));
+  EXPECT_EQ(texts.Of(entity.body()), "") << "it has parts";
   EXPECT_EQ(entity.body().preamble(), "before");
 }
 
 // A line that is no field is read with the header, and the body begins with it.
 TEST(Parser, CopiesABodyThatBeginsInItsHeader) {
   const std::string message = "A: b\nno field\nrest\n";
-  mime::LeafBodies leaves;
+  mime::MessageTexts texts;
   mimetic::MimeEntity entity;
-  mime::ParseMessage(message, entity, leaves);
+  mime::ParseMessage(message, entity, texts);
   EXPECT_EQ(entity.body(), "no field\nrest\n");
-  EXPECT_EQ(leaves.Of(entity.body()), "no field\nrest\n");
+  EXPECT_EQ(texts.Of(entity.body()), "no field\nrest\n");
 }
 
 TEST(Parser, GivesTheLibrarysTreeForEveryShortMessage) {
