@@ -176,28 +176,20 @@ class HtmlPass {
   std::u32string Run() {
     while (at_ < html_.size()) {
       const char32_t c = At(at_);
-      previous_ = Step(c) ? c : At(at_ - 1);
+      Step(c);
+      previous_ = c;
     }
     return std::move(output_);
   }
 
  private:
-  // Reads what begins with `c`; false when it was a run of single code points.
-  bool Step(char32_t c) {
-    if (c == U'<') {
-      ReadTag();
-    } else if (c == kLineFeed || c == kReturn) {
-      ReadLineBreak();
-    } else if (c == U'>') {
-      EndTag();
-    } else if (IsDropped() || in_noscript_) {
-      SkipToAngle();
-      return false;
-    } else if (c != U'&' || !ReadReference()) {
-      ReadText();
-      return false;
-    }
-    return true;
+  void Step(char32_t c) {
+    if (c == U'<') return ReadTag();
+    if (c == kLineFeed || c == kReturn) return ReadLineBreak();
+    if (c == U'>') return EndTag();
+    if (IsDropped() || in_noscript_) return SkipToAngle();
+    if (c == U'&' && ReadReference()) return;
+    ReadText();
   }
 
   char32_t At(std::size_t index) const { return static_cast<char32_t>(html_[index]); }
@@ -377,7 +369,8 @@ class HtmlPass {
     while (at_ < html_.size() && !IsAngle(At(at_))) ++at_;
   }
 
-  // At least the current code point, whatever it is, as a character.
+  // At least the current code point, whatever it is, as a character. No white space follows, so
+  // nobody asks what the text ended with.
   void ReadText() {
     bool after_space = IsWhiteSpace(previous_);
     const std::size_t begin = at_;
@@ -406,7 +399,7 @@ class HtmlPass {
   View html_;
   std::size_t at_ = 0;
   std::u32string output_;
-  char32_t previous_ = 0;       // handled in the step before, output or not
+  char32_t previous_ = 0;       // what the step before began with, output or not
   std::size_t tag_depth_ = 0;   // "<" whose ">" has not come
   std::size_t list_depth_ = 0;  // open ul and ol
   std::size_t indent_left_;

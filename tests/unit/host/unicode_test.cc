@@ -22,7 +22,7 @@ std::string Bytes(std::initializer_list<int> bytes) {
 
 TEST(IsAscii, LooksAtEveryByte) {
   EXPECT_TRUE(IsAscii(""));
-  for (std::size_t length = 1; length <= 40; ++length) {
+  for (std::size_t length = 1; length <= 150; ++length) {
     EXPECT_TRUE(IsAscii(std::string(length, '\x7F')));
     for (std::size_t i = 0; i < length; ++i) {
       std::string bytes(length, '\0');
@@ -39,6 +39,20 @@ TEST(IsUtf8, RejectsControlCharacters) {
     const bool is_text =
         byte == '\t' || byte == '\n' || byte == '\r' || (byte >= 0x20 && byte < 0x7F);
     EXPECT_EQ(IsUtf8(Bytes({byte})), is_text) << byte;
+  }
+}
+
+// Texts are read eight bytes at a time: every byte at every place of three times as many, and the
+// same before a character of two bytes.
+TEST(IsUtf8, LooksAtEveryByte) {
+  for (int byte = 0; byte < 0x100; ++byte) {
+    for (std::size_t at = 0; at < 24; ++at) {
+      std::string bytes(24, ' ');
+      bytes[at] = static_cast<char>(byte);
+      for (const std::string& text : {bytes, bytes + "\xC3\xA9", "\xC3\xA9" + bytes}) {
+        ASSERT_EQ(IsUtf8(text), reference::IsUtf8(text)) << byte << " at " << at;
+      }
+    }
   }
 }
 
