@@ -178,7 +178,7 @@ class Base64Decoder {
   // Lines of one length that hold nothing but the alphabet.
   void ReadLines() {
     constexpr std::size_t kLongest = 1024;
-    const std::string_view text(at_, std::min<std::size_t>(kLongest, end_ - at_));
+    const std::string_view text(at_, std::min(kLongest, static_cast<std::size_t>(end_ - at_)));
     const std::size_t length = text.find_first_of("\r\n");
     if (length == std::string_view::npos || length < kBytes16 || length % kGroup != 0) return;
     while (static_cast<std::size_t>(end_ - at_) > length && IsLineEnd(at_[length]) &&
