@@ -77,6 +77,16 @@ inline bool operator==(const istring& is, const std::string& s)
 inline bool operator==(const istring& is, const std::string& s)
 {
     return is.length() == s.length() && (0 ==]])
+mend(mimetic/strutils.h 1
+  "names and words of unlike lengths are compared, and may be read past their ends"
+  [[
+inline bool operator==(const istring& is, const char* str)
+{
+    return (0 ==]]
+  [[
+inline bool operator==(const istring& is, const char* str)
+{
+    return is.length() == ::strlen(str) && (0 ==]])
 mend(mimetic/utils.cxx 1
   "numbers are written with the locale's digit groups"
   [[

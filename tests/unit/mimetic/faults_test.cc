@@ -129,6 +129,16 @@ TEST(MimeticFaults, FieldKeepsItsValueWhenTheTypedOneCannotBeMadeConst) {
   EXPECT_EQ(CountedValue::alive, 0);
 }
 
+// The label ends where the text has a NUL; what lies behind it is not the label's.
+TEST(MimeticFaults, ATextThatGoesOnBehindALabelIsAnother) {
+  const std::string may("May\0x", 5);
+  EXPECT_EQ(mimetic::DateTime::Month(may).ordinal(), 0);
+  EXPECT_EQ(mimetic::DateTime::Month("May").ordinal(), 5);
+  EXPECT_FALSE(mimetic::istring(may) == "May");
+  EXPECT_TRUE(mimetic::istring("mAy") == "May");
+  EXPECT_FALSE(mimetic::istring("Ma") == "May");
+}
+
 TEST(MimeticFaults, GroupWithoutMembersAndSemicolonIsEmpty) {
   const mimetic::Group group("undisclosed-recipients:");
   EXPECT_EQ(group.name(), "undisclosed-recipients");
