@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <iterator>
 #include <limits>
 #include <type_traits>
@@ -104,11 +103,7 @@ bool IsAngle(char32_t c) { return (c | 2U) == U'>'; }
 
 // The same of the units in sixteen bytes: each byte of those that are is set.
 host::Bytes16 AreAngles(const char* units) { return (host::LoadBytes16(units) | 2) == '>'; }
-host::Bytes16 AreAngles(const char32_t* units) {
-  std::uint32_t __attribute__((vector_size(host::kBytes16))) words;
-  std::memcpy(&words, units, sizeof words);
-  return reinterpret_cast<host::Bytes16>((words | 2) == '>');
-}
+host::Bytes16 AreAngles(const char32_t* units) { return host::AreEqual(units, 2, '>'); }
 
 // `name` holds ASCII letters only.
 template <class Unit>

@@ -6,11 +6,6 @@
 #include <cstdint>
 #include <utility>
 
-#if defined(__x86_64__)
-#include <cpuid.h>
-#include <tmmintrin.h>
-#endif
-
 #include "host/bytes16.h"
 #include "text/ascii.h"
 
@@ -20,10 +15,14 @@ namespace {
 using host::AllOf;
 using host::AreBetween;
 using host::Bytes16;
+using host::CanLookUp;
 using host::FirstOf;
+using host::JoinSixBits;
 using host::kBytes16;
 using host::LoadBytes16;
+using host::LookUp;
 using host::StoreBytes16;
+using host::TableOf;
 
 constexpr std::string_view kAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -46,59 +45,13 @@ constexpr std::array<std::uint8_t, 256> kSixBits = MakeSixBits();
 
 std::uint32_t SixBits(char c) { return kSixBits[static_cast<unsigned char>(c)]; }
 
-// Whole lines of the alphabet, sixteen characters at a time. It takes bytes looked up by bytes,
-// which the oldest x86-64 processors lack.
-#if defined(__x86_64__)
-#define ZQV_LOOKS_UP __attribute__((target("ssse3")))
-
-bool CanLookUp() {
-  // Asked once: on a virtual machine the question costs as much as decoding a page.
-  static const bool can = [] {
-    unsigned int a = 0;
-    unsigned int b = 0;
-    unsigned int c = 0;
-    unsigned int d = 0;
-    return __get_cpuid(1, &a, &b, &c, &d) != 0 && (c & bit_SSSE3) != 0;
-  }();
-  return can;
-}
-
-ZQV_LOOKS_UP inline Bytes16 LookUp(Bytes16 table, Bytes16 indexes) {
-  return reinterpret_cast<Bytes16>(
-      _mm_shuffle_epi8(reinterpret_cast<__m128i>(table), reinterpret_cast<__m128i>(indexes)));
-}
-
-// The 24 bits of each four values, the first one's highest, in a 32-bit word.
-ZQV_LOOKS_UP inline Bytes16 Join(Bytes16 values) {
-  const __m128i twelve =
-      _mm_maddubs_epi16(reinterpret_cast<__m128i>(values), _mm_set1_epi16(0x0140));
-  return reinterpret_cast<Bytes16>(_mm_madd_epi16(twelve, _mm_set1_epi32(0x00011000)));
-}
-#else
-#define ZQV_LOOKS_UP
-
-bool CanLookUp() { return true; }
-
-inline Bytes16 LookUp(Bytes16 table, Bytes16 indexes) {
-  return reinterpret_cast<Bytes16>(
-      vqtbl1q_u8(reinterpret_cast<uint8x16_t>(table), reinterpret_cast<uint8x16_t>(indexes)));
-}
-
-inline Bytes16 Join(Bytes16 values) {
-  using Words = std::uint32_t __attribute__((vector_size(16)));
-  const auto v = reinterpret_cast<Words>(values);
-  return reinterpret_cast<Bytes16>((v & 0x3F) << 18 | (v & 0x3F00) << 4 | (v & 0x3F0000) >> 10 |
-                                   v >> 24);
-}
-#endif
-
 // By the upper and by the lower half of a character: a bit that both have tells that the character
 // is not of the alphabet. `shift` is what makes a character its value, by the upper half, but for
 // "/", whose row is the one before.
 struct HalfTables {
-  alignas(16) std::array<std::int8_t, 16> upper;
-  alignas(16) std::array<std::int8_t, 16> lower;
-  alignas(16) std::array<std::int8_t, 16> shift;
+  std::array<std::int8_t, kBytes16> upper;
+  std::array<std::int8_t, kBytes16> lower;
+  std::array<std::int8_t, kBytes16> shift;
 };
 
 constexpr HalfTables MakeHalfTables() {
@@ -121,9 +74,7 @@ constexpr HalfTables MakeHalfTables() {
 }
 constexpr HalfTables kHalves = MakeHalfTables();
 
-Bytes16 Table(const std::array<std::int8_t, 16>& table) {
-  return *reinterpret_cast<const Bytes16*>(table.data());
-}
+// Whole lines of the alphabet are read sixteen characters at a time, where bytes can be looked up.
 
 // Sixteen characters to twelve bytes, and four more that count for nothing. Gives a byte that is
 // not 0 where a character is not of the alphabet; then what was written means nothing.
@@ -131,10 +82,10 @@ ZQV_LOOKS_UP inline Bytes16 DecodeBlock(const char* in, char* out) {
   const Bytes16 c = LoadBytes16(in);
   const Bytes16 upper = (c >> 4) & 0x0F;
   const Bytes16 strange =
-      LookUp(Table(kHalves.upper), upper) & LookUp(Table(kHalves.lower), c & 0x0F);
-  const Bytes16 values = c + LookUp(Table(kHalves.shift), upper + (c == '/'));
+      LookUp(TableOf(kHalves.upper), upper) & LookUp(TableOf(kHalves.lower), c & 0x0F);
+  const Bytes16 values = c + LookUp(TableOf(kHalves.shift), upper + (c == '/'));
   constexpr Bytes16 kOrder = {2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1};
-  StoreBytes16(LookUp(Join(values), kOrder), out);
+  StoreBytes16(LookUp(JoinSixBits(values), kOrder), out);
   return strange;
 }
 
