@@ -129,7 +129,7 @@ void MakeText(const std::string& html) {
 // The whole job on one message, which is read where it lies.
 void Read(std::string& message) {
   GByteArray bytes{};
-  bytes.data = reinterpret_cast<guint8*>(message.data());
+  bytes.data = static_cast<guint8*>(static_cast<void*>(message.data()));
   bytes.len = static_cast<guint>(message.size());
   const Owned<GMimeStream> stream(g_mime_stream_mem_new_with_byte_array(&bytes));
   g_mime_stream_mem_set_owner(GMIME_STREAM_MEM(stream.get()), FALSE);

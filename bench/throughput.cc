@@ -91,7 +91,7 @@ int ThroughputMain(int argc, char** argv, const std::string& name, const std::st
     Measure(options, count, bytes, prepare(std::move(messages)));
     return 0;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "%s-bench: %s\n", name.c_str(), error.what());
+    static_cast<void>(std::fprintf(stderr, "%s-bench: %s\n", name.c_str(), error.what()));
     return 1;
   }
 }
