@@ -104,8 +104,9 @@ ZQV_LOOKS_UP bool DecodeLine(const char* in, std::size_t length, char* out) {
 class Base64Decoder {
  public:
   explicit Base64Decoder(std::string_view text)
-      : at_(text.data()),
-        end_(text.data() + text.size()),
+      : begin_(text.data()),
+        at_(begin_),
+        end_(begin_ + text.size()),
         decoded_(text.size() / 4 * 3 + kBytes16),
         can_look_up_(CanLookUp()) {
     out_ = decoded_.data();
@@ -113,7 +114,7 @@ class Base64Decoder {
 
   DecodedBytes Run() {
     while (at_ != end_) {
-      if (can_look_up_) ReadLines();
+      if (can_look_up_ && IsAtLineStart()) ReadLines();
       for (std::uint32_t bits = 0; IsRegular(bits); at_ += kGroup) Put(bits, 3);
       at_ = std::find_if_not(at_, end_, [](char c) { return SixBits(c) == kStranger; });
       std::uint32_t bits = 0;
@@ -126,12 +127,17 @@ class Base64Decoder {
  private:
   static constexpr std::ptrdiff_t kGroup = 4;
 
+  // Only there is a line looked for: looked for everywhere, junk without line ends would cost a
+  // thousand times as much.
+  bool IsAtLineStart() const { return at_ == begin_ || IsLineEnd(at_[-1]); }
+
   // Lines of one length that hold nothing but the alphabet.
   void ReadLines() {
-    constexpr std::size_t kLongest = 1024;
-    const std::string_view text(at_, std::min(kLongest, static_cast<std::size_t>(end_ - at_)));
-    const std::size_t length = text.find_first_of("\r\n");
-    if (length == std::string_view::npos || length < kBytes16 || length % kGroup != 0) return;
+    constexpr std::ptrdiff_t kLongest = 1024;
+    const char* const longest = end_ - at_ > kLongest ? at_ + kLongest : end_;
+    const char* const line_end = std::find_if(at_, longest, [](char c) { return IsLineEnd(c); });
+    const auto length = static_cast<std::size_t>(line_end - at_);
+    if (line_end == longest || length < kBytes16 || length % kGroup != 0) return;
     while (static_cast<std::size_t>(end_ - at_) > length && IsLineEnd(at_[length]) &&
            DecodeLine(at_, length, out_)) {
       at_ = std::find_if_not(at_ + length, end_, IsLineEnd);
@@ -172,6 +178,7 @@ class Base64Decoder {
     for (std::size_t i = 0; i < count; ++i) *out_++ = static_cast<char>(bits >> (16 - 8 * i));
   }
 
+  const char* const begin_;
   const char* at_;
   const char* end_;
   DecodedBytes decoded_;
