@@ -117,7 +117,7 @@ const std::vector<Dimension> kAddressDimensions = {
     {"class.address_list_groups",    "groups of a list",                UseAddressList, Groups,                 kTooManyAddresses, kDearer},
     {"class.address_list_marks",     "marks in a list of addresses",    UseAddressList, Marks,                  kTooManyAddresses},
     {"class.field",                  "letters of a field",              UseField,       FieldText},
-    {"class.field_marks",            "marks in a field",                UseField,       Marks},
+    {"class.field_marks",            "marks in a field",                UseField,       Marks,                  kTooManyAddresses},
     // clang-format on
 };
 
