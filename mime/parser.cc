@@ -114,7 +114,7 @@ class BlockReader {
   // From the start of a line to that of another, with all between in the buffer: the last one, or
   // the first that begins with "-".
   void SkipPlainLines() {
-    if (at_ != end_ && *at_ == '-') return;
+    if (at_ < searched_ || (at_ != end_ && *at_ == '-')) return;
     const char* const full = Full();
     const char* last = at_;
     for (const char* block = at_; full - block > static_cast<std::ptrdiff_t>(kBytes16);
@@ -130,6 +130,7 @@ class BlockReader {
       last = block + host::LastOf(starts) + 1;
     }
     at_ = last;
+    searched_ = full;
   }
 
   void EmptyFullBuffer() {
@@ -140,7 +141,8 @@ class BlockReader {
 
   const char* at_;
   const char* const end_;
-  const char* block_;  // the first byte that is in the buffer
+  const char* searched_ = nullptr;  // before it there is no other line to pass on to
+  const char* block_;               // the first byte that is in the buffer
   const char* line_;
   const char* line_end_ = nullptr;
   LineEndFinder& line_ends_;
