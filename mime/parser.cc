@@ -73,7 +73,7 @@ using text::IsLineEnd;
 class BlockReader {
  public:
   BlockReader(const char* at, const char* end, LineEndFinder& line_ends)
-      : at_(at), end_(end), block_(at), line_(at), line_ends_(line_ends) {}
+      : at_(at), end_(end), searched_(at), block_(at), line_(at), line_ends_(line_ends) {}
 
   const char* at() const { return at_; }
   // The line that was read, which begins no earlier than the buffer.
@@ -141,8 +141,8 @@ class BlockReader {
 
   const char* at_;
   const char* const end_;
-  const char* searched_ = nullptr;  // before it there is no other line to pass on to
-  const char* block_;               // the first byte that is in the buffer
+  const char* searched_;  // before it there is no other line to pass on to
+  const char* block_;     // the first byte that is in the buffer
   const char* line_;
   const char* line_end_ = nullptr;
   LineEndFinder& line_ends_;

@@ -74,9 +74,8 @@ constexpr HalfTables MakeHalfTables() {
 }
 constexpr HalfTables kHalves = MakeHalfTables();
 
-// Whole lines of the alphabet are read sixteen characters at a time, where bytes can be looked up.
-
-// Sixteen characters to twelve bytes, and four more that count for nothing. Gives a byte that is
+// Where bytes can be looked up, whole lines of the alphabet are read sixteen characters at a time:
+// sixteen characters to twelve bytes, and four more that count for nothing. Gives a byte that is
 // not 0 where a character is not of the alphabet; then what was written means nothing.
 ZQV_LOOKS_UP inline Bytes16 DecodeBlock(const char* in, char* out) {
   const Bytes16 c = LoadBytes16(in);
