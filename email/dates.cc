@@ -9,7 +9,7 @@
 
 #include "email/date_text.h"
 #include "host/log.h"
-#include "mime/header_view.h"
+#include "mime/field_name.h"
 
 namespace zqv::email {
 namespace {

@@ -1,12 +1,11 @@
 #include "mime/header_loader.h"
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <optional>
 #include <string_view>
 
-#include "mime/header_view.h"
+#include "mime/field_name.h"
 #include "text/ascii.h"
 
 namespace zqv::mime {

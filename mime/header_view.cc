@@ -1,66 +1,6 @@
 #include "mime/header_view.h"
 
-#include <iterator>
-
-#include "text/ascii.h"
-
 namespace zqv::mime {
-namespace {
-
-struct Row {
-  std::string_view name;
-  FieldName field;
-};
-
-// By length, so that a name is compared with two of them at the most.
-constexpr Row kNames[] = {
-    // clang-format off
-    {"cc",                        FieldName::kCc},
-    {"to",                        FieldName::kTo},
-    {"bcc",                       FieldName::kBcc},
-    {"date",                      FieldName::kDate},
-    {"from",                      FieldName::kFrom},
-    {"sender",                    FieldName::kSender},
-    {"subject",                   FieldName::kSubject},
-    {"received",                  FieldName::kReceived},
-    {"reply-to",                  FieldName::kReplyTo},
-    {"content-id",                FieldName::kContentId},
-    {"message-id",                FieldName::kMessageId},
-    {"content-type",              FieldName::kContentType},
-    {"mime-version",              FieldName::kMimeVersion},
-    {"content-description",       FieldName::kContentDescription},
-    {"content-disposition",       FieldName::kContentDisposition},
-    {"content-transfer-encoding", FieldName::kContentTransferEncoding},
-    // clang-format on
-};
-
-constexpr std::size_t kLongest = 25;
-
-// By length: the first name that is no shorter.
-struct Starts {
-  std::uint8_t row[kLongest + 2];
-};
-constexpr Starts MakeStarts() {
-  Starts starts{};
-  std::uint8_t row = 0;
-  for (std::size_t length = 0; length <= kLongest + 1; ++length) {
-    while (row < std::size(kNames) && kNames[row].name.size() < length) ++row;
-    starts.row[length] = row;
-  }
-  return starts;
-}
-constexpr Starts kStarts = MakeStarts();
-static_assert(kStarts.row[kLongest + 1] == std::size(kNames), "a longer name");
-
-}  // namespace
-
-std::optional<FieldName> RecogniseFieldName(std::string_view name) {
-  if (name.size() > kLongest) return std::nullopt;
-  for (std::size_t i = kStarts.row[name.size()]; i < kStarts.row[name.size() + 1]; ++i) {
-    if (text::EqualsIgnoringCase(name, kNames[i].name)) return kNames[i].field;
-  }
-  return std::nullopt;
-}
 
 HeaderView::HeaderView(const mimetic::Header& header, const FieldTexts* texts)
     : header_(header), texts_(texts) {

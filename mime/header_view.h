@@ -9,35 +9,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
+#include "mime/field_name.h"
 #include "mime/message_texts.h"
 
 namespace zqv::mime {
-
-enum class FieldName : std::uint8_t {
-  kBcc,
-  kCc,
-  kContentDescription,
-  kContentDisposition,
-  kContentId,
-  kContentTransferEncoding,
-  kContentType,
-  kDate,
-  kFrom,
-  kMessageId,
-  kMimeVersion,
-  kReceived,
-  kReplyTo,
-  kSender,
-  kSubject,
-  kTo,
-};
-
-// Nothing for any other name. Case counts for nothing (RFC 5322, section 1.2.2).
-std::optional<FieldName> RecogniseFieldName(std::string_view name);
 
 // Reads a header, which must outlive it. An absent field is what the library makes of no field:
 // empty texts and lists, but for the version "0.0", the type "/" and the mailbox "@".

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string_view>
 
-#include "mime/header_view.h"
+#include "mime/field_name.h"
 
 namespace zqv::mime {
 

@@ -1,0 +1,32 @@
+// The names of header fields that mean something here (RFC 5322, section 3.6; RFC 2045, section 3).
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace zqv::mime {
+
+enum class FieldName : std::uint8_t {
+  kBcc,
+  kCc,
+  kContentDescription,
+  kContentDisposition,
+  kContentId,
+  kContentTransferEncoding,
+  kContentType,
+  kDate,
+  kFrom,
+  kMessageId,
+  kMimeVersion,
+  kReceived,
+  kReplyTo,
+  kSender,
+  kSubject,
+  kTo,
+};
+
+// Nothing for any other name. Case counts for nothing (RFC 5322, section 1.2.2).
+std::optional<FieldName> RecogniseFieldName(std::string_view name);
+
+}  // namespace zqv::mime
