@@ -4,11 +4,14 @@
   growth.py --probe=PROGRAM [GROUP...]   measures the dimensions of the groups, or all of them
   growth.py --probe=PROGRAM --groups GROUP...   demands that there are exactly these groups
   growth.py --probe=PROGRAM --self-test  demands that planted growth is found, and nothing else
+  growth.py --probe=PROGRAM --write-baseline    measures all, and writes down what a byte costs
 
 The program makes inputs of each dimension, of size 0, n and 2n. What an input of size 0 costs is
-fixed and taken off; of the rest, 2n may cost at most 2.3 times what n costs. Callgrind counts, so
-the figures do not depend on the machine's load. Prints a table, and behind it for each dimension
-that grows too fast the functions that do. Ends with 1 if there is any, with 77 without valgrind.
+fixed and taken off; of the rest, 2n may cost at most 2.3 times what n costs, and a byte at most
+three times what baseline.tsv says of it: work that is a thousand times too much may still grow
+evenly. Callgrind counts, so the figures do not depend on the machine's load. Prints a table, and
+behind it for each dimension that grows too fast the functions that do. Ends with 1 if there is any,
+with 77 without valgrind.
 """
 
 import argparse
@@ -22,6 +25,10 @@ import sys
 import tempfile
 
 MOST = 2.3  # doubling costs twice as much; the rest is for growth by n log n and for odd sizes
+# A byte may cost this much more than the baseline says: processors and compilers differ.
+MOST_BY_BASELINE = 3
+SPARE = 2  # instructions a byte that are always allowed, for what costs next to nothing
+BASELINE = pathlib.Path(__file__).with_name("baseline.tsv")
 USUAL = 65536  # n of most dimensions, as in the probe's tables
 SKIPPED = 77
 LATE = "not done in the time given"
@@ -41,12 +48,19 @@ class Growth:
         self.name = name
         self.costs = costs
         self.fault = fault
+        self.usual = None  # instructions a byte by the baseline; unset: whatever they are
         self.culprits = []  # a text for each function whose own cost grows too fast
 
     @property
     def ratio(self):
         fixed, once, twice = (cost.instructions for cost in self.costs)
         return (twice - fixed) / max(once - fixed, 1)
+
+    @property
+    def per_byte(self):
+        """Instructions for one byte of the smaller input, without the fixed part."""
+        fixed, once, _ = self.costs
+        return (once.instructions - fixed.instructions) / once.bytes
 
     @property
     def verdict(self):
@@ -56,7 +70,11 @@ class Growth:
         # Every byte of an input is looked at; else the probe did not do what it should.
         if once - fixed < 1:
             return "costs nothing"
-        return "grows too fast" if self.ratio > MOST else ""
+        if self.ratio > MOST:
+            return "grows too fast"
+        if self.usual is not None and self.per_byte > MOST_BY_BASELINE * self.usual + SPARE:
+            return f"costs too much: {self.usual:,.0f} a byte by the baseline"
+        return ""
 
     def row(self):
         """A line of the table."""
@@ -68,7 +86,7 @@ class Growth:
                            for cost in (once, twice) if cost.refusal)
         return (f"{self.name:<32} {once.bytes:>9,} {once.instructions:>15,} "
                 f"{twice.instructions:>15,} {self.ratio:>6.2f} "
-                f"{(once.instructions - fixed.instructions) / once.bytes:>8,.0f} {share:>6.1f} %  "
+                f"{self.per_byte:>8,.0f} {share:>6.1f} %  "
                 f"{self.verdict or 'ok'}{refusals}")
 
 
@@ -199,12 +217,28 @@ def group_of(dimension):
     return dimension.name.split(".")[0]
 
 
+def read_baseline():
+    """Instructions a byte by dimension."""
+    lines = BASELINE.read_text("ascii").splitlines()
+    return {name: float(cost) for name, cost in (line.split("\t") for line in lines)}
+
+
+def write_baseline(growths):
+    BASELINE.write_text("".join(f"{growth.name}\t{growth.per_byte:.1f}\n" for growth in growths),
+                        "ascii")
+
+
 def check_groups(prober, expected):
-    """That the tests together leave no group out, and name none that is not there."""
-    found = {group_of(dimension) for dimension in prober.list()}
-    for group in sorted(found ^ set(expected)):
-        print(f"{group}: {'in no test' if group in found else 'has no dimension'}")
-    return 1 if found != set(expected) else 0
+    """That the tests together leave no group out, and name none that is not there; and that there
+    is a baseline for each dimension, and for nothing else."""
+    names = {dimension.name for dimension in prober.list()}
+    groups = {group_of(name) for name in names}
+    faults = [f"{group}: {'in no test' if group in groups else 'has no dimension'}"
+              for group in sorted(groups ^ set(expected))]
+    faults += [f"{name}: {'not in the baseline' if name in names else 'in the baseline alone'}"
+               for name in sorted(names ^ set(read_baseline()))]
+    print("\n".join(faults) or "all groups are tested, all dimensions have their baseline")
+    return 1 if faults else 0
 
 
 def report(growths):
@@ -239,6 +273,12 @@ def self_test(prober):
         if verdict != [expected]:
             failures.append(f"{name}: expected '{expected}', got {verdict}")
     measured = {growth.name: growth for growth in growths if growth.costs}
+    # Its work is even, so only the baseline can tell that it is too much.
+    linear = measured["planted.linear"]
+    for usual, expected in ((linear.per_byte, ""), (linear.per_byte / 100, "costs too much")):
+        linear.usual = usual
+        if linear.verdict.split(":")[0] != expected:
+            failures.append(f"planted.linear: expected '{expected}', got '{linear.verdict}'")
     # Doubling the input doubles the work of one half and makes that of the other fourfold.
     if abs(measured["planted.quadratic"].ratio - 3) > 0.1:
         failures.append(f"planted.quadratic: ratio {measured['planted.quadratic'].ratio}")
@@ -261,6 +301,7 @@ def parse_arguments():
     parser.add_argument("--seconds", type=int, help="for one probe, which measures many dimensions")
     parser.add_argument("--self-test", action="store_true")
     parser.add_argument("--groups", action="store_true")
+    parser.add_argument("--write-baseline", action="store_true")
     parser.add_argument("names", nargs="*", help="groups, or whole names of dimensions")
     return parser.parse_args()
 
@@ -286,7 +327,16 @@ def main():
     chosen = [d for d in listed
               if not options.names or group_of(d) in options.names or d.name in options.names]
     sizes = [(d.name, max(d.bytes * options.bytes // USUAL, 1)) for d in chosen]
-    return report(measure_all(prober, sizes, options.jobs))
+    growths = measure_all(prober, sizes, options.jobs)
+    # The baseline is of whole dimensions at their usual sizes; a single phase costs less.
+    if not options.write_baseline and not options.phase:
+        baseline = read_baseline()
+        for growth in growths:
+            growth.usual = baseline.get(growth.name)
+    status = report(growths)
+    if options.write_baseline and status == 0:
+        write_baseline(growths)
+    return status
 
 
 if __name__ == "__main__":
