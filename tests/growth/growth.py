@@ -213,8 +213,9 @@ def measure_all(prober, sizes, jobs):
     return sorted(growths, key=lambda growth: order[growth.name])
 
 
-def group_of(dimension):
-    return dimension.name.split(".")[0]
+def group_of(name):
+    """The word before the dot of a dimension's name."""
+    return name.split(".")[0]
 
 
 def read_baseline():
@@ -319,13 +320,13 @@ def main():
         return check_groups(prober, options.names)
 
     listed = prober.list()
-    known = {group_of(d) for d in listed} | {d.name for d in listed}
+    known = {group_of(d.name) for d in listed} | {d.name for d in listed}
     unknown = [name for name in options.names if name not in known]
     if unknown:
         print(f"no such dimension or group: {', '.join(unknown)}")
         return 1
     chosen = [d for d in listed
-              if not options.names or group_of(d) in options.names or d.name in options.names]
+              if not options.names or group_of(d.name) in options.names or d.name in options.names]
     sizes = [(d.name, max(d.bytes * options.bytes // USUAL, 1)) for d in chosen]
     growths = measure_all(prober, sizes, options.jobs)
     # The baseline is of whole dimensions at their usual sizes; a single phase costs less.
