@@ -225,8 +225,12 @@ ClassInfo* ClassTable::Add(std::string_view name, const ClassInfo* super) {
 }
 
 const ClassInfo* ClassTable::Find(std::string_view name) const {
+  const auto place = reinterpret_cast<std::uintptr_t>(name.data());
+  const ClassInfo*& recent = recent_[(place ^ place >> 4) % recent_.size()];
+  if (recent != nullptr && recent->name == name) return recent;
   const auto entry = by_name_.find(name);
-  return entry == by_name_.end() ? nullptr : entry->second;
+  if (entry == by_name_.end()) return nullptr;
+  return recent = entry->second;
 }
 
 void ClassTable::Place(ClassInfo* info) {

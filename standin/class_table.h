@@ -5,6 +5,7 @@
 // memory nobody may touch. Names of classes and members ignore case.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -118,6 +119,8 @@ class ClassTable {
 
   std::vector<std::unique_ptr<ClassInfo>> classes_;
   std::unordered_map<std::string_view, const ClassInfo*, NameHash, NameEqual> by_name_;
+  // What was found last, by where the name that was asked for lies: who asks again has it there.
+  mutable std::array<const ClassInfo*, 16> recent_{};
   std::vector<const ClassInfo*> registered_;
   std::set<std::size_t> used_offsets_;
   std::set<int> announced_;

@@ -8,8 +8,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <new>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "standin/fatal.h"
 #include "standin/invoke.h"
@@ -69,6 +70,13 @@ void CheckGaps(const Thing* object, const ClassInfo& info) {
 template <typename T>
 void PutField(ArrayThing* array, std::size_t offset, T value) {
   std::memcpy(array->fields + (offset - kArrayStorageOffset), &value, sizeof value);
+}
+
+// From the top class down, as destructors run from the bottom up.
+void RunConstructors(const CallArguments& object, const ClassInfo& info) {
+  if (info.super != nullptr) RunConstructors(object, *info.super);
+  if (info.definition->constructor == nullptr) return;
+  CallNothing(info.definition->constructor, object, info.name);
 }
 
 }  // namespace
@@ -131,16 +139,9 @@ Thing* Store::NewObject(const ClassInfo& info, const char* creator) {
       Begin<Thing>(info.instance_size, info.instance_size, info, ThingKind::kObject, creator);
   if (ledger_.enabled()) GuardGaps(object, info);
   ledger_.Born(object);
-  // Constructor functions run from the top class down, as destructors run from the bottom up.
-  std::vector<const ClassInfo*> line;
-  for (const ClassInfo* c = &info; c != nullptr; c = c->super) {
-    if (c->definition->constructor != nullptr) line.push_back(c);
-  }
   CallArguments arguments;
   arguments.Add(object);
-  for (auto c = line.rbegin(); c != line.rend(); ++c) {
-    CallNothing((*c)->definition->constructor, arguments, (*c)->name);
-  }
+  RunConstructors(arguments, info);
   return object;
 }
 
@@ -154,14 +155,12 @@ NativeThing* Store::NewNative(const ClassInfo& info, const char* creator) {
 }
 
 ArrayThing* Store::NewArray(int element_type, std::int64_t upper_bound, const char* creator) {
-  auto body = std::make_unique<ArrayBody>();
-  body->element_type = element_type;
-  body->slots.resize(static_cast<std::size_t>(upper_bound + 1));
   const TypeInfo& type =
       element_type == abi::kObjectElements ? kObjectArrayType : kIntegerArrayType;
   auto* const array =
-      Begin<ArrayThing>(sizeof(ArrayThing), sizeof(ArrayThing), type, ThingKind::kArray, creator);
-  array->body = body.release();
+      Begin<ArrayThing>(kArraySize, sizeof(ArrayThing), type, ThingKind::kArray, creator);
+  array->body = new (array + 1) ArrayBody{element_type, {}, {}};
+  array->body->slots.resize(static_cast<std::size_t>(upper_bound + 1));
   if (layout_ == ArrayLayout::kWrongLocks) {
     array->lock_bias = kWrongLocksBias;
     array->locks += kWrongLocksBias;
@@ -280,9 +279,11 @@ void Store::Release(Thing* thing, bool unlock) {
       Unlock(exception->message, "the end of an exception");
     }
   } else if (thing->kind == ThingKind::kArray) {
-    const std::unique_ptr<ArrayBody> body(static_cast<ArrayThing*>(thing)->body);
-    if (!unlock || body->element_type != abi::kObjectElements) return;
-    for (const std::int64_t slot : body->slots) {
+    ArrayBody* const in_place = static_cast<ArrayThing*>(thing)->body;
+    const ArrayBody body = std::move(*in_place);
+    in_place->~ArrayBody();
+    if (!unlock || body.element_type != abi::kObjectElements) return;
+    for (const std::int64_t slot : body.slots) {
       if (slot == 0) continue;
       Unlock(Object(reinterpret_cast<const void*>(slot), "the end of an array"),
              "the end of an array");
@@ -291,7 +292,7 @@ void Store::Release(Thing* thing, bool unlock) {
 }
 
 std::size_t Store::SizeOf(const Thing& thing) {
-  if (thing.kind == ThingKind::kArray) return sizeof(ArrayThing);
+  if (thing.kind == ThingKind::kArray) return kArraySize;
   if (thing.kind == ThingKind::kString) {
     return sizeof(StringThing) + static_cast<const StringThing&>(thing).length + 1;
   }

@@ -63,13 +63,14 @@ struct ArrayBody {
   std::vector<std::int64_t> decoy;  // what a broken layout shows instead of the slots
 };
 
-// An array is an object to those who lock it.
+// An array is an object to those who lock it. Its body follows it in the same allocation.
 struct ArrayThing : Thing {
   ArrayBody* body;
   std::uint64_t reserved[2];
   unsigned char fields[40];  // bytes 56 to 95 of the array
 };
-static_assert(sizeof(ArrayThing) == 96);
+static_assert(sizeof(ArrayThing) == 96 && sizeof(ArrayThing) % alignof(ArrayBody) == 0);
+inline constexpr std::size_t kArraySize = sizeof(ArrayThing) + sizeof(ArrayBody);
 
 // A thing as the plug-in sees it: the same address, an opaque type.
 inline abi::REALstring ToHost(StringThing* string) {
