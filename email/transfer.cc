@@ -23,8 +23,7 @@ bool is_known_mechanism(std::string_view mechanism) {
                      [&](std::string_view known) { return EqualsIgnoringCase(known, mechanism); });
 }
 
-DecodedBody DecodeData(const mimetic::ContentTransferEncoding& encoding, std::string_view body) {
-  const std::string& mechanism = encoding.mechanism();
+DecodedBody DecodeData(std::string_view mechanism, std::string_view body) {
   if (EqualsIgnoringCase(mechanism, kBase64)) return DecodedBody(text::DecodeBase64(body));
   if (EqualsIgnoringCase(mechanism, kQuotedPrintable)) {
     return DecodedBody(text::DecodeQuotedPrintable(body));

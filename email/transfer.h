@@ -1,8 +1,6 @@
 // Content transfer encodings (RFC 2045, section 6): which are known, and taking one off a body.
 #pragma once
 
-#include <mimetic/contenttransferencoding.h>
-
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,7 +29,8 @@ class DecodedBody {
 // case and nothing else: "7bit " with a trailing blank is unknown.
 bool is_known_mechanism(std::string_view mechanism);
 
-// `body` [borrowed] with the transfer encoding removed; unchanged for the identity encodings.
-DecodedBody DecodeData(const mimetic::ContentTransferEncoding& encoding, std::string_view body);
+// `body` [borrowed] with the transfer encoding removed; unchanged for the identity encodings and
+// for mechanisms that are not known.
+DecodedBody DecodeData(std::string_view mechanism, std::string_view body);
 
 }  // namespace zqv::email

@@ -111,6 +111,14 @@ StringRef BuildDetectedString(std::string_view bytes) {
   return bytes.empty() ? StringRef() : BuildString(bytes, DetectEncoding(bytes));
 }
 
+StringRef BuildDetectedText(std::string_view bytes) {
+  // Most texts are ASCII without a NUL, and one pass tells.
+  const std::size_t length = LengthOfAsciiText(bytes);
+  if (length == bytes.size() || bytes[length] == '\0')
+    return BuildString(bytes.substr(0, length), abi::kAscii);
+  return BuildDetectedString(bytes.substr(0, bytes.find('\0')));
+}
+
 StringRef CString2RB_detect_encoding(const char* cstring) {
   return cstring == nullptr ? StringRef() : BuildDetectedString(cstring);
 }

@@ -28,11 +28,14 @@ StringRef BuildString(std::string_view bytes, abi::Encoding encoding);
 // Bytes that come without a charset, in the encoding that DetectEncoding finds. [new lock]
 StringRef BuildDetectedString(std::string_view bytes);
 
+// The same of what comes before the first NUL, if there is one. [new lock]
+StringRef BuildDetectedText(std::string_view bytes);
+
 // The same for a NUL-terminated text, which may be null, and for a text up to its first NUL.
 // [new lock]
 StringRef CString2RB_detect_encoding(const char* cstring);
 inline StringRef CString2RB_detect_encoding(const std::string& text) {
-  return CString2RB_detect_encoding(text.c_str());
+  return BuildDetectedText(text);
 }
 
 }  // namespace zqv::host

@@ -120,6 +120,23 @@ bool IsAscii(std::string_view bytes) {
   return std::all_of(at, end, [](char c) { return Byte(c) < 0x80; });
 }
 
+std::size_t LengthOfAsciiText(std::string_view bytes) {
+  constexpr std::size_t kStep = 4 * kBytes16;
+  const char* at = bytes.data();
+  const char* const end = at + bytes.size();
+  for (; static_cast<std::size_t>(end - at) >= kStep; at += kStep) {
+    const Bytes16 all = (LoadBytes16(at) > 0) & (LoadBytes16(at + kBytes16) > 0) &
+                        (LoadBytes16(at + 2 * kBytes16) > 0) & (LoadBytes16(at + 3 * kBytes16) > 0);
+    if (!AllOf(all)) break;
+  }
+  for (; static_cast<std::size_t>(end - at) >= kBytes16; at += kBytes16) {
+    const std::size_t length = FirstOf(LoadBytes16(at) <= 0);
+    if (length != kBytes16) return static_cast<std::size_t>(at - bytes.data()) + length;
+  }
+  at = std::find_if(at, end, [](char c) { return c == '\0' || Byte(c) >= 0x80; });
+  return static_cast<std::size_t>(at - bytes.data());
+}
+
 bool is_utf8(const char* bytes, std::size_t length) {
   std::size_t i = 0;
   while (i < length) {

@@ -13,6 +13,9 @@ namespace zqv::host {
 // True when no byte is 0x80 or above.
 bool IsAscii(std::string_view bytes);
 
+// How many bytes come before the first one that is NUL, or 0x80 or above.
+std::size_t LengthOfAsciiText(std::string_view bytes);
+
 // True when the bytes are well-formed UTF-8 (RFC 3629) without control characters other than tab,
 // line feed and carriage return. QUIRK: DEL and the other control characters make a text not
 // UTF-8, so that 8-bit binary data is not taken for it. Test: IsUtf8.RejectsControlCharacters.

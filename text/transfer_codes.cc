@@ -12,17 +12,22 @@
 namespace zqv::text {
 namespace {
 
-using host::AllOf;
 using host::AreBetween;
 using host::Bytes16;
 using host::CanLookUp;
 using host::FirstOf;
+using host::IsAllZero;
 using host::JoinSixBits;
+using host::JoinTwelves;
 using host::kBytes16;
+using host::kWideBytes;
 using host::LoadBytes16;
+using host::LoadWideBytes;
 using host::LookUp;
 using host::StoreBytes16;
+using host::StoreWideBytes;
 using host::TableOf;
+using host::WideBytes;
 
 constexpr std::string_view kAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -74,30 +79,34 @@ constexpr HalfTables MakeHalfTables() {
 }
 constexpr HalfTables kHalves = MakeHalfTables();
 
-// Where bytes can be looked up, whole lines of the alphabet are read sixteen characters at a time:
-// sixteen characters to twelve bytes, and four more that count for nothing. Gives a byte that is
-// not 0 where a character is not of the alphabet; then what was written means nothing.
-ZQV_LOOKS_UP inline Bytes16 DecodeBlock(const char* in, char* out) {
-  const Bytes16 c = LoadBytes16(in);
-  const Bytes16 upper = (c >> 4) & 0x0F;
-  const Bytes16 strange =
+// From bits in 32-bit words to bytes, the highest first.
+constexpr std::array<std::int8_t, kBytes16> kByteOrder = {2, 1,  0,  6,  5,  4,  10, 9,
+                                                          8, 14, 13, 12, -1, -1, -1, -1};
+
+// Where bytes can be looked up, whole lines of the alphabet are read a block at a time: four
+// characters to three bytes, and as many more bytes at the end as fill the block, which count for
+// nothing. Gives a byte that is not 0 where a character is not of the alphabet; then what was
+// written means nothing.
+ZQV_LOOKS_UP inline WideBytes DecodeBlock(const char* in, char* out) {
+  const WideBytes c = LoadWideBytes(in);
+  const WideBytes upper = (c >> 4) & 0x0F;
+  const WideBytes strange =
       LookUp(TableOf(kHalves.upper), upper) & LookUp(TableOf(kHalves.lower), c & 0x0F);
-  const Bytes16 values = c + LookUp(TableOf(kHalves.shift), upper + (c == '/'));
-  constexpr Bytes16 kOrder = {2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1};
-  StoreBytes16(LookUp(JoinSixBits(values), kOrder), out);
+  const WideBytes values = c + LookUp(TableOf(kHalves.shift), upper + (c == '/'));
+  StoreWideBytes(JoinTwelves(LookUp(JoinSixBits(values), TableOf(kByteOrder))), out);
   return strange;
 }
 
-// A line of `length` characters, 16 at the least. The last block begins within the one before,
+// A line of `length` characters, a block at the least. The last block begins within the one before,
 // where the length asks for it, and gives the same bytes again.
 ZQV_LOOKS_UP bool DecodeLine(const char* in, std::size_t length, char* out) {
-  const std::size_t last = length - kBytes16;
-  Bytes16 strange = {};
-  for (std::size_t at = 0; at < last; at += kBytes16) {
+  const std::size_t last = length - kWideBytes;
+  WideBytes strange = {};
+  for (std::size_t at = 0; at < last; at += kWideBytes) {
     strange |= DecodeBlock(in + at, out + at / 4 * 3);
   }
   strange |= DecodeBlock(in + last, out + last / 4 * 3);
-  return AllOf(strange == 0);
+  return IsAllZero(strange);
 }
 
 class Base64Decoder {
@@ -106,7 +115,7 @@ class Base64Decoder {
       : begin_(text.data()),
         at_(begin_),
         end_(begin_ + text.size()),
-        decoded_(text.size() / 4 * 3 + kBytes16),
+        decoded_(text.size() / 4 * 3 + kWideBytes),
         can_look_up_(CanLookUp()) {
     out_ = decoded_.data();
   }
@@ -136,7 +145,7 @@ class Base64Decoder {
     const char* const longest = end_ - at_ > kLongest ? at_ + kLongest : end_;
     const char* const line_end = std::find_if(at_, longest, [](char c) { return IsLineEnd(c); });
     const auto length = static_cast<std::size_t>(line_end - at_);
-    if (line_end == longest || length < kBytes16 || length % kGroup != 0) return;
+    if (line_end == longest || length < kWideBytes || length % kGroup != 0) return;
     while (static_cast<std::size_t>(end_ - at_) > length && IsLineEnd(at_[length]) &&
            DecodeLine(at_, length, out_)) {
       at_ = std::find_if_not(at_ + length, end_, IsLineEnd);
@@ -210,27 +219,81 @@ int DigitValue(char c) { return kDigitValues[static_cast<unsigned char>(c)]; }
 class QuotedPrintableDecoder {
  public:
   explicit QuotedPrintableDecoder(std::string_view text)
-      : at_(text.data()), end_(text.data() + text.size()), decoded_(text.size() + kBytes16) {
+      : at_(text.data()),
+        end_(text.data() + text.size()),
+        run_(at_),
+        decoded_(text.size() + static_cast<std::size_t>(kBytes64)) {
     out_ = decoded_.data();
   }
 
   DecodedBytes Run() {
     while (at_ != end_) {
-      const char* const run = at_;
+      ReadRegular();
       KeepRun();
       if (at_ == end_ || IsLineEnd(*at_)) {
-        EndLine(run);
+        EndLine();
       } else if (*at_ == '=') {
         ReadEquals();
       } else {
         ++at_;
       }
+      run_ = at_;
     }
     decoded_.EndAt(out_);
     return std::move(decoded_);
   }
 
  private:
+  static Bytes16 EndRun(Bytes16 c) {
+    return (c == '=') | (AreBetween(c, 0, ' ' - 1) & (c != '\t'));
+  }
+
+  // What ends runs is found for 64 characters at once and then visited, so that the processor need
+  // not guess each run's length. Stops at what is no code, soft break or line end of the usual
+  // kind, and near the end of the text.
+  void ReadRegular() {
+    while (end_ - at_ >= 2 * kBytes64) {
+      const char* const block_end = at_ + kBytes64;
+      const char* const block = at_;
+      for (std::uint64_t ends = host::BitsOf64(block, EndRun); ends != 0; ends &= ends - 1) {
+        const char* const end = block + __builtin_ctzll(ends);
+        if (end < at_) continue;  // taken with the one before
+        KeepShort(end);
+        if (!ReadRegularEnd()) return;
+        run_ = at_;
+      }
+      if (at_ < block_end) KeepShort(block_end);
+    }
+  }
+
+  // "=" and two digits, "=" and CRLF, or CRLF without blanks before it; false, with nothing taken,
+  // when it is none of them.
+  bool ReadRegularEnd() {
+    if (*at_ == '=') {
+      if (ReadByte()) return true;
+      if (at_[1] != '\r' || at_[2] != '\n') return false;
+      at_ += 3;
+      return true;
+    }
+    if (at_[0] != '\r' || at_[1] != '\n' || (at_ != run_ && IsBlank(at_[-1]))) return false;
+    *out_++ = '\n';
+    at_ += 2;
+    return true;
+  }
+
+  // Keeps 64 characters at the most, and may write as many whatever their number.
+  void KeepShort(const char* end) {
+    const std::ptrdiff_t length = end - at_;
+    StoreBytes16(LoadBytes16(at_), out_);
+    StoreBytes16(LoadBytes16(at_ + kBytes16), out_ + kBytes16);
+    if (length > 2 * static_cast<std::ptrdiff_t>(kBytes16)) {
+      StoreBytes16(LoadBytes16(at_ + 2 * kBytes16), out_ + 2 * kBytes16);
+      StoreBytes16(LoadBytes16(at_ + 3 * kBytes16), out_ + 3 * kBytes16);
+    }
+    at_ = end;
+    out_ += length;
+  }
+
   void Keep(const char* end) {
     out_ = std::copy(at_, end, out_);
     at_ = end;
@@ -258,7 +321,7 @@ class QuotedPrintableDecoder {
   void KeepRun() {
     while (static_cast<std::size_t>(end_ - at_) >= kBytes16) {
       const Bytes16 c = LoadBytes16(at_);
-      const std::size_t length = FirstOf((c == '=') | (AreBetween(c, 0, ' ' - 1) & (c != '\t')));
+      const std::size_t length = FirstOf(EndRun(c));
       StoreBytes16(c, out_);
       at_ += length;
       out_ += length;
@@ -271,9 +334,9 @@ class QuotedPrintableDecoder {
 
   // The end of a line or of the text, after a run of characters. Blanks before it go, and then only
   // the line end's first character.
-  void EndLine(const char* run) {
+  void EndLine() {
     const char* blanks = at_;
-    while (blanks != run && IsBlank(blanks[-1])) --blanks;
+    while (blanks != run_ && IsBlank(blanks[-1])) --blanks;
     out_ -= at_ - blanks;
     if (at_ != end_ && blanks != at_) {
       ++at_;
@@ -317,8 +380,11 @@ class QuotedPrintableDecoder {
     Keep(at_ + (has_digit ? 3 : 2));
   }
 
+  static constexpr std::ptrdiff_t kBytes64 = 64;
+
   const char* at_;
   const char* end_;
+  const char* run_;  // where the run of characters that stay began
   DecodedBytes decoded_;
   char* out_;
 };

@@ -9,13 +9,17 @@
 #include <memory>
 #include <string_view>
 
+#include "host/large_pages.h"
+
 namespace zqv::text {
 
 // What a decoder made: room for the most that a text can give, and how much of it was needed. The
 // room is not filled with zeros first.
 class DecodedBytes {
  public:
-  explicit DecodedBytes(std::size_t room) : bytes_(new char[room]) {}
+  explicit DecodedBytes(std::size_t room) : bytes_(new char[room]) {
+    host::PreferLargePages(bytes_.get(), room);
+  }
 
   char* data() { return bytes_.get(); }
   void EndAt(const char* end) { size_ = static_cast<std::size_t>(end - bytes_.get()); }

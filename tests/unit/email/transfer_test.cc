@@ -1,7 +1,6 @@
 #include "email/transfer.h"
 
 #include <gtest/gtest.h>
-#include <mimetic/mimeentity.h>
 
 #include <string>
 #include <string_view>
@@ -64,10 +63,8 @@ void PrintTo(const DecodeRow& row, std::ostream* out) { *out << row.name; }
 class Transfer : public ::testing::TestWithParam<DecodeRow> {};
 
 TEST_P(Transfer, IsTakenOff) {
-  mimetic::MimeEntity entity;
-  entity.body().assign(GetParam().body.data(), GetParam().body.size());
-  const mimetic::ContentTransferEncoding encoding(GetParam().mechanism);
-  EXPECT_EQ(email::DecodeData(encoding, entity.body()).bytes(), GetParam().decoded);
+  const email::DecodedBody body = email::DecodeData(GetParam().mechanism, GetParam().body);
+  EXPECT_EQ(body.bytes(), GetParam().decoded);
 }
 
 constexpr DecodeRow kBase64[] = {
@@ -143,15 +140,13 @@ constexpr DecodeRow kIdentity[] = {
 INSTANTIATE_TEST_SUITE_P(Identity, Transfer, ::testing::ValuesIn(kIdentity),
                          [](const auto& row) { return row.param.name; });
 
-TEST(DecodedBody, IsTheEntitysOwnBytesWhenNothingHadToBeDecoded) {
-  mimetic::MimeEntity entity;
-  entity.body().assign("text");
-  const auto body = email::DecodeData(mimetic::ContentTransferEncoding("8bit"), entity.body());
-  EXPECT_EQ(body.bytes().data(), entity.body().data());
+TEST(DecodedBody, IsTheVeryBytesWhenNothingHadToBeDecoded) {
+  const std::string_view text = "text";
+  EXPECT_EQ(email::DecodeData("8bit", text).bytes().data(), text.data());
 }
 
 TEST(DecodedBody, KeepsItsOwnBytesWhenItIsMoved) {
-  auto first = email::DecodeData(mimetic::ContentTransferEncoding("base64"), "c2hvcnQ=");
+  auto first = email::DecodeData("base64", "c2hvcnQ=");
   const email::DecodedBody second(std::move(first));
   EXPECT_EQ(second.bytes(), "short");
 }

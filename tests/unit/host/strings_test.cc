@@ -260,6 +260,10 @@ TEST_F(DetectedString, IsAsciiUtf8OrElseMacRoman) {
 TEST_F(DetectedString, CStringEndsAtItsNulAndAViewDoesNot) {
   Start();
   EXPECT_EQ(Show(CString2RB_detect_encoding("ab\0c")), Shown(abi::kAscii, "ab"));
+  for (const std::string& text : {std::string("ab\0\xFF", 4), std::string("ab")})
+    EXPECT_EQ(Show(BuildDetectedText(text)), Shown(abi::kAscii, "ab"));
+  EXPECT_EQ(Show(BuildDetectedText({"\xC3\xA9\0\xFF", 4})), Shown(abi::kUtf8, "\xC3\xA9"));
+  EXPECT_EQ(Show(BuildDetectedText({"\0ab", 3})), "nil");
   const std::string_view view("ab\0c", 4);
   EXPECT_EQ(Show(BuildDetectedString(view)), Shown(abi::kAscii, view));
 }

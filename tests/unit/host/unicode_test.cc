@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "host/bytes16.h"
 #include "tests/reference/utf8_twin.h"
 #include "tests/unit/host/property.h"
 
@@ -18,6 +20,34 @@ std::string Bytes(std::initializer_list<int> bytes) {
   std::string text;
   for (const int byte : bytes) text += static_cast<char>(byte);
   return text;
+}
+
+TEST(LengthOfAsciiText, EndsAtANulAndAtAHighByte) {
+  EXPECT_EQ(host::LengthOfAsciiText(""), 0U);
+  for (std::size_t length = 1; length < 200; ++length) {
+    const std::string plain(length, '\x7F');
+    ASSERT_EQ(host::LengthOfAsciiText(plain), length);
+    for (std::size_t at = 0; at < length; ++at) {
+      for (const char end : {'\0', '\x80', '\xFF'}) {
+        std::string bytes = plain;
+        bytes[at] = end;
+        bytes.back() = at == length - 1 ? end : '\0';
+        ASSERT_EQ(host::LengthOfAsciiText(bytes), at) << length;
+      }
+    }
+  }
+}
+
+TEST(BitsOf64, TellsOfEachByte) {
+  std::string bytes(64, 'a');
+  const auto is_b = [](host::Bytes16 c) { return c == 'b'; };
+  EXPECT_EQ(host::BitsOf64(bytes.data(), is_b), 0U);
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    bytes[i] = 'b';
+    EXPECT_EQ(host::BitsOf64(bytes.data(), is_b), std::uint64_t{1} << i);
+    bytes[i] = 'a';
+  }
+  EXPECT_EQ(host::BitsOf64(std::string(64, 'b').data(), is_b), ~std::uint64_t{0});
 }
 
 TEST(IsAscii, LooksAtEveryByte) {
