@@ -1,6 +1,6 @@
 #include "email/attachment.h"
 
-#include <cstring>
+#include <algorithm>
 #include <utility>
 
 #include "email/file_type.h"
@@ -17,11 +17,12 @@ namespace zqv::email {
 namespace {
 
 using host::StringRef;
+using mime::FieldName;
 
-// A field's text without leading blanks, up to its first NUL; nil when nothing is left.
-StringRef TrimmedText(const std::string& field_text) {
-  const char* text = field_text.c_str();
-  return host::CString2RB_detect_encoding(text + std::strspn(text, " \t"));
+// A field's text without leading blanks; nil when nothing is left.
+StringRef TrimmedText(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+  return host::BuildDetectedString(text);
 }
 
 std::string MimeTypeText(const mimetic::ContentType& content_type) {
@@ -50,23 +51,27 @@ StringRef ExtendedFileName(const std::string& value) {
 StringRef FileName(const mime::HeaderView& header, std::string_view decoded) {
   const mimetic::ContentDisposition& disposition = header.content_disposition();
   const mimetic::ContentType& content_type = header.content_type();
-  for (const std::string& name : {disposition.param("filename"), content_type.param("filename"),
-                                  content_type.param("name")}) {
-    if (StringRef text = text::DecodeInlineEncodings(name, false)) return text;
+  for (const std::string* name : {&disposition.param("filename"), &content_type.param("filename"),
+                                  &content_type.param("name")}) {
+    if (StringRef text = text::DecodeInlineEncodings(*name, false)) return text;
   }
   if (StringRef text = ExtendedFileName(disposition.param("filename*"))) return text;
-  return host::CString2RB_detect_encoding(MakeUpFileName(header.content_id(), decoded));
+  return host::CString2RB_detect_encoding(
+      MakeUpFileName(std::string(header.Text(FieldName::kContentId)), decoded));
 }
 
 void Fill(MimeAttachmentClassData& record, const mime::HeaderView& header,
           std::string_view decoded) {
+  const auto put = [&](host::StringSlot& slot, FieldName name) {
+    slot.Put(TrimmedText(header.Text(name)));
+  };
   record.MimeType.Put(TrimmedText(MimeTypeText(header.content_type())));
-  record.MimeVersion.Put(TrimmedText(header.mime_version().str()));
-  record.ContentType.Put(TrimmedText(header.content_type().str()));
-  record.ContentTransferEncoding.Put(TrimmedText(header.content_transfer_encoding().str()));
-  record.ContentDisposition.Put(TrimmedText(header.content_disposition().str()));
-  record.ContentDescription.Put(TrimmedText(header.content_description().str()));
-  record.contentId.Put(TrimmedText(header.content_id()));
+  put(record.MimeVersion, FieldName::kMimeVersion);
+  put(record.ContentType, FieldName::kContentType);
+  put(record.ContentTransferEncoding, FieldName::kContentTransferEncoding);
+  put(record.ContentDisposition, FieldName::kContentDisposition);
+  put(record.ContentDescription, FieldName::kContentDescription);
+  put(record.contentId, FieldName::kContentId);
   record.Filename.Put(FileName(header, decoded));
 }
 

@@ -110,13 +110,12 @@ ObjectRef ConvertDate(std::string_view text, LocalOffset& local_offset) {
 
 void ParseField(mime::MimeEntityClassData& record, const mime::HeaderView& header,
                 std::size_t index, LocalOffset& local_offset) {
-  const std::optional<mime::FieldName> name = mime::RecogniseFieldName(header.Name(index));
-  std::string storage;
-  if (name == mime::FieldName::kDate) {
-    record.SentDate.Put(ConvertDate(header.Value(index, storage), local_offset));
+  const mime::FieldText& field = header[index];
+  if (field.known == mime::FieldName::kDate) {
+    record.SentDate.Put(ConvertDate(field.value, local_offset));
   }
-  if (name != mime::FieldName::kReceived) return;
-  const std::string_view value = header.Value(index, storage);
+  if (field.known != mime::FieldName::kReceived) return;
+  const std::string_view value = field.value;
   // QUIRK: the first "; " is taken, even inside a comment before the date.
   // Test: Dates.FirstSemicolonAndBlankWins.
   const std::size_t semicolon = value.find("; ");

@@ -56,9 +56,9 @@ bool Check(std::string_view message) {
 // SinglePart.ImageIsListedAndOfferedAsText.
 void CompleteSinglePart(MimeEntityClassData& record, const mime::HeaderView& header,
                         std::string_view body, std::optional<DecodedBody>&& decoded) {
-  const mimetic::ContentTransferEncoding& encoding = header.content_transfer_encoding();
-  if (!is_known_mechanism(encoding.mechanism())) return;
-  if (!decoded.has_value()) decoded = DecodeData(encoding, body);
+  const std::string_view mechanism = header.Text(mime::FieldName::kContentTransferEncoding);
+  if (!is_known_mechanism(mechanism)) return;
+  if (!decoded.has_value()) decoded = DecodeData(mechanism, body);
 
   const mimetic::ContentType& content_type = header.content_type();
   record.BodyDecoded.Put(BuildBodyText(decoded->bytes(), content_type.param("charset")));
@@ -75,9 +75,9 @@ void CompleteSinglePart(MimeEntityClassData& record, const mime::HeaderView& hea
 void BuildObjects(MimeEntityClassData& record, const mimetic::MimeEntity& entity,
                   const mime::MessageTexts& texts) {
   EntityRouter router(record, texts);
-  const mime::HeaderView header = router.ViewOf(entity.header());
-  const std::string_view body = router.TextOf(entity.body());
-  record.Body.Put(mime::NewMimeBodyZQV(entity.body(), router));
+  const mime::HeaderView header = texts.HeaderOf(entity);
+  const std::string_view body = texts.BodyOf(entity);
+  record.Body.Put(mime::NewMimeBodyZQV(entity, router));
   record.Header.Put(mime::NewMimeHeaderZQV(header));
   std::optional<DecodedBody> decoded =
       DecodeEntity(record, header, body, record, record.Body.get(), record.Header.get());
@@ -85,7 +85,8 @@ void BuildObjects(MimeEntityClassData& record, const mimetic::MimeEntity& entity
   const std::size_t parts = entity.body().parts().size();
   ZQV_LOG("%s%s %lu", "parts count", static_cast<unsigned long>(parts));
   if (parts == 0) CompleteSinglePart(record, header, body, std::move(decoded));
-  record.Subject.Put(text::DecodeInlineEncodings(header.subject(), false));
+  record.Subject.Put(
+      text::DecodeInlineEncodings(std::string(header.Text(mime::FieldName::kSubject)), false));
 }
 
 // All that needs the parsed tree, which is gone when this returns.

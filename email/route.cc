@@ -19,7 +19,7 @@ PartTraits TraitsOf(const mime::HeaderView& header, const mimetic::ContentType& 
   part.type = content_type.type();
   part.subtype = content_type.subtype();
   part.disposition = header.content_disposition().type();
-  part.has_content_id = !header.content_id().empty();
+  part.has_content_id = !header.Text(mime::FieldName::kContentId).empty();
   return part;
 }
 
@@ -64,10 +64,10 @@ std::optional<DecodedBody> DecodeEntity(mime::MimeEntityClassData& entity_record
                                         abi::REALobject body, abi::REALobject header) {
   const mimetic::ContentType& content_type = fields.content_type();
   if (IsContainer(content_type.type(), content_type.subtype())) return std::nullopt;
-  const mimetic::ContentTransferEncoding& encoding = fields.content_transfer_encoding();
-  if (!is_known_mechanism(encoding.mechanism())) return std::nullopt;
+  const std::string_view mechanism = fields.Text(mime::FieldName::kContentTransferEncoding);
+  if (!is_known_mechanism(mechanism)) return std::nullopt;
 
-  DecodedBody decoded = DecodeData(encoding, text);
+  DecodedBody decoded = DecodeData(mechanism, text);
   entity_record.BodyDecoded.Put(BuildBodyText(decoded.bytes(), content_type.param("charset")));
   const PartTraits part = TraitsOf(fields, content_type);
   ZQV_LOG("%s%s %s, %s", "decoded body of type", content_type.type().c_str(),
@@ -90,10 +90,10 @@ std::optional<DecodedBody> DecodeEntity(mime::MimeEntityClassData& entity_record
   return decoded;
 }
 
-void EntityRouter::OnEntity(const mimetic::MimeEntity& entity, mime::MimeEntityClassData& record,
-                            abi::REALobject body, abi::REALobject header) {
-  const mime::HeaderView fields = ViewOf(entity.header());
-  DecodeEntity(record, fields, TextOf(entity.body()), email_record_, body, header);
+void EntityRouter::OnEntity(const mimetic::MimeEntity& entity, const mime::HeaderView& fields,
+                            mime::MimeEntityClassData& record, abi::REALobject body,
+                            abi::REALobject header) {
+  DecodeEntity(record, fields, texts_.BodyOf(entity), email_record_, body, header);
   ParseDate(record, fields);
 }
 

@@ -63,12 +63,10 @@ class EntityRouter final : public mime::EntitySink {
   EntityRouter(mime::MimeEntityClassData& email_record, const mime::MessageTexts& texts)
       : email_record_(email_record), texts_(texts) {}
 
-  void OnEntity(const mimetic::MimeEntity& entity, mime::MimeEntityClassData& record,
-                abi::REALobject body, abi::REALobject header) override;
-  std::string_view TextOf(const mimetic::Body& body) const override { return texts_.Of(body); }
-  mime::HeaderView ViewOf(const mimetic::Header& header) const override {
-    return mime::HeaderView(header, texts_.Of(header));
-  }
+  void OnEntity(const mimetic::MimeEntity& entity, const mime::HeaderView& fields,
+                mime::MimeEntityClassData& record, abi::REALobject body,
+                abi::REALobject header) override;
+  const mime::MessageTexts& texts() const override { return texts_; }
 
  private:
   mime::MimeEntityClassData& email_record_;

@@ -1,5 +1,5 @@
-// The parser over bytes in memory beside the MIME library's own stream constructor: the same tree,
-// byte for byte.
+// The parser over bytes in memory, in both its ways, beside the MIME library's own stream
+// constructor: the same tree, byte for byte.
 #include <mimetic/mimetic.h>
 
 #include <sstream>
@@ -59,6 +59,12 @@ void Run(std::string_view input) {
   std::istringstream stream{std::string(input)};
   const mimetic::MimeEntity theirs(stream);
   ExpectSame("the trees differ", test::FirstDifference(theirs, ours), "");
+  mime::MessageTexts texts;
+  mimetic::MimeEntity without_texts;
+  mime::ParseMessage(input, without_texts, texts);
+  test::PutBack(texts, without_texts);
+  ExpectSame("the tree whose texts lie elsewhere", test::FirstDifference(theirs, without_texts),
+             "");
 }
 
 // A run of one byte is one piece many times over: the ends of the library's large blocks are only

@@ -10,8 +10,8 @@ void Set(MimeAddressClassData& record, const mimetic::Address& address) {
   Set(record, address, address.str());
 }
 
-void Set(MimeAddressClassData& record, const mimetic::Address& address, const std::string& text) {
-  record.StringValue.Put(host::CString2RB_detect_encoding(text));
+void Set(MimeAddressClassData& record, const mimetic::Address& address, std::string_view text) {
+  record.StringValue.Put(host::BuildDetectedText(text));
   record.isGroup = address.isGroup() ? 1 : 0;
   if (!address.isGroup()) {
     const mimetic::Mailbox& mailbox = address.mailbox();

@@ -12,7 +12,7 @@ namespace zqv::mime {
 // left out: then both objects are nil. `text`: the address's text form, for those who have it
 // already.
 void Set(MimeAddressClassData& record, const mimetic::Address& address);
-void Set(MimeAddressClassData& record, const mimetic::Address& address, const std::string& text);
+void Set(MimeAddressClassData& record, const mimetic::Address& address, std::string_view text);
 // Gives back everything that the record holds; nil afterwards.
 void Clear(MimeAddressClassData& record);
 

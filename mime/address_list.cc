@@ -7,12 +7,15 @@
 namespace zqv::mime {
 
 void Set(MimeAddressListClassData& record, const mimetic::AddressList& list) {
-  const std::vector<std::string> texts = TextsOf(list);
-  record.StringValue.Put(host::CString2RB_detect_encoding(Join(texts, ", ")));
+  Set(record, list, ListText(list, kListSeparator));
+}
+
+void Set(MimeAddressListClassData& record, const mimetic::AddressList& list, const ListText& text) {
+  record.StringValue.Put(host::BuildDetectedText(text.whole()));
   record.addresses.Put(host::NewObjectArray());
   if (!record.addresses) return;
   for (std::size_t i = 0; i < list.size(); ++i) {
-    const host::ObjectRef object = NewFilled<MimeAddressClassData>(list[i], texts[i]);
+    const host::ObjectRef object = NewFilled<MimeAddressClassData>(list[i], text[i]);
     if (object) host::AppendObject(record.addresses.get(), object.get());
   }
 }

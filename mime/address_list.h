@@ -5,12 +5,15 @@
 
 #include "mime/lifecycle.h"
 #include "mime/list_access.h"
+#include "mime/list_text.h"
 #include "mime/records.h"
 
 namespace zqv::mime {
 
 // Fills a fresh record; no address is left out.
 void Set(MimeAddressListClassData& record, const mimetic::AddressList& list);
+// The same, with the list's text form.
+void Set(MimeAddressListClassData& record, const mimetic::AddressList& list, const ListText& text);
 // Gives back everything that the record holds; nil afterwards.
 void Clear(MimeAddressListClassData& record);
 

@@ -1,7 +1,7 @@
 // MimeBodyZQV: a body's own text and the entities inside it. Building one walks everything below.
 #pragma once
 
-#include <mimetic/body.h>
+#include <mimetic/mimeentity.h>
 
 #include "host/ref.h"
 #include "mime/entity.h"
@@ -9,10 +9,10 @@
 
 namespace zqv::mime {
 
-// A new object for `body` and, depth-first, for every entity below it; `sink` is told of each. Nil
-// when the host cannot make one; then nothing below is visited. What `sink` throws passes through.
-// [new lock]
-host::ObjectRef NewMimeBodyZQV(const mimetic::Body& body, EntitySink& sink);
+// A new object for the body of `entity` and, depth-first, for every entity below it, of each of
+// which `sink` is told. Nil when the host cannot make one; then nothing below is visited. What
+// `sink` throws passes through. [new lock]
+host::ObjectRef NewMimeBodyZQV(const mimetic::MimeEntity& entity, EntitySink& sink);
 
 // Gives back everything that the record holds; nil afterwards.
 void Clear(MimeBodyClassData& record);

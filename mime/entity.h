@@ -3,11 +3,10 @@
 
 #include <mimetic/mimeentity.h>
 
-#include <string_view>
-
 #include "abi/records.h"
 #include "mime/header_view.h"
 #include "mime/lifecycle.h"
+#include "mime/message_texts.h"
 #include "mime/records.h"
 
 namespace zqv::mime {
@@ -16,15 +15,14 @@ namespace zqv::mime {
 // entity's body and header objects are there. The one way in which message rules see the walk.
 class EntitySink {
  public:
-  // `record` is that of the entity's host object; `body` and `header` are its objects [borrowed],
-  // each nil when the host could not make it. May throw.
-  virtual void OnEntity(const mimetic::MimeEntity& entity, MimeEntityClassData& record,
-                        abi::REALobject body, abi::REALobject header) = 0;
+  // `fields` are the entity's, `record` is that of its host object; `body` and `header` are its
+  // objects [borrowed], each nil when the host could not make it. May throw.
+  virtual void OnEntity(const mimetic::MimeEntity& entity, const HeaderView& fields,
+                        MimeEntityClassData& record, abi::REALobject body,
+                        abi::REALobject header) = 0;
 
-  // The text of a body [borrowed], which the tree need not hold itself.
-  virtual std::string_view TextOf(const mimetic::Body& body) const { return body; }
-  // A header with the values of its fields, which the tree need not hold itself.
-  virtual HeaderView ViewOf(const mimetic::Header& header) const { return HeaderView(header); }
+  // The texts of the tree, which does not hold them itself.
+  virtual const MessageTexts& texts() const = 0;
 
  protected:
   ~EntitySink() = default;

@@ -1,6 +1,7 @@
 // The names of header fields that mean something here (RFC 5322, section 3.6; RFC 2045, section 3).
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -25,6 +26,7 @@ enum class FieldName : std::uint8_t {
   kSubject,
   kTo,
 };
+inline constexpr std::size_t kFieldNames = static_cast<std::size_t>(FieldName::kTo) + 1;
 
 // Nothing for any other name. Case counts for nothing (RFC 5322, section 1.2.2).
 std::optional<FieldName> RecogniseFieldName(std::string_view name);

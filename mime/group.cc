@@ -8,11 +8,11 @@ namespace zqv::mime {
 
 void Set(MimeGroupClassData& record, const mimetic::Group& group) {
   const std::string name = group.name(0);
-  const std::vector<std::string> texts = TextsOf(group);
-  record.StringValue.Put(host::CString2RB_detect_encoding(name + Join(texts, ",") + ";"));
+  const ListText text(group, ",");
+  record.StringValue.Put(host::BuildDetectedText(name + text.whole() + ";"));
   record.Name.Put(host::CString2RB_detect_encoding(name));
   record.NameDecoded.Put(text::DecodeInlineEncodings(name, false));
-  record.mailboxes.Put(NewMailboxArray(group, texts));
+  record.mailboxes.Put(NewMailboxArray(group, text));
 }
 
 void Clear(MimeGroupClassData& record) {

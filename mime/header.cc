@@ -14,31 +14,35 @@
 namespace zqv::mime {
 namespace {
 
-using host::CString2RB_detect_encoding;
+using host::BuildDetectedString;
 
 void FillTexts(MimeHeaderClassData& record, const HeaderView& header) {
-  const mimetic::ContentTransferEncoding& encoding = header.content_transfer_encoding();
-  const std::string subject = header.subject();
-  record.MimeVersion.Put(CString2RB_detect_encoding(header.mime_version().str()));
-  record.ContentType.Put(CString2RB_detect_encoding(header.content_type().str()));
-  record.ContentTransferEncoding.Put(CString2RB_detect_encoding(encoding.str()));
-  record.ContentTransferEncodingMechanism.Put(CString2RB_detect_encoding(encoding.mechanism()));
-  record.ContentDisposition.Put(CString2RB_detect_encoding(header.content_disposition().str()));
-  record.ContentDescription.Put(CString2RB_detect_encoding(header.content_description().str()));
-  record.contentId.Put(CString2RB_detect_encoding(header.content_id()));
-  record.subject.Put(CString2RB_detect_encoding(subject));
-  record.messageid.Put(CString2RB_detect_encoding(header.message_id()));
-  record.subjectDecoded.Put(text::DecodeInlineEncodings(subject, false));
+  const auto put = [&](host::StringSlot& slot, FieldName name) {
+    slot.Put(BuildDetectedString(header.Text(name)));
+  };
+  put(record.MimeVersion, FieldName::kMimeVersion);
+  put(record.ContentType, FieldName::kContentType);
+  put(record.ContentTransferEncoding, FieldName::kContentTransferEncoding);
+  put(record.ContentTransferEncodingMechanism, FieldName::kContentTransferEncoding);
+  put(record.ContentDisposition, FieldName::kContentDisposition);
+  put(record.ContentDescription, FieldName::kContentDescription);
+  put(record.contentId, FieldName::kContentId);
+  put(record.subject, FieldName::kSubject);
+  put(record.messageid, FieldName::kMessageId);
+  record.subjectDecoded.Put(
+      text::DecodeInlineEncodings(std::string(header.Text(FieldName::kSubject)), false));
 }
 
 // An address field that the header lacks, or that holds nobody, gives nil and no empty object.
 void FillAddresses(MimeHeaderClassData& record, const HeaderView& header) {
   const mimetic::Mailbox& sender = header.sender();
   if (!sender.mailbox(1).empty()) record.sender.Put(NewFilled<MimeMailboxClassData>(sender));
-  const mimetic::MailboxList& from = header.from();
-  if (!from.empty()) record.from.Put(NewFilled<MimeMailboxListClassData>(from));
-  const auto put = [](host::ObjectSlot& slot, const mimetic::AddressList& list) {
-    if (!list.empty()) slot.Put(NewFilled<MimeAddressListClassData>(list));
+  const ParsedList<mimetic::MailboxList>& from = header.from();
+  if (!from.list.empty())
+    record.from.Put(NewFilled<MimeMailboxListClassData>(from.list, from.text));
+  const auto put = [](host::ObjectSlot& slot, const ParsedList<mimetic::AddressList>& parsed) {
+    if (!parsed.list.empty())
+      slot.Put(NewFilled<MimeAddressListClassData>(parsed.list, parsed.text));
   };
   put(record.too, header.to());
   put(record.replyto, header.reply_to());
@@ -49,11 +53,8 @@ void FillAddresses(MimeHeaderClassData& record, const HeaderView& header) {
 void FillFields(MimeHeaderClassData& record, const HeaderView& header) {
   record.fields.Put(host::NewObjectArray());
   if (!record.fields) return;
-  std::string storage;
   for (std::size_t i = 0; i < header.size(); ++i) {
-    const std::string_view value = header.Value(i, storage);
-    const host::ObjectRef object =
-        NewFilled<MimeFieldClassData>(std::string_view(header.Name(i)), value);
+    const host::ObjectRef object = NewFilled<MimeFieldClassData>(header[i].name, header.Value(i));
     if (object) host::AppendObject(record.fields.get(), object.get());
   }
 }

@@ -23,23 +23,17 @@ constexpr std::array<bool, 256> kNameCharacters = MakeNameCharacters();
 
 bool IsNameCharacter(char c) { return kNameCharacters[static_cast<unsigned char>(c)]; }
 
-// Whether the library is asked what a field of this name says. Of dates it is not: their texts are
-// read by themselves.
-bool IsAskedFor(std::optional<FieldName> name) {
-  return name.has_value() && name != FieldName::kDate && name != FieldName::kReceived;
-}
-
 class HeaderLoader {
  public:
-  HeaderLoader(const char* at, const char* end, mimetic::Header& header, MessageLimits& limits,
+  HeaderLoader(const char* at, const char* end, mimetic::MimeEntity& entity, MessageLimits& limits,
                LineEndFinder& line_ends, MessageTexts* texts)
       : at_(at),
         end_(end),
-        header_(header),
+        header_(entity.header()),
         limits_(limits),
         line_ends_(line_ends),
         texts_(texts),
-        values_(texts != nullptr ? &texts->NewFieldTexts(header) : nullptr) {}
+        entity_texts_(texts != nullptr ? &texts->Begin(entity) : nullptr) {}
 
   // A field is stored when the line after it begins, so one that the input ends in is lost.
   HeaderEnd Run() {
@@ -86,24 +80,20 @@ class HeaderLoader {
   // The rest of a line that should be a field. False when it is none: then the body has begun, and
   // what was read of the line belongs to it.
   bool ReadField() {
-    const char* name_end = at_;
-    while (name_end != end_ && IsNameCharacter(*name_end)) ++name_end;
-    name_.append(at_, name_end);
-    at_ = name_end;
-    while (at_ != end_ && *at_ != ':') {
-      const bool after_blank = !name_.empty() && IsBlank(name_.back());
-      if (!IsBlank(*at_) && (after_blank || !IsNameCharacter(*at_))) {
-        body_start_ = std::move(name_);
-        return false;
-      }
-      name_ += *at_++;
-    }
+    const char* const start = at_;
+    while (at_ != end_ && IsNameCharacter(*at_)) ++at_;
+    const char* const name_end = at_;
+    SkipBlanks();
     if (at_ == end_) return true;
-    if (name_.empty()) {  // a line that begins with the colon is passed over
+    if (*at_ != ':') {
+      body_start_.assign(start, at_);
+      return false;
+    }
+    if (at_ == start) {  // a line that begins with the colon is passed over
       at_ = line_ends_.Next(at_, end_);
       return true;
     }
-    while (!name_.empty() && IsBlank(name_.back())) name_.pop_back();
+    name_ = {start, static_cast<std::size_t>(name_end - start)};
     ++at_;
     SkipBlanks();
     ReadValue();
@@ -128,15 +118,15 @@ class HeaderLoader {
     std::string_view value = joined_.empty() ? value_ : joined_;
     limits_.AdmitField(name, value);
     value = value.substr(0, value.find('\0'));
-    mimetic::Field& field = header_.emplace_back();
-    field.name(name_);
-    if (values_ == nullptr || IsAskedFor(name)) {
-      field.value(std::string(value));
-      if (values_ != nullptr) values_->emplace_back();
+    if (texts_ != nullptr) {
+      texts_->AddField(*entity_texts_,
+                       {name_, joined_.empty() ? value : texts_->Keep(value), name});
     } else {
-      values_->push_back(joined_.empty() && !value.empty() ? value : texts_->Keep(value));
+      mimetic::Field& field = header_.emplace_back();
+      field.name(std::string(name_));
+      field.value(std::string(value));
     }
-    name_.clear();
+    name_ = {};
     value_ = {};
     joined_.clear();
   }
@@ -146,9 +136,9 @@ class HeaderLoader {
   mimetic::Header& header_;
   MessageLimits& limits_;
   LineEndFinder& line_ends_;
-  MessageTexts* texts_;  // null: the header gets every value
-  FieldTexts* values_;   // of the texts
-  std::string name_;
+  MessageTexts* texts_;        // null: the header gets every field
+  EntityTexts* entity_texts_;  // of the texts
+  std::string_view name_;
   std::string_view value_;  // in the message, when it is all
   std::string joined_;      // all of a value of several pieces
   std::string body_start_;
@@ -156,9 +146,9 @@ class HeaderLoader {
 
 }  // namespace
 
-HeaderEnd LoadHeader(const char* at, const char* end, mimetic::Header& header,
+HeaderEnd LoadHeader(const char* at, const char* end, mimetic::MimeEntity& entity,
                      MessageLimits& limits, LineEndFinder& line_ends, MessageTexts* texts) {
-  return HeaderLoader(at, end, header, limits, line_ends, texts).Run();
+  return HeaderLoader(at, end, entity, limits, line_ends, texts).Run();
 }
 
 }  // namespace zqv::mime

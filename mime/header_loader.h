@@ -5,7 +5,7 @@
 // runs instead of single characters, and nothing that leaks when a field cannot be stored.
 #pragma once
 
-#include <mimetic/header.h>
+#include <mimetic/mimeentity.h>
 
 #include <string>
 
@@ -21,10 +21,9 @@ struct HeaderEnd {
   std::string body_start;  // bytes before `at` that belong to the body: a line that is no field
 };
 
-// Appends the fields between `at` and `end` to `header`, which is empty. `texts`, if given, gets
-// the values of fields that have no meaning for the library. Throws std::runtime_error when a field
-// is beyond the limits.
-HeaderEnd LoadHeader(const char* at, const char* end, mimetic::Header& header,
+// Reads the fields between `at` and `end` into `texts` or, when those are null, into the entity's
+// header, which is empty. Throws std::runtime_error when a field is beyond the limits.
+HeaderEnd LoadHeader(const char* at, const char* end, mimetic::MimeEntity& entity,
                      MessageLimits& limits, LineEndFinder& line_ends, MessageTexts* texts);
 
 }  // namespace zqv::mime

@@ -2,70 +2,83 @@
 
 namespace zqv::mime {
 
-HeaderView::HeaderView(const mimetic::Header& header, const FieldTexts* texts)
-    : header_(header), texts_(texts) {
-  for (const mimetic::Field& field : header) {
-    if (const auto name = RecogniseFieldName(field.name())) present_ |= Bit(*name);
+HeaderView::HeaderView(const FieldText* fields, std::size_t count,
+                       const Parsed<mimetic::ContentType>* type)
+    : fields_(fields), count_(count), given_type_(type) {
+  first_.fill(kNowhere);
+  for (std::size_t i = 0; i < count; ++i) {
+    if (!fields[i].known.has_value()) continue;
+    std::size_t& first = first_[static_cast<std::size_t>(*fields[i].known)];
+    if (first == kNowhere) first = i;
   }
 }
 
-std::string_view HeaderView::Value(std::size_t index, std::string& storage) const {
-  if (texts_ != nullptr && (*texts_)[index].data() != nullptr) return (*texts_)[index];
-  storage = header_[index].value();
-  return storage;
+std::string_view HeaderView::Value(std::size_t index) const {
+  const FieldText& field = fields_[index];
+  const bool counts = field.known.has_value() && First(*field.known) == index;
+  return counts ? Text(*field.known) : field.value;
 }
 
-template <class Type>
-const Type& HeaderView::Typed(FieldName name, const Type& (mimetic::Header::*get)() const) const {
-  static const Type absent;
-  return Has(name) ? (header_.*get)() : absent;
+std::string_view HeaderView::Text(FieldName name) const {
+  switch (name) {
+    case FieldName::kMimeVersion:
+      return Get(name, mime_version_).text;
+    case FieldName::kContentType:
+      return type().text;
+    case FieldName::kContentDisposition:
+      return Get(name, content_disposition_).text;
+    case FieldName::kSender:
+      return Get(name, sender_).text;
+    case FieldName::kFrom:
+      return from().text.whole();
+    case FieldName::kTo:
+      return to().text.whole();
+    case FieldName::kReplyTo:
+      return reply_to().text.whole();
+    case FieldName::kCc:
+      return cc().text.whole();
+    case FieldName::kBcc:
+      return bcc().text.whole();
+    case FieldName::kContentDescription:
+    case FieldName::kContentId:
+    case FieldName::kContentTransferEncoding:
+    case FieldName::kDate:
+    case FieldName::kMessageId:
+    case FieldName::kReceived:
+    case FieldName::kSubject:
+      break;  // to the library these are the texts that they are
+  }
+  return Has(name) ? fields_[First(name)].value : std::string_view();
 }
 
-const mimetic::MimeVersion& HeaderView::mime_version() const {
-  return Typed<mimetic::MimeVersion>(FieldName::kMimeVersion, &mimetic::Header::mimeVersion);
+template <class Said>
+const Said& HeaderView::Get(FieldName name, std::optional<Said>& parsed) const {
+  static const Said absent;
+  if (!Has(name)) return absent;
+  if (!parsed.has_value()) parsed.emplace(std::string(fields_[First(name)].value));
+  return *parsed;
 }
-const mimetic::ContentType& HeaderView::content_type() const {
-  return Typed<mimetic::ContentType>(FieldName::kContentType, &mimetic::Header::contentType);
-}
-const mimetic::ContentTransferEncoding& HeaderView::content_transfer_encoding() const {
-  return Typed<mimetic::ContentTransferEncoding>(FieldName::kContentTransferEncoding,
-                                                 &mimetic::Header::contentTransferEncoding);
+
+const Parsed<mimetic::ContentType>& HeaderView::type() const {
+  if (given_type_ != nullptr) return *given_type_;
+  return Get(FieldName::kContentType, content_type_);
 }
 const mimetic::ContentDisposition& HeaderView::content_disposition() const {
-  return Typed<mimetic::ContentDisposition>(FieldName::kContentDisposition,
-                                            &mimetic::Header::contentDisposition);
-}
-const mimetic::ContentDescription& HeaderView::content_description() const {
-  return Typed<mimetic::ContentDescription>(FieldName::kContentDescription,
-                                            &mimetic::Header::contentDescription);
+  return Get(FieldName::kContentDisposition, content_disposition_).value;
 }
 const mimetic::Mailbox& HeaderView::sender() const {
-  return Typed<mimetic::Mailbox>(FieldName::kSender, &mimetic::Header::sender);
+  return Get(FieldName::kSender, sender_).value;
 }
-const mimetic::MailboxList& HeaderView::from() const {
-  return Typed<mimetic::MailboxList>(FieldName::kFrom, &mimetic::Header::from);
+const ParsedList<mimetic::MailboxList>& HeaderView::from() const {
+  return Get(FieldName::kFrom, from_);
 }
-const mimetic::AddressList& HeaderView::to() const {
-  return Typed<mimetic::AddressList>(FieldName::kTo, &mimetic::Header::to);
+const ParsedList<mimetic::AddressList>& HeaderView::to() const { return Get(FieldName::kTo, to_); }
+const ParsedList<mimetic::AddressList>& HeaderView::reply_to() const {
+  return Get(FieldName::kReplyTo, reply_to_);
 }
-const mimetic::AddressList& HeaderView::reply_to() const {
-  return Typed<mimetic::AddressList>(FieldName::kReplyTo, &mimetic::Header::replyto);
-}
-const mimetic::AddressList& HeaderView::cc() const {
-  return Typed<mimetic::AddressList>(FieldName::kCc, &mimetic::Header::cc);
-}
-const mimetic::AddressList& HeaderView::bcc() const {
-  return Typed<mimetic::AddressList>(FieldName::kBcc, &mimetic::Header::bcc);
-}
-
-std::string HeaderView::content_id() const {
-  return Has(FieldName::kContentId) ? header_.contentId().str() : std::string();
-}
-std::string HeaderView::message_id() const {
-  return Has(FieldName::kMessageId) ? header_.messageid().str() : std::string();
-}
-std::string HeaderView::subject() const {
-  return Has(FieldName::kSubject) ? header_.subject() : std::string();
+const ParsedList<mimetic::AddressList>& HeaderView::cc() const { return Get(FieldName::kCc, cc_); }
+const ParsedList<mimetic::AddressList>& HeaderView::bcc() const {
+  return Get(FieldName::kBcc, bcc_);
 }
 
 }  // namespace zqv::mime

@@ -1,66 +1,104 @@
-// The fields of a header that mean something here, by their names.
+// The fields of a header, and what those say that mean something here.
 //
-// A header is walked once to see which of them it has, so that nothing is searched for in vain:
-// most headers have a third of them, and the library searches by name. Names and values are the
-// MIME library's own; the first field of a name counts.
+// Fields are texts in the message. Of a name that means something the first one counts; what it
+// says is parsed by the MIME library, when it is asked for, and once.
 #pragma once
 
 #include <mimetic/header.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "mime/field_name.h"
-#include "mime/message_texts.h"
+#include "mime/list_text.h"
 
 namespace zqv::mime {
 
-// Reads a header, which must outlive it. An absent field is what the library makes of no field:
+// A field as it was read: neither text has a NUL.
+struct FieldText {
+  std::string_view name;
+  std::string_view value;          // folds are single spaces
+  std::optional<FieldName> known;  // what the name means, if anything
+};
+
+// A value of a type of the library's, with its text form.
+template <class Type>
+struct Parsed {
+  Parsed() : text(value.str()) {}
+  explicit Parsed(const std::string& field_value) : value(field_value), text(value.str()) {}
+
+  Type value;
+  std::string text;
+};
+
+template <class List>
+struct ParsedList {
+  ParsedList() : text(list, kListSeparator) {}
+  explicit ParsedList(const std::string& field_value)
+      : list(field_value), text(list, kListSeparator) {}
+
+  List list;
+  ListText text;
+};
+
+// Reads `count` fields, which must outlive it, as must `type`, which is what the first Content-Type
+// says when somebody has parsed it already. An absent field is what the library makes of no field:
 // empty texts and lists, but for the version "0.0", the type "/" and the mailbox "@".
 class HeaderView {
  public:
-  // `texts` [borrowed]: the values that the header does not hold itself; null when it holds all.
-  explicit HeaderView(const mimetic::Header& header, const FieldTexts* texts = nullptr);
+  HeaderView(const FieldText* fields, std::size_t count,
+             const Parsed<mimetic::ContentType>* type = nullptr);
+  HeaderView(const HeaderView&) = delete;
+  HeaderView& operator=(const HeaderView&) = delete;
 
-  // The fields in their order; a value is the library's text form once a field was asked for below.
-  std::size_t size() const { return header_.size(); }
-  const std::string& Name(std::size_t index) const { return header_[index].name(); }
-  // [borrowed from the message or from `storage`]
-  std::string_view Value(std::size_t index, std::string& storage) const;
+  // The fields in their order. The value of one that counts is what Text() says of its name.
+  std::size_t size() const { return count_; }
+  const FieldText& operator[](std::size_t index) const { return fields_[index]; }
+  // [borrowed from the message or from this]
+  std::string_view Value(std::size_t index) const;
 
-  bool Has(FieldName name) const { return (present_ & Bit(name)) != 0; }
+  bool Has(FieldName name) const { return First(name) != kNowhere; }
 
-  const mimetic::MimeVersion& mime_version() const;
-  const mimetic::ContentType& content_type() const;
-  const mimetic::ContentTransferEncoding& content_transfer_encoding() const;
+  // The library's text form of the field that counts. [borrowed from the message or from this]
+  std::string_view Text(FieldName name) const;
+
+  const mimetic::ContentType& content_type() const { return type().value; }
   const mimetic::ContentDisposition& content_disposition() const;
-  const mimetic::ContentDescription& content_description() const;
   const mimetic::Mailbox& sender() const;
-  const mimetic::MailboxList& from() const;
-  const mimetic::AddressList& to() const;
-  const mimetic::AddressList& reply_to() const;
-  const mimetic::AddressList& cc() const;
-  const mimetic::AddressList& bcc() const;
-
-  // These three are texts: the library would make up an id for a header that has none, and give a
-  // reference that does not last.
-  std::string content_id() const;
-  std::string message_id() const;
-  std::string subject() const;
+  const ParsedList<mimetic::MailboxList>& from() const;
+  const ParsedList<mimetic::AddressList>& to() const;
+  const ParsedList<mimetic::AddressList>& reply_to() const;
+  const ParsedList<mimetic::AddressList>& cc() const;
+  const ParsedList<mimetic::AddressList>& bcc() const;
 
  private:
-  static constexpr std::uint32_t Bit(FieldName name) {
-    return std::uint32_t{1} << static_cast<unsigned>(name);
-  }
+  static constexpr std::size_t kNowhere = SIZE_MAX;
 
-  template <class Type>
-  const Type& Typed(FieldName name, const Type& (mimetic::Header::*get)() const) const;
+  std::size_t First(FieldName name) const { return first_[static_cast<std::size_t>(name)]; }
+  const Parsed<mimetic::ContentType>& type() const;
 
-  const mimetic::Header& header_;
-  const FieldTexts* texts_;
-  std::uint32_t present_ = 0;
+  // What a field says, parsed when it is first asked for.
+  template <class Said>
+  const Said& Get(FieldName name, std::optional<Said>& parsed) const;
+
+  const FieldText* fields_;
+  std::size_t count_;
+  const Parsed<mimetic::ContentType>* given_type_;
+  std::array<std::size_t, kFieldNames> first_;  // the index of the first field of each name
+
+  mutable std::optional<Parsed<mimetic::MimeVersion>> mime_version_;
+  mutable std::optional<Parsed<mimetic::ContentType>> content_type_;
+  mutable std::optional<Parsed<mimetic::ContentDisposition>> content_disposition_;
+  mutable std::optional<Parsed<mimetic::Mailbox>> sender_;
+  mutable std::optional<ParsedList<mimetic::MailboxList>> from_;
+  mutable std::optional<ParsedList<mimetic::AddressList>> to_;
+  mutable std::optional<ParsedList<mimetic::AddressList>> reply_to_;
+  mutable std::optional<ParsedList<mimetic::AddressList>> cc_;
+  mutable std::optional<ParsedList<mimetic::AddressList>> bcc_;
 };
 
 }  // namespace zqv::mime

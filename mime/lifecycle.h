@@ -6,8 +6,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include "host/errors.h"
 #include "host/record.h"
@@ -46,25 +44,6 @@ host::ObjectRef NewFilled(const Parsed&... parsed) {
   host::ObjectRef object = host::NewInstance<Record>();
   if (object) Set(*host::RecordOf<Record>(object.get()), parsed...);
   return object;
-}
-
-// The text forms of all entries of a list: each is part of the list's own, and made once.
-template <class List>
-std::vector<std::string> TextsOf(const List& list) {
-  std::vector<std::string> texts;
-  texts.reserve(list.size());
-  for (const auto& entry : list) texts.push_back(entry.str());
-  return texts;
-}
-
-// The texts with a separator between them.
-inline std::string Join(const std::vector<std::string>& texts, std::string_view separator) {
-  std::string joined;
-  for (const std::string& text : texts) {
-    if (&text != &texts.front()) joined += separator;
-    joined += text;
-  }
-  return joined;
 }
 
 }  // namespace zqv::mime

@@ -27,9 +27,9 @@ void Set(MimeMailboxClassData& record, const mimetic::Mailbox& mailbox) {
   Set(record, mailbox, mailbox.str());
 }
 
-void Set(MimeMailboxClassData& record, const mimetic::Mailbox& mailbox, const std::string& text) {
+void Set(MimeMailboxClassData& record, const mimetic::Mailbox& mailbox, std::string_view text) {
   const std::string label = mailbox.label(0);
-  record.StringValue.Put(CString2RB_detect_encoding(text));
+  record.StringValue.Put(host::BuildDetectedText(text));
   record.Mailbox.Put(CString2RB_detect_encoding(mailbox.mailbox(1)));
   record.Domain.Put(CString2RB_detect_encoding(mailbox.domain(1)));
   record.Label.Put(CString2RB_detect_encoding(label));
@@ -47,12 +47,12 @@ void Clear(MimeMailboxClassData& record) {
 }
 
 host::ArrayRef NewMailboxArray(const std::vector<mimetic::Mailbox>& mailboxes,
-                               const std::vector<std::string>& texts) {
+                               const ListText& text) {
   host::ArrayRef array = host::NewObjectArray();
   if (!array) return array;
   for (std::size_t i = 0; i < mailboxes.size(); ++i) {
     if (mailboxes[i].mailbox(1).empty()) continue;
-    const host::ObjectRef object = NewFilled<MimeMailboxClassData>(mailboxes[i], texts[i]);
+    const host::ObjectRef object = NewFilled<MimeMailboxClassData>(mailboxes[i], text[i]);
     if (object) host::AppendObject(array.get(), object.get());
   }
   return array;

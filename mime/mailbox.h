@@ -3,23 +3,25 @@
 
 #include <mimetic/rfc822/mailbox.h>
 
+#include <string_view>
 #include <vector>
 
 #include "mime/lifecycle.h"
+#include "mime/list_text.h"
 #include "mime/records.h"
 
 namespace zqv::mime {
 
 // Fills a fresh record. `text`: the mailbox's text form, for those who have it already.
 void Set(MimeMailboxClassData& record, const mimetic::Mailbox& mailbox);
-void Set(MimeMailboxClassData& record, const mimetic::Mailbox& mailbox, const std::string& text);
+void Set(MimeMailboxClassData& record, const mimetic::Mailbox& mailbox, std::string_view text);
 // Gives back everything that the record holds; nil afterwards.
 void Clear(MimeMailboxClassData& record);
 
 // An array of objects, one for each mailbox that has a local part [new lock]; the others are left
-// out. `texts` are the text forms. Nil when the host cannot make an array.
+// out. `text` is that of the list. Nil when the host cannot make an array.
 host::ArrayRef NewMailboxArray(const std::vector<mimetic::Mailbox>& mailboxes,
-                               const std::vector<std::string>& texts);
+                               const ListText& text);
 
 // Registered with the host.
 inline constexpr auto MimeMailboxConstructor =

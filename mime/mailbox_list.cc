@@ -6,9 +6,12 @@
 namespace zqv::mime {
 
 void Set(MimeMailboxListClassData& record, const mimetic::MailboxList& list) {
-  const std::vector<std::string> texts = TextsOf(list);
-  record.StringValue.Put(host::CString2RB_detect_encoding(Join(texts, ", ")));
-  record.mailboxes.Put(NewMailboxArray(list, texts));
+  Set(record, list, ListText(list, kListSeparator));
+}
+
+void Set(MimeMailboxListClassData& record, const mimetic::MailboxList& list, const ListText& text) {
+  record.StringValue.Put(host::BuildDetectedText(text.whole()));
+  record.mailboxes.Put(NewMailboxArray(list, text));
 }
 
 void Clear(MimeMailboxListClassData& record) {

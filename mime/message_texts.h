@@ -1,54 +1,62 @@
 // Where the texts of a message lie in its bytes, so that a parsed tree need not hold copies of
-// them: the bodies of leaves, which are nearly all of a message, and the values of fields that are
-// only handed out, which are most of a header.
+// them: all header fields, and the bodies of leaves, which together are nearly all of a message.
 #pragma once
 
-#include <mimetic/body.h>
-#include <mimetic/header.h>
+#include <mimetic/mimeentity.h>
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "mime/header_view.h"
+
 namespace zqv::mime {
 
-// One text for each field of a header; null where the field holds its value itself.
-using FieldTexts = std::vector<std::string_view>;
+// Where the texts of one entity are. Its fields are neighbours among those of the message.
+struct EntityTexts {
+  std::string_view body;  // null: the tree holds it
+  std::size_t first_field = 0;
+  std::size_t fields = 0;
+  std::optional<Parsed<mimetic::ContentType>> type;  // what the parser needs to know, too
+};
 
-// Empty, it tells of trees that hold everything themselves.
+// Filled by the parser, in the order of the message.
 class MessageTexts {
  public:
-  // `text` must outlive this, as must the body, which holds nothing itself.
-  void AddBody(const mimetic::Body& body, std::string_view text) { bodies_.emplace(&body, text); }
+  // The texts of an entity whose header begins, until the next one's does. [borrowed]
+  EntityTexts& Begin(const mimetic::MimeEntity& entity);
 
-  // What was added, or what the body holds itself. [borrowed from either]
-  std::string_view Of(const mimetic::Body& body) const {
-    const auto text = bodies_.find(&body);
-    return text != bodies_.end() ? text->second : std::string_view(body);
-  }
+  // The next field of that header. Its texts must outlive this.
+  void AddField(EntityTexts& texts, const FieldText& field);
 
-  // The texts of a header's fields, to be filled. [borrowed]
-  FieldTexts& NewFieldTexts(const mimetic::Header& header) {
-    constexpr std::size_t kUsual = 32;  // fields
-    FieldTexts& texts = fields_[&header];
-    texts.reserve(kUsual);
-    return texts;
-  }
-
-  // Null when the header's fields hold their values themselves. [borrowed]
-  const FieldTexts* Of(const mimetic::Header& header) const {
-    const auto texts = fields_.find(&header);
-    return texts != fields_.end() ? &texts->second : nullptr;
-  }
+  // `text` must outlive this; the body of the entity, which was begun, is empty.
+  void AddBody(const mimetic::MimeEntity& entity, std::string_view text);
 
   // A copy that lasts as long as this.
   std::string_view Keep(std::string_view text);
 
+  // What was added, or what the body holds itself. [borrowed from either]
+  std::string_view BodyOf(const mimetic::MimeEntity& entity) const;
+
+  // The fields that were added. [borrowed]
+  HeaderView HeaderOf(const mimetic::MimeEntity& entity) const;
+
+  // What the first Content-Type says, or what the library makes of none. [borrowed]
+  const mimetic::ContentType& TypeOf(const mimetic::MimeEntity& entity) const;
+
  private:
-  std::unordered_map<const mimetic::Body*, std::string_view> bodies_;
-  std::unordered_map<const mimetic::Header*, FieldTexts> fields_;
+  // Null for an entity that was never begun.
+  const EntityTexts* Find(const mimetic::MimeEntity& entity) const;
+
+  std::unordered_map<const mimetic::MimeEntity*, EntityTexts> entities_;
+  // Found last: several questions in a row are about one entity.
+  mutable const mimetic::MimeEntity* recent_ = nullptr;
+  mutable const EntityTexts* recent_texts_ = nullptr;
+
+  std::vector<FieldText> fields_;  // of all entities
   std::vector<std::unique_ptr<char[]>> kept_;
   std::size_t size_ = 0;  // of the last one
   std::size_t left_ = 0;  // of that

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "host/bytes16.h"
 #include "mime/header_loader.h"
@@ -105,6 +106,7 @@ class BlockReader {
 
  private:
   static constexpr std::ptrdiff_t kBlock = 4093;
+  static constexpr std::ptrdiff_t kStep = 4 * kBytes16;
 
   // Where the buffer is full, or the text ends.
   const char* Full() const { return end_ - block_ > kBlock ? block_ + kBlock : end_; }
@@ -116,21 +118,33 @@ class BlockReader {
   void SkipPlainLines() {
     if (at_ < searched_ || (at_ != end_ && *at_ == '-')) return;
     const char* const full = Full();
-    const char* last = at_;
-    for (const char* block = at_; full - block > static_cast<std::ptrdiff_t>(kBytes16);
-         block += kBytes16) {
-      const Bytes16 next = host::LoadBytes16(block + 1);
-      const Bytes16 starts = AreLineEnds(host::LoadBytes16(block)) & ~AreLineEnds(next);
-      if (!host::AnyOf(starts)) continue;
-      const Bytes16 dashes = starts & (next == '-');
+    const char* block = at_;
+    while (full - block > kStep && !host::AnyOf(DashesIn(block))) block += kStep;
+    for (; full - block > static_cast<std::ptrdiff_t>(kBytes16); block += kBytes16) {
+      const Bytes16 dashes = DashesAt(block);
       if (host::AnyOf(dashes)) {
         at_ = block + host::FirstOf(dashes) + 1;
         return;
       }
-      last = block + host::LastOf(starts) + 1;
     }
-    at_ = last;
+    at_ = LastLine(block);
     searched_ = full;
+  }
+
+  // After which of sixteen bytes a line begins with "-".
+  static Bytes16 DashesAt(const char* bytes) {
+    return AreLineEnds(host::LoadBytes16(bytes)) & (host::LoadBytes16(bytes + 1) == '-');
+  }
+  // The same of a step's bytes, all in one.
+  static Bytes16 DashesIn(const char* bytes) {
+    return DashesAt(bytes) | DashesAt(bytes + kBytes16) | DashesAt(bytes + 2 * kBytes16) |
+           DashesAt(bytes + 3 * kBytes16);
+  }
+
+  // The start of the last line that begins between here and `end`.
+  const char* LastLine(const char* end) const {
+    while (end != at_ && !IsLineEnd(end[-1])) --end;
+    return end;
   }
 
   void EmptyFullBuffer() {
@@ -147,6 +161,11 @@ class BlockReader {
   const char* line_end_ = nullptr;
   LineEndFinder& line_ends_;
 };
+
+const mimetic::ContentType& TypeOf(const mimetic::MimeEntity& entity, const ParseState& state) {
+  return state.texts != nullptr ? state.texts->TypeOf(entity)
+                                : std::as_const(entity.header()).contentType();
+}
 
 using MessageParser = mimetic::IteratorParser<ByteIterator, std::input_iterator_tag>;
 
@@ -166,13 +185,24 @@ void zqv::mime::MessageParser::pushNewChild() {
   m_entityStack.push(child.release());
 }
 
+// The library's own two, but that the type is where the fields are.
+template <>
+zqv::mime::MessageParser::EntityType zqv::mime::MessageParser::getType() {
+  const ContentType& type = zqv::mime::TypeOf(*m_entityStack.top(), m_eit.state());
+  if (type.isMultipart()) return etMultipart;
+  return type.type() == "message" && type.subtype() == "rfc822" ? etMsgRfc822 : etRfc822;
+}
+template <>
+std::string zqv::mime::MessageParser::getBoundary() {
+  return "--" + zqv::mime::TypeOf(*m_entityStack.top(), m_eit.state()).param("boundary");
+}
+
 // Our own reading of a header, which leaves the position where the library's would.
 template <>
 void zqv::mime::MessageParser::loadHeader() {
   zqv::mime::ParseState& state = m_eit.state();
-  const zqv::mime::HeaderEnd header =
-      zqv::mime::LoadHeader(m_bit.at(), m_eit.at(), m_entityStack.top()->header(), state.limits,
-                            state.line_ends, state.texts);
+  const zqv::mime::HeaderEnd header = zqv::mime::LoadHeader(
+      m_bit.at(), m_eit.at(), *m_entityStack.top(), state.limits, state.line_ends, state.texts);
   m_bit = zqv::mime::ByteIterator(header.at, &state);
   m_entityStack.top()->body().append(header.body_start);
 }
@@ -214,7 +244,7 @@ void zqv::mime::MessageParser::copy_until_boundary(ParsingElem element) {
   std::string* part = nullptr;
   mimetic::Body& body = m_entityStack.top()->body();
   if (element == peBody && texts != nullptr && body.empty()) {
-    texts->AddBody(body, {text, static_cast<std::size_t>(text_end - text)});
+    texts->AddBody(*m_entityStack.top(), {text, static_cast<std::size_t>(text_end - text)});
     return;
   }
   if (element == peBody) part = &body;

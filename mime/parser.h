@@ -17,7 +17,7 @@ namespace zqv::mime {
 void ParseMessage(std::string_view message, mimetic::MimeEntity& top);
 
 // The same, but texts are left where they lie, and the tree is without them: `texts` tells, as long
-// as the message lives. A tree without them cannot be written.
+// as the message lives. Such a tree cannot be written.
 void ParseMessage(std::string_view message, mimetic::MimeEntity& top, MessageTexts& texts);
 
 }  // namespace zqv::mime

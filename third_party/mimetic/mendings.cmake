@@ -225,14 +225,28 @@ mend(mimetic/strutils.cxx 1
     if(s.empty())
         return s;]]
   [[
-    if(s.find_first_of(" \"()<>") == string::npos)
+    if(s.length() == strcspn(s.c_str(), " \"()<>"))
         return s;]])
+mend(mimetic/rfc822/mailbox.cxx 1
+  "Mailbox::str() grows its string again and again"
+  [[
+    string rs;
+    bool hasLabel]]
+  [[
+    string rs;
+    rs.reserve(m_label.length() + m_mailbox.length() + m_domain.length() + 4);
+    bool hasLabel]])
+mend(mimetic/rfc822/mailbox.cxx 1
+  "Mailbox::str() copies the label twice"
+  [[
+        rs = m_label + " <";]]
+  [[
+        rs.append(m_label).append(" <");]])
 mend(mimetic/rfc822/mailbox.cxx 1
   "Mailbox::str() makes three strings of each"
   [[
     rs += m_mailbox + "@" + m_domain;]]
   [[
-    rs.reserve(rs.length() + m_mailbox.length() + m_domain.length() + 2);
     rs += m_mailbox;
     rs += '@';
     rs += m_domain;]])
@@ -249,3 +263,15 @@ mend(mimetic/contentdisposition.cxx 1
                + bit->value() + "\"";]]
   [[
         ostr.append("; ").append(bit->name()).append("=\"").append(bit->value()) += '"';]])
+mend(mimetic/rfc822/header.h 1
+  "a header without fields has room for a dozen"
+  [[
+class Rfc822Header: public std::deque<Field>]]
+  [[
+class Rfc822Header: public std::list<Field>]])
+mend(mimetic/rfc822/header.h 1
+  "the same, where it comes from"
+  [[
+#include <deque>]]
+  [[
+#include <list>]])

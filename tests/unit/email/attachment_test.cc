@@ -248,9 +248,8 @@ TEST_F(AttachmentRecord, OfASecondPlainTextHoldsItsText) {
 
 TEST_F(AttachmentRecord, HoldsNilForWhatIsNil) {
   const auto email = NewEmail();
-  const auto entity = Parse("X: y\n\n");
-  email::AddAttachment(RecordOf(email), nullptr, mime::HeaderView(entity->header()), nullptr,
-                       nullptr, true, "");
+  const auto message = Parse("X: y\n\n");
+  email::AddAttachment(RecordOf(email), nullptr, message->Header(), nullptr, nullptr, true, "");
   ASSERT_EQ(Inlines(email).size(), 1U);
   EXPECT_EQ(Inlines(email)[0]->Body.get(), nullptr);
   EXPECT_EQ(Inlines(email)[0]->Header.get(), nullptr);
@@ -259,10 +258,10 @@ TEST_F(AttachmentRecord, HoldsNilForWhatIsNil) {
 
 TEST_F(AttachmentRecord, MakesTheListThatIsMissing) {
   const auto email = NewEmail();
-  const auto entity = Parse("X: y\n\n");
+  const auto message = Parse("X: y\n\n");
   const auto add = [&](bool is_inline) {
-    email::AddAttachment(RecordOf(email), nullptr, mime::HeaderView(entity->header()), nullptr,
-                         nullptr, is_inline, "");
+    email::AddAttachment(RecordOf(email), nullptr, message->Header(), nullptr, nullptr, is_inline,
+                         "");
   };
   add(false);
   EXPECT_EQ(Attachments(email).size(), 1U);
@@ -298,11 +297,11 @@ TEST_F(AttachmentRecord, IsNotListedWhenTheHostCannotInsert) {
 // Only the listed one is kept: what the host throws on the way frees the other.
 TEST_F(AttachmentRecord, IsGivenBackWhenTheHostThrows) {
   const auto email = NewEmail();
-  const auto entity = Parse("X: y\n\n");
+  const auto message = Parse("X: y\n\n");
   host().SetFault("PluginObjectArrayInsertProc", standin::Fault{standin::Fault::Kind::kThrows});
-  EXPECT_THROW(email::AddAttachment(RecordOf(email), nullptr, mime::HeaderView(entity->header()),
-                                    nullptr, nullptr, true, ""),
-               std::runtime_error);
+  EXPECT_THROW(
+      email::AddAttachment(RecordOf(email), nullptr, message->Header(), nullptr, nullptr, true, ""),
+      std::runtime_error);
   EXPECT_EQ(host().ledger().Live().objects, 1) << "the message";
 }
 

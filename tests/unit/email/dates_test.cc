@@ -94,7 +94,7 @@ class Dates : public EmailTest {
   // The record of an entity with these header lines.
   const MimeEntityClassData& ParseHeader(const std::string& lines) {
     email_ = NewEmail();
-    email::ParseDate(RecordOf(email_), mime::HeaderView(Parse(lines + "\n")->header()));
+    email::ParseDate(RecordOf(email_), Parse(lines + "\n")->Header());
     return RecordOf(email_);
   }
   std::string Sent(const std::string& date) {

@@ -227,16 +227,16 @@ TEST_F(Routing, SharesTheTextBetweenThePartAndTheMessage) {
 }
 
 TEST_F(Routing, SaysWhatItDid) {
-  const auto entity =
+  const auto message =
       Parse(Mixed({"Content-Type: text/plain\n\none", "Content-Type: Text/HTML\n\ntwo",
                    "Content-Type: image/png\n\nthree"}));
   const auto email = NewEmail();
-  const mime::MessageTexts none;
-  email::EntityRouter router(RecordOf(email), none);
+  email::EntityRouter router(RecordOf(email), message->texts);
   const LogCapture log;
-  for (const mimetic::MimeEntity* part : entity->body().parts()) {
+  for (const mimetic::MimeEntity* part : message->entity.body().parts()) {
     const auto object = host::NewInstance<MimeEntityClassData>();
-    router.OnEntity(*part, *host::RecordOf<MimeEntityClassData>(object.get()), nullptr, nullptr);
+    router.OnEntity(*part, message->texts.HeaderOf(*part),
+                    *host::RecordOf<MimeEntityClassData>(object.get()), nullptr, nullptr);
   }
   EXPECT_EQ(log.Text(), Logged({"decoded body of type text, plain", "Set email plainText",
                                 "decoded body of type Text, HTML", "Set email htmlText",
@@ -245,10 +245,11 @@ TEST_F(Routing, SaysWhatItDid) {
 
 TEST_F(Routing, GivesTheDecodedBodyOrNothing) {
   const auto email = NewEmail();
-  const auto decode = [&](const char* message) -> std::string {
-    const auto entity = Parse(message);
-    const auto decoded = email::DecodeEntity(RecordOf(email), mime::HeaderView(entity->header()),
-                                             entity->body(), RecordOf(email), nullptr, nullptr);
+  const auto decode = [&](const char* text) -> std::string {
+    const auto message = Parse(text);
+    const auto decoded = email::DecodeEntity(RecordOf(email), message->Header(),
+                                             message->texts.BodyOf(message->entity),
+                                             RecordOf(email), nullptr, nullptr);
     return decoded.has_value() ? std::string(decoded->bytes()) : "nothing";
   };
   EXPECT_EQ(decode("Content-Transfer-Encoding: base64\n\nQUJD"), "ABC");

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "mime/header.h"
+#include "mime/parser.h"
 #include "tests/unit/mime/mime_fixture.h"
 #include "tests/unit/mime/thread_stack.h"
 
@@ -33,13 +34,18 @@ struct Told {
 
 class RecordingSink final : public mime::EntitySink {
  public:
-  void OnEntity(const mimetic::MimeEntity& entity, MimeEntityClassData& record,
-                abi::REALobject body, abi::REALobject header) override {
+  void OnEntity(const mimetic::MimeEntity&, const mime::HeaderView& fields,
+                MimeEntityClassData& record, abi::REALobject body,
+                abi::REALobject header) override {
     const auto* body_record = host::RecordOf<MimeBodyClassData>(body);
-    told.push_back({entity.header().field("X-Name").value(), &record, body, header,
-                    record.Body.get(), record.Header.get(),
+    told.push_back({ValueOf(fields, "X-Name"), &record, body, header, record.Body.get(),
+                    record.Header.get(),
                     body_record == nullptr ? -1 : host::ArrayCount(body_record->parts.get())});
   }
+
+  const mime::MessageTexts& texts() const override { return *texts_; }
+  // Of the message that is walked, which must outlive the walk.
+  void Walk(const mime::MessageTexts& texts) { texts_ = &texts; }
 
   std::vector<std::string> Names() const {
     std::vector<std::string> names;
@@ -48,6 +54,9 @@ class RecordingSink final : public mime::EntitySink {
   }
 
   std::vector<Told> told;
+
+ private:
+  const mime::MessageTexts* texts_ = nullptr;
 };
 
 constexpr char kNested[] =
@@ -76,8 +85,10 @@ constexpr char kNested[] =
 
 class Body : public MimeTest {
  protected:
-  host::ObjectRef Build(std::string_view message) {
-    return mime::NewMimeBodyZQV(Parse(message)->body(), sink_);
+  host::ObjectRef Build(std::string_view message) { return Build(*Parse(message)); }
+  host::ObjectRef Build(const ParsedMessage& message) {
+    sink_.Walk(message.texts);
+    return mime::NewMimeBodyZQV(message.entity, sink_);
   }
 
   static MimeBodyClassData& RecordOf(const host::ObjectRef& body) {
@@ -175,7 +186,9 @@ TEST_F(Body, SkipsANullPart) {
   mimetic::MimeEntity entity;
   entity.body().parts().push_back(nullptr);
   entity.body().parts().push_back(new mimetic::MimeEntity);
-  const auto body = mime::NewMimeBodyZQV(entity.body(), sink_);
+  const mime::MessageTexts none;
+  sink_.Walk(none);
+  const auto body = mime::NewMimeBodyZQV(entity, sink_);
   EXPECT_EQ(mime::BodyParts::Count(body.get()), 1);
   EXPECT_EQ(sink_.told.size(), 1U);
 }
@@ -238,16 +251,22 @@ TEST_F(Body, DropsEntitiesThatTheHostCannotInsert) {
 
 class ThrowingSink final : public mime::EntitySink {
  public:
-  void OnEntity(const mimetic::MimeEntity& entity, MimeEntityClassData&, abi::REALobject,
-                abi::REALobject) override {
-    if (entity.header().field("X-Name").value() == "second") throw std::runtime_error("enough");
+  explicit ThrowingSink(const mime::MessageTexts& texts) : texts_(texts) {}
+
+  void OnEntity(const mimetic::MimeEntity&, const mime::HeaderView& fields, MimeEntityClassData&,
+                abi::REALobject, abi::REALobject) override {
+    if (ValueOf(fields, "X-Name") == "second") throw std::runtime_error("enough");
   }
+  const mime::MessageTexts& texts() const override { return texts_; }
+
+ private:
+  const mime::MessageTexts& texts_;
 };
 
 TEST_F(Body, LetsThroughWhatTheSinkThrowsAndKeepsNothing) {
-  ThrowingSink sink;
-  const auto entity = Parse(kNested);
-  EXPECT_THROW(static_cast<void>(mime::NewMimeBodyZQV(entity->body(), sink)), std::runtime_error);
+  const auto message = Parse(kNested);
+  ThrowingSink sink(message->texts);
+  EXPECT_THROW(static_cast<void>(mime::NewMimeBodyZQV(message->entity, sink)), std::runtime_error);
   EXPECT_EQ(host().ledger().Report(), "");
 }
 
@@ -304,11 +323,13 @@ class DeepBody : public Body, public ::testing::WithParamInterface<Nesting> {};
 TEST_P(DeepBody, IsBuiltWrittenAndDestroyedOnASmallStack) {
   const std::size_t most = MostLevels(GetParam(), kSmallStack) - 1;
   RunOnStack(kSmallStack, [&] {
-    const auto entity = Parse(NestedMessage(GetParam(), most));
-    const auto body = mime::NewMimeBodyZQV(entity->body(), sink_);
+    const std::string message = NestedMessage(GetParam(), most);
+    const auto body = Build(message);
     EXPECT_EQ(sink_.told.size(), most);
+    mimetic::MimeEntity entity;
+    mime::ParseMessage(message, entity);
     std::ostringstream written;
-    written << *entity;
+    written << entity;
     EXPECT_NE(written.str().find("end\n"), std::string::npos);
   });
 }
@@ -316,11 +337,13 @@ TEST_P(DeepBody, IsBuiltWrittenAndDestroyedOnASmallStack) {
 TEST_P(DeepBody, IsBuiltWrittenAndDestroyedOnALargeStack) {
   const std::size_t most = MostLevels(GetParam(), kLargeStack) - 1;
   RunOnStack(kLargeStack, [&] {
-    const auto entity = Parse(NestedMessage(GetParam(), most));
-    const auto body = mime::NewMimeBodyZQV(entity->body(), sink_);
+    const std::string message = NestedMessage(GetParam(), most);
+    const auto body = Build(message);
     EXPECT_EQ(sink_.told.size(), most);
+    mimetic::MimeEntity entity;
+    mime::ParseMessage(message, entity);
     std::ostringstream written;
-    written << *entity;
+    written << entity;
     EXPECT_NE(written.str().find("end\n"), std::string::npos);
   });
 }

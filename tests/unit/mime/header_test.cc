@@ -16,6 +16,7 @@
 namespace zqv::test {
 namespace {
 
+using mime::FieldName;
 using mime::MimeFieldClassData;
 using mime::MimeHeaderClassData;
 using ::testing::ElementsAre;
@@ -35,7 +36,7 @@ constexpr char kWholeHeader[] =
 class Header : public MimeTest {
  protected:
   host::ObjectRef Build(std::string_view message) {
-    return mime::NewMimeHeaderZQV(mime::HeaderView(Parse(message)->header()));
+    return mime::NewMimeHeaderZQV(Parse(message)->Header());
   }
 
   static MimeHeaderClassData& RecordOf(const host::ObjectRef& header) {
@@ -101,9 +102,9 @@ TEST_F(Header, MakesUpNoContentIdAndNoMessageId) {
   const auto header = Build("X: y\n\n");
   EXPECT_EQ(Show(RecordOf(header).contentId), "nil");
   EXPECT_EQ(Show(RecordOf(header).messageid), "nil");
-  const auto entity = Parse("X: y\n\n");
-  EXPECT_EQ(mime::HeaderView(entity->header()).content_id(), "");
-  EXPECT_EQ(mime::HeaderView(entity->header()).message_id(), "");
+  const auto message = Parse("X: y\n\n");
+  EXPECT_EQ(message->Header().Text(FieldName::kContentId), "");
+  EXPECT_EQ(message->Header().Text(FieldName::kMessageId), "");
 }
 
 TEST_F(Header, FindsIdsWhateverTheirCase) {

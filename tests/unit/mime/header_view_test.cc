@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 #include <mimetic/mimetic.h>
 
-#include <set>
+#include <iterator>
+#include <random>
 #include <string>
+#include <string_view>
 
-#include "mime/parser.h"
+#include "mime/list_text.h"
+#include "tests/unit/mime/mime_fixture.h"
 
 namespace zqv::test {
 namespace {
@@ -60,51 +63,126 @@ TEST(FieldName, IsNothingElse) {
 
 TEST(HeaderView, HasWhatTheHeaderHas) {
   for (const NameRow& row : kRows) {
-    mimetic::MimeEntity entity;
-    mime::ParseMessage("X: y\n" + std::string(row.text) + ": z\nX: y\n\n", entity);
-    const mime::HeaderView view(entity.header());
+    const ParsedMessage message("X: y\n" + std::string(row.text) + ": z\nX: y\n\n");
+    const mime::HeaderView view = message.Header();
     for (const NameRow& other : kRows) EXPECT_EQ(view.Has(other.name), other.name == row.name);
   }
 }
 
 // As the library answers for a header without any field, but for the ids, which it makes up.
 TEST(HeaderView, GivesTheLibrarysAnswersForAbsentFields) {
-  const mimetic::Header none;
-  const mime::HeaderView view(none);
-  EXPECT_EQ(view.mime_version().str(), "0.0");
+  const mime::HeaderView view(nullptr, 0);
   EXPECT_EQ(view.content_type().str(), "/");
-  EXPECT_EQ(view.content_transfer_encoding().str(), "");
   EXPECT_EQ(view.content_disposition().str(), "");
-  EXPECT_EQ(view.content_description().str(), "");
   EXPECT_EQ(view.sender().str(), "@");
-  EXPECT_TRUE(view.from().empty());
-  for (const auto* list : {&view.to(), &view.reply_to(), &view.cc(), &view.bcc()}) {
-    EXPECT_TRUE(list->empty());
+  EXPECT_TRUE(view.from().list.empty());
+  for (const auto* parsed : {&view.to(), &view.reply_to(), &view.cc(), &view.bcc()}) {
+    EXPECT_TRUE(parsed->list.empty());
   }
-  EXPECT_EQ(view.content_id(), "");
-  EXPECT_EQ(view.message_id(), "");
-  EXPECT_EQ(view.subject(), "");
+  for (const NameRow& row : kRows) {
+    const std::string_view expected = row.name == FieldName::kMimeVersion   ? "0.0"
+                                      : row.name == FieldName::kContentType ? "/"
+                                      : row.name == FieldName::kSender      ? "@"
+                                                                            : "";
+    EXPECT_EQ(view.Text(row.name), expected) << row.text;
+  }
 }
 
 TEST(HeaderView, GivesTheFirstFieldOfAName) {
-  mimetic::MimeEntity entity;
-  mime::ParseMessage(
+  const ParsedMessage message(
       "Subject: a\nSUBJECT: b\nTo: a@b\nTo: c@d\nContent-Type: text/plain\nContent-Type: a/b\n"
-      "MIME-Version: 1.0\nContent-ID: <i>\nMessage-ID: <m>\nFrom: f@g, h@i\nSender: s@t\n\n",
-      entity);
-  const mime::HeaderView view(entity.header());
-  EXPECT_EQ(view.subject(), "a");
-  EXPECT_EQ(view.to().str(), "a@b");
+      "MIME-Version: 1.0\nContent-ID: <i>\nMessage-ID: <m>\nFrom: f@g,h@i\nSender: s@t\n\n");
+  const mime::HeaderView view = message.Header();
+  EXPECT_EQ(view.Text(FieldName::kSubject), "a");
+  EXPECT_EQ(view.Text(FieldName::kTo), "a@b");
   EXPECT_EQ(view.content_type().str(), "text/plain");
-  EXPECT_EQ(view.mime_version().str(), "1.0");
-  EXPECT_EQ(view.content_id(), "<i>");
-  EXPECT_EQ(view.message_id(), "<m>");
-  EXPECT_EQ(view.from().size(), 2U);
+  EXPECT_EQ(view.Text(FieldName::kMimeVersion), "1.0");
+  EXPECT_EQ(view.Text(FieldName::kContentId), "<i>");
+  EXPECT_EQ(view.Text(FieldName::kMessageId), "<m>");
+  EXPECT_EQ(view.from().list.size(), 2U);
+  EXPECT_EQ(view.from().text.whole(), "f@g, h@i");
+  EXPECT_EQ(view.from().text[0], "f@g");
+  EXPECT_EQ(view.from().text[1], "h@i");
   EXPECT_EQ(view.sender().mailbox(1), "s");
-  std::string storage;
   EXPECT_EQ(view.size(), 11U);
-  EXPECT_EQ(view.Name(1), "SUBJECT");
-  EXPECT_EQ(view.Value(1, storage), "b");
+  EXPECT_EQ(view[1].name, "SUBJECT");
+  EXPECT_EQ(view.Value(1), "b");
+}
+
+// The library's text form of a value of each type.
+std::string FormOf(FieldName name, const std::string& value) {
+  switch (name) {
+    case FieldName::kMimeVersion:
+      return mimetic::MimeVersion(value).str();
+    case FieldName::kContentType:
+      return mimetic::ContentType(value).str();
+    case FieldName::kContentTransferEncoding:
+      return mimetic::ContentTransferEncoding(value).str();
+    case FieldName::kContentDisposition:
+      return mimetic::ContentDisposition(value).str();
+    case FieldName::kContentDescription:
+      return mimetic::ContentDescription(value).str();
+    case FieldName::kContentId:
+      return mimetic::ContentId(value).str();
+    case FieldName::kMessageId:
+      return mimetic::MessageId(value).str();
+    case FieldName::kSender:
+      return mimetic::Mailbox(value).str();
+    case FieldName::kFrom:
+      return mimetic::MailboxList(value).str();
+    case FieldName::kTo:
+    case FieldName::kReplyTo:
+    case FieldName::kCc:
+    case FieldName::kBcc:
+      return mimetic::AddressList(value).str();
+    default:
+      return value;
+  }
+}
+
+// Pieces of values, so that some of what is put together of them means something.
+constexpr const char* kPieces[] = {
+    "text",    "/",   "html",  ";",      " ",          "charset",   "=",
+    "\"",      "a@b", "<c@d>", ",",      "Label ",     ":",         "(comment)",
+    "1",       ".",   "0",     "base64", "attachment", "filename*", "=?utf-8?Q?x?=",
+    "\xC3\xA9"};
+
+std::string MakeValue(std::mt19937& random) {
+  std::string value = "v";  // blanks at the start are no part of it
+  for (unsigned left = random() % 8; left > 0; --left) {
+    value += kPieces[random() % std::size(kPieces)];
+  }
+  return value;
+}
+
+// The field that counts has the library's text form, as a whole and among the fields; the others
+// have the values that they are written with.
+TEST(HeaderView, GivesTheLibrarysTextForms) {
+  std::mt19937 random(1);
+  for (const NameRow& row : kRows) {
+    for (int round = 0; round < 500; ++round) {
+      const std::string value = MakeValue(random);
+      const std::string name = row.text;
+      const ParsedMessage message("X-A: " + value + "\n" + name + ": " + value + "\n" + name +
+                                  ": " + value + "\n\n");
+      const mime::HeaderView view = message.Header();
+      ASSERT_EQ(view.size(), 3U);
+      ASSERT_EQ(view.Value(0), value);
+      ASSERT_EQ(view.Value(1), FormOf(row.name, value)) << name << ": " << value;
+      ASSERT_EQ(view.Text(row.name), view.Value(1)) << name << ": " << value;
+      ASSERT_EQ(view.Value(2), value) << name;
+    }
+  }
+}
+
+TEST(ListText, HoldsTheTextsOfItsEntries) {
+  const mimetic::AddressList list("a@b, Group: c@d;, \"E F\" <g@h>");
+  const mime::ListText text(list, mime::kListSeparator);
+  EXPECT_EQ(text.whole(), list.str());
+  std::size_t index = 0;
+  for (const mimetic::Address& address : list) EXPECT_EQ(text[index++], address.str());
+  EXPECT_EQ(index, 3U);
+  EXPECT_EQ(mime::ListText(mimetic::AddressList(), ", ").whole(), "");
 }
 
 }  // namespace

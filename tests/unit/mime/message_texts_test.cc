@@ -29,12 +29,24 @@ TEST(MessageTexts, KeepsCopiesOfAnyLength) {
 
 TEST(MessageTexts, KnowOnlyWhatTheyWereTold) {
   const mimetic::MimeEntity entity;
+  const mimetic::MimeEntity other;
   mime::MessageTexts texts;
-  EXPECT_EQ(texts.Of(entity.header()), nullptr);
-  EXPECT_EQ(texts.Of(entity.body()).data(), entity.body().data());
+  EXPECT_EQ(texts.HeaderOf(entity).size(), 0U);
+  EXPECT_EQ(texts.TypeOf(entity).str(), "/");
+  EXPECT_EQ(texts.BodyOf(entity).data(), entity.body().data());
+
+  mime::EntityTexts& first = texts.Begin(entity);
+  texts.AddField(first, {"Content-Type", "a/b", mime::FieldName::kContentType});
+  texts.AddField(first, {"Content-Type", "c/d", mime::FieldName::kContentType});
+  texts.Begin(other);
   const std::string_view body = "elsewhere";
-  texts.AddBody(entity.body(), body);
-  EXPECT_EQ(texts.Of(entity.body()).data(), body.data());
+  texts.AddBody(other, body);
+  EXPECT_EQ(texts.TypeOf(entity).str(), "a/b");
+  EXPECT_EQ(texts.HeaderOf(entity).size(), 2U);
+  EXPECT_EQ(texts.BodyOf(entity).data(), entity.body().data());
+  EXPECT_EQ(texts.TypeOf(other).str(), "/");
+  EXPECT_EQ(texts.HeaderOf(other).size(), 0U);
+  EXPECT_EQ(texts.BodyOf(other).data(), body.data());
 }
 
 constexpr std::string_view kMessage =
@@ -42,40 +54,39 @@ constexpr std::string_view kMessage =
     "X-Empty:\nX-Short: value\nX-Fold:\n folded\nX-Long: one\n\ttwo\n three\n"
     "Content-Type: text/plain;charset=utf-8\n\nbody\n";
 
-// The value of each field; "in" when it lies in the message, "kept" when it is a copy, and "held"
-// when the header holds it.
+// The value of each field: whether it lies in the message, was kept as a copy, or is a text form.
 struct ValueRow {
   std::string_view name, value, place;
 };
 constexpr ValueRow kValues[] = {
     {"Received", "from a by b; Tue, 1 Jan 2019 10:00:00 +0000", "kept"},
-    {"X-Empty", "", "kept"},
+    {"X-Empty", "", "in"},
     {"X-Short", "value", "in"},
     {"X-Fold", " folded", "kept"},
     {"X-Long", "one two three", "kept"},
-    {"Content-Type", "text/plain; charset=\"utf-8\"", "held"},
+    {"Content-Type", "text/plain; charset=\"utf-8\"", "form"},
 };
 
 TEST(MessageTexts, LeaveTheValuesOfFieldsWhereTheyLie) {
   mime::MessageTexts texts;
   mimetic::MimeEntity entity;
   mime::ParseMessage(kMessage, entity, texts);
-  const mime::HeaderView view(entity.header(), texts.Of(entity.header()));
-  std::string storage;
+  const mime::HeaderView view = texts.HeaderOf(entity);
+  const auto is_in_message = [](std::string_view text) {
+    return text.data() >= kMessage.data() && text.data() < kMessage.data() + kMessage.size();
+  };
   std::size_t index = 0;
   for (const ValueRow& row : kValues) {
-    const std::string_view value = view.Value(index, storage);
-    EXPECT_EQ(view.Name(index), row.name);
+    const std::string_view value = view.Value(index);
+    EXPECT_EQ(view[index].name, row.name);
+    EXPECT_TRUE(is_in_message(view[index].name));
     EXPECT_EQ(value, row.value);
-    const bool is_in =
-        value.data() >= kMessage.data() && value.data() < kMessage.data() + kMessage.size();
-    EXPECT_EQ(is_in                            ? "in"
-              : value.data() == storage.data() ? "held"
-                                               : "kept",
-              row.place)
-        << row.name;
+    const bool is_form = value.data() != view[index].value.data();
+    EXPECT_EQ(is_form ? "form" : is_in_message(value) ? "in" : "kept", row.place) << row.name;
     ++index;
   }
+  EXPECT_EQ(index, view.size());
+  EXPECT_TRUE(entity.header().empty());
 }
 
 TEST(MessageTexts, EndAValueAtItsFirstNul) {
@@ -83,11 +94,10 @@ TEST(MessageTexts, EndAValueAtItsFirstNul) {
   mime::MessageTexts texts;
   mimetic::MimeEntity entity;
   mime::ParseMessage(message, entity, texts);
-  const mime::HeaderView view(entity.header(), texts.Of(entity.header()));
-  std::string storage;
+  const mime::HeaderView view = texts.HeaderOf(entity);
   ASSERT_EQ(view.size(), 2U);
-  EXPECT_EQ(view.Value(0, storage), "be");
-  EXPECT_EQ(view.Value(1, storage), "a b");
+  EXPECT_EQ(view.Value(0), "be");
+  EXPECT_EQ(view.Value(1), "a b");
 }
 
 }  // namespace

@@ -93,10 +93,19 @@ abi::REALclassDefinition MadeUpClass(const char* name, std::size_t size,
   return definition;
 }
 
-std::unique_ptr<const mimetic::MimeEntity> Parse(std::string_view message) {
-  auto entity = std::make_unique<mimetic::MimeEntity>();
-  mime::ParseMessage(message, *entity);
-  return entity;
+ParsedMessage::ParsedMessage(std::string_view message) : bytes(message) {
+  mime::ParseMessage(bytes, entity, texts);
+}
+
+std::unique_ptr<const ParsedMessage> Parse(std::string_view message) {
+  return std::make_unique<const ParsedMessage>(message);
+}
+
+std::string ValueOf(const mime::HeaderView& header, std::string_view name) {
+  for (std::size_t i = 0; i < header.size(); ++i) {
+    if (header[i].name == name) return std::string(header.Value(i));
+  }
+  return "";
 }
 
 std::string Show(const host::StringSlot& slot) { return Show(slot.Share()); }

@@ -17,6 +17,7 @@
 #include "host/record.h"
 #include "host/ref.h"
 #include "mime/entity.h"
+#include "mime/message_texts.h"
 #include "mime/records.h"
 #include "standin/capabilities.h"
 #include "tests/unit/host/host_fixture.h"
@@ -57,7 +58,19 @@ class MimeTest : public HostTest {
   static const std::vector<const void*>& Unlocked();
 };
 
-std::unique_ptr<const mimetic::MimeEntity> Parse(std::string_view message);
+// A message whose tree leaves its texts in the bytes.
+struct ParsedMessage {
+  explicit ParsedMessage(std::string_view message);
+  mime::HeaderView Header() const { return texts.HeaderOf(entity); }
+
+  const std::string bytes;
+  mime::MessageTexts texts;
+  mimetic::MimeEntity entity;
+};
+std::unique_ptr<const ParsedMessage> Parse(std::string_view message);
+
+// The value of the first field that is spelt so; empty when there is none.
+std::string ValueOf(const mime::HeaderView& header, std::string_view name);
 
 // What a stored string holds; see Show of a string.
 std::string Show(const host::StringSlot& slot);

@@ -21,17 +21,6 @@
 namespace zqv::test {
 namespace {
 
-// Gives the entities of a tree the texts that lie elsewhere.
-void PutBack(const mime::MessageTexts& texts, mimetic::MimeEntity& entity) {
-  entity.body().assign(texts.Of(entity.body()));
-  const mime::FieldTexts& values = *texts.Of(entity.header());
-  ASSERT_EQ(values.size(), entity.header().size());
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    if (values[i].data() != nullptr) entity.header()[i].value(std::string(values[i]));
-  }
-  for (mimetic::MimeEntity* const part : entity.body().parts()) PutBack(texts, *part);
-}
-
 // How ours, with the texts and without, and the library's own stream constructor differ
 // on `message`; empty when they agree.
 std::string DifferenceFromTheLibrary(const std::string& message) {
@@ -107,9 +96,9 @@ TEST(Parser, LeavesTheBodiesOfLeavesWhereTheyLie) {
   mime::ParseMessage(message, entity, texts);
   const mimetic::MimeEntity& first = *entity.body().parts().front();
   EXPECT_EQ(first.body(), "");
-  EXPECT_EQ(texts.Of(first.body()), "first");
-  EXPECT_EQ(texts.Of(first.body()).data(), message.data() + message.find("first"));
-  EXPECT_EQ(texts.Of(entity.body()), "") << "it has parts";
+  EXPECT_EQ(texts.BodyOf(first), "first");
+  EXPECT_EQ(texts.BodyOf(first).data(), message.data() + message.find("first"));
+  EXPECT_EQ(texts.BodyOf(entity), "") << "it has parts";
   EXPECT_EQ(entity.body().preamble(), "before");
 }
 
@@ -120,7 +109,7 @@ TEST(Parser, CopiesABodyThatBeginsInItsHeader) {
   mimetic::MimeEntity entity;
   mime::ParseMessage(message, entity, texts);
   EXPECT_EQ(entity.body(), "no field\nrest\n");
-  EXPECT_EQ(texts.Of(entity.body()), "no field\nrest\n");
+  EXPECT_EQ(texts.BodyOf(entity), "no field\nrest\n");
 }
 
 TEST(Parser, GivesTheLibrarysTreeForEveryShortMessage) {

@@ -15,10 +15,14 @@ std::string_view Bytes(const Text& text) {
 std::string HeaderDifference(const mimetic::Header& left, const mimetic::Header& right) {
   if (left.size() != right.size())
     return std::to_string(left.size()) + " or " + std::to_string(right.size()) + " fields";
-  for (std::size_t i = 0; i < left.size(); ++i) {
-    if (Bytes(left[i].name()) != Bytes(right[i].name()))
-      return "the name of field " + std::to_string(i);
-    if (left[i].value() != right[i].value()) return "the value of field " + std::to_string(i);
+  auto other = right.begin();
+  std::size_t number = 0;
+  for (const mimetic::Field& field : left) {
+    if (Bytes(field.name()) != Bytes(other->name()))
+      return "the name of field " + std::to_string(number);
+    if (field.value() != other->value()) return "the value of field " + std::to_string(number);
+    ++other;
+    ++number;
   }
   return {};
 }
@@ -53,6 +57,18 @@ std::string Difference(const mimetic::MimeEntity& left, const mimetic::MimeEntit
 
 std::string FirstDifference(const mimetic::MimeEntity& left, const mimetic::MimeEntity& right) {
   return Difference(left, right, "message");
+}
+
+void PutBack(const mime::MessageTexts& texts, mimetic::MimeEntity& entity) {
+  entity.body().assign(texts.BodyOf(entity));
+  const mime::HeaderView header = texts.HeaderOf(entity);
+  for (std::size_t i = 0; i < header.size(); ++i) {
+    // The library's parser has asked for the type, so its tree has the type's text form.
+    const bool is_type = header[i].known == mime::FieldName::kContentType;
+    entity.header().emplace_back(std::string(header[i].name),
+                                 std::string(is_type ? header.Value(i) : header[i].value));
+  }
+  for (mimetic::MimeEntity* const part : entity.body().parts()) PutBack(texts, *part);
 }
 
 }  // namespace zqv::test
