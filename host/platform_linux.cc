@@ -57,6 +57,11 @@ std::string PathOfFileUrl(std::string_view url) {
   return url.empty() || url.front() != '/' ? std::string() : DecodePercentEscapes(url);
 }
 
+// As the other platform says it, which has a null string where there is no text.
+void LogPath(const char* format, const std::string& text) {
+  if (DebuggingEnabled) LogMessageX(format, text.empty() ? "(null)" : text.c_str());
+}
+
 }  // namespace
 
 void WriteLogLine(const char* text) noexcept {
@@ -71,10 +76,10 @@ std::string FilePath(abi::REALobject file) {
   std::string path;
   if (HostVersion() >= kHasNativePath) {
     path = PropertyText(file, "NativePath");
-    if (DebuggingEnabled) LogMessageX("native path: %s", path.c_str());
+    LogPath("native path: %s", path);
   } else {
     const std::string url = PropertyText(file, "URLPath");
-    if (DebuggingEnabled) LogMessageX("url path: %s", url.c_str());
+    LogPath("url path: %s", url);
     path = PathOfFileUrl(url);
   }
   // A NUL would cut the path and name another file.

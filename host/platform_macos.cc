@@ -3,7 +3,8 @@
 //
 // On a Mac the platform's own headers are used. Elsewhere, when cross-building against a folder
 // that has only link stubs, the few declarations that are needed stand below.
-#include <cstdlib>
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -96,12 +97,32 @@ StringHandle PropertyText(abi::REALobject object, const char* property) {
   return StringHandle(static_cast<CFStringRef>(RBString2CFString(text.get())));
 }
 
+// The text in UTF-8; empty when it does not convert, and when it has a NUL, which would cut it.
+std::string TextOf(CFStringRef text) {
+  constexpr char kUnused = '\x01';
+  const CFIndex size = 6 * CFStringGetLength(text) + 16;
+  std::string bytes(static_cast<std::size_t>(size), kUnused);
+  if (CFStringGetCString(text, bytes.data(), size, abi::kUtf8) == 0) return {};
+  const std::size_t end = bytes.find_last_not_of(kUnused);
+  return bytes.find('\0') == end ? bytes.substr(0, end) : std::string();
+}
+
+// Whether a URL is that of a file on this machine (RFC 8089): no host name, or "localhost". The
+// platform would give a path for any other, too.
+bool IsFileUrl(CFStringRef url) {
+  const std::string text = TextOf(url);
+  constexpr std::string_view kStarts[] = {"file:///", "file://localhost/"};
+  return std::any_of(std::begin(kStarts), std::end(kStarts), [&](std::string_view start) {
+    return text.compare(0, start.size(), start) == 0;
+  });
+}
+
 PlatformRef<CFURLRef> FileUrl(abi::REALobject file) {
   const bool native = HostVersion() >= kHasNativePath;
   const StringHandle text = PropertyText(file, native ? "NativePath" : "URLPath");
   if (DebuggingEnabled)
     NSLog(native ? CFSTR("native path: %@\n") : CFSTR("url path: %@\n"), text.get());
-  if (text == nullptr) return nullptr;
+  if (text == nullptr || (!native && !IsFileUrl(text.get()))) return nullptr;
   return PlatformRef<CFURLRef>(
       native ? CFURLCreateWithFileSystemPath(nullptr, text.get(), kCFURLPOSIXPathStyle, 0)
              : CFURLCreateWithString(nullptr, text.get(), nullptr));
@@ -112,11 +133,7 @@ std::string FileSystemBytes(CFStringRef path) {
   const PlatformRef<CFMutableStringRef> normalised(CFStringCreateMutableCopy(nullptr, 0, path));
   if (normalised == nullptr) return {};
   CFStringNormalize(normalised.get(), kCFStringNormalizationFormD);
-  const CFIndex size = 6 * CFStringGetLength(normalised.get()) + 16;
-  std::string bytes(static_cast<std::size_t>(size), '\0');
-  if (CFStringGetCString(normalised.get(), bytes.data(), size, abi::kUtf8) == 0) return {};
-  bytes.resize(bytes.find('\0'));
-  return bytes;
+  return TextOf(normalised.get());
 }
 
 }  // namespace

@@ -109,7 +109,7 @@ TEST_F(DebugLog, FilesThatCannotBeOpened) {
               ElementsAre(Line("MimeEmailConstructor3"), "native path: /absent/a.eml",
                           Line("result (nil)"), Line("f (nil)")));
   EXPECT_THAT(Logged([] { ConstructFile(MakeFolderItem("")); }),
-              ElementsAre(Line("MimeEmailConstructor3"), "native path: ", Line("f (nil)")));
+              ElementsAre(Line("MimeEmailConstructor3"), "native path: (null)", Line("f (nil)")));
 }
 
 TEST_F(DebugLog, OldHostsLogTheUrl) {

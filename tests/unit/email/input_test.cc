@@ -237,7 +237,7 @@ TEST_F(Input, SaysWhatIsMissing) {
   EXPECT_FALSE(email::ReadFile(none.raw()).has_value());
   EXPECT_FALSE(email::ReadFile(nowhere.raw()).has_value());
   EXPECT_EQ(log.Text(), Logged({"folderitem is nil"}) + "native path: " + path + "\n" +
-                            Logged({"result (nil)", "f (nil)"}) + "native path: \n" +
+                            Logged({"result (nil)", "f (nil)"}) + "native path: (null)\n" +
                             Logged({"f (nil)"}));
   EXPECT_NE(TakeRaised(), "");
 }
