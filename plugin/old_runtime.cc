@@ -1,0 +1,14 @@
+// What newer compilers call in the C++ runtime that older systems do not have yet: defined here,
+// the library runs with the runtime of GCC 10. It stays inside, as everything but the entry point
+// does.
+#include <new>
+
+#if defined(__GLIBCXX__)
+namespace std {
+
+// GCC 11 and later call it, instead of throwing in place, when an array's size overflows.
+[[noreturn]] void __throw_bad_array_new_length();  // NOLINT: the runtime's name
+[[noreturn]] void __throw_bad_array_new_length() { throw bad_array_new_length(); }
+
+}  // namespace std
+#endif
