@@ -23,15 +23,21 @@ std::string AsPath(const std::string& path) {
   return path.find('/') == std::string::npos ? "./" + path : path;
 }
 
+abi::REALproc OpenBySystem(const std::string& path) {
+  void* const file = dlopen(AsPath(path).c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (file == nullptr) return nullptr;
+  dlerror();
+  return reinterpret_cast<abi::REALproc>(dlsym(file, kMainName));
+}
+
+Opener g_opener = &OpenBySystem;
+
 }  // namespace
 
-Library::Library(const std::string& path) {
-  void* const file = dlopen(AsPath(path).c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (file == nullptr) FailToLoad(path);
-  dlerror();
-  void* const symbol = dlsym(file, kMainName);
-  if (symbol == nullptr) FailToLoad(path);
-  main_ = reinterpret_cast<abi::REALproc>(symbol);
+void UseOpener(Opener opener) { g_opener = opener; }
+
+Library::Library(const std::string& path) : main_(g_opener(path)) {
+  if (main_ == nullptr) FailToLoad(path);
 }
 
 void Library::Enter(const Host& host) const {

@@ -8,6 +8,13 @@
 
 namespace zqv::standin {
 
+// How a file becomes its exported function; null when it exports none.
+using Opener = abi::REALproc (*)(const std::string& path);
+
+// From now on files are opened in this way instead of by the system's loader: for tests that run
+// libraries made for other systems.
+void UseOpener(Opener opener);
+
 class Library {
  public:
   // Loads the file with all its symbols bound at once and kept to itself; it stays loaded for the
