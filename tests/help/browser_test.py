@@ -1,0 +1,279 @@
+#!/usr/bin/env python3
+"""The help in a browser: searching, links, both appearances, small windows, no script.
+
+  browser_test.py --zqv build/release/zqv [--shots FOLDER]
+
+Needs Debian's chromium, chromium-driver and python3-selenium; without them it exits with 77, which
+means skipped. With --shots it leaves pictures of the page in that folder, to be looked at.
+"""
+
+import os
+import pathlib
+import shutil
+import sys
+import tempfile
+import unittest
+
+import making
+
+SKIPPED = 77
+OPTIONS, REST = making.options(__doc__)
+DRIVER = shutil.which("chromedriver")
+BROWSER = shutil.which("chromium")
+try:
+    from selenium import webdriver
+    from selenium.webdriver.common.by import By
+    from selenium.webdriver.common.keys import Keys
+except ImportError:
+    webdriver = None
+
+# Names of the members, or the sections, that one can see.
+SHOWN = """return Array.from(document.querySelectorAll(arguments[0]))
+    .filter((element) => element.offsetParent !== null).map((element) => element.id)"""
+# Goes to each anchor that a link names; gives those whose target is not then in the window.
+FOLLOW = """const missed = [], done = arguments[0];
+const links = Array.from(new Set(Array.from(document.querySelectorAll("a[href]"))
+    .map((link) => link.getAttribute("href"))));
+(async () => {
+  for (const link of links) {
+    location.href = link;
+    await new Promise((next) => requestAnimationFrame(() => requestAnimationFrame(next)));
+    const target = document.getElementById(decodeURIComponent(link.slice(1)));
+    const top = target ? target.getBoundingClientRect().top : -1;
+    if (!target || link[0] !== "#" || top < -1 || top >= innerHeight) missed.push(link + " " + top);
+  }
+  done([links.length, missed]);
+})();"""
+
+
+def start_browser():
+    """A browser without a window that keeps what pages say on its console."""
+    options = webdriver.ChromeOptions()
+    options.binary_location = BROWSER
+    for argument in ("--headless=new", "--disable-gpu", "--disable-dev-shm-usage",
+                     "--window-size=1280,900", "--force-color-profile=srgb"):
+        options.add_argument(argument)
+    if os.geteuid() == 0:
+        options.add_argument("--no-sandbox")
+    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+    service = webdriver.chrome.service.Service(DRIVER)
+    return webdriver.Chrome(options=options, service=service)
+
+
+class Case(unittest.TestCase):
+    """A test with the page, just made, in a browser."""
+
+    @classmethod
+    def setUpClass(cls):
+        holder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(holder.cleanup)
+        # A blank in the path, as in the package.
+        cls.folder = pathlib.Path(holder.name) / "IDE Resources"
+        cls.folder.mkdir()
+        cls.page = cls.folder / "index.html"
+        code, said = making.make_page(making.registered(OPTIONS.zqv), cls.page)
+        if code:
+            raise RuntimeError(said)
+        cls.browser = start_browser()
+        cls.addClassCleanup(cls.browser.quit)
+
+    def command(self, name, **values):
+        self.browser.execute_cdp_cmd(name, values)
+
+    def size(self, width, height):
+        self.command("Emulation.setDeviceMetricsOverride", width=width, height=height,
+                     deviceScaleFactor=1, mobile=False)
+
+    def appearance(self, scheme):
+        self.command("Emulation.setEmulatedMedia",
+                     features=[{"name": "prefers-color-scheme", "value": scheme}])
+
+    def open(self, anchor=""):
+        self.browser.get("about:blank")
+        self.browser.get(self.page.as_uri() + anchor)
+
+    def script(self, code, *arguments):
+        return self.browser.execute_script(code, *arguments)
+
+    def query(self):
+        return self.browser.find_element(By.ID, "query")
+
+    def status(self):
+        return self.browser.find_element(By.ID, "status").text
+
+    def shown(self, selector=".member"):
+        return self.script(SHOWN, selector)
+
+    def press(self, *keys):
+        webdriver.ActionChains(self.browser).send_keys(*keys).perform()
+
+    def focused(self):
+        return self.script("return document.activeElement.id")
+
+    def anchor(self):
+        return self.script("return location.hash")
+
+    def shoot(self, name):
+        if OPTIONS.shots:
+            OPTIONS.shots.mkdir(parents=True, exist_ok=True)
+            self.browser.save_screenshot(str(OPTIONS.shots / f"{name}.png"))
+
+
+class PageTest(Case):
+    def setUp(self):
+        self.size(1280, 900)
+        self.command("Emulation.setScriptExecutionDisabled", value=False)
+        self.appearance("light")
+        self.open()
+
+    def tearDown(self):
+        self.assertEqual(self.browser.get_log("browser"), [])
+
+    def test_search_shows_the_members_of_that_name(self):
+        everything = self.shown()
+        self.query().send_keys("SUBJ")
+        self.assertEqual(self.shown(), ["MimeEmailZQV.Subject", "MimeHeaderZQV.subject",
+                                        "MimeHeaderZQV.subjectDecoded"])
+        self.assertEqual(self.shown("section"), ["MimeEmailZQV", "MimeHeaderZQV"])
+        rows = self.browser.find_elements(By.CSS_SELECTOR, "#contents li")
+        self.assertEqual([row.text for row in rows if row.is_displayed()],
+                         ["Subject", "subject", "subjectDecoded"])
+        self.assertEqual(self.status(), "3 results")
+        self.query().send_keys("ect deco")
+        self.assertEqual(self.shown(), ["MimeHeaderZQV.subjectDecoded"])
+        self.assertEqual(self.status(), "1 result")
+        self.query().send_keys(Keys.BACKSPACE * 12)
+        self.assertEqual(self.shown(), everything)
+        self.assertEqual(self.status(), "")
+
+    def test_search_shows_a_class_whole(self):
+        expected = [name for name in self.shown() if name.startswith("MimeGroupZQV.")]
+        self.assertEqual(len(expected), 8)
+        self.query().send_keys("mimegroup")
+        self.assertEqual(self.shown(), expected)
+        self.assertEqual(self.shown("section"), ["MimeGroupZQV"])
+
+    def test_search_in_texts_when_no_name_fits(self):
+        self.query().send_keys("undisclosed")
+        self.assertEqual(self.shown(), [])
+        self.assertEqual(self.shown("section"), ["MimeGroupZQV"])
+        self.assertEqual(self.status(), "1 result in texts")
+
+    def test_search_for_a_guide(self):
+        self.query().send_keys("saving safely")
+        self.assertEqual(self.shown("section"), ["saving-attachments"])
+
+    def test_search_that_finds_nothing(self):
+        self.query().send_keys("qqqq")
+        self.assertEqual(self.shown("section"), [])
+        self.assertEqual(self.status(), "Nothing found")
+        self.press(Keys.ENTER)
+        self.assertEqual(self.anchor(), "")
+
+    def test_search_by_keyboard(self):
+        everything = self.shown()
+        self.press("/")
+        self.assertEqual(self.focused(), "query")
+        self.press("hasf")
+        self.assertEqual(self.query().get_property("value"), "hasf")
+        self.assertEqual(self.shown(), ["MimeHeaderZQV.hasField"])
+        self.press(Keys.ENTER)
+        self.assertEqual(self.anchor(), "#MimeHeaderZQV.hasField")
+        self.press(Keys.ESCAPE)
+        self.assertEqual(self.query().get_property("value"), "")
+        self.assertEqual(self.shown(), everything)
+        self.assertNotEqual(self.focused(), "query")
+
+    def test_link_to_what_the_search_hides(self):
+        everything = self.shown()
+        self.query().send_keys("BodyDecoded")
+        self.browser.find_element(By.CSS_SELECTOR, "#MimeEntityZQV .super a").click()
+        self.assertEqual(self.anchor(), "#MimeEmailZQV")
+        self.assertEqual(self.shown(), everything)
+        top = self.script("return document.getElementById('MimeEmailZQV')"
+                          ".getBoundingClientRect().top")
+        self.assertTrue(0 <= top < 300, top)
+
+    def test_every_link_arrives(self):
+        count, missed = self.browser.execute_async_script(FOLLOW)
+        self.assertGreater(count, 110)
+        self.assertEqual(missed, [])
+
+    def test_links_that_do_not_arrive_are_seen(self):
+        self.script("document.querySelector('main a').href = '#gone'")
+        self.assertEqual(self.browser.execute_async_script(FOLLOW)[1], ["#gone -1"])
+
+    def test_links_by_hand(self):
+        self.browser.find_element(By.LINK_TEXT, "MimeHeaderZQV").click()
+        self.assertEqual(self.anchor(), "#MimeHeaderZQV")
+        current = self.browser.find_element(By.CSS_SELECTOR, "#contents [aria-current]")
+        self.assertEqual(current.text, "MimeHeaderZQV")
+        self.browser.find_element(By.LINK_TEXT, "FieldByName(name)").click()
+        self.assertEqual(self.anchor(), "#MimeHeaderZQV.FieldByName")
+        self.browser.find_element(
+            By.CSS_SELECTOR, "[id='MimeHeaderZQV.FieldByName'] .declaration a").click()
+        self.assertEqual(self.anchor(), "#MimeFieldZQV")
+
+    def test_nothing_is_loaded(self):
+        self.assertEqual(
+            self.script("return performance.getEntriesByType('resource').map((e) => e.name)"), [])
+
+    def test_both_appearances(self):
+        grounds = []
+        for scheme in ("light", "dark"):
+            self.appearance(scheme)
+            for anchor in ("", "#MimeEmailZQV", "#MimeEmailZQV.Attachments", "#errors",
+                           "#saving-attachments", "#third-party-notice"):
+                self.open(anchor)
+                self.shoot(f"{scheme}{anchor.replace('#', '-')}")
+            self.query().send_keys("parts")
+            self.shoot(f"{scheme}-search")
+            grounds.append(self.script("return getComputedStyle(document.body).backgroundColor"))
+            self.assertEqual(self.browser.get_log("browser"), [])
+        self.assertEqual(grounds, ["rgb(255, 255, 255)", "rgb(20, 24, 29)"])
+
+    def test_small_windows_do_not_scroll_sideways(self):
+        for width in (340, 500, 700, 850, 1024):
+            self.size(width, 700)
+            self.open("#MimeEmailZQV")
+            self.shoot(f"width-{width}")
+            self.assertLessEqual(self.script("return document.documentElement.scrollWidth"), width)
+
+    def test_without_script(self):
+        everything = self.shown()
+        self.command("Emulation.setScriptExecutionDisabled", value=True)
+        self.open("#MimeBodyZQV.Parts")
+        self.assertEqual(self.shown(), everything)
+        self.assertEqual(self.shown("#query"), [])
+        self.shoot("no-script")
+        top = self.script("return document.getElementById('MimeBodyZQV.Parts')"
+                          ".getBoundingClientRect().top")
+        self.assertTrue(0 <= top < 300, top)
+
+
+class ConsoleTest(Case):
+    """What is wrong with a page gets onto the console that the other tests look at."""
+
+    def test_faults_are_seen(self):
+        text = self.page.read_text("utf-8")
+        for planted in ("<img src='gone.png'>", "<script>nothing.there()</script>",
+                        "<p style='color: red'></p>"):
+            page = self.folder / "planted.html"
+            page.write_text(text.replace("</main>", planted + "</main>"), "utf-8")
+            self.browser.get_log("browser")
+            self.browser.get(page.as_uri())
+            self.assertNotEqual(self.browser.get_log("browser"), [], planted)
+
+
+def main():
+    missing = [name for name, found in (("chromium", BROWSER), ("chromium-driver", DRIVER),
+                                        ("python3-selenium", webdriver)) if not found]
+    if missing:
+        print(f"skipped: needs {', '.join(missing)}")
+        return SKIPPED
+    unittest.main(argv=[sys.argv[0], *REST])
+    return 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
