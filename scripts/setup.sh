@@ -10,12 +10,46 @@ missing_packages() {
   local wanted
   wanted=$(awk -v scopes=" $* " '!/^#/ && NF && index(scopes, " " $1 " ") { print $2 }' \
     "$root/scripts/packages.txt")
-  # An unknown package makes dpkg-query fail, and is missing like one that was removed.
+  # An unknown package makes dpkg-query fail, and is missing like one that was removed. Packages of
+  # another processor are wanted with its name.
   # shellcheck disable=SC2086
-  { dpkg-query -W -f '${Package} ${db:Status-Status}\n' $wanted 2>/dev/null || true; } |
+  { dpkg-query -W -f '${Package} ${Architecture} ${db:Status-Status}\n' $wanted 2>/dev/null || true; } |
     awk -v wanted="$wanted" '
-      $2 == "installed" { have[$1] = 1 }
+      $3 == "installed" { have[$1] = have[$1 ":" $2] = 1 }
       END { n = split(wanted, name); for (i = 1; i <= n; i++) if (!have[name[i]]) print name[i] }'
+}
+
+# The words before a command that needs root; nothing for root. Fails when root cannot be had.
+become_root() {
+  [ "$(id -u)" -ne 0 ] || return 0
+  command -v sudo >/dev/null && { [ -t 0 ] || sudo -n true 2>/dev/null; } || return 1
+  echo sudo
+}
+
+# Installs the packages for other platforms; fails, having said why, where that cannot be.
+install_cross_packages() {
+  local reason='' scopes=(cross)
+  command -v npm >/dev/null || scopes+=(npm)
+  if ! command -v dpkg-query >/dev/null || [ "$(dpkg --print-architecture)" != amd64 ]; then
+    reason="it needs Debian on x86-64"
+  elif [ -n "$(missing_packages "${scopes[@]}")" ] && [ "${ZQV_SETUP:-yes}" = no ]; then
+    reason="packages are missing, and ZQV_SETUP=no forbids to install them"
+  elif [ -n "$(missing_packages "${scopes[@]}")" ] && ! become_root >/dev/null; then
+    reason="packages are missing, and installing them needs root"
+  elif [ -n "$(missing_packages "${scopes[@]}")" ]; then
+    if ! dpkg --print-foreign-architectures | grep -qx arm64; then
+      # shellcheck disable=SC2046
+      $(become_root) dpkg --add-architecture arm64
+      # shellcheck disable=SC2046
+      $(become_root) apt-get -qq update >&2 </dev/null || true
+    fi
+    (install_packages "${scopes[@]}") || reason="packages could not be installed"
+  fi
+  if [ -z "$reason" ] && ! "$root/scripts/macos-sdk" "$root/build/cache/macos-sdk" >&2; then
+    reason="the headers of macOS could not be had"
+  fi
+  [ -z "$reason" ] || say "== Without macOS and arm64: $reason"
+  [ -z "$reason" ]
 }
 
 # Installs the packages of the given scopes. Other systems than Debian bring their own.

@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
 # What a built library shows to the system that loads it:
 #   exports.sh LIBRARY [FOLDER...]   exactly one exported name, no needed library but the four,
-#                                    no search path, no executable stack, and no mention of FOLDER
+#                                    no search path, no executable stack, no mention of FOLDER, and
+#                                    nothing that Debian 11's C and C++ libraries do not have yet
 #   exports.sh --self-test CXX       builds libraries that break each rule and demands a complaint
 set -euo pipefail
 export LC_ALL=C
 
 entry_point=REALPluginMain
+newest=(GLIBC_2.31 GLIBCXX_3.4.28 CXXABI_1.3.12 GCC_7.0.0)
 allowed_libraries=" libc.so.6 libm.so.6 libstdc++.so.6 libgcc_s.so.1 "
 
 # Prints one line for each broken rule.
@@ -24,6 +26,14 @@ complaints() {
   grep -qE '\(NEEDED\).*\[libc\.so\.6\]' <<<"$dynamic" || echo "needs no libc.so.6 at all"
   ! grep -E '\((RPATH|RUNPATH)\)' <<<"$dynamic" || echo "has a search path"
   ! readelf -lW "$library" | grep -E 'GNU_STACK.* RWE ' || echo "has an executable stack"
+
+  local version limit
+  for limit in "${newest[@]}"; do
+    while read -r version; do
+      [ "$(printf '%s\n' "$version" "$limit" | sort -V | tail -1)" = "$limit" ] ||
+        echo "needs $version"
+    done < <(readelf -VW "$library" | grep -oE "Name: ${limit%%_*}_[0-9.]+" | cut -c7- | sort -u)
+  done
 
   for folder in "$@"; do
     ! grep -qaF -- "$folder" "$library" || echo "names the folder $folder"
@@ -71,6 +81,8 @@ self_test() {
   expect "needs no libc.so.6 at all" "extern \"C\" void $entry_point(void*) {}" $hide -nostdlib
   expect "has a search path" "$good" $hide -Wl,-rpath,/somewhere
   expect "has an executable stack" "$good" $hide -Wl,-z,execstack
+  expect "needs GLIBC_2.34" "#include <pthread.h>
+    extern \"C\" void $entry_point(void*) { pthread_join(pthread_self(), nullptr); }" $hide
   expect "names the folder /somewhere/project" "#include <cstdio>
     extern \"C\" void $entry_point(void*) { std::puts(\"/somewhere/project/main.cc\"); }" $hide
   [ "$failures" -eq 0 ]
