@@ -176,17 +176,17 @@ def self_test(data):
         "calls itself": data.replace(b"@rpath/MimeEmailZQV", b"@rpath/MimeEmailXYZ"),
         "has a search path": changed(at[IDENTIFY], struct.pack("<I", RPATH)),
         "is larger than": data + bytes(LARGEST),
-        "names the folder": data + b"/home/somebody/project",
+        "names the folder": data + b"/somewhere/project",
         "and later": changed(at.get(NEW_VERSION, at.get(OLD_VERSION)) + 8,
                              struct.pack("<2I", 0x000F0000, 0x000F0000)),
     }
     if part.processor == "arm64":
         plants["another hash of page"] = changed(0x8000, b"\xFF\xFE")
         plants["is not signed"] = changed(at[SIGNATURE], struct.pack("<I", 0x26))
+    folders = ["/somewhere/project"]
     missed = [wanted for wanted, planted in plants.items()
-              if not any(wanted in fault
-                         for fault in faults_of(planted, False, ["/home/somebody/project"]))]
-    clean = faults_of(data, False, ["/home/somebody/project"])
+              if not any(wanted in fault for fault in faults_of(planted, False, folders))]
+    clean = faults_of(data, False, folders)
     print("\n".join([f"not seen: {wanted}" for wanted in missed] + clean) or "all was seen")
     return 1 if missed or clean else 0
 
