@@ -10,8 +10,8 @@
 namespace zqv::email {
 
 // Stores the dates of the header's Date and Received fields in `record`. With several, the last
-// Date wins, and the last Received that holds "; ". A date that cannot be read is skipped. Raises
-// nothing.
+// Date wins, and the last Received that holds "; ". A text that is no date gives one all the same,
+// of the zeros that were read for it; only one whose reading throws is skipped. Raises nothing.
 void ParseDate(mime::MimeEntityClassData& record, const mime::HeaderView& header);
 
 // A new Date of the host with these fields [new lock]; nil when the host cannot make one. Fields
