@@ -4,7 +4,7 @@
 #include <new>
 
 #if defined(__GLIBCXX__)
-namespace std {
+namespace std {  // NOLINT(cert-dcl58-cpp): the runtime's own name
 
 // GCC 11 and later call it, instead of throwing in place, when an array's size overflows.
 [[noreturn]] void __throw_bad_array_new_length();  // NOLINT: the runtime's name
