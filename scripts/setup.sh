@@ -1,11 +1,11 @@
-# Shared by ./run and ./test: installs what is missing, configures and builds. Everything it says
+# Shared by ./run, ./test and ./package: installs what is missing, configures and builds. Everything it says
 # goes to standard error; when nothing is to be done it says nothing and uses no network.
 # shellcheck shell=bash
 : "${root:?the sourcing script sets the top of the project}"
 
 say() { echo "$*" >&2; }
 
-# Names of the packages of the given scopes (run, test) that are not installed.
+# Names of the packages of the given scopes of scripts/packages.txt that are not installed.
 missing_packages() {
   local wanted
   wanted=$(awk -v scopes=" $* " '!/^#/ && NF && index(scopes, " " $1 " ") { print $2 }' \
@@ -13,7 +13,7 @@ missing_packages() {
   # An unknown package makes dpkg-query fail, and is missing like one that was removed. Packages of
   # another processor are wanted with its name.
   # shellcheck disable=SC2086
-  { dpkg-query -W -f '${Package} ${Architecture} ${db:Status-Status}\n' $wanted 2>/dev/null || true; } |
+  { dpkg-query -W -f '${Package} ${Architecture} ${db:Status-Status}\n' $wanted || true; } 2>/dev/null |
     awk -v wanted="$wanted" '
       $3 == "installed" { have[$1] = have[$1 ":" $2] = 1 }
       END { n = split(wanted, name); for (i = 1; i <= n; i++) if (!have[name[i]]) print name[i] }'
@@ -59,16 +59,15 @@ install_packages() {
   mapfile -t missing < <(missing_packages "$@")
   [ "${#missing[@]}" -gt 0 ] || return 0
 
-  local as_root=(env DEBIAN_FRONTEND=noninteractive)
-  if [ "$(id -u)" -ne 0 ]; then
-    if ! command -v sudo >/dev/null || { [ ! -t 0 ] && ! sudo -n true 2>/dev/null; }; then
-      say "These packages are missing, and installing them needs root:"
-      say "  apt-get install ${missing[*]}"
-      say "(ZQV_SETUP=no skips this question, for systems that have them by other means.)"
-      exit 1
-    fi
-    as_root=(sudo "${as_root[@]}")
+  local sudo
+  if ! sudo=$(become_root); then
+    say "These packages are missing, and installing them needs root:"
+    say "  apt-get install ${missing[*]}"
+    say "(ZQV_SETUP=no skips this question, for systems that have them by other means.)"
+    exit 1
   fi
+  # shellcheck disable=SC2206
+  local as_root=($sudo env DEBIAN_FRONTEND=noninteractive)
   say "Installing ${missing[*]}"
   local apt=("${as_root[@]}" apt-get -qq -o DPkg::Lock::Timeout=300 -o Dpkg::Use-Pty=0)
   local install=("${apt[@]}" install --yes --no-install-recommends "${missing[@]}")
