@@ -1,8 +1,10 @@
 // The entry points for start, registration, objects, locks, exceptions, and the properties and
 // methods of the host's own classes.
 #include <array>
+#include <optional>
 #include <string>
 
+#include "standin/convert.h"
 #include "standin/entry_points.h"
 #include "standin/fatal.h"
 #include "standin/host.h"
@@ -132,6 +134,15 @@ void* REALLoadObjectMethod(REALobject object, const char* declaration) {
   return nullptr;
 }
 
+// In the encoding that this host's paths have.
+StringThing* NewPath(const std::string& path, Host& host, const char* creator) {
+  const abi::Encoding label = host.capabilities().path_encoding;
+  const abi::Encoding encoding = label == abi::kUnknownEncoding ? abi::kMacRoman : label;
+  const std::optional<std::string> bytes = Convert(path, abi::kUtf8, encoding);
+  return bytes ? host.store().NewString(*bytes, label, creator)
+               : host.store().NewString(path, abi::kUtf8, creator);
+}
+
 long REALGetPropValueString(REALobject object, const char* name, REALstring* out) {
   static constexpr const char* kName = "REALGetPropValueString";
   CheckOut(out, kName);
@@ -144,7 +155,7 @@ long REALGetPropValueString(REALobject object, const char* name, REALstring* out
     *out = ToHost(message);
   } else {
     const std::string& path = ReadPath(*target.thing, *target.property);
-    *out = path.empty() ? nullptr : ToHost(store.NewString(path, abi::kUtf8, kName));
+    *out = path.empty() ? nullptr : ToHost(NewPath(path, Host::Get(kName), kName));
   }
   return 1;
 }

@@ -356,6 +356,28 @@ TEST_F(Errors, UrlIsReadBefore2013AndThePathFromThenOn) {
   }
 }
 
+// Both kinds of path, in every encoding that a host may give them in.
+TEST_F(Errors, PathsInAnyEncoding) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Write("caf\xC3\xA9 \xC3\x9C.eml", PlainMessage());
+  const std::string url = "file://" + folder.Path("caf%C3%A9%20%C3%9C.eml");
+  LoadLibraryFile();
+  for (const abi::Encoding encoding :
+       {abi::kMacRoman, abi::kUtf16, abi::kUtf16BigEndian, abi::kUtf16LittleEndian, abi::kIsoLatin1,
+        abi::kWindowsLatin1, abi::kUtf8, abi::kUtf32, abi::kUnknownEncoding}) {
+    for (const double version : {2012.0, 2024.1}) {
+      const auto body = [&] {
+        Capabilities capabilities;
+        capabilities.version = version;
+        capabilities.path_encoding = encoding;
+        Session session(capabilities);
+        EXPECT_EQ(version < 2013.0 ? RaisedByUrl(url) : RaisedByFile(path), "");
+      };
+      InChild(std::to_string(version) + " " + std::to_string(encoding), body);
+    }
+  }
+}
+
 TEST_F(Errors, FolderItemWithoutItsProperty) {
   const TemporaryFolder folder;
   const std::string path = folder.Write("a.eml", PlainMessage());

@@ -42,7 +42,7 @@ std::set<const Object*> g_live;
   std::abort();
 }
 
-// How the encodings are called here; null for one that the library does not use.
+// How the encodings are called here; null for one that nobody asks for.
 const char* NameOf(std::uint32_t encoding) {
   switch (encoding) {
     case abi::kMacRoman:
@@ -56,7 +56,10 @@ const char* NameOf(std::uint32_t encoding) {
     case abi::kUtf8:
       return "UTF-8";
     case abi::kUtf16:
+    case abi::kUtf16LittleEndian:
       return "UTF-16LE";
+    case abi::kUtf16BigEndian:
+      return "UTF-16BE";
     case abi::kUtf32:
       return "UTF-32LE";
     default:
