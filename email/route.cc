@@ -35,6 +35,9 @@ bool IsText(std::string_view type, std::string_view subtype, std::string_view wa
   return EqualsIgnoringCase(type, "text") && EqualsIgnoringCase(subtype, wanted_subtype);
 }
 
+// QUIRK: no type is assumed where none is named. So a message without Content-Type is listed, as
+// "attachment", and is the plain text only because it is the one part. Applications know the two
+// together. Test: SinglePart.WithoutATypeIsOfferedAsText.
 Destination Route(const PartTraits& part, bool has_plain_text, bool has_html_text) {
   if (EqualsIgnoringCase(part.disposition, "attachment")) return Destination::kAttachments;
   if (IsText(part.type, part.subtype, "plain") && !has_plain_text) return Destination::kPlainText;

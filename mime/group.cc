@@ -8,6 +8,8 @@ namespace zqv::mime {
 
 void Set(MimeGroupClassData& record, const mimetic::Group& group) {
   const std::string name = group.name(0);
+  // QUIRK: no colon behind the name, no blank behind a comma. The MIME library writes a group so,
+  // in the field's value, too. Test: Addresses.GroupTextHasNoColon.
   const ListText text(group, ",");
   record.StringValue.Put(host::BuildDetectedText(name + text.whole() + ";"));
   record.Name.Put(host::CString2RB_detect_encoding(name));

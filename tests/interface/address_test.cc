@@ -123,6 +123,18 @@ TEST_F(Addresses, ListWithOneGroup) {
   EXPECT_EQ(Bytes(ObjectOf(Call(group, "Mailboxes", 1)), "Email"), "bob@example.net");
 }
 
+// The text form of the group, of the address that is one, of the list and of the header's field.
+TEST_F(Addresses, GroupTextHasNoColon) {
+  Start();
+  const char* text = "Team: ada@example.org, bob@example.net;";
+  const char* written = "Teamada@example.org,bob@example.net;";
+  for (const char* name : {"MimeGroupZQV", "MimeAddressZQV", "MimeAddressListZQV"}) {
+    EXPECT_EQ(Bytes(FromText(name, text), "StringValue"), written) << name;
+  }
+  const Object header = ObjectOf(Get(Parse("To: " + std::string(text) + "\n\nText\n"), "Header"));
+  EXPECT_EQ(Bytes(ObjectOf(Call(header, "Fields", 0)), "Value"), written);
+}
+
 TEST_F(Addresses, AddressIsAMailboxOrAGroup) {
   Start();
   const Object mailbox = FromText("MimeAddressZQV", "ada@example.org");
