@@ -10,20 +10,21 @@
 
 namespace zqv::cli {
 
-// A header field that holds addresses, and the header object's property that has them.
+// A header field that holds addresses.
 struct AddressField {
   const char* field;
-  const char* property;
+  const char* property;  // of the header object that has them
+  const char* key;       // in JSON
 };
 
 // In the order in which a reader expects them.
 inline constexpr std::array<AddressField, 6> kAddressFields = {{
-    {"From", "from"},
-    {"Sender", "sender"},
-    {"To", "too"},
-    {"Cc", "cc"},
-    {"Bcc", "bcc"},
-    {"Reply-To", "replyto"},
+    {"From", "from", "from"},
+    {"Sender", "sender", "sender"},
+    {"To", "too", "to"},
+    {"Cc", "cc", "cc"},
+    {"Bcc", "bcc", "bcc"},
+    {"Reply-To", "replyto", "reply_to"},
 }};
 
 // One safe line for each mailbox or group: `Ada Moss <ada@example.com>`, `Crew: ada@example.com;`.

@@ -1,18 +1,11 @@
-// The program's command line.
+// Reads the program's command line.
 #pragma once
 
 #include <variant>
 
-#include "cli/session.h"
-#include "cli/verbs.h"
+#include "cli/command_line.h"
 
 namespace zqv::cli {
-
-struct Arguments {
-  Verb* verb = nullptr;
-  Request request;
-  SessionOptions session;
-};
 
 inline constexpr int kUsageError = 2;
 

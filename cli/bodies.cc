@@ -4,6 +4,7 @@
 #include "cli/message.h"
 #include "cli/print_text.h"
 #include "cli/verbs.h"
+#include "cli/visit.h"
 
 namespace zqv::cli {
 namespace {
@@ -19,7 +20,7 @@ int PrintMember(const Session& session, const Request& request, const char* prop
     if (text.IsNil()) Complain(file + ": there is no " + name);
     return !text.IsNil();
   };
-  return ForEachFile(session, request.inputs, output, visit);
+  return ForEachMessage(session, request, output, visit);
 }
 
 }  // namespace

@@ -1,10 +1,52 @@
 // `zqv classes`: every class and member that the library registered.
+#include <string>
+#include <vector>
+
+#include "cli/print_json.h"
 #include "cli/verbs.h"
 
 namespace zqv::cli {
+namespace {
 
-int Classes(const Session& session, const Request&, Output* output) {
-  output->Print(session.host().ListClasses());
+JsonValue DescribeMembers(const standin::ClassInfo& info) {
+  JsonValue members = JsonValue::array();
+  const auto add_properties = [&](const std::vector<standin::Property>& properties, bool shared) {
+    for (const standin::Property& property : properties) {
+      members.push_back(
+          {{"kind", "property"},
+           {"declaration", std::string(property.row->name) + " as " + property.row->type},
+           {"shared", shared},
+           {"writable", property.row->setter != nullptr}});
+    }
+  };
+  const auto add_methods = [&](const std::vector<standin::Method>& methods, bool shared) {
+    for (const standin::Method& method : methods) {
+      members.push_back(
+          {{"kind", "method"}, {"declaration", method.row->declaration}, {"shared", shared}});
+    }
+  };
+  add_properties(info.properties, false);
+  add_methods(info.methods, false);
+  add_properties(info.shared_properties, true);
+  add_methods(info.shared_methods, true);
+  return members;
+}
+
+}  // namespace
+
+int Classes(const Session& session, const Request& request, Output* output) {
+  if (!request.json) {
+    output->Print(session.host().ListClasses());
+    return 0;
+  }
+  JsonValue classes = JsonValue::array();
+  for (const standin::ClassInfo* const info : session.host().classes().registered()) {
+    classes.push_back(
+        {{"name", info->name},
+         {"super", info->super == nullptr ? JsonValue() : JsonValue(info->super->name)},
+         {"members", DescribeMembers(*info)}});
+  }
+  PrintDocument("classes", std::move(classes), output);
   return 0;
 }
 

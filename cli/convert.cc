@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "abi/encodings.h"
+#include "cli/print_json.h"
 #include "cli/print_text.h"
 #include "cli/text.h"
 #include "cli/verbs.h"
@@ -29,16 +30,32 @@ String CallOnText(const char* declaration, const std::string& bytes) {
   return text != nullptr ? *text : String();
 }
 
-// One line for each text, whatever it decodes to.
-void PrintDecoded(const std::string& text, Output* output) {
+std::string Decoded(const std::string& text, Lines lines) {
   const String decoded = CallOnText("DecodeInline(Text as String) as String", text);
-  output->PrintLine(SafeText(decoded, Lines::kOne));
+  return lines == Lines::kOne ? SafeText(decoded, lines) : DataText(decoded);
+}
+
+// Calls `use` with each text; "-" stands for the lines of standard input.
+template <typename Use>
+void ForEachText(const std::vector<std::string>& texts, const Use& use) {
+  for (const std::string& text : texts) {
+    if (text != kStandardInput) {
+      use(text);
+      continue;
+    }
+    const std::string lines = ReadBytes(text);
+    for (std::string_view rest = lines; !rest.empty();) {
+      const std::string_view line = rest.substr(0, rest.find('\n'));
+      use(std::string(line));
+      rest.remove_prefix(std::min(rest.size(), line.size() + 1));
+    }
+  }
 }
 
 }  // namespace
 
 int HtmlToText(const Session&, const Request& request, Output* output) {
-  const std::string& file = request.inputs.front();
+  const std::string& file = request.source.inputs.front();
   try {
     PrintText(CallOnText("HTMLToPlainText(HTMLText as String) as String", ReadBytes(file)), false,
               output);
@@ -50,18 +67,16 @@ int HtmlToText(const Session&, const Request& request, Output* output) {
 }
 
 int Decode(const Session&, const Request& request, Output* output) {
-  for (const std::string& text : request.inputs) {
-    if (text != "-") {
-      PrintDecoded(text, output);
-      continue;
+  JsonValue list = JsonValue::array();
+  ForEachText(request.source.inputs, [&](const std::string& text) {
+    if (request.json) {
+      list.push_back(
+          {{"text", DataText(StringOf(text))}, {"decoded", Decoded(text, Lines::kMany)}});
+    } else {
+      output->PrintLine(Decoded(text, Lines::kOne));  // a line, whatever it decodes to
     }
-    const std::string lines = ReadBytes(text);
-    for (std::string_view rest = lines; !rest.empty();) {
-      const std::string_view line = rest.substr(0, rest.find('\n'));
-      PrintDecoded(std::string(line), output);
-      rest.remove_prefix(std::min(rest.size(), line.size() + 1));
-    }
-  }
+  });
+  if (request.json) PrintDocument("texts", std::move(list), output);
   return 0;
 }
 

@@ -19,8 +19,6 @@
 
 namespace zqv::cli {
 
-inline constexpr int kDocumentVersion = 1;
-
 // How a host string is written; never called for nil.
 using TextForm = std::function<nlohmann::ordered_json(const standin::String&)>;
 

@@ -1,50 +1,57 @@
-// `zqv extract`: writes the data of every attachment and inline part into a folder.
+// `zqv extract`: writes the data of every attachment and inline part into a folder, or the bytes of
+// one part to standard output.
 //
-// The data are the bytes of the library's Data string as they are; nil gives an empty file.
+// The data are the bytes of the library's strings as they are; nil gives an empty file.
 #include <exception>
+#include <string>
 
-#include "cli/file_name.h"
+#include "cli/attached_files.h"
 #include "cli/folder.h"
 #include "cli/message.h"
 #include "cli/verbs.h"
+#include "cli/visit.h"
 
 namespace zqv::cli {
 namespace {
 
 using standin::Object;
 
-// A name that the host cannot convert is taken by its bytes.
-std::string NameOf(const Attached& attached) {
-  const standin::String name = TextMember(attached.record, "Filename");
-  return CleanFileName(name.Utf8().value_or(std::string(name.bytes())));
-}
-
 // False when a part could not be written.
 bool WriteAll(const Object& email, const Request& request, Output* output) {
   const Folder folder(request.folder);
-  const PartTree tree(email);
-  FileNames names;
+  const AttachedFiles files(email);
   bool all_good = true;
-  for (const Attached& attached : ListAttached(email, tree)) {
-    const standin::String data = TextMember(attached.record, "Data");
+  for (std::size_t i = 0; i < files.count() && output->IsGood(); ++i) {
     try {
-      const std::string name = names.Take(NameOf(attached));
-      output->PrintLine(folder.Write(name, data.bytes(), request.force));
+      output->PrintLine(folder.Write(files.Name(i), files.Data(i).bytes(), request.force));
     } catch (const std::exception& error) {
       Complain(error.what());
       all_good = false;
     }
-    if (!output->IsGood()) break;
   }
   return all_good;
+}
+
+// False when there is no such part.
+bool PrintPart(const std::string& message, const Object& email, const std::string& number,
+               Output* output) {
+  const Object part = FindPart(email, number);
+  if (part.IsNil()) {
+    Complain(message + ": there is no part " + number);
+    return false;
+  }
+  output->Print(TextMember(part, "BodyDecoded").bytes());
+  return true;
 }
 
 }  // namespace
 
 int Extract(const Session& session, const Request& request, Output* output) {
-  return ForEachFile(session, request.inputs, output, [&](const std::string&, const Object& email) {
-    return WriteAll(email, request, output);
-  });
+  const auto visit = [&](const std::string& name, const Object& email) {
+    return request.sent_part ? PrintPart(name, email, *request.sent_part, output)
+                             : WriteAll(email, request, output);
+  };
+  return ForOneMessage(session, request, visit);
 }
 
 }  // namespace zqv::cli

@@ -44,10 +44,39 @@ Folder::Folder(std::string path) : path_(std::move(path)) {
   if (descriptor_ < 0) FailWith(path_, error ? error.value() : errno);
 }
 
-Folder::~Folder() { close(descriptor_); }
+Folder::Folder(std::string path, int descriptor)
+    : path_(std::move(path)), descriptor_(descriptor) {}
+
+Folder::~Folder() {
+  if (descriptor_ >= 0) close(descriptor_);
+}
+
+Folder::Folder(Folder&& other) noexcept
+    : path_(std::move(other.path_)), descriptor_(std::exchange(other.descriptor_, -1)) {}
+
+Folder& Folder::operator=(Folder&& other) noexcept {
+  std::swap(path_, other.path_);
+  std::swap(descriptor_, other.descriptor_);
+  return *this;
+}
 
 std::string Folder::PathOf(const std::string& name) const {
   return path_ + (path_.back() == '/' ? "" : "/") + name;
+}
+
+std::string Folder::CheckedPathOf(const std::string& name) const {
+  std::string path = PathOf(name);
+  if (name.empty() || name.find('/') != std::string::npos) Fail(path, "not a name of a file");
+  return path;
+}
+
+Folder Folder::Sub(const std::string& name) const {
+  std::string path = CheckedPathOf(name);
+  if (mkdirat(descriptor_, name.c_str(), 0777) != 0 && errno != EEXIST) FailWith(path, errno);
+  const int opened =
+      openat(descriptor_, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  if (opened < 0) FailWith(path, errno);
+  return {std::move(path), opened};
 }
 
 void Folder::RemoveOld(const std::string& name) const {
@@ -59,19 +88,58 @@ void Folder::RemoveOld(const std::string& name) const {
 }
 
 std::string Folder::Write(const std::string& name, std::string_view bytes, bool force) const {
-  std::string path = PathOf(name);
-  if (name.empty() || name.find('/') != std::string::npos) Fail(path, "not a name of a file");
-  if (force) RemoveOld(name);
+  std::string path = CheckedPathOf(name);
+  if (!force && Has(name)) FailWith(path, EEXIST);
+  int error = WriteUnnamed(name, bytes, force);
+  if (error == EOPNOTSUPP || error == EISDIR) {  // a file system, a kernel without such files
+    if (force) RemoveOld(name);
+    error = WriteNamed(name, bytes);
+  }
+  if (error != 0) FailWith(path, error);
+  return path;
+}
+
+int Folder::WriteUnnamed(const std::string& name, std::string_view bytes, bool force) const {
+  const int file = openat(descriptor_, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+  if (file < 0) return errno;
+  int error = WriteAll(file, bytes);
+  if (error == 0) {
+    if (force) RemoveOld(name);
+    const std::string unnamed = "/proc/self/fd/" + std::to_string(file);
+    if (linkat(AT_FDCWD, unnamed.c_str(), descriptor_, name.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+      error = errno;
+    }
+  }
+  close(file);
+  return error;
+}
+
+int Folder::WriteNamed(const std::string& name, std::string_view bytes) const {
   const int file =
       openat(descriptor_, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
-  if (file < 0) FailWith(path, errno);
+  if (file < 0) return errno;
   int error = WriteAll(file, bytes);
   if (close(file) != 0 && error == 0) error = errno;
-  if (error != 0) {
-    unlinkat(descriptor_, name.c_str(), 0);
-    FailWith(path, error);
-  }
-  return path;
+  if (error != 0) unlinkat(descriptor_, name.c_str(), 0);
+  return error;
+}
+
+bool Folder::Has(const std::string& name) const {
+  return faccessat(descriptor_, name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+void Folder::Rename(const std::string& from, const std::string& to) const {
+  const std::string path = CheckedPathOf(to);
+  if (renameat2(descriptor_, from.c_str(), descriptor_, to.c_str(), RENAME_NOREPLACE) == 0) return;
+  // Not every file system can refuse to replace; an empty folder of the name does no harm then.
+  if (errno != EINVAL || Has(to)) FailWith(path, errno == EINVAL ? EEXIST : errno);
+  if (renameat(descriptor_, from.c_str(), descriptor_, to.c_str()) != 0) FailWith(path, errno);
+}
+
+void Folder::Remove(const std::string& name) const {
+  std::error_code error;
+  std::filesystem::remove_all(CheckedPathOf(name), error);
+  if (error) FailWith(PathOf(name), error.value());
 }
 
 }  // namespace zqv::cli

@@ -1,7 +1,9 @@
-// The folder that parts are written into.
+// The folder that files are written into.
 //
 // Invariant: nothing outside the folder is touched. Names are looked up from the opened folder
 // itself, a name that holds a slash is refused, and no link in the folder is ever followed.
+// A file appears whole or not at all, even when the process is killed, wherever the file system
+// has files without names.
 #pragma once
 
 #include <string>
@@ -12,22 +14,40 @@ namespace zqv::cli {
 class Folder {
  public:
   // Opens the folder at `path`, making it and those above it when missing. Throws
-  // std::runtime_error, naming path and reason.
+  // std::runtime_error, naming path and reason; so do the others.
   explicit Folder(std::string path);
   ~Folder();
+  Folder(Folder&& other) noexcept;
+  Folder& operator=(Folder&& other) noexcept;
   Folder(const Folder&) = delete;
   Folder& operator=(const Folder&) = delete;
 
-  // Writes a new file and gives its path. With `force` a plain file of that name is removed first.
-  // Throws std::runtime_error, naming path and reason; a file that could not be written whole is
-  // removed.
+  // The folder in this one, made when missing.
+  Folder Sub(const std::string& name) const;
+
+  // Writes a new file and gives its path. With `force` a plain file of that name is replaced; what
+  // else has the name is in the way.
   std::string Write(const std::string& name, std::string_view bytes, bool force) const;
 
- private:
-  std::string PathOf(const std::string& name) const;
-  void RemoveOld(const std::string& name) const;
+  // Whether there is anything of this name, be it a link that leads nowhere.
+  bool Has(const std::string& name) const;
+  // Gives a thing in this folder a new name that nothing has yet.
+  void Rename(const std::string& from, const std::string& to) const;
+  // Removes a thing in this folder with all that is in it, if there is one.
+  void Remove(const std::string& name) const;
 
-  const std::string path_;
+ private:
+  Folder(std::string path, int descriptor);
+
+  std::string PathOf(const std::string& name) const;
+  // Throws for what is no name.
+  std::string CheckedPathOf(const std::string& name) const;
+  void RemoveOld(const std::string& name) const;
+  // Both give 0 or the errno of what went wrong.
+  int WriteUnnamed(const std::string& name, std::string_view bytes, bool force) const;
+  int WriteNamed(const std::string& name, std::string_view bytes) const;
+
+  std::string path_;
   int descriptor_ = -1;
 };
 

@@ -1,7 +1,12 @@
 // `zqv headers`: the fields of a header as the library gives them, one "Name: value" a line.
+#include <algorithm>
+#include <vector>
+
 #include "cli/message.h"
+#include "cli/print_json.h"
 #include "cli/text.h"
 #include "cli/verbs.h"
+#include "cli/visit.h"
 #include "standin/text.h"
 
 namespace zqv::cli {
@@ -9,17 +14,31 @@ namespace {
 
 using standin::Object;
 
-// How many fields of this name there were; an empty name stands for every name.
-std::size_t PrintFields(const Object& header, const std::string& wanted, Output* output) {
-  std::size_t count = 0;
-  for (const Object& field : FieldsOf(header)) {
-    const standin::String name = TextMember(field, "Name");
-    if (!wanted.empty() && !standin::SameName(name.bytes(), wanted)) continue;
-    ++count;
-    const std::string line = SafeLine(name) + ": " + SafeLine(TextMember(field, "Value"));
+// An empty name stands for every name.
+std::vector<Object> FieldsNamed(const Object& header, const std::string& wanted) {
+  std::vector<Object> fields = FieldsOf(header);
+  const auto is_other = [&](const Object& field) {
+    return !wanted.empty() && !standin::SameName(TextMember(field, "Name").bytes(), wanted);
+  };
+  fields.erase(std::remove_if(fields.begin(), fields.end(), is_other), fields.end());
+  return fields;
+}
+
+void PrintFields(const std::vector<Object>& fields, Output* output) {
+  for (const Object& field : fields) {
+    const std::string name = output->Strong(SafeLine(TextMember(field, "Name")) + ":");
+    const std::string line = name + " " + SafeLine(TextMember(field, "Value"));
     output->PrintLine(Trim(line));
   }
-  return count;
+}
+
+JsonValue DescribeFields(const std::vector<Object>& fields) {
+  JsonValue list = JsonValue::array();
+  for (const Object& field : fields) {
+    list.push_back({{"name", PlainLine(TextMember(field, "Name"))},
+                    {"value", PlainLine(TextMember(field, "Value"))}});
+  }
+  return list;
 }
 
 }  // namespace
@@ -31,12 +50,17 @@ int Headers(const Session& session, const Request& request, Output* output) {
       Complain(file + ": there is no part " + request.part);
       return false;
     }
-    const std::size_t count = PrintFields(ObjectMember(part, "Header"), request.field, output);
-    if (count > 0 || request.field.empty()) return true;
+    const std::vector<Object> fields = FieldsNamed(ObjectMember(part, "Header"), request.field);
+    if (request.json) {
+      PrintDocument(file, "fields", DescribeFields(fields), output);
+    } else {
+      PrintFields(fields, output);
+    }
+    if (!fields.empty() || request.field.empty()) return true;
     Complain(file + ": there is no field " + request.field);
     return false;
   };
-  return ForEachFile(session, request.inputs, output, visit);
+  return ForEachMessage(session, request, output, visit);
 }
 
 }  // namespace zqv::cli

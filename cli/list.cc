@@ -1,45 +1,56 @@
 // `zqv list`: what is attached to a message.
 //
-// Columns: part number, kind, MIME type, bytes, file name, Content-ID; "-" for what is absent, so
-// that the columns can be told apart by a program.
+// Columns: part number, kind, MIME type, bytes, file name, Content-ID.
+#include <string>
+#include <vector>
+
 #include "cli/message.h"
-#include "cli/table.h"
+#include "cli/print_table.h"
 #include "cli/text.h"
 #include "cli/verbs.h"
+#include "cli/visit.h"
 
 namespace zqv::cli {
 namespace {
 
 using standin::Object;
 
-std::string Cell(const Object& record, std::string_view property) {
-  std::string text = SafeLine(TextMember(record, property));
-  return text.empty() ? "-" : text;
-}
-
-void PrintList(const Object& email, Output* output) {
+void PrintList(const std::string& name, const Object& email, bool json, Output* output) {
   const PartTree tree(email);
   const std::vector<Attached> list = ListAttached(email, tree);
   const auto row = [&](std::size_t i) {
     const Attached& attached = list[i];
-    return Row{attached.part ? tree.Number(*attached.part) : "-",
+    const auto text = [&](std::string_view property) {
+      return PlainLine(TextMember(attached.record, property));
+    };
+    return Row{attached.part ? tree.Number(*attached.part) : std::string(),
                attached.is_inline ? "inline" : "attachment",
-               Cell(attached.record, "MimeType"),
+               text("MimeType"),
                std::to_string(TextMember(attached.record, "Data").bytes().size()),
-               Cell(attached.record, "Filename"),
-               Cell(attached.record, "contentId")};
+               text("Filename"),
+               text("contentId")};
   };
-  FormatTable({Align::kLeft, Align::kLeft, Align::kLeft, Align::kRight, Align::kLeft, Align::kLeft},
-              list.size(), row, [&](std::string_view line) { output->PrintLine(line); });
+  PrintTable(name,
+             {"attached",
+              {{"part", ColumnKind::kOptional},
+               {"kind", ColumnKind::kText},
+               {"mime_type", ColumnKind::kOptional},
+               {"bytes", ColumnKind::kNumber},
+               {"filename", ColumnKind::kOptional},
+               {"content_id", ColumnKind::kOptional}},
+              list.size(),
+              row},
+             json, output);
 }
 
 }  // namespace
 
 int List(const Session& session, const Request& request, Output* output) {
-  return ForEachFile(session, request.inputs, output, [&](const std::string&, const Object& email) {
-    PrintList(email, output);
+  const auto visit = [&](const std::string& name, const Object& email) {
+    PrintList(name, email, request.json, output);
     return true;
-  });
+  };
+  return ForEachMessage(session, request, output, visit);
 }
 
 }  // namespace zqv::cli

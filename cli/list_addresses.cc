@@ -1,8 +1,6 @@
 // `zqv addresses`: the mailboxes of the address fields.
 //
-// Columns: field, e-mail address, name, group; "-" for what is absent, so that the columns can be
-// told apart by a program. A group without members has a line of its own.
-#include <array>
+// Columns: field, e-mail address, name, group. A group without members has a line of its own.
 #include <string>
 #include <string_view>
 #include <utility>
@@ -10,9 +8,10 @@
 
 #include "cli/addresses.h"
 #include "cli/message.h"
-#include "cli/table.h"
+#include "cli/print_table.h"
 #include "cli/text.h"
 #include "cli/verbs.h"
+#include "cli/visit.h"
 
 namespace zqv::cli {
 namespace {
@@ -44,7 +43,7 @@ class AddressRows {
 
   void AddGroup(const Object& group) {
     if (group.IsNil()) return;
-    const std::string name = SafeLine(TextMember(group, "NameDecoded"));
+    const std::string name = PlainLine(TextMember(group, "NameDecoded"));
     if (AddMailboxes(group, name) == 0) AddRow({}, {}, name);
   }
 
@@ -55,13 +54,12 @@ class AddressRows {
   }
 
   void AddMailbox(const Object& mailbox, const std::string& group) {
-    AddRow(SafeLine(TextMember(mailbox, "Email")), SafeLine(TextMember(mailbox, "LabelDecoded")),
+    AddRow(PlainLine(TextMember(mailbox, "Email")), PlainLine(TextMember(mailbox, "LabelDecoded")),
            group);
   }
 
   void AddRow(const std::string& email, const std::string& name, const std::string& group) {
-    const auto cell = [](const std::string& text) { return text.empty() ? "-" : text; };
-    rows_.push_back({field_, cell(email), cell(name), cell(group)});
+    rows_.push_back({field_, email, name, group});
   }
 
   std::string field_;
@@ -71,15 +69,20 @@ class AddressRows {
 }  // namespace
 
 int Addresses(const Session& session, const Request& request, Output* output) {
-  const auto visit = [&](const std::string&, const Object& email) {
-    const AddressRows table(ObjectMember(email, "Header"));
-    FormatTable(
-        {Align::kLeft, Align::kLeft, Align::kLeft, Align::kLeft}, table.rows().size(),
-        [&](std::size_t i) { return table.rows()[i]; },
-        [&](std::string_view line) { output->PrintLine(line); });
+  const auto visit = [&](const std::string& name, const Object& email) {
+    const AddressRows addresses(ObjectMember(email, "Header"));
+    PrintTable(name,
+               {"addresses",
+                {{"field", ColumnKind::kText},
+                 {"email", ColumnKind::kOptional},
+                 {"name", ColumnKind::kOptional},
+                 {"group", ColumnKind::kOptional}},
+                addresses.rows().size(),
+                [&](std::size_t i) { return addresses.rows()[i]; }},
+               request.json, output);
     return true;
   };
-  return ForEachFile(session, request.inputs, output, visit);
+  return ForEachMessage(session, request, output, visit);
 }
 
 }  // namespace zqv::cli

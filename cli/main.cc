@@ -1,6 +1,7 @@
 // The zqv program: shows messages through the library in a stand-in host.
 //
-// Exit codes: 0 done; 1 a message, the library or a file could not be read or written; 2 usage.
+// Exit codes: 0 done; 1 a message, the library or a file could not be read or written, or what was
+// asked for is not there, or `check` found something; 2 the command line is wrong.
 #include <exception>
 #include <variant>
 
@@ -15,14 +16,14 @@ namespace {
 int Main(int count, const char* const* values) {
   EndOnClosedPipe();
   const std::variant<Arguments, int> parsed = ParseArguments(count, values);
-  Output output;
+  const auto* const arguments = std::get_if<Arguments>(&parsed);
+  Output output(arguments == nullptr ? Colour::kNever : arguments->colour);
   int code = 1;
   if (const int* const exit_code = std::get_if<int>(&parsed)) {
     code = *exit_code;
   } else {
     try {
-      const auto& arguments = std::get<Arguments>(parsed);
-      code = arguments.verb(Session(arguments.session), arguments.request, &output);
+      code = arguments->verb(Session(arguments->session), arguments->request, &output);
     } catch (const std::exception& error) {
       Complain(error.what());
     }

@@ -8,6 +8,7 @@
 #include "cli/message.h"
 #include "cli/print_text.h"
 #include "cli/verbs.h"
+#include "cli/visit.h"
 #include "standin/application.h"
 
 namespace zqv::cli {
@@ -37,7 +38,7 @@ int Strip(const Session& session, const Request& request, Output* output) {
     if (!is_whole) Complain(file + ": what follows the first zero byte was left out");
     return is_whole;
   };
-  return ForEachFile(session, request.inputs, output, visit);
+  return ForOneMessage(session, request, visit);
 }
 
 }  // namespace zqv::cli

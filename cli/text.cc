@@ -4,6 +4,7 @@
 #include <wchar.h>
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 
 #include "abi/encodings.h"
@@ -82,6 +83,28 @@ class WidthLocale {
   const locale_t before_;
 };
 
+constexpr std::size_t kAnyWidth = std::numeric_limits<std::size_t>::max();
+
+// The longest start of a text that fits into `width` columns.
+struct Fitting {
+  std::size_t bytes = 0;
+  std::size_t columns = 0;
+};
+
+Fitting Fit(std::string_view text, std::size_t width) {
+  const WidthLocale locale;
+  Fitting fitting;
+  while (fitting.bytes < text.size()) {
+    const CodePoint c = FirstCodePoint(text.substr(fitting.bytes));
+    const int columns = wcwidth(static_cast<wchar_t>(c.value));
+    const std::size_t more = columns < 0 ? 1 : static_cast<std::size_t>(columns);
+    if (more > width - fitting.columns) break;
+    fitting.bytes += c.bytes;
+    fitting.columns += more;
+  }
+  return fitting;
+}
+
 }  // namespace
 
 std::string SafeText(std::string_view text, Lines lines) { return Escape(text, lines, true); }
@@ -101,16 +124,19 @@ std::string SafeLine(const standin::String& string) {
   return std::string(Trim(SafeText(string, Lines::kOne)));
 }
 
-std::size_t DisplayWidth(std::string_view text) {
-  const WidthLocale locale;
-  std::size_t width = 0;
-  while (!text.empty()) {
-    const CodePoint c = FirstCodePoint(text);
-    const int columns = wcwidth(static_cast<wchar_t>(c.value));
-    width += columns < 0 ? 1 : static_cast<std::size_t>(columns);
-    text.remove_prefix(c.bytes);
-  }
-  return width;
+std::string PlainLine(const standin::String& string) {
+  const std::optional<std::string> utf8 = string.Utf8();
+  return std::string(Trim(utf8 ? *utf8 : SafeText(string, Lines::kOne)));
+}
+
+std::size_t DisplayWidth(std::string_view text) { return Fit(text, kAnyWidth).columns; }
+
+std::string CutToWidth(std::string_view text, std::size_t width) {
+  const Fitting whole = Fit(text, width);
+  if (whole.bytes == text.size()) return std::string(text);
+  constexpr std::string_view kEllipsis = "\xE2\x80\xA6";
+  const Fitting part = Fit(text, width - std::min<std::size_t>(width, 1));
+  return std::string(text.substr(0, part.bytes)).append(kEllipsis);
 }
 
 std::string_view Trim(std::string_view text) {
@@ -118,6 +144,17 @@ std::string_view Trim(std::string_view text) {
   const std::size_t first = text.find_first_not_of(kBlanks);
   if (first == std::string_view::npos) return {};
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+std::string Grouped(std::size_t number) {
+  constexpr std::size_t kGroup = 3;
+  std::string text = std::to_string(number);
+  for (std::size_t i = text.size(); i > kGroup; i -= kGroup) text.insert(i - kGroup, ",");
+  return text;
+}
+
+std::string Counted(std::size_t number, const std::string& noun) {
+  return Grouped(number) + " " + noun + (number == 1 ? "" : "s");
 }
 
 std::string ByteCount(std::size_t bytes) {

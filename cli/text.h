@@ -30,11 +30,25 @@ std::string SafeText(const standin::String& string, Lines lines);
 // One line of safe text without the blanks around it.
 std::string SafeLine(const standin::String& string);
 
+// The same for a program, which is not to be protected: nothing is escaped but bytes that cannot be
+// converted.
+std::string PlainLine(const standin::String& string);
+
 // Columns that a terminal needs for safe text of one line.
 std::size_t DisplayWidth(std::string_view text);
 
 // `text` without spaces and tabs at both ends.
 std::string_view Trim(std::string_view text);
+
+// `text` cut to so many columns, the last of them "…"; a text that fits is left alone. Safe text of
+// one line.
+std::string CutToWidth(std::string_view text, std::size_t width);
+
+// "1,204,310".
+std::string Grouped(std::size_t number);
+
+// "1 message", "1,204 messages".
+std::string Counted(std::size_t number, const std::string& noun);
 
 // "1 byte", "665 bytes".
 std::string ByteCount(std::size_t bytes);

@@ -6,9 +6,10 @@
 #include <unordered_map>
 
 #include "cli/message.h"
-#include "cli/table.h"
+#include "cli/print_table.h"
 #include "cli/text.h"
 #include "cli/verbs.h"
+#include "cli/visit.h"
 
 namespace zqv::cli {
 namespace {
@@ -25,7 +26,7 @@ std::unordered_map<std::size_t, std::string> NamesByPart(const Object& email,
   std::unordered_map<std::size_t, std::string> names;
   for (const Attached& attached : ListAttached(email, tree)) {
     if (!attached.part) continue;
-    names.emplace(*attached.part, SafeLine(TextMember(attached.record, "Filename")));
+    names.emplace(*attached.part, PlainLine(TextMember(attached.record, "Filename")));
   }
   return names;
 }
@@ -36,32 +37,41 @@ std::string SizeOf(const PartTree::Part& part) {
   return std::to_string(body.bytes().size());
 }
 
-std::string IndentedType(const PartTree::Part& part) {
-  const std::string type = MimeTypeOf(ObjectMember(part.entity, "Header"));
+// For a reader, who sees the depth by it.
+std::string IndentedType(const PartTree::Part& part, const std::string& type) {
   return std::string(kIndent * std::min(part.depth, kDeepestIndent), ' ') +
          (type.empty() ? "(no type)" : type);
 }
 
-void PrintTree(const Object& email, Output* output) {
+void PrintTree(const std::string& message, const Object& email, bool json, Output* output) {
   const PartTree tree(email);
   const auto names = NamesByPart(email, tree);
   const auto row = [&](std::size_t i) {
     const PartTree::Part& part = tree.parts()[i];
     const auto name = names.find(i);
-    return Row{tree.Number(i), IndentedType(part), SizeOf(part),
+    const std::string type = MimeTypeOf(ObjectMember(part.entity, "Header"));
+    return Row{tree.Number(i), json ? type : IndentedType(part, type), SizeOf(part),
                name == names.end() ? std::string() : name->second};
   };
-  FormatTable({Align::kLeft, Align::kLeft, Align::kRight, Align::kLeft}, tree.parts().size(), row,
-              [&](std::string_view line) { output->PrintLine(line); });
+  PrintTable(message,
+             {"parts",
+              {{"number", ColumnKind::kText},
+               {"mime_type", ColumnKind::kText},
+               {"bytes", ColumnKind::kNumber},
+               {"filename", ColumnKind::kText}},
+              tree.parts().size(),
+              row},
+             json, output);
 }
 
 }  // namespace
 
 int Tree(const Session& session, const Request& request, Output* output) {
-  return ForEachFile(session, request.inputs, output, [&](const std::string&, const Object& email) {
-    PrintTree(email, output);
+  const auto visit = [&](const std::string& name, const Object& email) {
+    PrintTree(name, email, request.json, output);
     return true;
-  });
+  };
+  return ForEachMessage(session, request, output, visit);
 }
 
 }  // namespace zqv::cli

@@ -2,22 +2,42 @@
 // or 1 when anything could not be done, which has then been said.
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/output.h"
 #include "cli/session.h"
+#include "cli/source.h"
 
 namespace zqv::cli {
 
+enum class ExportForm { kJson, kText, kHtml, kFiles };
+
+// The share of the messages that is exported: those whose places fall to `number` of `count`.
+struct Shard {
+  std::size_t number = 1;
+  std::size_t count = 1;
+};
+
 // What a verb is to work on; each looks at what concerns it.
 struct Request {
-  std::vector<std::string> inputs;  // paths of files, "-" being standard input; texts for decode
-  std::string field;                // headers: only fields of this name; empty: all
-  std::string part = "0";           // headers: whose
-  std::string folder;               // extract: where the files go
-  bool force = false;               // extract: replaces files
-  bool raw = false;                 // bytes as the library has them
+  SourceOptions source;                  // the messages; for decode the texts
+  std::size_t message = 0;               // only this one of all messages, from 1; 0: all
+  bool json = false;                     // data as JSON documents instead of lines
+  std::string field;                     // headers: only fields of this name; empty: all
+  std::string part = "0";                // headers: whose
+  std::optional<std::string> sent_part;  // extract: whose bytes go to standard output
+  std::string folder;                    // extract, export: where the files go
+  std::string page;                      // report: the file to write, "-" for standard output
+  bool force = false;                    // extract, export, report: replaces files
+  bool raw = false;                      // bytes as the library has them
+  std::vector<ExportForm> forms;         // export; none: JSON
+  bool skip_existing = false;            // export
+  std::size_t jobs = 1;                  // export: worker processes
+  Shard shard;                           // export
+  std::size_t rounds = 5;                // bench
 };
 
 using Verb = int(const Session& session, const Request& request, Output* output);
@@ -32,9 +52,9 @@ Verb Headers;
 Verb Addresses;
 // One line for each attachment and inline part.
 Verb List;
-// Writes the attachments and inline parts of one message and prints the paths.
+// Writes the attachments and inline parts of one message and prints the paths; or prints one part.
 Verb Extract;
-// The plain text of one message, or its HTML; 1 also when there is none.
+// The plain text of messages, or their HTML; 1 also when there is none.
 Verb Text;
 Verb Html;
 // The text of an HTML file, which is no message.
@@ -45,6 +65,14 @@ Verb Decode;
 Verb Strip;
 // All that the classes give, as JSON.
 Verb Json;
+// Writes many messages into a folder.
+Verb Export;
+// What is odd about messages; 1 also when anything is.
+Verb Check;
+// One message as a page to look at.
+Verb Report;
+// How fast messages are constructed.
+Verb Bench;
 // What the library registered; reads no message.
 Verb Classes;
 

@@ -18,6 +18,27 @@ add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/packaging/zqv.1.gz
 add_custom_target(manual ALL DEPENDS ${PROJECT_BINARY_DIR}/packaging/zqv.1.gz)
 add_dependencies(product manual)
 install(FILES ${PROJECT_BINARY_DIR}/packaging/zqv.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+# What makes shells complete command lines, under the names that they look for.
+set(completions)
+foreach(pair bash:zqv zsh:_zqv fish:zqv.fish)
+  string(REPLACE ":" ";" pair ${pair})
+  list(GET pair 0 shell)
+  list(GET pair 1 name)
+  set(file ${PROJECT_BINARY_DIR}/packaging/${shell}/${name})
+  file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/packaging/${shell})
+  add_custom_command(OUTPUT ${file} COMMAND zqv completion ${shell} > ${file} DEPENDS zqv VERBATIM)
+  list(APPEND completions ${file})
+endforeach()
+add_custom_target(completions ALL DEPENDS ${completions})
+add_dependencies(product completions)
+install(FILES ${PROJECT_BINARY_DIR}/packaging/bash/zqv
+  DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions)
+install(FILES ${PROJECT_BINARY_DIR}/packaging/zsh/_zqv
+  DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/zsh/vendor-completions)
+install(FILES ${PROJECT_BINARY_DIR}/packaging/fish/zqv.fish
+  DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/fish/vendor_completions.d)
+
+install(FILES ${PROJECT_SOURCE_DIR}/docs/schema.json DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/zqv)
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/zqv
   RENAME copyright)
 install(FILES ${PROJECT_SOURCE_DIR}/THIRD_PARTY.md DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/zqv)

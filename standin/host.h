@@ -48,6 +48,7 @@ class Host {
   Ledger& ledger() { return store_.ledger(); }
   Store& store() { return store_; }
   ClassTable& classes() { return classes_; }
+  const ClassTable& classes() const { return classes_; }
 
   // How often an entry point was called, or asked of the resolver. Names that are no entry point
   // are fatal to ask about, so that a mistyped one does not count as 0.

@@ -2,6 +2,8 @@
 
 import ctypes
 import os
+import re
+import shutil
 import subprocess
 import unittest
 
@@ -12,10 +14,11 @@ EMPTY = "UnsupportedOperationException: Can't parse empty text."
 NO_HEADER = ("UnsupportedOperationException: "
              "Email must start with an header text. BOM character?")
 NOT_OPENED = "IOException: Failed to open file for reading."
-NOBODY = 65534
 
-VERBS = (["show"], ["tree"], ["headers"], ["addresses"], ["list"], ["text"], ["html"], ["strip"],
-         ["json"], ["extract", "--dir", "never-made"])
+# Every verb on messages, with what it cannot do without.
+VERBS = (["show"], ["tree"], ["headers"], ["addresses"], ["list"], ["check"], ["text"], ["html"],
+         ["strip"], ["json"], ["bench"], ["extract", "--dir", "never-made"],
+         ["extract", "--stdout", "0"], ["report", "-o", "never-made"])
 
 
 class BadFileTest(program.TestCase):
@@ -25,6 +28,10 @@ class BadFileTest(program.TestCase):
             with self.subTest(verb[0]):
                 self.expect(zqv(*verb, path, cwd=self.folder), 1, "", f"zqv: {path}: {message}\n")
         self.assertFalse((self.folder / "never-made").exists())
+        result = self.expect(zqv("export", "--to", "exported", path, cwd=self.folder), 1, "", None)
+        self.assertRegex(result.err, rf"\Azqv: {re.escape(str(path))}: {re.escape(message)}\n"
+                                     r"zqv: exported 0 messages.*\n\Z")
+        self.assertEqual(list((self.folder / "exported").iterdir()), [])
 
     def test_missing(self):
         self.check(self.folder / "nothing.eml", NOT_OPENED)
@@ -33,7 +40,7 @@ class BadFileTest(program.TestCase):
         self.check("", NOT_OPENED)
 
     def test_directory(self):
-        self.check(self.folder, "OutOfMemoryException: Failed to allocate memory for email")
+        self.check(self.folder, "is a folder; --recursive reads what is in it")
 
     def test_empty(self):
         self.check(self.write("a.eml", b""), EMPTY)
@@ -52,21 +59,47 @@ class BadFileTest(program.TestCase):
         path = self.write("a.eml", b"Subject: x\n\nx\n")
         path.chmod(0)
         copy = self.copy_program()
-        options = {"user": NOBODY, "group": NOBODY, "extra_groups": []} if os.getuid() == 0 else {}
+        options = program.as_nobody()
         self.expect(zqv("show", path, program=copy, **options), 1, "",
                     f"zqv: {path}: {NOT_OPENED}\n")
         # It was the file and nothing else that could not be read.
         path.chmod(0o644)
         self.expect(zqv("show", path, program=copy, **options), 0, None)
 
-    def test_a_pipe_in_the_file_system(self):
-        path = self.folder / "pipe"
-        os.mkfifo(path)
-        self.check(path, NOT_OPENED)
+    def test_three_gigabytes(self):
+        path = self.write("a.eml", b"Subject: x\n\n")
+        os.truncate(path, 3 << 30)
+        self.check(path, "larger than 2 GB, which is more than a host string holds")
+        self.expect(zqv("html2text", path), 1, "",
+                    f"zqv: {path}: larger than 2 GB, which is more than a host string holds\n")
+
+    def test_binary_junk_is_read_as_far_as_it_goes(self):
+        path = self.write("a.eml", bytes(range(1, 256)) * 100)
+        for verb in VERBS + (["export", "--to", "exported"],):
+            with self.subTest(verb[0]):
+                result = zqv(*verb, path, cwd=self.folder)
+                self.assertIn(result.code, (0, 1), result)
+                self.assertLessEqual(result.err.count("\n"), 1, result)
+                for file in self.folder.glob("*made"):
+                    shutil.rmtree(file) if file.is_dir() else file.unlink()
 
     def test_control_characters_in_the_name(self):
         self.expect(zqv("show", "no\x1B[2J\nsuch\u202Efile"), 1, "",
                     f"zqv: no\\x1B[2J\\x0Asuch\\u{{202E}}file: {NOT_OPENED}\n")
+
+
+class NoMessageTest(program.TestCase):
+    """Verbs on files that need not be messages."""
+
+    def test_html2text(self):
+        gone = self.folder / "gone.html"
+        self.expect(zqv("html2text", gone), 1, "", f"zqv: {gone}: No such file or directory\n")
+        self.expect(zqv("html2text", self.folder), 1, "", f"zqv: {self.folder}: Is a directory\n")
+        self.expect(zqv("html2text", self.write("a.html", b"")), 0, "")
+
+    def test_nothing_to_measure(self):
+        self.expect(zqv("bench", "-r", self.folder), 1, "",
+                    "zqv: there is no message to measure with\n")
 
 
 class SeveralFilesTest(program.TestCase):

@@ -1,6 +1,7 @@
 """Writing attachments: the bytes, and that no name and no link leads out of the folder."""
 
 import base64
+import email
 import os
 import pathlib
 import resource
@@ -215,6 +216,34 @@ class FolderTest(ExtractTest):
         self.expect(zqv("extract", path, "--dir", self.target, preexec_fn=limit), 1, "",
                     f"zqv: {self.target}/a.txt: File too large\n")
         self.assertEqual(self.files(), set())
+
+
+class PartTest(program.TestCase):
+    """The bytes of one part on standard output."""
+
+    def test_bytes_of_a_file(self):
+        result = self.expect(zqv("extract", SAMPLES / "attachments.eml", "--stdout", "2"), 0, None)
+        message = email.message_from_bytes((SAMPLES / "attachments.eml").read_bytes())
+        self.assertEqual(result.out_bytes, message.get_payload(1).get_payload(decode=True))
+
+    def test_bytes_of_a_text_in_its_own_encoding(self):
+        path = self.write("a.eml", b"Content-Type: text/plain; charset=iso-8859-1\n"
+                                   b"Content-Transfer-Encoding: quoted-printable\n\ncaf=E9\n")
+        result = self.expect(zqv("extract", path, "--stdout", "0"), 0, None)
+        self.assertEqual(result.out_bytes, b"caf\xE9\n")
+
+    def test_part_of_an_attached_message(self):
+        result = self.expect(zqv("extract", SAMPLES / "nested.eml", "--stdout", "2.1.2"))
+        self.assertEqual(len(result.out_bytes), 34)
+
+    def test_a_part_that_holds_others_has_no_bytes(self):
+        self.expect(zqv("extract", SAMPLES / "attachments.eml", "--stdout", "1"), 0, "")
+
+    def test_no_such_part(self):
+        path = SAMPLES / "attachments.eml"
+        for part in ("4", "1.3", "2.1", "0.1"):
+            self.expect(zqv("extract", path, "--stdout", part), 1, "",
+                        f"zqv: {path}: there is no part {part}\n")
 
 
 if __name__ == "__main__":

@@ -2,6 +2,7 @@
 
 import base64
 import json
+import re
 import unittest
 
 import program
@@ -143,6 +144,70 @@ class JsonTest(program.TestCase):
         parts = self.read(path)["parts"]
         self.assertEqual(len(parts), depth + 1)
         self.assertEqual(parts[-1]["number"], ".".join(["1"] * depth))
+
+
+class VerbsTest(program.TestCase):
+    """--json of the verbs that print lines."""
+
+    def read(self, *arguments, code=0):
+        return json.loads(self.expect(zqv(*arguments, "--json"), code).out)
+
+    def test_what_is_absent_is_null(self):
+        self.assertEqual(self.read("tree", SAMPLES / "nested.eml")["parts"][:2], [
+            {"number": "0", "mime_type": "multipart/mixed", "bytes": None, "filename": None},
+            {"number": "1", "mime_type": "multipart/related", "bytes": None, "filename": None}])
+        self.assertIsNone(self.read("list", SAMPLES / "attachments.eml")["attached"][0]["content_id"])
+        path = self.write("a.eml", "From: ada@example.org\n\nx\n")
+        self.assertEqual(self.read("addresses", path)["addresses"], [
+            {"field": "From", "email": "ada@example.org", "name": None, "group": None}])
+
+    def test_texts_are_not_changed_for_terminals(self):
+        path = self.write("a.eml", "Subject: x\nX-A: a\x07b\n\nx\n")
+        self.assertEqual(self.read("headers", "--name", "X-A", path)["fields"],
+                         [{"name": "X-A", "value": "a\x07b"}])
+        self.assertEqual(self.read("decode", "=?utf-8?Q?a=0A=1Bb?=")["texts"],
+                         [{"text": "=?utf-8?Q?a=0A=1Bb?=", "decoded": "a\n\x1Bb"}])
+
+    def test_missing_fields_are_an_empty_list(self):
+        path = self.write("a.eml", "Subject: x\n\nx\n")
+        result = zqv("headers", "--name", "X-A", "--json", path)
+        self.assertEqual((result.code, json.loads(result.out)["fields"]), (1, []))
+
+    def test_show(self):
+        summary = self.read("show", SAMPLES / "nested.eml")["summary"]
+        self.assertEqual(summary["subject"], "Your ticket 881 was answered")
+        self.assertEqual(summary["date"], "2024-09-13 16:45:10")
+        self.assertEqual(summary["sender"], ["Olu Banjo <olu@example.org>"])
+        self.assertEqual((summary["cc"], summary["html_bytes"], summary["parts"]), ([], 206, 9))
+        self.assertEqual([(file["part"], file["filename"]) for file in summary["attachments"]],
+                         [("2", "your message.eml"), ("2.1.1", "attachment"), ("2.1.2", "pages.csv")])
+        self.assertEqual(summary["inlines"], [{"part": "1.2", "filename": "logo.gif",
+                                               "mime_type": "image/gif", "bytes": 121}])
+        self.assertTrue(summary["plain_text"].startswith("Hello Petra,\n"))
+
+    def test_several_messages_have_no_headings(self):
+        out = self.expect(zqv("tree", "--json", SAMPLES / "plain.eml", SAMPLES / "nested.eml")).out
+        self.assertEqual(out.count('"format_version": 1'), 2)
+        self.assertNotIn("==>", out)
+
+    def test_classes_are_those_of_the_listing(self):
+        classes = self.read("classes")["classes"]
+        lines = []
+        for entry in classes:
+            lines.append((entry["name"], entry["super"]))
+            for member in entry["members"]:
+                shared = "shared " if member["shared"] else ""
+                lines.append(f"{shared}{member['kind']} {member['declaration']}")
+        expected = []
+        for line in zqv("classes").out.splitlines():
+            match = re.match(r"class (\w+)(?: of (\w+))?,", line)
+            if match:
+                expected.append(match.groups())
+            else:
+                text = re.match(r"  ((?:shared )?(?:property [^,]+|method \".*\"))", line).group(1)
+                expected.append(text.replace('"', ""))
+        self.assertEqual(lines, expected)
+        self.assertEqual(len(classes), 11)
 
 
 if __name__ == "__main__":

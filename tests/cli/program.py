@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import pty
 import shutil
 import subprocess
 import tempfile
@@ -10,6 +11,7 @@ import unittest
 ZQV = pathlib.Path(os.environ["ZQV"])
 SAMPLES = pathlib.Path(os.environ["ZQV_SAMPLES"])
 LIBRARY = ZQV.parent / "MimeEmailZQV.so"
+NOBODY = 65534
 TIMEOUT = 60  # seconds; sanitized builds are slow
 
 
@@ -35,6 +37,13 @@ def environment():
     return {**os.environ, "TZ": "UTC", "LC_ALL": "C"}
 
 
+def as_nobody():
+    """Options of `zqv` that take root's rights away; without such rights nothing."""
+    if os.getuid() != 0:
+        return {}
+    return {"user": NOBODY, "group": NOBODY, "extra_groups": []}
+
+
 def zqv(*arguments, stdin=b"", program=ZQV, **options):
     """Runs the program to its end."""
     if isinstance(stdin, bytes):
@@ -44,6 +53,25 @@ def zqv(*arguments, stdin=b"", program=ZQV, **options):
     run = subprocess.run([program, *arguments], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                          env=environment(), timeout=TIMEOUT, check=False, **options)
     return Result(run.returncode, run.stdout, run.stderr)
+
+
+def on_terminal(*arguments, columns=None, **variables):
+    """What the program prints when its output is a terminal that changes nothing."""
+    primary, secondary = pty.openpty()
+    width = ["cols", str(columns)] if columns else []
+    subprocess.run(["stty", "-F", os.ttyname(secondary), "raw", *width], check=True)
+    with subprocess.Popen([ZQV, *arguments], stdin=subprocess.DEVNULL, stdout=secondary,
+                          stderr=subprocess.PIPE, env={**environment(), **variables}) as process:
+        os.close(secondary)
+        out = b""
+        try:
+            while chunk := os.read(primary, 65536):
+                out += chunk
+        except OSError:  # the end of a terminal
+            pass
+        process.communicate(timeout=TIMEOUT)
+    os.close(primary)
+    return out.decode("utf-8")
 
 
 class TestCase(unittest.TestCase):

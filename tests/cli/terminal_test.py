@@ -1,9 +1,10 @@
 """Nothing in a message may steer the terminal that shows it."""
 
+import re
 import unittest
 
 import program
-from program import zqv
+from program import SAMPLES, on_terminal, zqv
 
 # Escapes that clear the screen, in every place that a message offers.
 HOSTILE = (
@@ -33,9 +34,11 @@ class TerminalTest(program.TestCase):
         self.path = self.write("hostile.eml", HOSTILE)
 
     def test_no_verb_lets_a_control_character_through(self):
-        for verb in ("show", "tree", "headers", "addresses", "list", "json"):
+        for verb in ("show", "tree", "headers", "addresses", "list", "json", "check",
+                     "show --json", "tree --json", "headers --json", "addresses --json",
+                     "list --json", "check --json"):
             with self.subTest(verb):
-                result = self.expect(zqv(verb, self.path))
+                result = zqv(*verb.split(), self.path)
                 self.assertTrue(result.out)
                 bad = [c for c in result.out
                        if (ord(c) < 32 and c not in "\n\t") or 127 <= ord(c) < 160
@@ -67,6 +70,49 @@ class TerminalTest(program.TestCase):
         path = self.write("bad.eml", b"Subject: x\nContent-Type: text/plain; charset=utf-8\n"
                                      b"\n\xE9t\xC3\xA9\n")
         self.assertIn("\n\n\\xE9té\n", self.expect(zqv("show", path)).out)
+
+
+class ColourTest(program.TestCase):
+    def headings(self, *arguments, terminal=True, **variables):
+        """The output, on a terminal or into a file."""
+        command = ["show", SAMPLES / "plain.eml", *arguments]
+        if terminal:
+            return on_terminal(*command, **variables)
+        return zqv(*command).out
+
+    def test_on_terminals_only(self):
+        self.assertIn("\x1B[1mSubject:\x1B[0m Keys", self.headings(TERM="xterm"))
+        self.assertNotIn("\x1B", self.headings(terminal=False))
+
+    def test_not_where_it_is_not_wanted(self):
+        self.assertNotIn("\x1B", self.headings(TERM="dumb"))
+        self.assertNotIn("\x1B", self.headings(TERM="xterm", NO_COLOR="1"))
+        self.assertNotIn("\x1B", self.headings("--color", "never", TERM="xterm"))
+
+    def test_an_empty_variable_says_nothing(self):
+        self.assertIn("\x1B[1m", self.headings(TERM="xterm", NO_COLOR=""))
+
+    def test_always(self):
+        self.assertIn("\x1B[1m", self.headings("--color", "always", terminal=False))
+        self.assertIn("\x1B[1m", self.headings("--color", "always", TERM="dumb", NO_COLOR="1"))
+
+    def test_columns_stay_where_they_are(self):
+        plain = self.headings(terminal=False)
+        coloured = self.headings("--color", "always", terminal=False)
+        self.assertEqual(re.sub(r"\x1B\[[0-9]*m", "", coloured), plain)
+
+
+class WidthTest(program.TestCase):
+    def test_lines_of_tables_end_where_the_terminal_ends(self):
+        name = "写真" * 30 + ".png"
+        path = self.write("wide.eml", "Subject: x\nMIME-Version: 1.0\nContent-Type: image/png; "
+                          f"name=\"{name}\"\n\nx\n")
+        whole = self.expect(zqv("tree", path)).out
+        self.assertEqual(whole, f"0  image/png  2  {name}\n")
+        cut = on_terminal("tree", path, columns=40)
+        # 17 columns before the name, 22 of it, two each, and the sign that something is missing.
+        self.assertEqual(cut, "0  image/png  2  " + "写真" * 5 + "写…\n")
+        self.assertEqual(on_terminal("tree", path, columns=200), whole)
 
 
 if __name__ == "__main__":

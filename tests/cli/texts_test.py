@@ -1,12 +1,9 @@
 """The verbs that print one text: text, html, html2text, decode, strip, addresses."""
 
-import os
-import pty
-import subprocess
 import unittest
 
 import program
-from program import SAMPLES, TIMEOUT, ZQV, environment, zqv
+from program import SAMPLES, on_terminal, zqv
 
 
 def message(content_type, body, *fields):
@@ -15,22 +12,11 @@ def message(content_type, body, *fields):
     return "\n".join(lines).encode("ascii") + body
 
 
-def on_terminal(*arguments):
-    """What the program prints when its output is a terminal that changes nothing."""
-    primary, secondary = pty.openpty()
-    subprocess.run(["stty", "-F", os.ttyname(secondary), "raw"], check=True)
-    with subprocess.Popen([ZQV, *arguments], stdin=subprocess.DEVNULL, stdout=secondary,
-                          stderr=subprocess.PIPE, env=environment()) as process:
-        os.close(secondary)
-        out = b""
-        try:
-            while chunk := os.read(primary, 65536):
-                out += chunk
-        except OSError:  # the end of a terminal
-            pass
-        process.communicate(timeout=TIMEOUT)
-    os.close(primary)
-    return out.decode("utf-8")
+class DateTest(program.TestCase):
+    def test_a_year_before_the_first(self):
+        # What the library makes of a date that is none.
+        path = self.write("a.eml", "Date: no date at all\nSubject: x\n\nx\n")
+        self.assertIn("Date:        -001-11-30 00:00:00\n", self.expect(zqv("show", path)).out)
 
 
 class TextTest(program.TestCase):

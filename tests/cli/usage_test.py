@@ -1,11 +1,16 @@
 """The command line: what is refused, and that it is refused before anything is done."""
 
+import re
+import shlex
 import unittest
 
 import program
 from program import SAMPLES, zqv
 
 PLAIN = str(SAMPLES / "plain.eml")
+VERBS = ("show", "headers", "tree", "list", "addresses", "check", "text", "html", "html2text",
+         "decode", "strip", "json", "extract", "export", "report", "classes", "bench",
+         "completion")
 
 
 class UsageTest(program.TestCase):
@@ -25,8 +30,21 @@ class UsageTest(program.TestCase):
             "extract without folder": ["extract", PLAIN],
             "extract into nothing": ["extract", PLAIN, "--dir", ""],
             "extract without file": ["extract", "--dir", target],
-            "extract of two files": ["extract", PLAIN, PLAIN, "--dir", target],
-            "text of two files": ["text", PLAIN, PLAIN],
+            "extract into a folder and to the output":
+                ["extract", PLAIN, "--dir", target, "--stdout", "1"],
+            "export without folder": ["export", PLAIN],
+            "export into nothing": ["export", PLAIN, "--to", ""],
+            "export of an unknown form": ["export", PLAIN, "--to", target, "--form", "json,xml"],
+            "export that replaces and does not":
+                ["export", PLAIN, "--to", target, "--force", "--skip-existing"],
+            "report without page": ["report", PLAIN],
+            "check without file": ["check"],
+            "bench without file": ["bench"],
+            "JSON of a verb without data": ["text", "--json", PLAIN],
+            "unknown input": ["show", "--input", "maildir", PLAIN],
+            "unknown colour": ["show", "--color", "red", PLAIN],
+            "completion of no shell": ["completion"],
+            "completion of an unknown shell": ["completion", "csh"],
             "html without file": ["html"],
             "html2text of two files": ["html2text", PLAIN, PLAIN],
             "strip without file": ["strip"],
@@ -40,6 +58,12 @@ class UsageTest(program.TestCase):
         }
         for version in ("", ".", "x", "2024r1", "1.2.3", "1e3", "nan", "-1"):
             mistakes[f"host version {version!r}"] = ["show", PLAIN, "--host-version", version]
+        for number in ("", "0", "-1", "1.5", "x", "99999999999999999999999"):
+            mistakes[f"message {number!r}"] = ["show", PLAIN, "--message", number]
+            mistakes[f"jobs {number!r}"] = ["export", PLAIN, "--to", target, "--jobs", number]
+            mistakes[f"rounds {number!r}"] = ["bench", PLAIN, "--rounds", number]
+        for shard in ("", "1", "0/2", "3/2", "/2", "1/", "1/2/3", "a/b", "-1/2"):
+            mistakes[f"shard {shard!r}"] = ["export", PLAIN, "--to", target, "--shard", shard]
         for part in ("", ".", "1.", ".1", "1..2", "x", "1,2", "-1", " 1"):
             mistakes[f"part {part!r}"] = ["headers", PLAIN, "--part", part]
         for name, arguments in mistakes.items():
@@ -51,10 +75,22 @@ class UsageTest(program.TestCase):
     def test_help(self):
         for arguments in (["--help"], ["-h"]):
             out = self.expect(zqv(*arguments)).out
-            for verb in ("show", "tree", "headers", "addresses", "list", "extract", "text", "html",
-                         "html2text", "decode", "strip", "json", "classes"):
+            for verb in VERBS:
                 self.assertRegex(out, rf"(?m)^  {verb} ")
+            self.assertIn("Exit codes: 0 ", out)
         self.assertIn("--force", self.expect(zqv("extract", "--help")).out)
+
+    def test_help_of_each_verb_has_an_example_that_is_understood(self):
+        for verb in VERBS:
+            with self.subTest(verb):
+                out = self.expect(zqv(verb, "--help")).out
+                example = re.search(r"(?m)^Example: zqv (.*)$", out).group(1)
+                words = shlex.split(example.split(" > ")[0])
+                self.assertEqual(words[0], verb)
+                letter = str(SAMPLES / "newsletter.eml")
+                words = [letter if word in ("letter.eml", "page.html") else word for word in words]
+                words = [str(SAMPLES) if word == "Mail" else word for word in words]
+                self.expect(zqv(*words, cwd=self.folder), 0, None, None)
 
     def test_version(self):
         self.assertRegex(self.expect(zqv("--version")).out, r"\Azqv \d+\.\d+\.\d+\n\Z")

@@ -7,25 +7,24 @@ Needs Debian's chromium, chromium-driver and python3-selenium; without them it e
 means skipped. With --shots it leaves pictures of the page in that folder, to be looked at.
 """
 
-import os
 import pathlib
-import shutil
 import sys
 import tempfile
 import unittest
 
 import making
 
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+import browser
+
 SKIPPED = 77
 OPTIONS, REST = making.options(__doc__)
-DRIVER = shutil.which("chromedriver")
-BROWSER = shutil.which("chromium")
 try:
-    from selenium import webdriver
+    from selenium.webdriver import ActionChains
     from selenium.webdriver.common.by import By
     from selenium.webdriver.common.keys import Keys
 except ImportError:
-    webdriver = None
+    pass  # browser.MISSING says so
 
 # Names of the members, or the sections, that one can see.
 SHOWN = """return Array.from(document.querySelectorAll(arguments[0]))
@@ -46,20 +45,6 @@ const links = Array.from(new Set(Array.from(document.querySelectorAll("a[href]")
 })();"""
 
 
-def start_browser():
-    """A browser without a window that keeps what pages say on its console."""
-    options = webdriver.ChromeOptions()
-    options.binary_location = BROWSER
-    for argument in ("--headless=new", "--disable-gpu", "--disable-dev-shm-usage",
-                     "--window-size=1280,900", "--force-color-profile=srgb"):
-        options.add_argument(argument)
-    if os.geteuid() == 0:
-        options.add_argument("--no-sandbox")
-    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
-    service = webdriver.chrome.service.Service(DRIVER)
-    return webdriver.Chrome(options=options, service=service)
-
-
 class Case(unittest.TestCase):
     """A test with the page, just made, in a browser."""
 
@@ -74,7 +59,7 @@ class Case(unittest.TestCase):
         code, said = making.make_page(making.registered(OPTIONS.zqv), cls.page)
         if code:
             raise RuntimeError(said)
-        cls.browser = start_browser()
+        cls.browser = browser.start()
         cls.addClassCleanup(cls.browser.quit)
 
     def command(self, name, **values):
@@ -105,7 +90,7 @@ class Case(unittest.TestCase):
         return self.script(SHOWN, selector)
 
     def press(self, *keys):
-        webdriver.ActionChains(self.browser).send_keys(*keys).perform()
+        ActionChains(self.browser).send_keys(*keys).perform()
 
     def focused(self):
         return self.script("return document.activeElement.id")
@@ -266,10 +251,8 @@ class ConsoleTest(Case):
 
 
 def main():
-    missing = [name for name, found in (("chromium", BROWSER), ("chromium-driver", DRIVER),
-                                        ("python3-selenium", webdriver)) if not found]
-    if missing:
-        print(f"skipped: needs {', '.join(missing)}")
+    if browser.MISSING:
+        print(f"skipped: needs {', '.join(browser.MISSING)}")
         return SKIPPED
     unittest.main(argv=[sys.argv[0], *REST])
     return 1

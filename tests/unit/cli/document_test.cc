@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -66,7 +67,7 @@ TEST(Document, GivesEveryValueThatTheRegisteredMembersGive) {
   std::size_t values = 0;
   for (const std::string& path : Samples()) {
     SCOPED_TRACE(path);
-    const standin::Object email = session.Open(path);
+    const standin::Object email = session.Open({path, path, path, std::nullopt});
     std::multiset<std::string> mirrored;
     CollectValues(standin::Mirror(email, options), &mirrored);
     std::multiset<std::string> described;

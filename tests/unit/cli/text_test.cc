@@ -82,6 +82,28 @@ TEST(DisplayWidthTest, CountsColumns) {
   EXPECT_EQ(DisplayWidth("e\u0301"), 1U);
 }
 
+TEST(CutToWidthTest, KeepsWhatFits) {
+  EXPECT_EQ(CutToWidth("", 0), "");
+  EXPECT_EQ(CutToWidth("abc", 3), "abc");
+  EXPECT_EQ(CutToWidth("写真", 4), "写真");
+}
+
+TEST(CutToWidthTest, EndsWithAnEllipsisInTheLastColumn) {
+  EXPECT_EQ(CutToWidth("abcd", 3), "ab…");
+  EXPECT_EQ(CutToWidth("写真部", 5), "写真…");
+  EXPECT_EQ(CutToWidth("写真部", 4), "写…");  // half a sign cannot be shown
+  EXPECT_EQ(CutToWidth("e\u0301e\u0301e\u0301", 2), "e\u0301…");
+  EXPECT_EQ(CutToWidth("abc", 1), "…");
+}
+
+TEST(CountedTest, GroupsDigitsAndKnowsOne) {
+  EXPECT_EQ(Counted(0, "message"), "0 messages");
+  EXPECT_EQ(Counted(1, "message"), "1 message");
+  EXPECT_EQ(Counted(999, "message"), "999 messages");
+  EXPECT_EQ(Counted(1000, "message"), "1,000 messages");
+  EXPECT_EQ(Counted(1234567, "message"), "1,234,567 messages");
+}
+
 TEST(ByteCountTest, KnowsOneByte) {
   EXPECT_EQ(ByteCount(0), "0 bytes");
   EXPECT_EQ(ByteCount(1), "1 byte");

@@ -1,0 +1,12 @@
+// Bytes as base64.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace zqv::cli {
+
+// RFC 4648, section 4, in one line.
+std::string Base64(std::string_view bytes);
+
+}  // namespace zqv::cli

@@ -1,0 +1,360 @@
+#include "cli/command_line.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "cli/completion.h"
+
+namespace zqv::cli {
+namespace {
+
+// Of host versions and part numbers.
+constexpr std::string_view kNumberCharacters = "0123456789.";
+constexpr std::size_t kMostJobs = 1024;
+
+std::optional<std::size_t> ReadNumber(std::string_view text) {
+  std::size_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+std::string CheckVersion(const std::string& text) {
+  const bool is_number =
+      !text.empty() && text.find_first_not_of(kNumberCharacters) == std::string::npos;
+  return is_number ? std::string() : "no version number: " + text;
+}
+
+std::string CheckPart(const std::string& text) {
+  const bool is_number = !text.empty() && text.front() != '.' && text.back() != '.' &&
+                         text.find_first_not_of(kNumberCharacters) == std::string::npos &&
+                         text.find("..") == std::string::npos;
+  return is_number ? std::string() : "no part number: " + text;
+}
+
+std::string CheckEntryPoint(const std::string& name) {
+  return IsEntryPoint(name) ? std::string() : "hosts have no entry point " + name;
+}
+
+std::string CheckNotEmpty(const std::string& text) {
+  return text.empty() ? "is empty" : std::string();
+}
+
+// Of numbers from 1.
+CLI::Validator UpTo(std::size_t most) {
+  return CLI::Validator(
+      [most](const std::string& text) {
+        const std::optional<std::size_t> number = ReadNumber(text);
+        return number && *number >= 1 && *number <= most ? std::string()
+                                                         : "no number from 1: " + text;
+      },
+      "");
+}
+
+// Of "3/8"; nothing when it is none.
+std::optional<Shard> ReadShard(std::string_view text) {
+  const std::size_t slash = text.find('/');
+  if (slash == std::string_view::npos) return std::nullopt;
+  const std::optional<std::size_t> number = ReadNumber(text.substr(0, slash));
+  const std::optional<std::size_t> count = ReadNumber(text.substr(slash + 1));
+  if (!number || !count || *number < 1 || *number > *count) return std::nullopt;
+  return Shard{*number, *count};
+}
+
+std::string CheckShard(const std::string& text) {
+  return ReadShard(text) ? std::string() : "no share such as 3/8: " + text;
+}
+
+// A word that stands for a value. In the order in which help lists them.
+template <typename T>
+using Choices = std::vector<std::pair<std::string, T>>;
+
+template <typename T>
+std::vector<std::string> WordsOf(const Choices<T>& choices) {
+  std::vector<std::string> words;
+  for (const auto& choice : choices) words.push_back(choice.first);
+  return words;
+}
+
+// Of a word that is one of the choices.
+template <typename T>
+T ValueOf(const std::string& word, const Choices<T>& choices) {
+  const auto found = std::find_if(choices.begin(), choices.end(),
+                                  [&](const auto& choice) { return choice.first == word; });
+  return found->second;
+}
+
+// What the option `name` gets as its value, one of the words.
+template <typename T>
+void AddChoice(CLI::App* app, const char* name, T* value, const Choices<T>& choices,
+               const char* about) {
+  app->add_option_function<std::string>(
+         name, [value, choices](const std::string& word) { *value = ValueOf(word, choices); },
+         about)
+      ->type_name("WORD")
+      ->check(CLI::IsMember(WordsOf(choices)));
+}
+
+// How a verb takes its messages.
+enum class Inputs { kOne, kSeveral };
+
+// Nothing that is handed to the parser refers to it.
+class CommandLine {
+ public:
+  CommandLine(CLI::App* app, Arguments* arguments)
+      : app_(app), arguments_(arguments), request_(&arguments->request) {}
+
+  void Describe() {
+    app_->require_subcommand(1);
+    AddCommonOptions();
+    AddVerbsThatShow();
+    AddVerbsThatConvert();
+    AddVerbsThatWrite();
+    AddVerbsOfTheLibrary();
+  }
+
+ private:
+  void AddCommonOptions() {
+    SessionOptions* const session = &arguments_->session;
+    app_->add_option("--library", session->library,
+                     "The library to load instead of MimeEmailZQV.so beside the program")
+        ->type_name("FILE")
+        ->check(CheckNotEmpty);
+    app_->add_option("--host-version", session->host_version, "Play a host of this version")
+        ->type_name("VERSION")
+        ->check(CheckVersion);
+    app_->add_option("--without", session->without,
+                     "Play a host that lacks this entry point; may be repeated")
+        ->type_name("NAME")
+        ->allow_extra_args(false)
+        ->check(CheckEntryPoint);
+    app_->add_flag("--debug", session->debug, "Write the library's log to standard error");
+    AddChoice<Colour>(
+        app_, "--color", &arguments_->colour,
+        {{"auto", Colour::kAuto}, {"always", Colour::kAlways}, {"never", Colour::kNever}},
+        "Colour headings; auto does so on terminals");
+  }
+
+  CLI::App* AddVerb(const char* name, const char* about, const char* example, Verb* verb) {
+    CLI::App* const command = app_->add_subcommand(name, about);
+    command->fallthrough();
+    command->footer(std::string("Example: zqv ") + example);
+    command->callback([verb, arguments = arguments_] { arguments->verb = verb; });
+    return command;
+  }
+
+  // A verb that works on messages.
+  CLI::App* AddVerbOnMessages(const char* name, const char* about, const char* example, Verb* verb,
+                              Inputs inputs = Inputs::kSeveral) {
+    CLI::App* const command = AddVerb(name, about, example, verb);
+    SourceOptions* const source = &request_->source;
+    command
+        ->add_option("source", source->inputs,
+                     "Messages, mbox files, Maildirs, folders; - is standard input")
+        ->type_name("SOURCE")
+        ->required();
+    command->add_flag("-r,--recursive", source->recursive, "Read what is in folders");
+    AddChoice<InputForm>(
+        command, "--input", &source->form,
+        {{"auto", InputForm::kAuto}, {"message", InputForm::kMessage}, {"mbox", InputForm::kMbox}},
+        "What files are; auto: their first lines tell");
+    command
+        ->add_option("--message", request_->message,
+                     inputs == Inputs::kOne ? "Of several messages the one with this number, from 1"
+                                            : "Only the message with this number, from 1")
+        ->type_name("NUMBER")
+        ->check(UpTo(std::numeric_limits<std::size_t>::max()));
+    return command;
+  }
+
+  // A verb that works on one file that is no message.
+  CLI::App* AddVerbOnFile(const char* name, const char* about, const char* example, Verb* verb) {
+    CLI::App* const command = AddVerb(name, about, example, verb);
+    command->add_option("file", request_->source.inputs, "The file; - is standard input")
+        ->type_name("FILE")
+        ->expected(1)
+        ->required();
+    return command;
+  }
+
+  void AddJson(CLI::App* command) {
+    command->add_flag("--json", request_->json, "Print JSON, as docs/schema.json describes it");
+  }
+
+  void AddRaw(CLI::App* command, const char* about) {
+    command->add_flag("--raw", request_->raw, about);
+  }
+
+  void AddForce(CLI::App* command) {
+    command->add_flag("--force", request_->force, "Replace files that are there already");
+  }
+
+  void AddFolder(CLI::App* command, const char* name) {
+    command->add_option(name, request_->folder, "The folder, made when it is missing")
+        ->type_name("FOLDER")
+        ->check(CheckNotEmpty);
+  }
+
+  void AddVerbsThatShow() {
+    AddJson(AddVerbOnMessages("show", "Show messages: who, when, what about, what is in them",
+                              "show letter.eml", Show));
+
+    CLI::App* const headers = AddVerbOnMessages("headers", "Print header fields",
+                                                "headers --name Received letter.eml", Headers);
+    AddJson(headers);
+    headers->add_option("--name", request_->field, "Only the fields of this name")
+        ->type_name("NAME")
+        ->check(CheckNotEmpty);
+    headers->add_option("--part", request_->part, "The header of this part, as tree counts")
+        ->type_name("PART")
+        ->check(CheckPart);
+
+    AddJson(AddVerbOnMessages("tree", "Show the parts of messages: number, type, bytes, name",
+                              "tree letter.eml", Tree));
+    AddJson(AddVerbOnMessages("list",
+                              "List what is attached: part, kind, type, bytes, file name, "
+                              "Content-ID",
+                              "list letter.eml", List));
+    AddJson(AddVerbOnMessages("addresses", "List the addresses: field, address, name, group",
+                              "addresses --recursive Mail", Addresses));
+    AddJson(AddVerbOnMessages("check",
+                              "Say what is odd about messages; exit code 1 when anything is",
+                              "check letter.eml", Check));
+  }
+
+  void AddVerbsThatConvert() {
+    constexpr const char* kRawText = "Print the bytes as they are, in their own encoding";
+    AddRaw(AddVerbOnMessages("text", "Print the plain text of messages", "text letter.eml", Text),
+           kRawText);
+    AddRaw(AddVerbOnMessages("html", "Print the HTML of messages", "html letter.eml", Html),
+           kRawText);
+    AddVerbOnFile("html2text", "Turn a file of HTML into text", "html2text page.html", HtmlToText);
+
+    CLI::App* const decode = AddVerb("decode", "Decode encoded words in header texts",
+                                     "decode '=?utf-8?Q?Caf=C3=A9?='", Decode);
+    AddJson(decode);
+    decode
+        ->add_option("text", request_->source.inputs, "Header texts; - is lines of standard input")
+        ->type_name("TEXT")
+        ->required();
+
+    AddRaw(AddVerbOnMessages("strip", "Print a message without its files",
+                             "strip letter.eml > small.eml", Strip, Inputs::kOne),
+           "Print the line breaks as they are: single CRs");
+    CLI::App* const json = AddVerbOnMessages("json", "Print all that the classes give, as JSON",
+                                             "json letter.eml", Json);
+    AddRaw(json, "Give each text as its bytes in base64 and the number of its encoding");
+    json->callback([arguments = arguments_] {
+      arguments->verb = Json;
+      arguments->request.json = true;
+    });
+  }
+
+  void AddVerbsThatWrite() {
+    CLI::App* const extract =
+        AddVerbOnMessages("extract", "Write what is attached into a folder",
+                          "extract letter.eml --dir letter", Extract, Inputs::kOne);
+    AddFolder(extract, "--dir");
+    AddForce(extract);
+    CLI::Option* const part =
+        extract
+            ->add_option("--stdout", request_->sent_part,
+                         "Print the bytes of this part, as tree counts, and write nothing")
+            ->type_name("PART")
+            ->check(CheckPart);
+    extract->get_option("--dir")->excludes(part);
+    extract->callback([arguments = arguments_] {
+      if (arguments->request.folder.empty() && !arguments->request.sent_part) {
+        throw CLI::RequiredError("--dir or --stdout");
+      }
+      arguments->verb = Extract;
+    });
+
+    AddExport();
+
+    CLI::App* const report =
+        AddVerbOnMessages("report", "Write one page that shows a message and all that is in it",
+                          "report letter.eml -o letter.html", Report, Inputs::kOne);
+    report->add_option("-o,--output", request_->page, "The page; - is standard output")
+        ->type_name("FILE")
+        ->check(CheckNotEmpty)
+        ->required();
+    AddForce(report);
+  }
+
+  void AddExport() {
+    CLI::App* const command =
+        AddVerbOnMessages("export", "Write many messages into a folder, each under its own name",
+                          "export Mail --recursive --to out --jobs 4", Export);
+    AddFolder(command, "--to");
+    command->get_option("--to")->required();
+    const Choices<ExportForm> forms = {{"json", ExportForm::kJson},
+                                       {"text", ExportForm::kText},
+                                       {"html", ExportForm::kHtml},
+                                       {"attachments", ExportForm::kFiles}};
+    command
+        ->add_option_function<std::vector<std::string>>(
+            "--form",
+            [request = request_, forms](const std::vector<std::string>& words) {
+              for (const std::string& word : words) {
+                request->forms.push_back(ValueOf(word, forms));
+              }
+            },
+            "What to write of each, at first json; several with commas")
+        ->type_name("WORD")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->check(CLI::IsMember(WordsOf(forms)));
+    command->add_flag("--skip-existing", request_->skip_existing,
+                      "Leave out what is there already");
+    AddForce(command);
+    command->get_option("--force")->excludes("--skip-existing");
+    AddRaw(command, "In JSON give each text as its bytes, as json --raw does");
+    command->add_option("-j,--jobs", request_->jobs, "So many processes side by side")
+        ->type_name("NUMBER")
+        ->check(UpTo(kMostJobs));
+    command
+        ->add_option_function<std::string>(
+            "--shard",
+            [request = request_](const std::string& text) {
+              request->shard = ReadShard(text).value_or(Shard());
+            },
+            "Only this share of the messages: 3/8 is the third of eight")
+        ->type_name("I/N")
+        ->check(CheckShard);
+  }
+
+  void AddVerbsOfTheLibrary() {
+    AddJson(AddVerb("classes", "List the classes that the library registers", "classes", Classes));
+    CLI::App* const bench = AddVerbOnMessages(
+        "bench", "Measure how fast the library constructs messages", "bench letter.eml", Bench);
+    AddJson(bench);
+    bench->add_option("--rounds", request_->rounds, "Construct everything so many times")
+        ->type_name("NUMBER")
+        ->check(UpTo(1000000));
+    app_->add_subcommand("completion", "Print what makes a shell complete command lines")
+        ->footer("Example: zqv completion bash > /etc/bash_completion.d/zqv")
+        ->add_option("shell", arguments_->shell, "Which one")
+        ->type_name("SHELL")
+        ->check(CLI::IsMember(CompletionShells()))
+        ->required();
+  }
+
+  CLI::App* const app_;
+  Arguments* const arguments_;
+  Request* const request_;
+};
+
+}  // namespace
+
+void DescribeCommandLine(CLI::App* app, Arguments* arguments) {
+  CommandLine(app, arguments).Describe();
+}
+
+}  // namespace zqv::cli

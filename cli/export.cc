@@ -1,0 +1,273 @@
+// `zqv export`: many messages into a folder.
+//
+// Each message is written under its place below the folder: "Mail/2024/letter.eml" becomes
+// "Mail/2024/letter.eml.json", .txt, .html, and a folder "letter.eml.files" of what is attached.
+// Nothing is there by halves: files appear whole, and a folder of files gets its name when all of
+// them are in it. What goes wrong with one message is said and does not stop the others.
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "cli/attached_files.h"
+#include "cli/document.h"
+#include "cli/folder.h"
+#include "cli/message.h"
+#include "cli/output.h"
+#include "cli/print_json.h"
+#include "cli/progress.h"
+#include "cli/source.h"
+#include "cli/text.h"
+#include "cli/verbs.h"
+#include "cli/visit.h"
+#include "cli/workers.h"
+
+namespace zqv::cli {
+namespace {
+
+using standin::Object;
+using standin::String;
+
+const char* SuffixOf(ExportForm form) {
+  switch (form) {
+    case ExportForm::kJson:
+      return ".json";
+    case ExportForm::kText:
+      return ".txt";
+    case ExportForm::kHtml:
+      return ".html";
+    case ExportForm::kFiles:
+      break;
+  }
+  return ".files";
+}
+
+// Writes messages into the folder.
+class Exporter {
+ public:
+  Exporter(const Session& session, const Request& request)
+      : session_(session), request_(request), top_(request.folder) {
+    if (request.forms.empty()) {
+      forms_.push_back(ExportForm::kJson);
+    } else {
+      forms_ = request.forms;
+    }
+  }
+
+  // False when everything was there already. Throws what says why it cannot be done.
+  bool Write(const Item& item) {
+    const std::size_t slash = item.place.rfind('/');
+    const std::string name = item.place.substr(slash == std::string::npos ? 0 : slash + 1);
+    const Folder& folder = Open(item.place.substr(0, slash == std::string::npos ? 0 : slash));
+    std::vector<ExportForm> missing;
+    for (const ExportForm form : forms_) {
+      if (request_.force || !folder.Has(name + SuffixOf(form))) {
+        missing.push_back(form);
+      } else if (!request_.skip_existing) {
+        throw std::runtime_error(request_.folder + "/" + item.place + SuffixOf(form) +
+                                 " is there already; --skip-existing or --force");
+      }
+    }
+    if (missing.empty()) return false;
+    const Object email = session_.Open(item);
+    for (const ExportForm form : missing) WriteForm(form, item, email, folder, name);
+    return true;
+  }
+
+ private:
+  // The folder below the top. One at a time is kept: messages come folder by folder.
+  const Folder& Open(const std::string& place) {
+    if (place.empty()) return top_;
+    if (!current_ || current_place_ != place) {
+      std::optional<Folder> folder;
+      for (std::string_view rest = place; !rest.empty();) {
+        const std::string name(rest.substr(0, rest.find('/')));
+        folder.emplace((folder ? *folder : top_).Sub(name));
+        rest.remove_prefix(std::min(rest.size(), name.size() + 1));
+      }
+      current_.swap(folder);
+      current_place_ = place;
+    }
+    return *current_;
+  }
+
+  void WriteForm(ExportForm form, const Item& item, const Object& email, const Folder& folder,
+                 const std::string& name) const {
+    const std::string file = name + SuffixOf(form);
+    switch (form) {
+      case ExportForm::kJson:
+        folder.Write(file,
+                     DocumentText(item.name, "message",
+                                  DescribeMessage(email, request_.raw ? RawText : ReadableText)) +
+                         "\n",
+                     request_.force);
+        break;
+      case ExportForm::kText:
+        WriteText(TextMember(email, "PlainText"), folder, file);
+        break;
+      case ExportForm::kHtml:
+        WriteText(TextMember(email, "HTMLText"), folder, file);
+        break;
+      case ExportForm::kFiles:
+        WriteFiles(email, folder, file);
+        break;
+    }
+  }
+
+  // A message without such a text gets no file.
+  void WriteText(const String& text, const Folder& folder, const std::string& file) const {
+    if (!text.IsNil()) folder.Write(file, DataText(text), request_.force);
+  }
+
+  // A message to which nothing is attached gets no folder.
+  void WriteFiles(const Object& email, const Folder& folder, const std::string& name) const {
+    AttachedFiles files(email);
+    if (files.count() == 0) return;
+    if (folder.Has(name)) {  // replaced one by one: whatever else is in there stays
+      WriteAll(&files, folder.Sub(name));
+      return;
+    }
+    const std::string unfinished = "." + name + ".unfinished";
+    folder.Remove(unfinished);  // of a run that was killed
+    try {
+      WriteAll(&files, folder.Sub(unfinished));
+      folder.Rename(unfinished, name);
+    } catch (...) {
+      RemoveQuietly(folder, unfinished);
+      throw;
+    }
+  }
+
+  void WriteAll(AttachedFiles* files, const Folder& folder) const {
+    for (std::size_t i = 0; i < files->count(); ++i) {
+      folder.Write(files->Name(i), files->Data(i).bytes(), request_.force);
+    }
+  }
+
+  static void RemoveQuietly(const Folder& folder, const std::string& name) {
+    try {
+      folder.Remove(name);
+    } catch (const std::runtime_error&) {  // what went wrong before matters more
+    }
+  }
+
+  const Session& session_;
+  const Request& request_;
+  const Folder top_;
+  std::vector<ExportForm> forms_;
+  std::optional<Folder> current_;
+  std::string current_place_;
+};
+
+// FNV-1a: the same for a place on every machine.
+bool IsInShard(const std::string& place, const Shard& shard) {
+  std::uint64_t hash = 0xCBF29CE484222325U;
+  for (const char c : place) {
+    hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
+  }
+  return hash % shard.count == shard.number - 1;
+}
+
+std::size_t SizeOf(const Item& item) {
+  if (item.bytes) return item.bytes->size();
+  struct stat status = {};
+  return stat(item.path.c_str(), &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
+}
+
+Parcel ParcelOf(const Item& item) {
+  Parcel parcel = {item.name, item.place, item.path};
+  if (item.bytes) parcel.push_back(*item.bytes);
+  return parcel;
+}
+
+Item ItemOf(const Parcel& parcel) {
+  Item item = {parcel[0], parcel[1], parcel[2], std::nullopt};
+  if (parcel.size() > 3) item.bytes = parcel[3];
+  return item;
+}
+
+// What became of the messages.
+class Tally {
+ public:
+  explicit Tally(std::size_t total_bytes) : progress_(total_bytes) {}
+
+  // `outcome` as Attempt gives it.
+  void Add(const Item& item, const std::string& outcome) {
+    if (outcome == kWritten) {
+      ++written_;
+    } else if (outcome == kSkipped) {
+      ++skipped_;
+    } else {
+      ++failed_;
+      Complain(item.name + ": " + outcome);
+    }
+    progress_.Add(SizeOf(item));
+  }
+
+  void Say() const {
+    const std::size_t all = written_ + skipped_ + failed_;
+    const double seconds = std::max(progress_.passed().count(), 0.001);
+    Complain("exported " + Counted(written_, "message") +
+             (skipped_ > 0 ? ", " + Grouped(skipped_) + " were there already" : "") +
+             (failed_ > 0 ? ", " + Grouped(failed_) + " failed" : "") + ", in " +
+             DurationText(progress_.passed()) + " (" +
+             Grouped(static_cast<std::size_t>(static_cast<double>(all) / seconds)) + " a second)");
+  }
+
+  bool all_good() const { return failed_ == 0; }
+
+  static constexpr const char* kWritten = "";
+  static constexpr const char* kSkipped = "-";
+
+ private:
+  Progress progress_;
+  std::size_t written_ = 0;
+  std::size_t skipped_ = 0;
+  std::size_t failed_ = 0;
+};
+
+// Tally::kWritten, Tally::kSkipped, or what went wrong.
+std::string Attempt(Exporter* exporter, const Item& item) {
+  try {
+    return exporter->Write(item) ? Tally::kWritten : Tally::kSkipped;
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+}
+
+}  // namespace
+
+int Export(const Session& session, const Request& request, Output*) {
+  Exporter exporter(session, request);
+  Tally tally(Progress::IsWanted() ? TotalBytes(request.source) / request.shard.count : 0);
+  const auto hand_to = [&](const std::function<void(const Item&)>& use) {
+    return ForEachChosen(request, [&](Item&& item) {
+      if (IsInShard(item.place, request.shard)) use(item);
+      return true;
+    });
+  };
+  bool all_read = false;
+  if (request.jobs == 1) {
+    all_read = hand_to([&](const Item& item) { tally.Add(item, Attempt(&exporter, item)); });
+  } else {
+    Workers workers(
+        request.jobs,
+        [&](const Parcel& piece) { return Parcel{Attempt(&exporter, ItemOf(piece))}; },
+        [&](const Parcel& piece, const Parcel& result) { tally.Add(ItemOf(piece), result[0]); },
+        [&](const Parcel& piece, const std::string& reason) { tally.Add(ItemOf(piece), reason); });
+    all_read = hand_to([&](const Item& item) { workers.Give(ParcelOf(item)); });
+    workers.Finish();
+  }
+  tally.Say();
+  return all_read && tally.all_good() ? 0 : 1;
+}
+
+}  // namespace zqv::cli

@@ -1,0 +1,251 @@
+#include "cli/mail_text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <iterator>
+#include <optional>
+
+#include "cli/text.h"
+#include "standin/text.h"
+
+namespace zqv::cli {
+namespace {
+
+constexpr std::size_t kNowhere = std::string_view::npos;
+constexpr std::string_view kDigits = "0123456789";
+
+bool IsLineEnd(char c) { return c == '\r' || c == '\n'; }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsLetter(char c) {
+  const char lower = standin::LowerAscii(c);
+  return lower >= 'a' && lower <= 'z';
+}
+
+// Of a hexadecimal digit; -1 for any other character.
+int HexadecimalValue(char c) {
+  const char lower = standin::LowerAscii(c);
+  if (IsDigit(c)) return c - '0';
+  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+// What "%41" at the front of a text stands for; nothing when there is no such escape.
+std::optional<char> ByteOfEscape(std::string_view text) {
+  if (text.size() < 3 || text[0] != '%') return std::nullopt;
+  const int high = HexadecimalValue(text[1]);
+  const int low = HexadecimalValue(text[2]);
+  if (high < 0 || low < 0) return std::nullopt;
+  return static_cast<char>(high * 16 + low);
+}
+
+// A quote at one end alone belongs to the text.
+std::string_view WithoutQuotes(std::string_view text) {
+  const bool is_quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
+  return is_quoted ? text.substr(1, text.size() - 2) : text;
+}
+
+// Takes what comes up to `end`, and that too, off the front of a text.
+std::string_view TakeUpTo(char end, std::string_view* text) {
+  const std::string_view piece = text->substr(0, text->find(end));
+  text->remove_prefix(std::min(piece.size() + 1, text->size()));
+  return piece;
+}
+
+// Of a charset's name in an encoded word.
+bool IsTokenCharacter(char c) {
+  return c > ' ' && c < '\x7F' && std::string_view("()<>@,;:\"/[]?.=").find(c) == kNowhere;
+}
+// Blanks are against the rules, but frequent, and the library does not mind.
+bool IsEncodedText(char c) { return c >= ' ' && c < '\x7F' && c != '?'; }
+
+// The encoded word at the front of a text that begins with "=?".
+std::optional<EncodedWord> WordAtFront(std::string_view text) {
+  const auto charset_begin = text.begin() + 2;
+  const auto charset_end = std::find_if_not(charset_begin, text.end(), IsTokenCharacter);
+  const auto at = static_cast<std::size_t>(charset_end - text.begin());
+  const std::string_view rest = text.substr(at);  // "?Q?Caf=C3=A9?="
+  constexpr std::size_t kBeforeText = 3;
+  if (charset_end == charset_begin || rest.size() < kBeforeText || rest[0] != '?' || rest[2] != '?')
+    return std::nullopt;
+  if (std::string_view("BbQq").find(rest[1]) == kNowhere) return std::nullopt;
+  const auto end = std::find_if_not(rest.begin() + kBeforeText, rest.end(), IsEncodedText);
+  const auto length = static_cast<std::size_t>(end - rest.begin());
+  if (rest.substr(length, 2) != "?=") return std::nullopt;
+  return EncodedWord{text.substr(0, at + length + 2), text.substr(2, at - 2), rest[1]};
+}
+
+constexpr std::string_view kDays[] = {"mon", "tue", "wed", "thu", "fri", "sat", "sun"};
+constexpr std::string_view kMonths[] = {"jan", "feb", "mar", "apr", "may", "jun",
+                                        "jul", "aug", "sep", "oct", "nov", "dec"};
+constexpr std::array<int, 12> kDaysOfMonths = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+
+// Reads a date from its front; nothing where it does not fit.
+class DateReader {
+ public:
+  explicit DateReader(std::string_view text) : rest_(text) {}
+
+  DateFault Run() {
+    SkipDayName();
+    const std::optional<int> day = Number(2);
+    const std::optional<std::size_t> month = Name(kMonths);
+    const std::optional<int> year = Number(4);
+    const bool is_day = day && month && year && IsDay(*day, *month, *year);
+    if (!is_day || !SkipTime() || SkipHalf()) return DateFault::kNoDate;
+    constexpr int kFirstOfFourDigits = 1000;
+    return *year < kFirstOfFourDigits ? DateFault::kEarlyYear : DateFault::kNone;
+  }
+
+ private:
+  static bool IsDay(int day, std::size_t month, int year) {
+    const bool is_leap = month == 1 && year % 4 == 0;
+    return day >= 1 && day <= kDaysOfMonths[month] + (is_leap ? 1 : 0);
+  }
+
+  bool SkipTime() {
+    const std::optional<int> hour = Number(2);
+    if (!Skip(':')) return false;
+    const std::optional<int> minute = Number(2);
+    const std::optional<int> second = Skip(':') ? Number(2) : 0;
+    return hour && minute && second && *hour < 24 && *minute < 60 && *second <= 60;
+  }
+
+  // "AM" or "PM", which no mail has.
+  bool SkipHalf() {
+    SkipBlanks();
+    const std::string_view word = rest_.substr(0, 2);
+    return standin::SameName(word, "am") || standin::SameName(word, "pm");
+  }
+
+  void SkipBlanks() { rest_.remove_prefix(std::min(rest_.find_first_not_of(" \t"), rest_.size())); }
+
+  bool Skip(char c) {
+    SkipBlanks();
+    if (rest_.empty() || rest_.front() != c) return false;
+    rest_.remove_prefix(1);
+    return true;
+  }
+
+  void SkipDayName() {
+    if (Name(kDays)) Skip(',');
+  }
+
+  // Of one digit or more.
+  std::optional<int> Number(std::size_t most) {
+    SkipBlanks();
+    const std::size_t length = std::min(rest_.find_first_not_of(kDigits), rest_.size());
+    if (length == 0 || length > most) return std::nullopt;
+    int value = 0;
+    for (const char c : rest_.substr(0, length)) value = value * 10 + (c - '0');
+    rest_.remove_prefix(length);
+    return value;
+  }
+
+  // The index of a name that begins with one of three letters.
+  template <std::size_t kCount>
+  std::optional<std::size_t> Name(const std::string_view (&names)[kCount]) {
+    SkipBlanks();
+    const auto end = std::find_if_not(rest_.begin(), rest_.end(), IsLetter);
+    const std::string_view word = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
+    const auto found = std::find_if(std::begin(names), std::end(names), [&](std::string_view name) {
+      return standin::SameName(word.substr(0, name.size()), name);
+    });
+    if (found == std::end(names)) return std::nullopt;
+    rest_.remove_prefix(word.size());
+    return static_cast<std::size_t>(found - std::begin(names));
+  }
+
+  std::string_view rest_;
+};
+
+constexpr std::array<bool, 256> MakeBase64Digits() {
+  std::array<bool, 256> table{};
+  for (std::size_t c = '0'; c <= '9'; ++c) table[c] = true;
+  for (std::size_t c = 'A'; c <= 'Z'; ++c) table[c] = true;
+  for (std::size_t c = 'a'; c <= 'z'; ++c) table[c] = true;
+  table['+'] = table['/'] = true;
+  return table;
+}
+constexpr std::array<bool, 256> kBase64Digits = MakeBase64Digits();
+
+}  // namespace
+
+std::string Unfolded(std::string_view value) {
+  std::string line;
+  while (!value.empty()) {
+    const auto end = std::find_if(value.begin(), value.end(), IsLineEnd);
+    const auto length = static_cast<std::size_t>(end - value.begin());
+    line += value.substr(0, length);
+    value.remove_prefix(std::min(value.find_first_not_of(" \t\r\n", length), value.size()));
+    if (!value.empty()) line += ' ';
+  }
+  return std::string(Trim(line));
+}
+
+std::vector<Parameter> ParametersOf(std::string_view value) {
+  std::vector<Parameter> parameters;
+  TakeUpTo(';', &value);
+  while (!value.empty()) {
+    std::string_view text = TakeUpTo(';', &value);
+    if (text.find('=') == kNowhere) continue;
+    const std::string_view name = Trim(TakeUpTo('=', &text));
+    parameters.push_back({name, WithoutQuotes(Trim(text))});
+  }
+  return parameters;
+}
+
+const Parameter* FindParameter(const std::vector<Parameter>& parameters, std::string_view name) {
+  const auto found = std::find_if(parameters.begin(), parameters.end(), [&](const Parameter& p) {
+    return standin::SameName(p.name, name);
+  });
+  return found == parameters.end() ? nullptr : &*found;
+}
+
+std::string_view TypeOf(std::string_view value) { return Trim(TakeUpTo(';', &value)); }
+
+std::vector<EncodedWord> EncodedWordsOf(std::string_view value) {
+  std::vector<EncodedWord> words;
+  std::size_t at = 0;
+  while ((at = value.find("=?", at)) != kNowhere) {
+    const std::optional<EncodedWord> word = WordAtFront(value.substr(at));
+    if (word) words.push_back(*word);
+    at += word ? word->text.size() : 2;
+  }
+  return words;
+}
+
+DateFault FindDateFault(std::string_view value) { return DateReader(value).Run(); }
+
+bool HasPercentEscape(std::string_view text) {
+  for (std::size_t at = 0; (at = text.find('%', at)) != kNowhere; ++at) {
+    if (ByteOfEscape(text.substr(at))) return true;
+  }
+  return false;
+}
+
+std::string Unescaped(std::string_view text) {
+  std::string bytes;
+  while (!text.empty()) {
+    const std::optional<char> byte = ByteOfEscape(text);
+    bytes += byte.value_or(text.front());
+    text.remove_prefix(byte ? 3 : 1);
+  }
+  return bytes;
+}
+
+Base64Fault FindBase64Fault(std::string_view text) {
+  constexpr std::size_t kGroup = 4;
+  std::size_t digits = 0;  // since the last padding: texts may be joined
+  for (const char c : text) {
+    if (kBase64Digits[static_cast<unsigned char>(c)]) {
+      ++digits;
+    } else if (c == '=') {
+      if (digits % kGroup == 1) return Base64Fault::kCut;
+      digits = 0;
+    } else if (c != ' ' && c != '\t' && !IsLineEnd(c)) {
+      return Base64Fault::kForeign;
+    }
+  }
+  return digits % kGroup == 1 ? Base64Fault::kCut : Base64Fault::kNone;
+}
+
+}  // namespace zqv::cli

@@ -1,0 +1,109 @@
+#include "cli/mbox.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace zqv::cli {
+namespace {
+
+constexpr std::string_view kFrom = "From ";
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+bool IsMonth(std::string_view word) {
+  static constexpr std::array<std::string_view, 12> kMonths = {
+      "Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+  return std::find(kMonths.begin(), kMonths.end(), word) != kMonths.end();
+}
+
+// "9:05", "21:49:08".
+bool IsTime(std::string_view word) {
+  const std::size_t colon = word.find(':');
+  return (colon == 1 || colon == 2) && word.size() >= colon + 3 && IsDigit(word[0]) &&
+         IsDigit(word[colon - 1]) && IsDigit(word[colon + 1]) && IsDigit(word[colon + 2]);
+}
+
+std::string_view WithoutEnd(std::string_view line) {
+  if (!line.empty() && line.back() == '\n') line.remove_suffix(1);
+  if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+  return line;
+}
+
+void AppendWithinLimit(std::string_view bytes, std::string* text) {
+  *text += bytes.substr(0, kMostMessageBytes + 1 - std::min(text->size(), kMostMessageBytes + 1));
+}
+
+bool IsQuotedFrom(std::string_view line) {
+  const std::size_t first = line.find_first_not_of('>');
+  return first != 0 && first != std::string_view::npos &&
+         line.compare(first, kFrom.size(), kFrom) == 0;
+}
+
+}  // namespace
+
+bool IsMboxSeparator(std::string_view line) {
+  if (line.compare(0, kFrom.size(), kFrom) != 0) return false;
+  bool has_month = false;
+  bool has_time = false;
+  while (!line.empty()) {
+    const std::string_view word = line.substr(0, line.find(' '));
+    has_month = has_month || IsMonth(word);
+    has_time = has_time || IsTime(word);
+    line.remove_prefix(std::min(line.size(), word.size() + 1));
+  }
+  return has_month && has_time;
+}
+
+bool MboxSplitter::Add(std::string_view bytes) {
+  while (goes_on_ && !bytes.empty()) {
+    const std::size_t end = bytes.find('\n');
+    if (end == std::string_view::npos) {
+      AppendWithinLimit(bytes, &held_);
+      break;
+    }
+    const std::string_view line = bytes.substr(0, end + 1);
+    if (held_.empty()) {
+      goes_on_ = AddLine(line);
+    } else {
+      AppendWithinLimit(line, &held_);
+      goes_on_ = AddLine(held_);
+      held_.clear();
+    }
+    bytes.remove_prefix(line.size());
+  }
+  return goes_on_;
+}
+
+bool MboxSplitter::Finish() {
+  if (goes_on_ && !held_.empty()) goes_on_ = AddLine(held_);
+  held_.clear();
+  if (goes_on_ && is_inside_) goes_on_ = GiveMessage();
+  return goes_on_;
+}
+
+bool MboxSplitter::AddLine(std::string_view line) {
+  const std::string_view text = WithoutEnd(line);
+  const bool is_separator = is_after_empty_ && IsMboxSeparator(text);
+  const bool is_first_separator = is_separator && !is_inside_;
+  is_after_empty_ = text.empty();
+  if (is_first_separator) {
+    is_inside_ = true;
+    return true;
+  }
+  if (is_separator) return GiveMessage();
+  if (!is_inside_) return false;  // no mailbox
+  if (IsQuotedFrom(text)) line.remove_prefix(1);
+  AppendWithinLimit(line, &message_);
+  last_line_size_ = is_after_empty_ ? line.size() : 0;
+  return true;
+}
+
+// The empty line before the separator, or before the end of the file, is no part of the message.
+bool MboxSplitter::GiveMessage() {
+  message_.resize(message_.size() - std::min(message_.size(), last_line_size_));
+  last_line_size_ = 0;
+  return give_(std::exchange(message_, {}));
+}
+
+}  // namespace zqv::cli

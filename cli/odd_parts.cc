@@ -1,0 +1,227 @@
+#include "cli/odd_parts.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "abi/encodings.h"
+#include "cli/mail_text.h"
+#include "cli/text.h"
+#include "standin/text.h"
+
+namespace zqv::cli {
+namespace {
+
+using standin::Object;
+using standin::SameName;
+using standin::String;
+
+// What a part's objects say of it.
+struct Part {
+  std::size_t index;
+  bool has_parts;
+  Object header;
+  std::string content_type;
+  std::vector<Parameter> parameters;  // of that
+  String body;                        // as it stands in the message
+  String decoded;
+
+  bool IsOfType(std::string_view type) const {
+    const std::string_view own = TypeOf(content_type);
+    return SameName(own.substr(0, own.find('/')), type);
+  }
+  std::string_view Said(std::string_view name) const {
+    const Parameter* const parameter = FindParameter(parameters, name);
+    return parameter == nullptr ? std::string_view() : parameter->value;
+  }
+};
+
+bool IsAscii(std::string_view bytes) {
+  return std::all_of(bytes.begin(), bytes.end(), [](char c) { return (c & 0x80) == 0; });
+}
+
+// Whether text that is labelled as ASCII or UTF-8 is none.
+bool IsWronglyLabelled(const String& text) {
+  if (text.encoding() == abi::kAscii) return !IsAscii(text.bytes());
+  return text.encoding() == abi::kUtf8 && !text.Utf8();
+}
+
+constexpr std::string_view kDisposition = "Content-Disposition";
+
+// charset'language'value, of which the library takes off nothing when there is a language.
+bool IsExtendedValue(std::string_view name) {
+  return std::count(name.begin(), name.end(), '\'') >= 2;
+}
+
+class Search {
+ public:
+  Search(const Object& email, const PartTree& tree, const std::vector<Attached>& attached,
+         const RawMessage& source, Findings* findings)
+      : tree_(tree),
+        source_(source),
+        findings_(*findings),
+        plain_text_(TextMember(email, "PlainText")),
+        html_text_(TextMember(email, "HTMLText")) {
+    for (const Attached& one : attached) {
+      if (one.part) records_.emplace(*one.part, one.record);
+      knows_lists_ = knows_lists_ && one.part.has_value();
+    }
+  }
+
+  void Run() {
+    for (std::size_t i = 0; i < tree_.parts().size(); ++i) {
+      const Part part = PartAt(i);
+      CheckFieldBytes(part);
+      if (SourceOf(part) == nullptr || SourceOf(part)->header_end != HeaderEnd::kMessageEnd) {
+        CheckType(part);
+      }
+      CheckTransferEncoding(part);
+      if (part.IsOfType("text") || part.content_type == "/") CheckText(part);
+      CheckName(part);
+      CheckLists(part);
+    }
+  }
+
+ private:
+  Part PartAt(std::size_t index) const {
+    const PartTree::Part& entry = tree_.parts()[index];
+    Part part = {index, entry.has_parts, ObjectMember(entry.entity, "Header"), {}, {}, {}, {}};
+    part.content_type = TextMember(part.header, "ContentType").bytes();
+    part.parameters = ParametersOf(part.content_type);
+    part.body = TextMember(ObjectMember(entry.entity, "Body"), "StringValue");
+    part.decoded = TextMember(entry.entity, "BodyDecoded");
+    return part;
+  }
+
+  // Null when it is not known.
+  const RawPart* SourceOf(const Part& part) const {
+    return part.index < source_.known ? &source_.parts[part.index] : nullptr;
+  }
+
+  // The line of a field, or else that in which the part begins.
+  Place At(const Part& part, std::string_view field) const {
+    const RawPart* const raw = SourceOf(part);
+    if (raw == nullptr) return {part.index, kNoLine};
+    const RawField* const found = FindField(source_, *raw, field);
+    return {part.index, found == nullptr ? raw->line : found->line};
+  }
+
+  void CheckFieldBytes(const Part& part) {
+    const std::vector<Object> fields = FieldsOf(part.header);
+    const RawPart* const raw = SourceOf(part);
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      const String value = TextMember(fields[i], "Value");
+      if (value.IsNil() || value.encoding() != abi::kMacRoman) continue;
+      Place place = {part.index, kNoLine};
+      if (raw != nullptr && i < raw->field_count) {
+        place.line = source_.fields[raw->first_field + i].line;
+      }
+      findings_.Add(Oddity::kFieldBytes, place, {SafeLine(TextMember(fields[i], "Name"))});
+    }
+  }
+
+  void CheckType(const Part& part) {
+    const std::string_view type = TypeOf(part.content_type);
+    if (type.size() < 2 || (type.front() != '/' && type.back() != '/')) return;
+    findings_.Add(Oddity::kBadContentType, At(part, "Content-Type"), {Quoted(type)});
+  }
+
+  void CheckTransferEncoding(const Part& part) {
+    constexpr std::string_view kField = "Content-Transfer-Encoding";
+    const String mechanism = TextMember(part.header, "ContentTransferEncoding");
+    const auto is = [&](std::string_view name) { return SameName(mechanism.bytes(), name); };
+    if (SameName(TypeOf(part.content_type), "message/rfc822")) {
+      if (!is("base64") && !is("quoted-printable")) return;
+      findings_.Add(Oddity::kEncodedMessage, At(part, kField), {SafeLine(mechanism)});
+      return;
+    }
+    if (part.has_parts || part.IsOfType("multipart") || part.body.IsNil()) return;
+    if (part.decoded.IsNil() && !mechanism.IsNil() && !is("base64") && !is("quoted-printable")) {
+      findings_.Add(Oddity::kUnknownTransferEncoding, At(part, kField),
+                    {Quoted(mechanism.bytes())});
+    }
+    if (!is("base64")) return;
+    const Base64Fault fault = FindBase64Fault(part.body.bytes());
+    if (fault == Base64Fault::kNone) return;
+    findings_.Add(fault == Base64Fault::kForeign ? Oddity::kForeignInBase64 : Oddity::kCutBase64,
+                  At(part, kField));
+  }
+
+  void CheckText(const Part& part) {
+    if (part.decoded.IsNil()) return;
+    const Place place = At(part, "Content-Type");
+    const std::string_view charset = part.Said("charset");
+    if (charset.empty()) {
+      if (part.decoded.encoding() == abi::kMacRoman) findings_.Add(Oddity::kGuessedCharset, place);
+    } else if (part.decoded.encoding() == abi::kUnknownEncoding) {
+      findings_.Add(Oddity::kUnknownCharset, place, {Quoted(charset)});
+    } else if (IsWronglyLabelled(part.decoded)) {
+      findings_.Add(Oddity::kWrongCharset, place, {Quoted(charset)});
+    }
+    if (part.decoded.bytes().find('\0') != std::string_view::npos) {
+      findings_.Add(Oddity::kZeroByteInText, place);
+    }
+  }
+
+  void CheckName(const Part& part) {
+    const auto found = records_.find(part.index);
+    if (found == records_.end()) return;
+    const String disposition = TextMember(found->second, "ContentDisposition");
+    const std::vector<Parameter> parameters = ParametersOf(disposition.bytes());
+    const auto has = [](const std::vector<Parameter>& list, std::string_view name) {
+      const Parameter* const parameter = FindParameter(list, name);
+      return parameter != nullptr && !parameter->value.empty();
+    };
+    if (has(parameters, "filename")) return;
+    if (has(part.parameters, "filename") || has(part.parameters, "name")) return;
+    if (has(parameters, "filename*")) {
+      const std::string name = PlainLine(TextMember(found->second, "Filename"));
+      const bool stays = HasPercentEscape(name) || IsExtendedValue(name);
+      if (stays) findings_.Add(Oddity::kEncodedName, At(part, kDisposition), {Quoted(name)});
+    } else if (!AddUnreadName(part, kDisposition, parameters)) {
+      AddUnreadName(part, "Content-Type", part.parameters);
+    }
+  }
+
+  // Whether the field has a name in a form that the library passes over.
+  bool AddUnreadName(const Part& part, std::string_view field,
+                     const std::vector<Parameter>& parameters) {
+    const auto found = std::find_if(parameters.begin(), parameters.end(), [](const Parameter& p) {
+      const std::size_t star = p.name.find('*');
+      const std::string_view stem = p.name.substr(0, star);
+      return star != std::string_view::npos &&
+             (SameName(stem, "filename") || SameName(stem, "name"));
+    });
+    if (found == parameters.end()) return false;
+    findings_.Add(Oddity::kUnreadName, At(part, field), {SafeText(found->name, Lines::kOne)});
+    return true;
+  }
+
+  // An empty leaf is nothing that could be listed.
+  void CheckLists(const Part& part) {
+    if (!knows_lists_ || part.has_parts || part.body.IsNil()) return;
+    if (records_.find(part.index) != records_.end()) return;
+    const auto is = [&](const String& text) { return text.bytes() == part.decoded.bytes(); };
+    if (!part.decoded.IsNil() && (is(plain_text_) || is(html_text_))) return;
+    findings_.Add(Oddity::kUnlistedPart, At(part, {}));
+  }
+
+  const PartTree& tree_;
+  const RawMessage& source_;
+  Findings& findings_;
+  std::unordered_map<std::size_t, Object> records_;  // of what is attached, by part
+  bool knows_lists_ = true;
+  const String plain_text_;
+  const String html_text_;
+};
+
+}  // namespace
+
+void FindInParts(const Object& email, const PartTree& tree, const std::vector<Attached>& attached,
+                 const RawMessage& source, Findings* findings) {
+  Search(email, tree, attached, source, findings).Run();
+}
+
+}  // namespace zqv::cli

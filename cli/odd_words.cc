@@ -1,0 +1,66 @@
+#include "cli/odd_words.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "abi/encodings.h"
+#include "cli/mail_text.h"
+#include "cli/session.h"
+#include "standin/application.h"
+#include "standin/text.h"
+
+namespace zqv::cli {
+namespace {
+
+using standin::String;
+
+// What the library makes of an ASCII text; nil when it cannot be asked.
+String Decoded(std::string_view text) {
+  try {
+    const standin::Value result =
+        standin::CallShared(kEmailClass, "DecodeInline(Text as String) as String",
+                            standin::MakeString(text, abi::kAscii));
+    const auto* const decoded = std::get_if<String>(&result);
+    return decoded != nullptr ? *decoded : String();
+  } catch (const std::invalid_argument&) {
+    return {};
+  }
+}
+
+// Whether the charset of the last word is not that of all words that are not ASCII.
+bool IsMixed(const std::vector<String>& words, std::string_view value) {
+  const abi::Encoding whole = Decoded(value).encoding();
+  return std::any_of(words.begin(), words.end(), [&](const String& word) {
+    return !word.IsNil() && word.encoding() != abi::kAscii && word.encoding() != whole;
+  });
+}
+
+}  // namespace
+
+void FindInWords(const RawField& field, const Place& place, Findings* findings) {
+  const std::string value = Unfolded(field.value);
+  bool has_lower_case = false;
+  bool has_unknown = false;
+  std::vector<String> decoded_words;
+  for (const EncodedWord& word : EncodedWordsOf(value)) {
+    if (word.letter == 'b' || word.letter == 'q') {
+      if (std::exchange(has_lower_case, true)) continue;
+      findings->Add(Oddity::kLowerCaseWord, place,
+                    {field.name, std::string_view(&word.letter, 1), Quoted(word.text)});
+      continue;
+    }
+    decoded_words.push_back(Decoded(word.text));
+    if (decoded_words.back().bytes() == word.text && !std::exchange(has_unknown, true)) {
+      findings->Add(Oddity::kUnknownWordCharset, place, {field.name, Quoted(word.charset)});
+    }
+  }
+  if (!has_unknown && standin::SameName(field.name, "Subject") && IsMixed(decoded_words, value)) {
+    findings->Add(Oddity::kMixedCharsets, place, {field.name});
+  }
+}
+
+}  // namespace zqv::cli

@@ -1,0 +1,274 @@
+#include "cli/report_page.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "cli/findings.h"
+#include "cli/html_writer.h"
+#include "cli/message.h"
+#include "cli/oddities.h"
+#include "cli/picture.h"
+#include "cli/report_style.h"
+#include "cli/safe_html.h"
+#include "cli/summary.h"
+#include "cli/text.h"
+#include "cli/utf8.h"
+#include "standin/text.h"
+
+namespace zqv::cli {
+namespace {
+
+using standin::Object;
+using standin::String;
+
+// What is longer is cut: a page is for looking.
+constexpr std::size_t kMostText = 1U << 20U;
+constexpr std::size_t kMostHtml = 4U << 20U;
+constexpr std::size_t kMostPartText = 1U << 16U;
+constexpr std::size_t kMostPartTexts = 4U << 20U;  // of all parts together
+
+// Deeper parts are not moved any further.
+constexpr std::size_t kDeepestIndent = 12;
+
+// "665 bytes", "12.3 KB", "4.0 MB".
+std::string SizeText(std::size_t bytes) {
+  constexpr std::size_t kMostBytes = 9999;
+  constexpr double kStep = 1000.0;
+  if (bytes <= kMostBytes) return ByteCount(bytes);
+  double size = static_cast<double>(bytes) / kStep;
+  const bool is_mega = size >= kStep;
+  if (is_mega) size /= kStep;
+  char text[32];
+  static_cast<void>(std::snprintf(text, sizeof text, "%.1f %s", size, is_mega ? "MB" : "KB"));
+  return text;
+}
+
+// How high the frame of a text is, which nobody can measure without a script.
+std::string_view FrameClass(std::string_view html) {
+  constexpr std::size_t kShort = 1000;
+  constexpr std::size_t kMedium = 5000;
+  if (html.size() <= kShort) return "short";
+  return html.size() <= kMedium ? "medium" : "tall";
+}
+
+// A Content-ID without its brackets.
+std::string_view BareId(std::string_view id) {
+  id = Trim(id);
+  if (!id.empty() && id.front() == '<') id.remove_prefix(1);
+  if (!id.empty() && id.back() == '>') id.remove_suffix(1);
+  return id;
+}
+
+class PageWriter {
+ public:
+  PageWriter(const std::string& name, const Object& email)
+      : name_(SafeText(name, Lines::kOne)),
+        email_(email),
+        tree_(email),
+        attached_(ListAttached(email, tree_)),
+        plain_text_(ReadablePlainText(email, attached_)),
+        html_text_(TextMember(email, "HTMLText")) {
+    for (std::size_t i = 0; i < attached_.size(); ++i) {
+      if (attached_[i].part) by_part_.emplace(*attached_[i].part, i);
+      const std::string id = PlainLine(TextMember(attached_[i].record, "contentId"));
+      if (!id.empty()) by_id_.emplace(BareId(id), i);
+    }
+  }
+
+  std::string Run() {
+    const std::string subject = SafeLine(TextMember(email_, "Subject"));
+    const std::string title = subject.empty() ? "(no subject)" : subject;
+    page_.Markup(kPageStart);
+    page_.Markup("<title>").Text(title).Markup("</title>\n</head>\n<body>\n<main>\n<header>\n");
+    page_.Markup("<h1 dir=\"auto\">").Text(title).Markup("</h1>\n");
+    page_.Markup("<p class=\"file\">").Text(name_).Markup("</p>\n</header>\n");
+    WriteSummary();
+    WriteFindings();
+    WritePlainText();
+    WriteHtml();
+    WriteAttached();
+    WriteParts();
+    page_.Markup("</main>\n</body>\n</html>\n");
+    return page_.Take();
+  }
+
+ private:
+  void WriteSummary() {
+    page_.Markup("<section id=\"summary\">\n<dl>\n");
+    for (const SummaryEntry& entry : SummaryOf(email_, tree_, attached_)) {
+      if (entry.label == "Subject") continue;
+      // Of what is attached the first line is the number; the rest is shown further down.
+      const bool is_list = entry.label == "Attachments" || entry.label == "Inline parts";
+      page_.Markup("<dt>").Text(entry.label).Markup("</dt><dd>");
+      for (std::size_t i = 0; i < (is_list ? 1 : entry.lines.size()); ++i) {
+        if (i > 0) page_.Markup("<br>");
+        page_.Text(entry.lines[i]);
+      }
+      page_.Markup("</dd>\n");
+    }
+    page_.Markup("</dl>\n</section>\n");
+  }
+
+  void WriteFindings() {
+    const std::vector<Finding> findings = FindOddities(email_, tree_, attached_);
+    if (findings.empty()) return;
+    page_.Markup("<section id=\"findings\" class=\"odd\">\n<h2>Odd about this message</h2>\n");
+    page_.Markup("<ul class=\"findings\">\n");
+    for (const Finding& finding : findings) {
+      const std::string part = PartText(finding.place, tree_);
+      const std::string line = LineText(finding.place);
+      page_.Markup("<li><span class=\"place\">").Text(part);
+      if (!part.empty() && !line.empty()) page_.Markup(", ");
+      page_.Text(line).Markup("</span><span class=\"words\">").Text(finding.text);
+      page_.Markup("</span></li>\n");
+    }
+    page_.Markup("</ul>\n</section>\n");
+  }
+
+  // Safe text of many lines, cut at `most` bytes.
+  void WriteText(std::string_view text, std::size_t most) {
+    const std::string_view shown = text.substr(0, WholeSequences(text, most));
+    page_.Markup("<pre dir=\"auto\">").Text(shown).Markup("</pre>\n");
+    WriteCut(shown.size(), text.size());
+  }
+
+  void WriteCut(std::size_t shown, std::size_t size) {
+    if (shown == size) return;
+    page_.Markup("<p class=\"note\">")
+        .Text(SizeText(size - shown))
+        .Markup(" more are not shown.</p>\n");
+  }
+
+  void WritePlainText() {
+    const std::string text = SafeText(plain_text_, Lines::kMany);
+    if (text.empty()) return;
+    page_.Markup("<section id=\"text\">\n<h2>Text</h2>\n");
+    WriteText(text, kMostText);
+    page_.Markup("</section>\n");
+  }
+
+  std::string PictureOfId(std::string_view id) {
+    const auto found = by_id_.find(std::string(BareId(id)));
+    if (found == by_id_.end()) return {};
+    return pictures_.DataUri(TextMember(attached_[found->second].record, "Data").bytes());
+  }
+
+  void WriteHtml() {
+    if (html_text_.IsNil()) return;
+    const std::string html = DataText(html_text_);
+    const std::string_view shown =
+        std::string_view(html).substr(0, WholeSequences(html, kMostHtml));
+    const std::string safe =
+        SafeHtml(shown, [this](std::string_view id) { return PictureOfId(id); });
+    page_.Markup(
+        "<section id=\"html\">\n<h2>HTML<small>without links, forms, scripts and what is ");
+    page_.Markup("elsewhere</small></h2>\n<iframe sandbox class=\"").Text(FrameClass(safe));
+    page_.Markup("\" title=\"HTML of the message\" srcdoc=\"");
+    page_.Text(kFrameStart).Text(safe).Markup("\"></iframe>\n");
+    WriteCut(shown.size(), html.size());
+    page_.Markup("</section>\n");
+  }
+
+  void WriteAttached() {
+    if (attached_.empty()) return;
+    page_.Markup("<section id=\"files\">\n<h2>Attachments and inline parts<small>");
+    page_.Text(std::to_string(attached_.size())).Markup("</small></h2>\n<ul class=\"files\">\n");
+    for (const Attached& attached : attached_) {
+      const String data = TextMember(attached.record, "Data");
+      const std::string name = SafeLine(TextMember(attached.record, "Filename"));
+      page_.Markup("<li>");
+      const std::string uri = pictures_.DataUri(data.bytes());
+      if (!uri.empty()) {
+        page_.Markup("<div class=\"picture\"><img alt=\"").Text(name).Markup("\" src=\"");
+        page_.Text(uri).Markup("\"></div>");
+      }
+      page_.Markup("<div class=\"words\"><span class=\"name\">").Text(name);
+      page_.Markup("</span><span class=\"about\">");
+      page_.Text(SafeLine(TextMember(attached.record, "MimeType"))).Markup("</span>");
+      page_.Markup("<span class=\"about\">").Text(SizeText(data.bytes().size())).Markup(", ");
+      page_.Text(attached.is_inline ? "inline" : "attachment");
+      if (attached.part) page_.Markup(", part ").Text(tree_.Number(*attached.part));
+      page_.Markup("</span></div></li>\n");
+    }
+    page_.Markup("</ul>\n</section>\n");
+  }
+
+  void WriteParts() {
+    page_.Markup("<section id=\"parts\">\n<h2>Parts and headers</h2>\n<ul class=\"parts\">\n");
+    for (std::size_t i = 0; i < tree_.parts().size(); ++i) WritePart(i);
+    page_.Markup("</ul>\n</section>\n");
+  }
+
+  void WritePart(std::size_t index) {
+    const PartTree::Part& part = tree_.parts()[index];
+    const Object header = ObjectMember(part.entity, "Header");
+    const String body = TextMember(part.entity, "BodyDecoded");
+    const std::string type = MimeTypeOf(header);
+    const auto file = by_part_.find(index);
+    page_.Markup("<li style=\"padding-left: ");
+    page_.Text(std::to_string(std::min(part.depth, kDeepestIndent))).Markup("em\">");
+    page_.Markup("<details").Text(index == 0 ? " open" : "").Markup(">");
+    page_.Markup("<summary><span class=\"number\">").Text(tree_.Number(index));
+    page_.Markup("</span> <span class=\"type\">").Text(type.empty() ? "(no type)" : type);
+    page_.Markup("</span>");
+    if (file != by_part_.end()) {
+      page_.Markup(" <span class=\"name\">");
+      page_.Text(SafeLine(TextMember(attached_[file->second].record, "Filename")))
+          .Markup("</span>");
+    }
+    if (!body.IsNil() || !part.has_parts) {
+      page_.Markup(" <span class=\"size\">").Text(SizeText(body.bytes().size())).Markup("</span>");
+    }
+    page_.Markup("</summary>\n<div class=\"within\">\n");
+    WriteFields(header);
+    WritePartText(type, body);
+    page_.Markup("</div></details></li>\n");
+  }
+
+  void WriteFields(const Object& header) {
+    page_.Markup("<dl class=\"fields\">\n");
+    for (const Object& field : FieldsOf(header)) {
+      page_.Markup("<dt>").Text(SafeLine(TextMember(field, "Name"))).Markup("</dt><dd>");
+      page_.Text(SafeLine(TextMember(field, "Value"))).Markup("</dd>\n");
+    }
+    page_.Markup("</dl>\n");
+  }
+
+  // Of a text that is not shown above already.
+  void WritePartText(const std::string& type, const String& body) {
+    constexpr std::string_view kText = "text/";
+    if (!standin::SameName(std::string_view(type).substr(0, kText.size()), kText)) return;
+    if (body.IsNil() || body.bytes() == plain_text_.bytes() || body.bytes() == html_text_.bytes()) {
+      return;
+    }
+    const std::size_t most = std::min(kMostPartText, part_text_left_);
+    if (most == 0) return;
+    const std::string text = SafeText(body, Lines::kMany);
+    WriteText(text, most);
+    part_text_left_ -= std::min(most, text.size());
+  }
+
+  const std::string name_;
+  const Object email_;
+  const PartTree tree_;
+  const std::vector<Attached> attached_;
+  const String plain_text_;
+  const String html_text_;
+  std::unordered_map<std::size_t, std::size_t> by_part_;  // indexes of what is attached
+  std::unordered_map<std::string, std::size_t> by_id_;
+  Pictures pictures_;
+  std::size_t part_text_left_ = kMostPartTexts;
+  HtmlWriter page_;
+};
+
+}  // namespace
+
+std::string ReportPage(const std::string& name, const Object& email) {
+  return PageWriter(name, email).Run();
+}
+
+}  // namespace zqv::cli

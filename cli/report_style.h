@@ -1,0 +1,116 @@
+// How a report looks: the markup around what it shows.
+#pragma once
+
+namespace zqv::cli {
+
+// Nothing is loaded but pictures that are in the page, nothing runs, nothing is sent.
+#define ZQV_REPORT_POLICY                                                                       \
+  "default-src 'none'; img-src data:; style-src 'unsafe-inline'; form-action 'none'; base-uri " \
+  "'none'"
+
+inline constexpr char kPageStart[] =
+    R"(<!doctype html>
+<html lang="en">
+<head>
+<meta charset="utf-8">
+<meta http-equiv="Content-Security-Policy" content=")" ZQV_REPORT_POLICY R"(">
+<meta name="viewport" content="width=device-width, initial-scale=1">
+<meta name="referrer" content="no-referrer">
+<style>
+:root {
+  color-scheme: light dark;
+  --ground: #f4f5f7; --card: #fff; --ink: #1c2128; --faint: #616b78; --line: #dde1e6;
+  --accent: #0b5cad; --odd: #8a4b00; --odd-ground: #fff4e0; --odd-line: #f0d3a0;
+}
+@media (prefers-color-scheme: dark) {
+  :root {
+    --ground: #14181d; --card: #1d232b; --ink: #e3e7ec; --faint: #98a3b0; --line: #333c47;
+    --accent: #79b8ff; --odd: #ffc67d; --odd-ground: #33281a; --odd-line: #5c4526;
+  }
+}
+* { box-sizing: border-box; }
+body {
+  margin: 0; background: var(--ground); color: var(--ink);
+  font: 16px/1.5 system-ui, "Segoe UI", Roboto, "Helvetica Neue", Arial, sans-serif;
+}
+main { max-width: 62rem; margin: 0 auto; padding: 1.5rem 1rem 3rem; }
+h1 { font-size: 1.6rem; line-height: 1.25; margin: 0 0 .25rem; overflow-wrap: anywhere; }
+h2 { font-size: 1.05rem; margin: 0 0 .75rem; }
+h2 small { font-weight: normal; color: var(--faint); margin-left: .35em; }
+section {
+  background: var(--card); border: 1px solid var(--line); border-radius: .6rem;
+  padding: 1rem 1.15rem; margin-top: 1rem;
+}
+section.odd { background: var(--odd-ground); border-color: var(--odd-line); }
+section.odd h2 { color: var(--odd); }
+.file, .note { color: var(--faint); font-size: .9rem; margin: 0; overflow-wrap: anywhere; }
+.note { margin-top: .6rem; }
+dl { display: grid; grid-template-columns: max-content 1fr; gap: .3rem 1.1rem; margin: 0; }
+dt { color: var(--faint); }
+dd { margin: 0; overflow-wrap: anywhere; unicode-bidi: isolate; }
+pre {
+  margin: 0; white-space: pre-wrap; overflow-wrap: anywhere; tab-size: 4;
+  font: .875rem/1.5 ui-monospace, "SF Mono", Menlo, Consolas, "DejaVu Sans Mono", monospace;
+}
+iframe {
+  display: block; width: 100%; height: 40rem; resize: vertical;
+  border: 1px solid var(--line); border-radius: .4rem; background: #fff; color-scheme: light;
+}
+iframe.short { height: 14rem; }
+iframe.medium { height: 26rem; }
+ul { list-style: none; margin: 0; padding: 0; }
+.findings li { display: flex; gap: .1rem 1rem; flex-wrap: wrap; padding: .3rem 0; }
+.findings li + li { border-top: 1px solid var(--odd-line); }
+.findings .place { color: var(--odd); min-width: 9.5rem; }
+.findings .words { flex: 1 1 20rem; overflow-wrap: anywhere; }
+.files { display: grid; grid-template-columns: repeat(auto-fill, minmax(15rem, 1fr)); gap: .9rem; }
+.files li { border: 1px solid var(--line); border-radius: .5rem; overflow: hidden; }
+.files .picture {
+  display: flex; align-items: center; justify-content: center; height: 10rem; padding: .5rem;
+  border-bottom: 1px solid var(--line);
+  background: repeating-conic-gradient(#e9ebee 0 25%, #f8f9fa 0 50%) 0 0 / 18px 18px;
+}
+.files img { max-width: 100%; max-height: 100%; image-rendering: auto; }
+.files .words { padding: .6rem .75rem; overflow-wrap: anywhere; }
+.files .name { font-weight: 600; unicode-bidi: isolate; }
+.files .about { color: var(--faint); font-size: .85rem; display: block; }
+details > summary {
+  cursor: pointer; display: flex; gap: 0 .9rem; align-items: baseline; padding: .35rem 0;
+  overflow-wrap: anywhere;
+}
+details > summary::before { content: "\25B8"; color: var(--faint); flex: none; width: .8em; }
+details[open] > summary::before { content: "\25BE"; }
+summary::-webkit-details-marker { display: none; }
+summary:hover .type, summary:focus-visible .type { color: var(--accent); }
+.parts > li + li { border-top: 1px solid var(--line); }
+.parts .number { color: var(--faint); font-variant-numeric: tabular-nums; flex: none; }
+.parts .size { margin-left: auto; color: var(--faint); flex: none; white-space: nowrap; }
+.parts .type { flex: none; max-width: 60%; }
+.parts .name { color: var(--faint); unicode-bidi: isolate; }
+.within { padding: .35rem 0 .9rem 1.7rem; }
+.within pre { margin-top: .8rem; padding-top: .8rem; border-top: 1px dashed var(--line); }
+.fields { font-size: .875rem; }
+@media (max-width: 36rem) {
+  main { padding: 1rem .6rem 2rem; }
+  section { padding: .85rem .8rem; }
+  dl { display: block; }
+  dd { margin-bottom: .4rem; }
+  .parts li { padding-left: 0 !important; }
+  .parts summary { flex-wrap: wrap; }
+  .within { padding-left: .4rem; }
+}
+@media print { details > summary::before { content: none; } }
+</style>
+)";
+
+// The inside of the frame that shows HTML, up to the message's own. The policy holds for it too.
+inline constexpr char kFrameStart[] =
+    R"(<!doctype html><meta http-equiv="Content-Security-Policy" content=")" ZQV_REPORT_POLICY
+    R"("><style>:root{color-scheme:light}
+body{margin:.8rem;background:#fff;color:#000;font:16px/1.45 system-ui,sans-serif;overflow-wrap:break-word}
+a[title]{color:#0b5cad;text-decoration:underline;cursor:help}img{max-width:100%}</style>
+)";
+
+#undef ZQV_REPORT_POLICY
+
+}  // namespace zqv::cli

@@ -1,0 +1,118 @@
+#include "cli/visit.h"
+
+#include <cstddef>
+#include <exception>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+#include "cli/text.h"
+
+namespace zqv::cli {
+namespace {
+
+// Hands items on one later than they come, so that the first one's taker knows whether there are
+// more.
+class Ahead {
+ public:
+  // `several`: whether there are; false ends the walk.
+  using Handle = std::function<bool(const Item& item, bool several)>;
+
+  explicit Ahead(Handle handle) : handle_(std::move(handle)) {}
+
+  bool Add(Item&& item) {
+    if (!held_) {
+      held_ = std::move(item);
+      return true;
+    }
+    several_ = true;
+    const Item before = std::exchange(*held_, std::move(item));
+    return goes_on_ = handle_(before, true);
+  }
+
+  // Behind the last one.
+  void Finish() {
+    if (held_ && goes_on_) handle_(*held_, several_);
+  }
+
+ private:
+  const Handle handle_;
+  std::optional<Item> held_;
+  bool several_ = false;
+  bool goes_on_ = true;
+};
+
+int HandleEach(const Request& request, const Ahead::Handle& handle) {
+  Ahead ahead(handle);
+  const bool all_good =
+      ForEachChosen(request, [&](Item&& item) { return ahead.Add(std::move(item)); });
+  ahead.Finish();
+  return all_good ? 0 : 1;
+}
+
+// Calls `work` and says what it throws, as the item's fault. Whether it went well.
+template <typename Work>
+bool Guarded(const Item& item, const Work& work) {
+  try {
+    return work();
+  } catch (const std::exception& error) {
+    Complain(item.name + ": " + error.what());
+    return false;
+  }
+}
+
+}  // namespace
+
+bool ForEachChosen(const Request& request, const VisitItem& visit) {
+  const std::size_t wanted = request.message;
+  std::size_t count = 0;
+  bool is_there = wanted == 0;
+  const bool all_read = ForEachItem(request.source, [&](Item&& item) {
+    ++count;
+    if (wanted != 0 && count != wanted) return true;
+    is_there = true;
+    return visit(std::move(item)) && wanted == 0;
+  });
+  if (!is_there) Complain("there is no message " + std::to_string(wanted));
+  return all_read && is_there;
+}
+
+int ForEachMessage(const Session& session, const Request& request, Output* output,
+                   const Visit& visit, Headings headings) {
+  const bool several_inputs = request.source.inputs.size() > 1 && request.message == 0;
+  const auto announce = [&](const std::string& name) {
+    const std::string line = output->Strong("==> " + SafeText(name, Lines::kOne) + " <==");
+    output->PrintBeforeNext((output->HasPrinted() ? "\n" : "") + line + "\n");
+    if (headings == Headings::kAlways) output->PrintWaiting();
+  };
+  bool all_good = true;
+  const auto handle = [&](const Item& item, bool several) {
+    const bool is_good = Guarded(item, [&] {
+      const standin::Object email = session.Open(item);
+      if (!request.json && (several || several_inputs)) announce(item.name);
+      return visit(item.name, email);
+    });
+    all_good = all_good && is_good;
+    return output->IsGood();
+  };
+  const int code = HandleEach(request, handle);
+  output->PrintBeforeNext({});  // whose message had nothing to print
+  return all_good ? code : 1;
+}
+
+int ForOneMessage(const Session& session, const Request& request, const Visit& visit) {
+  bool all_good = true;
+  const auto handle = [&](const Item& item, bool several) {
+    const bool is_good = Guarded(item, [&] {
+      if (several)
+        throw std::runtime_error("is not the only message; --message NUMBER chooses one");
+      return visit(item.name, session.Open(item));
+    });
+    all_good = all_good && is_good;
+    return !several;
+  };
+  const int code = HandleEach(request, handle);
+  return all_good ? code : 1;
+}
+
+}  // namespace zqv::cli

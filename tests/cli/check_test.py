@@ -1,0 +1,387 @@
+"""What `zqv check` says: each kind of oddity in a message that has it, and not in one that has it
+no more; places; forms; and that hostile messages cost no more than their size."""
+
+import json
+import resource
+import unittest
+
+import program
+from program import SAMPLES, zqv
+
+CLEAN = "nothing odd\n"
+
+# Five fields that are in order; the next line of a message is line 6.
+HEAD = ("From: ada@example.com\nTo: ben@example.org\nDate: Sat, 20 Jan 2024 18:00:00 +0000\n"
+        "Subject: Keys\nMIME-Version: 1.0\n")
+MIXED = HEAD + "Content-Type: multipart/mixed; boundary=cut\n\n"  # the parts begin in line 8
+DATA = HEAD + "Content-Type: image/png\nContent-Transfer-Encoding: base64\n\n"
+LETTER = "Content-Type: text/plain\n\nhello\n"
+
+# Code; a message that has this oddity and no other; its twin without; part, line and text.
+CASES = {
+    "no blank line in a message": (
+        "no-blank-line", HEAD + "hello there\n", HEAD + "\nhello there\n",
+        ("0", 6, 'no blank line ends the header: "hello there" is taken for text of the body')),
+    "no blank line in a part": (
+        "no-blank-line", MIXED + "--cut\nContent-Type: text/plain\nhello\n--cut--\n",
+        MIXED + "--cut\nContent-Type: text/plain\n\nhello\n--cut--\n",
+        ("1", 10, 'no blank line ends the header: "hello" is taken for text of the body')),
+    "a boundary in a header": (
+        "no-blank-line", MIXED + f"--cut\nContent-Type: text/plain\n--cut\n{LETTER}--cut--\n",
+        MIXED + f"--cut\nContent-Type: text/plain\n\n--cut\n{LETTER}--cut--\n",
+        ("1", 10, 'no blank line ends the header: the boundary "--cut" is taken for text of the '
+                  "body")),
+    "a header without end": (
+        "cut-header", HEAD + "X-Last: y\n", HEAD + "X-Last: y\n\n",
+        ("0", 6, "the message ends within a header: its last field is lost")),
+    "a multipart without end": (
+        "unterminated-multipart", MIXED + f"--cut\n{LETTER}", MIXED + f"--cut\n{LETTER}--cut--",
+        ("0", 6, "the multipart is not closed: no line --cut-- before the end of the message")),
+    "an inner multipart without end": (
+        "unterminated-multipart",
+        MIXED + f"--cut\nContent-Type: multipart/mixed; boundary=in\n\n--in\n{LETTER}--cut--\n",
+        MIXED + f"--cut\nContent-Type: multipart/mixed; boundary=in\n\n--in\n{LETTER}--in--\n"
+                "--cut--\n",
+        ("1", 9, "the multipart is not closed: no line --in-- before line 15")),
+    "a multipart without boundary": (
+        "no-boundary", HEAD + f"Content-Type: multipart/mixed\n\n--cut\n{LETTER}--cut--\n",
+        MIXED + f"--cut\n{LETTER}--cut--\n",
+        ("0", 6, "the multipart names no boundary: every line that begins with -- divides it")),
+    "a multipart without parts": (
+        "empty-multipart", MIXED + "hello\n", MIXED + f"hello\n--cut\n{LETTER}--cut--\n",
+        ("0", 6, "the multipart has no parts: no line --cut begins one")),
+    "a boundary with half a quote": (
+        "empty-multipart", MIXED.replace("=cut", '="cut') + f"--cut\n{LETTER}--cut--\n",
+        MIXED.replace("=cut", '="cut"') + f"--cut\n{LETTER}--cut--\n",
+        ("0", 6, 'the multipart has no parts: no line --"cut begins one')),
+    "two dates": (
+        "repeated-field", HEAD + "Date: Sun, 21 Jan 2024 18:00:00 +0000\n\nx\n", HEAD + "\nx\n",
+        ("0", 6, "Date stands 2 times where one is allowed: the last counts")),
+    "three subjects": (
+        "repeated-field", HEAD + "SUBJECT: two\nsubject: three\n\nx\n",
+        HEAD + "X-Subject: two\nX-Subject: three\n\nx\n",
+        ("0", 6, "Subject stands 3 times where one is allowed: the first counts")),
+    "two types of a part": (
+        "repeated-field", MIXED + f"--cut\nContent-Type: text/plain\n{LETTER}--cut--\n",
+        MIXED + f"--cut\nTo: a@b.c\nTo: b@b.c\nReceived: x\nReceived: y\n{LETTER}--cut--\n",
+        ("1", 10, "Content-Type stands 2 times where one is allowed: the first counts")),
+    "a date of words": (
+        "bad-date", HEAD.replace("Sat, 20 Jan 2024 18:00:00 +0000", "soon") + "\nx\n",
+        HEAD + "\nx\n", ("0", 3, '"soon" is no proper date: the message\'s date is a guess')),
+    "a year of two digits": (
+        "early-year", HEAD.replace("2024", "24") + "\nx\n", HEAD + "\nx\n",
+        ("0", 3, 'the year in "Sat, 20 Jan 24 18:00:00 +0000" is before 1000: it is taken as it '
+                 "stands")),
+    "a lower-case encoded word": (
+        "lower-case-word", HEAD + "X-Note: =?utf-8?q?caf=C3=A9?= =?utf-8?b?eA==?=\n\nx\n",
+        HEAD + "X-Note: =?utf-8?Q?caf=C3=A9?= =?utf-8?B?eA==?=\n\nx\n",
+        ("0", 6, "an encoded word in X-Note has a lower-case q and stays undecoded: "
+                 '"=?utf-8?q?caf=C3=A9?="')),
+    "an encoded word of unknown charset": (
+        "unknown-word-charset", HEAD + "X-Note: a\n =?x-none?Q?b?=\n\nx\n",
+        HEAD + "X-Note: a\n =?koi8-r?Q?b?= =?x-none?Z?b?=\n\nx\n",
+        ("0", 6, 'an encoded word in X-Note names the unknown charset "x-none"')),
+    "encoded words of two charsets": (
+        "mixed-charsets",
+        HEAD.replace("Keys", "=?iso-8859-1?Q?=E9?= =?utf-8?Q?=C3=A9?=") + "\nx\n",
+        HEAD.replace("Keys", "=?iso-8859-1?Q?e?= =?utf-8?Q?=C3=A9?= =?UTF8?Q?=C3=A9?=") + "\nx\n",
+        ("0", 4, "encoded words in Subject name several charsets: the last one counts for all")),
+    "a field of strange bytes": (
+        "field-bytes", (HEAD + "X-Note: caf").encode() + b"\xE9\n\nx\n",
+        HEAD + "X-Note: café\n\nx\n",
+        ("0", 6, "bytes in X-Note are not taken for UTF-8: they are read as Mac Roman")),
+    "a zero byte in a field": (
+        "zero-byte-in-field", HEAD + "X-Note: a\0b\n\nx\n", HEAD + "X-Note: ab\n\nx\n",
+        ("0", 6, "a zero byte stands in X-Note: what follows in the field is lost")),
+    "a CR in a header": (
+        "lone-cr", HEAD + "X-Note: a\rX-Other: b\n\nx\n", HEAD + "X-Note: a\r\nX-Other: b\n\nx\n",
+        ("0", 6, "a line of the header ends with a CR alone, others do not")),
+    "a type without subtype": (
+        "bad-content-type", HEAD + "Content-Type: text\n\nx\n",
+        HEAD + "Content-Type: text/x\n\nx\n",
+        ("0", 6, 'the Content-Type "text/" is not type/subtype: the part is taken for a file')),
+    "an unknown charset": (
+        "unknown-charset", HEAD + "Content-Type: text/plain; charset=x-none\n\ncafé\n",
+        HEAD + "Content-Type: text/plain; charset=x-none\n\ncafe\n",
+        ("0", 6, 'unknown charset "x-none": the text has no encoding')),
+    "text that is not ASCII": (
+        "wrong-charset", HEAD + "Content-Type: text/html; charset=us-ascii\n\ncafé\n",
+        HEAD + "Content-Type: text/html; charset=utf-8\n\ncafé\n",
+        ("0", 6, 'the text is not in the charset "us-ascii"')),
+    "text that is not UTF-8": (
+        "wrong-charset",
+        (HEAD + "Content-Type: text/plain; charset=UTF-8\n\ncaf").encode() + b"\xE9\n",
+        (HEAD + "Content-Type: text/plain; charset=latin1\n\ncaf").encode().replace(
+            b"latin1", b"iso-8859-1") + b"\xE9\n",
+        ("0", 6, 'the text is not in the charset "UTF-8"')),
+    "text without charset": (
+        "guessed-charset", (HEAD + "Content-Type: text/plain\n\ncaf").encode() + b"\xE9\n",
+        HEAD + "Content-Type: text/plain\n\ncafé\n",
+        ("0", 6, "no charset, and the text is not taken for UTF-8: it is read as Mac Roman")),
+    "a zero byte in text": (
+        "zero-byte-in-text", HEAD + "\na\0b\n",
+        HEAD + "Content-Type: application/x-any\n\na\0b\n",
+        ("0", 1, "a zero byte stands in the text")),
+    "an encoded message": (
+        "encoded-message",
+        MIXED + "--cut\nContent-Type: message/rfc822\nContent-Transfer-Encoding: base64\n\n"
+                "RnJvbTogYWRhQGV4YW1wbGUuY29tCgpoaQo=\n\n--cut--\n",
+        MIXED + "--cut\nContent-Type: message/rfc822\nContent-Transfer-Encoding: 7bit\n\n"
+                "From: ada@example.com\n\nhi\n--cut--\n",
+        ("1", 10, "the attached message is in base64: it is read without decoding")),
+    "base64 with other characters": (
+        "bad-base64", DATA + "aGVsbG8=\n-- \nThe list\n", DATA + "aGVs\n bG8=\naGk=\n",
+        ("0", 7, "the part's base64 has other characters in it: its data are damaged")),
+    "base64 that is cut off": (
+        "bad-base64", DATA + "aGVsb\n", DATA + "aGVsbG8\n",
+        ("0", 7, "the part's base64 is cut off: its data are not whole")),
+    "a name with percent escapes": (
+        "encoded-name",
+        MIXED + "--cut\nContent-Type: image/png\nContent-Disposition: attachment;\n"
+                " filename*=utf-8''na%C3%AFve.png\n\nx\n--cut--\n",
+        MIXED + "--cut\nContent-Type: image/png; name=\"naive.png\"\n"
+                "Content-Disposition: attachment;\n filename*=utf-8''na%C3%AFve.png\n\nx\n"
+                "--cut--\n",
+        ("1", 10, 'the file name stays encoded: "na%C3%AFve.png"')),
+    "a name with a language": (
+        "encoded-name",
+        MIXED + "--cut\nContent-Type: image/png\n"
+                "Content-Disposition: attachment; filename*=utf-8'en'a.png\n\nx\n--cut--\n",
+        MIXED + "--cut\nContent-Type: image/png\n"
+                "Content-Disposition: attachment; filename*=utf-8''a.png\n\nx\n--cut--\n",
+        ("1", 10, "the file name stays encoded: \"utf-8'en'a.png\"")),
+    "a name in pieces": (
+        "unread-name",
+        MIXED + "--cut\nContent-Type: image/png\nContent-Disposition: attachment;\n"
+                " filename*0=\"a\"; filename*1=\"b.png\"\n\nx\n--cut--\n",
+        MIXED + "--cut\nContent-Type: image/png\nContent-Disposition: attachment;\n"
+                " filename=\"ab.png\"; filename*0=\"a\"; filename*1=\"b.png\"\n\nx\n--cut--\n",
+        ("1", 10, "the file name in filename*0 is not read")),
+    "a name of the type with a charset": (
+        "unread-name", MIXED + "--cut\nContent-Type: image/png; name*=utf-8''a.png\n\nx\n--cut--\n",
+        MIXED + "--cut\nContent-Type: image/png; name=a%20b.png\n\nx\n--cut--\n",
+        ("1", 9, "the file name in name* is not read")),
+}
+
+UNKNOWN_ENCODING = "Content-Type: image/png\nContent-Transfer-Encoding: x-uuencode\n\nx\n"
+
+
+class CheckCase(program.TestCase):
+    def documents(self, *paths):
+        """The exit code, and the findings of each document."""
+        result = zqv("check", "--json", *paths)
+        self.assertEqual(result.err, "", result)
+        decoder = json.JSONDecoder()
+        rest = result.out
+        found = []
+        while rest:
+            document, end = decoder.raw_decode(rest)
+            self.assertEqual(list(document), ["format_version", "file", "findings"])
+            found.append(document["findings"])
+            rest = rest[end:].lstrip()
+        return result.code, found
+
+    def findings(self, message):
+        """What is found in one message: code, part, line, text."""
+        code, (findings,) = self.documents(self.write("letter.eml", message))
+        self.assertEqual(code, 1 if findings else 0)
+        for finding in findings:
+            self.assertEqual(list(finding), ["code", "part", "line", "text"])
+        return [tuple(finding.values()) for finding in findings]
+
+    def codes(self, message):
+        return [finding[0] for finding in self.findings(message)]
+
+
+class OddityTest(CheckCase):
+    def test_each_is_found(self):
+        for name, (code, odd, _, place) in CASES.items():
+            with self.subTest(name):
+                self.assertEqual(self.findings(odd), [(code, *place)])
+
+    def test_clean_twins_are_not(self):
+        for name, (_, _, twin, _) in CASES.items():
+            with self.subTest(name):
+                self.assertEqual(self.findings(twin), [])
+
+    def test_line_ends_do_not_matter(self):
+        for name, (code, odd, _, place) in CASES.items():
+            if code == "lone-cr":
+                continue
+            with self.subTest(name):
+                text = odd if isinstance(odd, bytes) else odd.encode()
+                self.assertEqual(self.findings(text.replace(b"\n", b"\r\n")), [(code, *place)])
+
+    def test_unknown_transfer_encoding(self):
+        self.assertEqual(self.findings(MIXED + f"--cut\n{UNKNOWN_ENCODING}--cut--\n"), [
+            ("unlisted-part", "1", 9,
+             "the part is in no list: no attachment, no inline part, not the message's text"),
+            ("unknown-transfer-encoding", "1", 10,
+             'unknown transfer encoding "x-uuencode": the part is not decoded')])
+        for known in ("BASE64", "Quoted-Printable", "7bit", "8bit", "binary"):
+            twin = UNKNOWN_ENCODING.replace("x-uuencode", known).replace("\nx\n", "\neA==\n")
+            self.assertEqual(self.findings(MIXED + f"--cut\n{twin}--cut--\n"), [], known)
+        # Of a multipart it does not matter.
+        self.assertEqual(self.findings(MIXED.replace(
+            "\n\n", "\nContent-Transfer-Encoding: x-none\n\n") + f"--cut\n{LETTER}--cut--\n"), [])
+
+    def test_what_is_behind_an_open_multipart_is_lost(self):
+        inner = f"--cut\nContent-Type: multipart/mixed; boundary=in\n\n--in\n{LETTER}"
+        behind = f"--cut\n{LETTER}--cut\n{LETTER}--cut--\n"
+        self.assertEqual(self.findings(MIXED + inner + behind), [
+            ("unterminated-multipart", "1", 9,
+             "the multipart is not closed: no line --in-- before line 15"),
+            ("lost-parts", None, 16, "the 2 parts from here on are lost: the library reads no "
+                                     "further, as a multipart above is not closed")])
+        self.assertEqual(self.findings(MIXED + inner + "--in--\n" + behind), [])
+
+    def test_delimiter_lines(self):
+        # A line that begins with the boundary, blanks behind it, is a delimiter; one with text or
+        # blanks before it is none, and that of a closed multipart is none either.
+        body = f"--cut \t\n{LETTER}x--cut--\n --cut--\n--cu\n-- cut--\n--cut-- \n--cut\nnot: mail\n"
+        self.assertEqual(self.findings(MIXED + body), [])
+        self.assertEqual(self.codes(MIXED + body.replace("--cut-- \n", "")),
+                         ["unterminated-multipart", "cut-header"])
+
+    def test_one_boundary_twice(self):
+        # The inner multipart takes every line; the outer one is left open.
+        inner = f"--cut\nContent-Type: multipart/mixed; boundary=cut\n\n--cut\n{LETTER}--cut--\n"
+        self.assertEqual([finding[:3] for finding in self.findings(MIXED + inner)],
+                         [("unterminated-multipart", "0", 6)])
+        self.assertEqual(self.findings(MIXED + inner + "--cut--\n"), [])
+
+    def test_attached_messages(self):
+        odd = HEAD.replace("Sat, 20", "Sat, 32") + "Subject: more\n\nhi\n"
+        self.assertEqual([finding[:3] for finding in self.findings(
+            MIXED + f"--cut\nContent-Type: message/rfc822\n\n{odd}--cut--\n")],
+            [("bad-date", "1.1", 13), ("repeated-field", "1.1", 16)])
+
+    def test_empty_parts_are_listed_nowhere(self):
+        self.assertEqual(self.findings(MIXED + "--cut\nContent-Type: text/plain\n\n--cut--\n"), [])
+
+    def test_dates(self):
+        field = "Sat, 20 Jan 2024 18:00:00 +0000"
+        good = ("20 Jan 2024 18:00 +0000", "Sat, 20 Jan 2024 8:00:00 GMT",
+                "sat,20 jan 2024 18:00:60 +0000",
+                "Thu, 29 Feb 2024 00:00:00 -0130 (a (nested) comment)",
+                "Saturday, 20 January 2024 23:59:59 +0000",
+                "Sat,\n 20 Jan 2024\n 18:00:00 +0000")
+        for text in good:
+            self.assertEqual(self.findings(HEAD.replace(field, text) + "\nx\n"), [], text)
+        bad = ("", "2024-01-20T18:00:00Z", "Sat, 20 Jan 2024", "Thu, 29 Feb 2023 00:00:00 +0000",
+               "31 Apr 2024 00:00:00 +0000", "0 Jan 2024 00:00:00 +0000", "1 Foo 2024 00:00:00 Z",
+               "1 Jan 2024 24:00:00 +0000", "1 Jan 2024 00:60:00 +0000",
+               "1 Jan 2024 00:00:61 +0000", "1 Jan 2024 04:00:00 PM", "(Sat",
+               "Jan 1 2024 00:00:00", "1 Jan 20240 00:00:00",
+               "20 Jan 2024 (evening) 18:00:00")
+        for text in bad:
+            self.assertEqual(self.codes(HEAD.replace(field, text) + "\nx\n"), ["bad-date"], text)
+
+    def test_byte_order_mark(self):
+        self.assertEqual(self.findings(b"\xEF\xBB\xBF" + (HEAD + "\nx\n").encode()), [])
+
+    def test_samples(self):
+        odd = {"mac-roman.eml": ["guessed-charset"],
+               "malformed.eml": ["bad-date", "unknown-word-charset", "unterminated-multipart",
+                                 "unknown-charset", "unknown-charset", "no-blank-line",
+                                 "lost-parts"]}
+        paths = sorted(SAMPLES.glob("*.eml"))
+        _, found = self.documents(*paths)
+        self.assertGreater(len(paths), 10)
+        for path, findings in zip(paths, found, strict=True):
+            self.assertEqual([finding["code"] for finding in findings], odd.get(path.name, []),
+                             path.name)
+
+
+class OutputTest(CheckCase):
+    def test_nothing_odd(self):
+        self.expect(zqv("check", SAMPLES / "plain.eml"), 0, CLEAN)
+
+    def test_lines(self):
+        letter = self.write("a.eml", HEAD + "Date: x\nContent-Type: multipart/mixed; boundary=b\n\n"
+                            "--b\nContent-Type: text/plain\nhello\n--b--\n")
+        self.expect(zqv("check", letter), 1, (
+            "message  line 6   Date stands 2 times where one is allowed: the last counts\n"
+            "message  line 6   \"x\" is no proper date: the message's date is a guess\n"
+            'part 1   line 11  no blank line ends the header: "hello" is taken for text of the body'
+            "\n"))
+
+    def test_several_messages(self):
+        clean = SAMPLES / "plain.eml"
+        odd = self.write("a.eml", HEAD + "hello\n")
+        line = 'no blank line ends the header: "hello" is taken for text of the body'
+        self.expect(zqv("check", clean, odd), 1,
+                    f"==> {odd} <==\nmessage  line 6  {line}\n")
+        self.expect(zqv("check", clean, clean), 0, CLEAN)
+        self.expect(zqv("check", odd, clean, odd), 1,
+                    f"==> {odd} <==\nmessage  line 6  {line}\n\n"
+                    f"==> {odd} <==\nmessage  line 6  {line}\n")
+
+    def test_one_that_cannot_be_read_is_not_good(self):
+        gone = self.folder / "gone.eml"
+        self.expect(zqv("check", SAMPLES / "plain.eml", gone), 1, "",
+                    f"zqv: {gone}: IOException: Failed to open file for reading.\n")
+
+    def test_json_of_several_messages(self):
+        code, found = self.documents(SAMPLES / "plain.eml", SAMPLES / "mac-roman.eml")
+        self.assertEqual((code, [len(findings) for findings in found]), (1, [0, 1]))
+
+    def test_what_is_quoted_is_safe(self):
+        for text in ("\x1B[2Jx", "\u202Ex", "x" * 10_000, "\0x", "é\x07"):
+            letter = self.write("a.eml", HEAD + text + "\n\nx\n")
+            lines = self.expect(zqv("check", letter), 1).out.splitlines()
+            self.assertTrue(all(c.isprintable() for line in lines for c in line), lines)
+            self.assertLess(max(len(line) for line in lines), 200)
+
+    def test_no_message(self):
+        letter = self.write("a.eml", "")
+        self.expect(zqv("check", letter), 1, "",
+                    f"zqv: {letter}: UnsupportedOperationException: Can't parse empty text.\n")
+
+
+class HostileTest(CheckCase):
+    def seconds(self, message):
+        """What the program needs for a message beyond what it needs to make the tree."""
+        path = self.write("a.eml", message)
+
+        def measure(verb):
+            before = resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime
+            self.assertIn(zqv(verb, path).code, (0, 1))
+            return resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime - before
+        return measure("check") - measure("tree")
+
+    def test_work_grows_with_the_message(self):
+        def deep(n):
+            return "".join(f"Content-Type: multipart/mixed; boundary=b{i}\n\n--b{i}\n"
+                           for i in range(min(n // 60, 200))) + "\n" + "--b\n" * (n // 4)
+
+        def lengths(n):
+            return "".join(f"Content-Type: multipart/mixed; boundary={'x' * i}y\n\n--{'x' * i}y\n"
+                           for i in range(1, 400)) + "\n" + ("--" + "x" * 2000 + "\n") * (n // 2003)
+
+        shapes = {
+            "parts": lambda n: MIXED + "--cut\n\nx\n" * (n // 10) + "--cut--\n",
+            "depth": lambda n: HEAD + deep(n),
+            "boundaries of every length": lambda n: HEAD + lengths(n),
+            "fields": lambda n: HEAD + "Date: x\n" * (n // 8) + "\nx\n",
+            "folds": lambda n: HEAD + "X: a\n" + " b\n" * (n // 3) + "\nx\n",
+            "encoded words": lambda n: HEAD + "X: " + "=?a?q?" * (n // 6) + "\n\nx\n",
+            "whole encoded words": lambda n: HEAD + "X: " + "=?utf-8?Q?a?= " * (n // 14) + "\n\n",
+            "comments": lambda n: HEAD + "Date: " + "(" * n + "\n\nx\n",
+            "parameters": lambda n: HEAD + "Content-Type: text/plain" + ";a=b" * 20_000 + "\n\n" +
+                                    "x" * n,
+        }
+        # So many times the size, not the square of that; sanitized builds are slow.
+        small, large = 100_000, 1_000_000
+        for name, shape in shapes.items():
+            with self.subTest(name):
+                self.assertLess(self.seconds(shape(large)),
+                                40 * max(self.seconds(shape(small)), 0.05))
+
+    def test_every_byte_value(self):
+        for value in range(0x80):
+            self.findings(bytes([value]) + HEAD.encode() + b"\n" + bytes([value]))
+
+
+if __name__ == "__main__":
+    unittest.main()

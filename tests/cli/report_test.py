@@ -1,0 +1,504 @@
+"""The page that `zqv report` writes: what it says, how it is written, and that nothing in a message
+makes a browser run, load or send anything.
+
+What needs a browser is skipped without Debian's chromium, chromium-driver and python3-selenium,
+which is there for Debian's own Python.
+"""
+
+import base64
+import html
+import html.parser
+import os
+import pathlib
+import re
+import resource
+import socket
+import subprocess
+import sys
+import threading
+import time
+import unittest
+
+import program
+from program import SAMPLES, ZQV, zqv
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+import browser
+
+try:
+    from selenium.webdriver.common.by import By
+except ImportError:
+    pass  # browser.MISSING says so
+
+SETTLING = 0.7  # seconds that a page has for what it wants to load
+DOT = base64.b64decode("R0lGODlhAQABAIAAAAAAAP///yH5BAEAAAAALAAAAAABAAEAAAIBRAA7")  # a GIF
+
+# What an HTML text does to reach a server as soon as it is looked at; @ is the server.
+LOADING = {
+    "picture": "<img src='@/1'>",
+    "picture in a set": "<img srcset='@/1 1x, @/2 2x'>",
+    "picture of a button": "<input type=image src='@/1'>",
+    "background": "<table background='@/1'><tr><td>x</td></tr></table>",
+    "style": "<p style='background: url(@/1)'>x</p>",
+    "style sheet with a picture": "<style>body { background: url('@/1') }</style>",
+    "style sheet with another": "<style>@import url('@/1');</style>",
+    "style sheet elsewhere": "<link rel=stylesheet href='@/1'>",
+    "font": "<style>@font-face { font-family: f; src: url('@/1') } p { font-family: f }</style>"
+            "<p>x</p>",
+    "script elsewhere": "<script src='@/1'></script>",
+    "script": "<script>document.title = 'taken'; new Image().src = '@/1'</script>",
+    "handler": "<img src='data:,' onerror=\"this.onerror = null; document.title = 'taken'; "
+               "this.src = '@/1'\">",
+    "handler of an SVG": "<svg onload=\"document.title = 'taken'; fetch('@/1')\"></svg>",
+    "picture in an SVG": "<svg><image href='@/1' width=9 height=9></image></svg>",
+    "frame": "<iframe src='@/1'></iframe>",
+    "frame in a frame": "<iframe srcdoc=\"<img src='@/1'>\"></iframe>",
+    "object": "<object data='@/1'></object>",
+    "embedded": "<embed src='@/1'>",
+    "film": "<video poster='@/1' src='@/2' autoplay></video>",
+    "refresh": "<meta http-equiv=refresh content='0; url=@/1'>",
+    "base": "<base href='@/'><img src='1'>",
+    "preload": "<link rel=preload as=image href='@/1'>",
+    "connection": "<link rel=preconnect href='@'>",
+    "script from a link": "<a href=\"javascript:fetch('@/1')\" id=self>x</a>"
+                          "<script>document.getElementById('self').click()</script>",
+    "form": "<form id=f action='@/1'><input name=a></form><script>f.submit()</script>",
+    "attribute that ends early": "<p title='\"><img src=@/1>'></p><p title='x'><img src='@/1'></p>",
+    "comment that ends early": "<!--><img src='@/1'>-->",
+    "raw text that ends": "<textarea></textarea><img src='@/1'>",
+}
+
+# What harms only a page that is written carelessly: it must end no attribute, no element.
+BREAKING = """\
+"><img src='@/1'><script>document.title = 'taken'</script>
+'><svg/onload="document.title = 'taken'">
+"></iframe><script src='@/1'></script><img src=@/2>
+&quot;&gt;&lt;img src=@/1&gt;&#34;&#62;
+<scr\0ipt src='@/1'></scr\0ipt><im\0g src='@/1'><\0script>document.title = 'taken'</script>
+<style>p { }</st\0yle><img src='@/1'></style>
+<style>@import '@/1'</style ><img/src="@/1"/onerror=x><IMG SRC=@/1><img src
+='@/1'><img src=@/1
+"""
+
+# What waits for somebody to click on it.
+WAITING = """\
+<a href="@/1" target=_top>top</a> <a href='@/2'>self</a> <a href=@/3 target=_blank ping=@/4>new</a>
+<form action='@/5' method=post target=_top><input type=submit value=send><button>b</button></form>
+<map name=m><area href='@/6' shape=default></map><img usemap=#m src='data:image/gif;base64,%s'>
+<details ontoggle="document.title = 'taken'"><summary>more</summary></details>
+""" % base64.b64encode(DOT).decode()
+
+EVERYWHERE = "</title></pre></style>\"'><script>document.title='taken'</script><img src=@/9>\u202E"
+
+
+class Server:
+    """Takes connections on 127.0.0.1, remembers them, and answers with nothing."""
+
+    def __init__(self):
+        self._socket = socket.create_server(("127.0.0.1", 0))
+        self.address = "http://127.0.0.1:%d" % self._socket.getsockname()[1]
+        self._count = 0
+        threading.Thread(target=self._serve, daemon=True).start()
+
+    def _serve(self):
+        while True:
+            try:
+                connection, _ = self._socket.accept()
+            except OSError:
+                return
+            self._count += 1
+            connection.close()
+
+    def take(self):
+        """How many connections there were since this was last asked."""
+        count, self._count = self._count, 0
+        return count
+
+    def wait(self):
+        """Whether one comes in good time."""
+        end = time.monotonic() + 10
+        while not self._count and time.monotonic() < end:
+            time.sleep(0.02)
+        return self._count > 0
+
+    def close(self):
+        self._socket.shutdown(socket.SHUT_RDWR)
+        self._socket.close()
+
+
+def message(html_text, *others, subject="A page", plain="Plain words.", field=""):
+    """A message with a plain text, HTML, and other parts that are whole."""
+    header = (f"From: ada@example.com\nDate: Sat, 20 Jan 2024 18:00:00 +0000\nSubject: {subject}\n"
+              f"{field}MIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=cut\n\n")
+    parts = [f"Content-Type: text/plain; charset=utf-8\n\n{plain}",
+             f"Content-Type: text/html; charset=utf-8\n\n{html_text}", *others]
+    return header + "".join(f"--cut\n{part}\n" for part in parts) + "--cut--\n"
+
+
+def file_part(content, name="dot.gif", mime_type="image/gif", content_id=None):
+    identity = f"Content-ID: <{content_id}>\n" if content_id else ""
+    return (f"Content-Type: {mime_type}; name=\"{name}\"\nContent-Transfer-Encoding: base64\n"
+            f"Content-Disposition: {'inline' if content_id else 'attachment'}\n{identity}\n"
+            + base64.b64encode(content).decode())
+
+
+class Page(html.parser.HTMLParser):
+    """What stands in a page: its elements with their attributes, its text, the frame's page."""
+
+    def __init__(self, text):
+        super().__init__()
+        self.elements = []
+        self.text = ""
+        self.feed(text)
+        self.close()
+        frames = [found["srcdoc"] for name, found in self.elements if name == "iframe"]
+        self.frame = Page(frames[0]) if frames else None
+
+    def handle_starttag(self, tag, attrs):
+        self.elements.append((tag, dict(attrs)))
+
+    def handle_data(self, data):
+        self.text += data
+
+    def names(self):
+        return {name for name, _ in self.elements}
+
+    def values(self, element, attribute):
+        return [found.get(attribute) for name, found in self.elements if name == element]
+
+
+class ReportCase(program.TestCase):
+    def page(self, text, **options):
+        """The page of a message."""
+        path = self.write("letter.eml", text) if isinstance(text, (str, bytes)) else text
+        return self.expect(zqv("report", path, "-o", "-", **options)).out
+
+
+class ContentTest(ReportCase):
+    def test_summary_text_and_headers(self):
+        page = Page(self.page(SAMPLES / "attachments.eml"))
+        for text in ("Quarterly figures and the chart", "2024-04-16 14:02:05",
+                     "Lena Brandt <lena.brandt@example.com>", "Kofi Adjei <kofi@example.org>",
+                     "Dear all,", "multipart/alternative", "1.2", "figures-q1.pdf", "665 bytes",
+                     "Übersicht Süd.png", "5F1C-0A77-9E@example.com"):
+            self.assertIn(text, page.text)
+        self.assertIn("3\xA0% below", page.frame.text)
+        self.assertIn("i", page.frame.names())
+        self.assertNotIn("Odd about", page.text)
+
+    def test_findings(self):
+        page = Page(self.page(SAMPLES / "malformed.eml"))
+        self.assertIn("Odd about this message", page.text)
+        for line in zqv("check", SAMPLES / "malformed.eml").out.splitlines():
+            self.assertIn(re.split(r"  +", line)[-1], page.text)
+
+    def test_pictures_are_in_the_page(self):
+        text = "<p>one <img src='cid:dot%40example.org' alt=dot> two <IMG SRC=CID:none></p>"
+        page = Page(self.page(message(text, file_part(DOT, content_id="dot@example.org"),
+                                      file_part(b"no picture", "fake.png", "image/png"))))
+        uri = "data:image/gif;base64," + base64.b64encode(DOT).decode()
+        self.assertEqual(page.values("img", "src"), [uri])
+        self.assertEqual(page.frame.values("img", "src"), [uri, None])
+
+    def test_kinds_of_pictures(self):
+        pictures = {"image/png": b"\x89PNG\r\n\x1A\nx", "image/jpeg": b"\xFF\xD8\xFF\xE0x",
+                    "image/gif": b"GIF87ax", "image/webp": b"RIFF\x04\0\0\0WEBPx",
+                    "image/bmp": b"BM\x20\0\0\0\0\0\0\0x"}
+        others = [b"<svg xmlns='http://www.w3.org/2000/svg'/>", b"BMW drivers", b"RIFF....WAVE",
+                  b"\xFF\xD8", b"", b"GIF88a"]
+        parts = [file_part(data, mime_type="image/x-any") for data in [*pictures.values(), *others]]
+        page = Page(self.page(message("x", *parts)))
+        types = [source.split(";")[0] for source in page.values("img", "src")]
+        self.assertEqual(types, [f"data:{kind}" for kind in pictures])
+
+    def test_large_pictures_are_left_out(self):
+        most = 8 << 20
+        for size, count in ((most, 1), (most + 1, 0)):
+            data = DOT + bytes(size - len(DOT))
+            self.assertEqual(self.page(message("x", file_part(data))).count("data:image/"), count)
+
+    def test_one_picture_many_times(self):
+        data = DOT + bytes((1 << 20) - len(DOT))
+        text = "<img src='cid:a'>" * 1000
+        page = self.page(message(text, file_part(data, content_id="a")))
+        self.assertEqual(page.count("data:image/"), 48)
+
+    def test_links_tell_where_they_lead(self):
+        page = Page(self.page(message("<a href='https://example.org/?a=1&amp;b' title=bank>x</a>")))
+        links = [found for name, found in page.frame.elements if name == "a"]
+        self.assertEqual(links, [{"title": "https://example.org/?a=1&b"}])
+
+    def test_styles_stay(self):
+        text = "<style>p > b { color: red }</style><p style='margin: 0' class=x>a<font size=2>b"
+        page = self.page(message(text))
+        self.assertIn(html.escape("<style>p > b { color: red }</style>"), page)
+        self.assertIn(html.escape("<p style=\"margin: 0\" class=\"x\">a<font size=\"2\">b"), page)
+
+    def test_other_texts_are_folded_away(self):
+        page = self.page(message("x", "Content-Type: text/csv\n\nday,pages\n<1>,2\n"))
+        self.assertIn("<pre dir=\"auto\">day,pages\n&lt;1&gt;,2", page)
+
+    def test_long_texts_are_cut(self):
+        page = self.page(message("x", plain="0123456789" * 110_000))
+        self.assertIn("51.4 KB more are not shown.", page)
+        self.assertLess(len(page), 1_100_000)
+
+    def test_policy(self):
+        policy = ("default-src 'none'; img-src data:; style-src 'unsafe-inline'; "
+                  "form-action 'none'; base-uri 'none'")
+        page = Page(self.page(SAMPLES / "newsletter.eml"))
+        for one in (page, page.frame):
+            policies = [found["content"] for name, found in one.elements
+                        if found.get("http-equiv") == "Content-Security-Policy"]
+            self.assertEqual(policies, [policy])
+        self.assertEqual(page.values("iframe", "sandbox"), [None])  # no word that allows anything
+
+    def test_every_sample(self):
+        for path in sorted(SAMPLES.glob("*.eml")):
+            with self.subTest(path.name):
+                page = Page(self.page(path))
+                self.assertEqual(page.names() & {"script", "link", "base", "form", "object"}, set())
+
+    def test_message_of_nothing(self):
+        page = Page(self.page("X: y\n\n"))
+        self.assertIn("(no subject)", page.text)
+
+    def test_message_of_many_parts(self):
+        count = 20_000
+        parts = ["Content-Type: text/x-note; name=n\n\nhello"] * count
+        page = self.page(message("x", *parts))
+        # All but the message itself are folded away.
+        self.assertEqual(page.count("<details>"), count + 2)
+        self.assertLess(len(page), 700 * count)
+
+    def test_message_that_nests_deep(self):
+        depth = 200
+        levels = "".join(f"Content-Type: multipart/mixed; boundary=b{i}\n\n--b{i}\n"
+                         for i in range(depth))
+        page = self.page("Subject: deep\n" + levels + "\nhello\n")
+        self.assertEqual(page.count("<details>"), depth)
+
+
+class FileTest(ReportCase):
+    def setUp(self):
+        super().setUp()
+        self.letter = SAMPLES / "plain.eml"
+        self.target = self.folder / "page.html"
+
+    def report(self, *arguments, **options):
+        return zqv("report", self.letter, "-o", self.target, *arguments, **options)
+
+    def names(self):
+        return sorted(path.name for path in self.folder.iterdir())
+
+    def test_is_written(self):
+        self.expect(self.report(), out=f"{self.target}\n")
+        self.assertEqual(self.target.read_text("utf-8"), self.page(self.letter))
+        self.assertEqual(self.names(), ["page.html"])
+
+    def test_name_without_a_folder(self):
+        self.expect(zqv("report", self.letter, "-o", "here.html", cwd=self.folder),
+                    out="here.html\n")
+        self.assertEqual(self.names(), ["here.html"])
+
+    def test_is_not_written_over(self):
+        self.target.write_text("mine")
+        self.expect(self.report(), 1, "", f"zqv: {self.letter}: {self.target}: File exists\n")
+        self.assertEqual(self.target.read_text(), "mine")
+        self.expect(self.report("--force"), out=f"{self.target}\n")
+        self.assertIn("Keys", self.target.read_text())
+        self.assertEqual(self.names(), ["page.html"])
+
+    def test_what_is_no_file_is_never_replaced(self):
+        self.target.mkdir()
+        for force in ([], ["--force"]):
+            result = self.expect(self.report(*force), 1, "", None)
+            self.assertEqual(result.err.count("\n"), 1)
+        self.target.rmdir()
+        other = self.folder / "other"
+        self.target.symlink_to(other)
+        for force in ([], ["--force"]):
+            self.expect(self.report(*force), 1, "", None)
+        self.assertFalse(other.exists())
+
+    def test_unwritable_places(self):
+        for target in ("/proc/page.html", "/dev/null/page.html", f"{self.letter}/page.html"):
+            result = self.expect(zqv("report", self.letter, "-o", target), 1, "", None)
+            self.assertRegex(result.err, r"\Azqv: [^\n]+\n\Z")
+
+    def test_folder_of_somebody_else(self):
+        copy = self.copy_program()
+        letter = self.write("letter.eml", self.letter.read_bytes())
+        options = program.as_nobody()
+        self.folder.chmod(0o555)
+        self.addCleanup(self.folder.chmod, 0o755)
+        before = self.names()
+        self.expect(zqv("report", letter, "-o", self.target, program=copy, **options), 1, "",
+                    f"zqv: {letter}: {self.target}: Permission denied\n")
+        self.assertEqual(self.names(), before)
+
+    def test_no_room(self):
+        # Nothing half-written is left behind.
+        def limit():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (4096, 4096))
+        run = subprocess.run(["sh", "-c", "trap '' XFSZ; exec \"$@\"", "sh", ZQV, "report",
+                              self.letter, "-o", self.target], preexec_fn=limit, check=False,
+                             capture_output=True, timeout=program.TIMEOUT)
+        self.assertEqual((run.returncode, run.stdout), (1, b""))
+        self.assertEqual(run.stderr.decode(),
+                         f"zqv: {self.letter}: {self.target}: File too large\n")
+        self.assertEqual(self.names(), [])
+
+    def test_several_messages_are_refused(self):
+        self.expect(zqv("report", self.letter, SAMPLES / "html-only.eml", "-o", self.target), 1,
+                    "", None)
+        self.assertEqual(self.names(), [])
+
+
+@unittest.skipIf(browser.MISSING, f"needs {', '.join(browser.MISSING)}")
+class BrowserTest(ReportCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.browser = browser.start(width=1100)
+        cls.addClassCleanup(cls.browser.quit)
+        cls.server = Server()
+        cls.addClassCleanup(cls.server.close)
+        shots = os.environ.get("ZQV_SHOTS")
+        cls.shots = pathlib.Path(shots) if shots else None
+
+    def setUp(self):
+        super().setUp()
+        self.browser.get("about:blank")
+        self.browser.get_log("browser")
+        self.server.take()
+
+    def armed(self, text):
+        return text.replace("@import", "\1").replace("@font", "\2").replace(
+            "@", self.server.address).replace("\1", "@import").replace("\2", "@font")
+
+    def open(self, text, name="page.html"):
+        self.browser.get(self.write(name, text).as_uri())
+        time.sleep(SETTLING)
+        if self.shots:
+            self.shots.mkdir(parents=True, exist_ok=True)
+            self.browser.save_screenshot(str(self.shots / f"{self.id().split('.')[-1]}.png"))
+
+    def check_quiet(self, title):
+        """No connection, no script, and nothing on the console but what the policy refused."""
+        self.assertEqual(self.browser.title, title)
+        log = [entry["message"] for entry in self.browser.get_log("browser")]
+        self.assertEqual([line for line in log if "Content Security Policy" not in line], [])
+        self.assertEqual(self.server.take(), 0, log)
+
+    def script(self, code, *arguments):
+        return self.browser.execute_script(code, *arguments)
+
+    def within_frame(self, code):
+        self.browser.switch_to.frame(self.browser.find_element(By.TAG_NAME, "iframe"))
+        try:
+            return self.script(code)
+        finally:
+            self.browser.switch_to.default_content()
+
+    def test_each_trick_works_on_a_plain_page(self):
+        # Without this the tests below could not fail.
+        for name, trick in LOADING.items():
+            with self.subTest(name):
+                self.browser.get("about:blank")
+                self.server.take()
+                self.browser.get(self.write("trick.html", self.armed(trick)).as_uri())
+                self.assertTrue(self.server.wait())
+
+    def test_each_trick_fails_on_the_report(self):
+        for name, trick in LOADING.items():
+            with self.subTest(name):
+                self.open(self.page(message(self.armed(trick), subject="Tricks")))
+                self.check_quiet("Tricks")
+
+    def test_all_tricks_at_once(self):
+        tricks = "".join(LOADING.values()) + BREAKING + WAITING
+        everywhere = self.armed(EVERYWHERE)
+        text = message(self.armed(tricks), file_part(DOT, everywhere.replace('"', "'")),
+                       f"Content-Type: text/x-{everywhere}\n\n{self.armed(tricks)}",
+                       subject=everywhere, plain=self.armed(tricks),
+                       field=f"X-Trick: {self.armed(tricks.splitlines()[0])}\n"
+                             f"To: {everywhere} <a@example.org>\nDate: {everywhere}\n")
+        page = self.page(text)
+        self.open(page)
+        self.assertEqual(self.script("return document.scripts.length"), 0)
+        self.assertEqual(self.script("return document.querySelectorAll('iframe').length"), 1)
+        self.check_quiet(everywhere.replace("\u202E", "\\u{202E}"))
+
+    def test_what_is_clicked_does_nothing(self):
+        self.open(self.page(message(self.armed(WAITING), subject="Waiting")))
+        self.browser.switch_to.frame(self.browser.find_element(By.TAG_NAME, "iframe"))
+        found = self.browser.find_elements(By.CSS_SELECTOR, "a, form, input, button, area, img")
+        self.assertEqual([element.tag_name for element in found], ["a", "a", "a", "img"])
+        for element in found:
+            element.click()
+        self.browser.switch_to.default_content()
+        time.sleep(SETTLING)
+        self.assertEqual(len(self.browser.window_handles), 1)
+        self.check_quiet("Waiting")
+
+    def test_sandbox_and_policy_hold_alone(self):
+        # As if the text had been put into the frame as it is. Why it is not: for these two the
+        # browser opens a connection before it asks the policy.
+        early = ("connection", "frame")
+        tricks = [trick for name, trick in LOADING.items() if name not in early]
+        tricks = self.armed("".join(tricks) + BREAKING.replace("\0", "") + WAITING)
+        page = self.page(message("MARK", subject="Alone"))
+        self.assertEqual(page.count("MARK"), 1)
+        self.open(page.replace("MARK", html.escape(tricks)))
+        self.assertEqual(self.browser.title, "Alone")
+        self.assertEqual(self.server.take(), 0)
+
+    def test_good_page(self):
+        self.open(self.page(SAMPLES / "attachments.eml"))
+        self.assertEqual(self.script("return document.querySelector('h1').textContent"),
+                         "Quarterly figures and the chart")
+        self.assertEqual(
+            self.script("return Array.from(document.querySelectorAll('#parts .number'))"
+                        ".map((e) => e.textContent)"), ["0", "1", "1.1", "1.2", "2", "3"])
+        widths = self.script("return Array.from(document.images).map((i) => i.naturalWidth)")
+        self.assertEqual(len(widths), 1)
+        self.assertGreater(widths[0], 0)
+        self.assertIn("3\xA0% below", self.within_frame("return document.body.textContent"))
+        self.assertEqual(self.browser.get_log("browser"), [])
+
+    def test_pictures_of_the_text(self):
+        self.open(self.page(SAMPLES / "inline-images.eml"))
+        widths = self.within_frame(
+            "return Array.from(document.images).map((i) => i.naturalWidth)")
+        self.assertEqual(len(widths), 2)
+        self.assertGreater(min(widths), 0)
+
+    def test_findings_are_shown(self):
+        self.open(self.page(SAMPLES / "malformed.eml"))
+        shown = self.script("return document.querySelectorAll('#findings li').length")
+        self.assertEqual(shown, len(zqv("check", SAMPLES / "malformed.eml").out.splitlines()))
+
+    def test_small_windows_do_not_scroll_sideways(self):
+        for sample in ("attachments.eml", "malformed.eml", "nested.eml", "newsletter.eml"):
+            self.open(self.page(SAMPLES / sample))
+            for width in (340, 500, 1024):
+                self.browser.execute_cdp_cmd(
+                    "Emulation.setDeviceMetricsOverride",
+                    {"width": width, "height": 700, "deviceScaleFactor": 1, "mobile": False})
+                self.assertLessEqual(
+                    self.script("return document.documentElement.scrollWidth"), width)
+            self.browser.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
+
+    def test_both_appearances(self):
+        self.open(self.page(SAMPLES / "attachments.eml"))
+        grounds = []
+        for scheme in ("light", "dark"):
+            self.browser.execute_cdp_cmd(
+                "Emulation.setEmulatedMedia",
+                {"features": [{"name": "prefers-color-scheme", "value": scheme}]})
+            grounds.append(self.script("return getComputedStyle(document.body).backgroundColor"))
+        self.assertEqual(grounds, ["rgb(244, 245, 247)", "rgb(20, 24, 29)"])
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,99 @@
+"""docs/schema.json describes every JSON document that the program prints."""
+
+import copy
+import json
+import os
+import pathlib
+import re
+import unittest
+
+import jsonschema
+
+import program
+from program import SAMPLES, zqv
+
+SOURCE = pathlib.Path(os.environ["ZQV_SOURCE"])
+SCHEMA = json.loads((SOURCE / "docs/schema.json").read_text())
+VALIDATOR = jsonschema.Draft202012Validator(SCHEMA)
+ON_MESSAGES = (["json"], ["json", "--raw"], ["show", "--json"], ["headers", "--json"],
+               ["tree", "--json"], ["list", "--json"], ["addresses", "--json"],
+               ["check", "--json"])
+OTHERS = (["decode", "--json", "a", "=?utf-8?Q?b?="], ["classes", "--json"],
+          ["bench", "--json", "--rounds", "1", SAMPLES / "plain.eml"])
+# Poor hosts, and texts of unknown encodings.
+ODD = (b"Subject: \xE9\nFrom: a: ;\nContent-Type: text/plain; charset=x-new\n\n\xE9\n",
+       b"Content-Type: multipart/mixed; boundary=b\n\n--b\n\n--b--\n",
+       b":\n\n", b"x", b"Date: x\nReceived: y\n\n")
+
+
+def documents(text):
+    """All JSON documents in a text."""
+    decoder = json.JSONDecoder()
+    found = []
+    text = text.strip()
+    while text:
+        document, end = decoder.raw_decode(text)
+        found.append(document)
+        text = text[end:].lstrip()
+    return found
+
+
+class SchemaTest(program.TestCase):
+    def check(self, *arguments, count):
+        found = documents(zqv(*arguments).out)
+        self.assertEqual(len(found), count)
+        for document in found:
+            problem = jsonschema.exceptions.best_match(VALIDATOR.iter_errors(document))
+            self.assertIsNone(problem, problem)
+        return found
+
+    def test_the_schema_is_one(self):
+        jsonschema.Draft202012Validator.check_schema(SCHEMA)
+
+    def test_samples(self):
+        samples = sorted(SAMPLES.glob("*.eml"))
+        for verb in ON_MESSAGES:
+            with self.subTest(verb):
+                self.check(*verb, *samples, count=len(samples))
+
+    def test_odd_messages_and_poor_hosts(self):
+        for i, data in enumerate(ODD):
+            path = self.write(f"{i}.eml", data)
+            for verb in ON_MESSAGES:
+                for host in ([], ["--without", "RuntimeArrayCreateSingleDimBoundedArray"],
+                             ["--without", "PluginNewInstance"]):
+                    with self.subTest(verb=verb, data=data, host=host):
+                        self.check(*verb, path, *host, count=1)
+
+    def test_what_is_about_no_message(self):
+        for verb in OTHERS:
+            with self.subTest(verb):
+                self.check(*verb, count=1)
+
+    def test_the_codes_of_findings_are_those_of_program_and_document(self):
+        finding = next(document for document in SCHEMA["oneOf"]
+                       if "findings" in document["properties"])["properties"]["findings"]["items"]
+        codes = finding["properties"]["code"]["enum"]
+        source = (SOURCE / "cli/findings.cc").read_text()
+        in_program = re.findall(r'\{Oddity::\w+,\s*"([a-z0-9-]+)"', source)
+        self.assertEqual(codes, list(dict.fromkeys(in_program)))
+        section = (SOURCE / "docs/zqv.md").read_text().split("## Check")[1].split("\n## ")[0]
+        self.assertEqual(codes, re.findall(r"(?m)^\| `([a-z0-9-]+)` \|", section))
+
+    def test_sees_what_is_wrong(self):
+        good = self.check("show", "--json", SAMPLES / "attachments.eml", count=1)[0]
+        for break_it in (lambda d: d.update(more=1),
+                         lambda d: d.pop("file"),
+                         lambda d: d.update(format_version=2),
+                         lambda d: d["summary"].pop("subject"),
+                         lambda d: d["summary"].update(more=1),
+                         lambda d: d["summary"].update(date="yesterday"),
+                         lambda d: d["summary"]["attachments"][0].update(part="2."),
+                         lambda d: d["summary"]["attachments"][0].update(bytes="665")):
+            bad = copy.deepcopy(good)
+            break_it(bad)
+            self.assertFalse(VALIDATOR.is_valid(bad), bad)
+
+
+if __name__ == "__main__":
+    unittest.main()

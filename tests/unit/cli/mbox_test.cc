@@ -1,0 +1,100 @@
+#include "cli/mbox.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace zqv::cli {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const std::string kSeparator = "From ada@example.com Sat Jan  3 01:05:34 1996\n";
+
+// The messages of a file that comes in pieces of `step` bytes.
+std::vector<std::string> Split(std::string_view file, std::size_t step) {
+  std::vector<std::string> messages;
+  MboxSplitter splitter([&](std::string&& message) {
+    messages.push_back(std::move(message));
+    return true;
+  });
+  for (; !file.empty(); file.remove_prefix(std::min(step, file.size()))) {
+    if (!splitter.Add(file.substr(0, step))) break;
+  }
+  splitter.Finish();
+  return messages;
+}
+
+TEST(MboxSeparator, HasAMonthAndATime) {
+  EXPECT_TRUE(IsMboxSeparator("From ada@example.com Sat Jan  3 01:05:34 1996"));
+  EXPECT_TRUE(IsMboxSeparator("From ada@example.com Sat Jan  3 1:05 1996 +0100"));
+  EXPECT_TRUE(IsMboxSeparator("From - Sat Dec 31 23:59:60 1996"));
+  EXPECT_FALSE(IsMboxSeparator("From ada@example.com"));
+  EXPECT_FALSE(IsMboxSeparator("From time to time in Jan we meet at 9"));
+  EXPECT_FALSE(IsMboxSeparator("From 9:30 on it rained"));
+  EXPECT_FALSE(IsMboxSeparator("From here January 01:05:34"));
+  EXPECT_FALSE(IsMboxSeparator("From ada Jan 1:5"));
+  EXPECT_FALSE(IsMboxSeparator("From ada Jan a:05"));
+  EXPECT_FALSE(IsMboxSeparator("From ada Jan 101:05"));
+  EXPECT_FALSE(IsMboxSeparator("from ada@example.com Sat Jan  3 01:05:34 1996"));
+  EXPECT_FALSE(IsMboxSeparator("From: ada@example.com Sat Jan  3 01:05:34 1996"));
+  EXPECT_FALSE(IsMboxSeparator(">From ada@example.com Sat Jan  3 01:05:34 1996"));
+  EXPECT_FALSE(IsMboxSeparator(""));
+}
+
+TEST(MboxSplitterTest, GivesTheSameWhateverThePieces) {
+  const std::string file = kSeparator + "A: 1\n\none\n>From x\n\n" + kSeparator +
+                           "A: 2\r\n\r\ntwo\r\n\r\n" + kSeparator + "A: 3\n\nFrom " +
+                           "long\n\n\nthree";
+  for (const std::size_t step : {1U, 2U, 3U, 7U, 16U, 1000U}) {
+    EXPECT_THAT(Split(file, step), ElementsAre("A: 1\n\none\nFrom x\n", "A: 2\r\n\r\ntwo\r\n",
+                                               "A: 3\n\nFrom long\n\n\nthree"))
+        << step;
+  }
+}
+
+TEST(MboxSplitterTest, TakesOneEmptyLineBeforeASeparatorAway) {
+  EXPECT_THAT(Split(kSeparator + "a\n\n\n\n" + kSeparator + "b\n\n\n", 1000),
+              ElementsAre("a\n\n\n", "b\n\n"));
+}
+
+TEST(MboxSplitterTest, NeedsAnEmptyLineBeforeASeparator) {
+  EXPECT_THAT(Split(kSeparator + "a\n" + kSeparator + "b\n", 1000),
+              ElementsAre("a\n" + kSeparator + "b\n"));
+  EXPECT_THAT(Split(kSeparator + kSeparator + "b\n", 1000), ElementsAre(kSeparator + "b\n"));
+}
+
+TEST(MboxSplitterTest, GivesEmptyMessages) {
+  EXPECT_THAT(Split(kSeparator, 1000), ElementsAre(""));
+  EXPECT_THAT(Split(kSeparator + "\n" + kSeparator + "\n\n", 1000), ElementsAre("", "\n"));
+}
+
+TEST(MboxSplitterTest, TakesOneSignOfQuotedLinesOnly) {
+  EXPECT_THAT(Split(kSeparator + ">From a\n>>>From b\n> From c\n>From\n>Fro", 1000),
+              ElementsAre("From a\n>>From b\n> From c\n>From\n>Fro"));
+}
+
+TEST(MboxSplitterTest, StopsWhereThereIsNoMailbox) {
+  EXPECT_THAT(Split("A: 1\n\n" + kSeparator + "b\n", 1000), IsEmpty());
+  MboxSplitter splitter([](std::string&&) { return true; });
+  EXPECT_FALSE(splitter.Add("A: 1\n"));
+}
+
+TEST(MboxSplitterTest, StopsWhenToldTo) {
+  int count = 0;
+  MboxSplitter splitter([&](std::string&&) { return ++count < 2; });
+  std::string file;
+  for (int i = 0; i < 5; ++i) file += kSeparator + "a\n\n";
+  EXPECT_FALSE(splitter.Add(file));
+  EXPECT_FALSE(splitter.Finish());
+  EXPECT_EQ(count, 2);
+}
+
+}  // namespace
+}  // namespace zqv::cli
