@@ -12,9 +12,12 @@ Whatever test this document and SECURITY.md name must exist: `Suite.Name`, or `S
 import pathlib
 import re
 import sys
-import tempfile
 
-NAMING_TESTS = ["docs/quirks.md", "SECURITY.md"]
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+import planted
+
+NAMING_TESTS = ["docs/quirks.md", "docs/development.md", "docs/limits.md", "docs/testing.md",
+                "SECURITY.md", "tests/interface/README.md"]
 NAMED = re.compile(r"`([A-Z]\w*\.(?:[A-Z]\w*|\*))`")
 ROOMS = ["abi", "host", "text", "mime", "email", "plugin"]
 COMMENT = re.compile(r"^\s*//\s?(.*)$")
@@ -95,29 +98,5 @@ PLANTED = [
 ]
 
 
-def self_test():
-    failures = 0
-    for changes, expected in PLANTED:
-        with tempfile.TemporaryDirectory() as name:
-            top = pathlib.Path(name)
-            for path, text in {**GOOD, **changes}.items():
-                (top / path).parent.mkdir(parents=True, exist_ok=True)
-                (top / path).write_text(text)
-            found = check(top)
-            if not (any(expected in fault for fault in found) if expected else not found):
-                failures += 1
-                print(f"{changes}: expected '{expected}', got {found}")
-    return failures
-
-
-def main():
-    if sys.argv[1] == "--self-test":
-        return 1 if self_test() else 0
-    faults = check(pathlib.Path(sys.argv[1]))
-    for fault in faults:
-        print(fault)
-    return 1 if faults else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(planted.main(check, GOOD, PLANTED))

@@ -1,0 +1,206 @@
+#!/usr/bin/env python3
+"""Words in the documents are spelt as in British English, or are words of the project.
+
+  spelling.py FOLDER       lists every other word; fails when there is one, or when a word of
+                           words.txt is in no document
+  spelling.py --self-test  plants faults in a scratch project and demands that they are found
+
+Read are all Markdown files, the texts of help/reference.toml and packaging/zqv.1. Code, links'
+targets, names of files and identifiers are no words. words.txt beside this file holds one word a
+line, sorted; one in small letters stands for itself with a capital, too. Ends with 77 where aspell
+or its dictionary is missing.
+"""
+
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import tomllib
+
+import documents
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+import planted
+
+WORDS = "tests/docs/words.txt"
+HELP = "help/reference.toml"
+MANUAL = "packaging/zqv.1"
+DICTIONARY = "en_GB-ise"
+SKIPPED = 77
+CODE_KEYS = {"id", "example"}  # of the help's texts: what is no text
+
+URL = re.compile(r"\b[a-z]+://\S+")
+# A piece of a line up to blanks and punctuation, and those that are no word: with a digit, an
+# underscore, a slash, a dot or such inside, or a capital behind a small letter.
+PIECE = re.compile(r"[^\s()\[\]{}|\"“”<>,;:!?*=+~…–—]+")
+NO_WORD = re.compile(r"[\d_/\\@#$%&^]|\w\.\w|^\.\w|[a-z][A-Z]|[A-Z]{2}[a-z]{2}|^-")
+WORD = re.compile(r"[^\W\d_]+(?:['’][^\W\d_]+)*")
+
+
+def words_of(line):
+    """The words of one line of text."""
+    found = []
+    for piece in PIECE.findall(URL.sub(" ", line)):
+        if not NO_WORD.search(piece):
+            found += [word.replace("’", "'") for word in WORD.findall(piece)]
+    return [word[:-2] if word.endswith("'s") else word for word in found]
+
+
+def markdown_lines(text):
+    """Numbered lines of text: no code, no targets of links, no tags."""
+    prose, _ = documents.split(text)
+    text = documents.DEFINED_LINK.sub(documents.blank, documents.without_code(prose))
+    text = documents.IMAGE.sub(r"\1", text)
+    text = documents.LINK.sub(r"\1", text)
+    text = documents.TAG.sub(documents.blank, text)
+    return list(enumerate(text.splitlines(), 1))
+
+
+def strings(value, key=""):
+    """All texts in what a TOML file holds."""
+    if isinstance(value, str):
+        return [] if key in CODE_KEYS else [value]
+    if isinstance(value, dict):
+        return [text for name, inner in value.items() for text in strings(inner, name)]
+    if key == "raises":  # rows of exception, message, condition
+        return [row[2] for row in value]
+    return [text for inner in value for text in strings(inner, key)]
+
+
+def help_lines(text):
+    """Lines of the help's texts; their number is that of the line that holds them."""
+    lines = text.splitlines()
+    found = []
+    for string in strings(tomllib.loads(text)):
+        for _, line in markdown_lines(string):
+            start = line.strip().split("  ")[0]
+            number = next((n for n, held in enumerate(lines, 1) if start and start in held), 0)
+            found.append((number, line))
+    return found
+
+
+def manual_lines(text):
+    """Lines of a manual page, without its macros and what these take."""
+    shown = (".Nd ", ".Sh ", ".Ss ", ".Pq ", ".%T ")
+    found = []
+    for number, line in enumerate(text.splitlines(), 1):
+        if line.startswith(shown):
+            found.append((number, line.split(" ", 1)[1]))
+        elif not line.startswith("."):
+            found.append((number, re.sub(r"\\&", "", line)))
+    return found
+
+
+def used_words(top):
+    """Where each word stands first: word -> "file:line"."""
+    places = {}
+    readers = [(name, markdown_lines) for name in documents.documents(top)]
+    readers += [(name, reader) for name, reader in ((HELP, help_lines), (MANUAL, manual_lines))
+                if (top / name).is_file()]
+    for name, reader in readers:
+        for number, line in reader(documents.read(top, name)):
+            for word in words_of(line):
+                places.setdefault(word, f"{name}:{number}")
+    return places
+
+
+def aspell(*arguments, text=""):
+    """What aspell prints, whatever the user has set; None where it cannot be had."""
+    with tempfile.TemporaryDirectory() as home:
+        environment = {"PATH": os.environ["PATH"], "HOME": home, "LC_ALL": "C.UTF-8"}
+        try:
+            run = subprocess.run(["aspell", *arguments], input=text, capture_output=True,
+                                 encoding="utf-8", env=environment, check=False)
+        except FileNotFoundError:
+            return None
+    return run.stdout if run.returncode == 0 else None
+
+
+def unknown_words(words):
+    """Those that the dictionary does not have."""
+    listed = aspell("list", f"--lang={DICTIONARY}", "--encoding=utf-8", "--ignore=1",
+                    text="\n".join(sorted(words)) + "\n")
+    found = set((listed or "").split())
+    # Of a word with an apostrophe in it aspell may name a part.
+    return {word for word in words if word in found or found & set(word.split("'"))}
+
+
+def own_words(top):
+    path = top / WORDS
+    return path.read_text("utf-8").splitlines() if path.is_file() else []
+
+
+def own_spellings(word):
+    """How words.txt may spell a word: as it stands, or without the capital of a sentence."""
+    return {word, word[0].lower() + word[1:]}
+
+
+def check(top):
+    """All faults of the project at `top`, one text each."""
+    places, own = used_words(top), own_words(top)
+    used = {name for word in places for name in own_spellings(word)}
+    unknown = [word for word in unknown_words(places) if not own_spellings(word) & set(own)]
+    faults = [f"{places[word]}: {word}" for word in sorted(unknown)]
+    # Whether aspell knows a word depends on its version, so only the documents are asked.
+    faults += [f"{WORDS}: {word} is in no document" for word in own if word not in used]
+    if own != sorted(set(own)):
+        faults.append(f"{WORDS}: not sorted, or a word stands there twice")
+    if not places:
+        faults.append("no words found at all")
+    return faults
+
+
+GOOD = {
+    "a.md": "# A colour\n\nOf zqv, Zqv and [the centre](centrr.md#x) `cod` https://exampl.com/x\n"
+            "A fileName, file_nam, fil.txt, x86, docs/fil, isn't; host's.\n\n    indentd code\n"
+            "```sh\nfencd code\n```\n<a id=\"tagg\"></a>\n",
+    HELP: "[[guides]]\nid = \"guid\"\ntext = '''\nA text `cod`.\n\n```vb\ncodd\n```\n'''\n"
+          "[classes.Klass]\ngives = \"A behaviour.\"\nexample = '''\ncoddd\n'''\n"
+          "raises = [[\"Onee\", \"twwo\", \"three\"]]\n",
+    MANUAL: ".\\\" A commment\n.Nm zqvv\n.Nd show messages\nSome text \\&- here.\n.Ar fil\n",
+    WORDS: "zqv\n",
+}
+
+
+def plus(name, text):
+    """The good project with more text in one file."""
+    return {name: GOOD[name] + text + "\n"}
+
+
+PLANTED = [
+    ({}, ""),
+    (plus("a.md", "A mistaek."), "a.md:11: mistaek"),
+    (plus("a.md", "A color."), "a.md:11: color"),
+    (plus("a.md", "To organize."), "a.md:11: organize"),
+    (plus("a.md", "A [linkk](a.md)."), "a.md:11: linkk"),
+    (plus("a.md", "![pictur](a.svg)"), "a.md:11: pictur"),
+    (plus("a.md", "| cel | other |"), "a.md:11: cel"),
+    (plus("a.md", "*emphasiss*, \"quotess\"."), "a.md:11: quotess"),
+    (plus("a.md", "half-opeen"), "a.md:11: opeen"),
+    (plus("a.md", "Doesnt"), "a.md:11: Doesnt"),
+    (plus("a.md", "- an item\n    that goess on"), "a.md:12: goess"),
+    ({"docs/b.md": "Anothher."}, "docs/b.md:1: Anothher"),
+    ({HELP: GOOD[HELP].replace("A text", "A texxt")}, "help/reference.toml:4: texxt"),
+    ({HELP: GOOD[HELP].replace("A beh", "A bbeh")}, "bbehaviour"),
+    ({HELP: GOOD[HELP].replace("three", "thrree")}, "thrree"),
+    (plus(MANUAL, "Moree text."), "packaging/zqv.1:6: Moree"),
+    (plus(MANUAL, ".Sh NAMEE"), "packaging/zqv.1:6: NAMEE"),
+    ({WORDS: "zqv\nzqx\n"}, "zqx is in no document"),
+    ({WORDS: "Of\nZqv\nzqv\n"}, ""),
+    ({WORDS: "zqv\nzqv\n"}, "not sorted"),
+    ({WORDS: ""}, "a.md:3: "),
+    ({**{name: "" for name in GOOD}}, "no words found at all"),
+]
+
+
+def main():
+    if DICTIONARY not in (aspell("dicts") or "").split():
+        print(f"skipped: aspell with the dictionary {DICTIONARY} is missing (Debian: aspell-en)")
+        return SKIPPED
+    return planted.main(check, GOOD, PLANTED)
+
+
+if __name__ == "__main__":
+    sys.exit(main())
