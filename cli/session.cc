@@ -25,6 +25,8 @@ standin::Capabilities CapabilitiesOf(const SessionOptions& options) {
   standin::Capabilities capabilities;
   if (options.host_version) capabilities.version = *options.host_version;
   for (const std::string& name : options.without) capabilities.faults[name] = standin::Fault();
+  // The library inserts at index 1 where it cannot ask for the upper bound.
+  capabilities.refuses_insertion_beyond_the_end = capabilities.faults.count("RuntimeUBound") > 0;
   return capabilities;
 }
 

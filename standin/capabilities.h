@@ -58,6 +58,8 @@ struct Capabilities {
   double version = 2024.1;
   std::map<std::string, Fault, std::less<>> faults;  // by entry point name
   ArrayLayout array_layout = ArrayLayout::kByVersion;
+  // Nothing is inserted beyond an array's end; otherwise that is fatal.
+  bool refuses_insertion_beyond_the_end = false;
   DateFlavour date_flavour = DateFlavour::kSevenArguments;
   StringDataFlavour string_data = StringDataFlavour::kPlain;
   // Class names for which "PluginNewInstance" gives nil; case is ignored.

@@ -21,8 +21,11 @@ ArrayThing* Typed(const void* raw, int element_type, const char* user) {
 void InsertObject(abi::REALarray array, abi::RBInteger index, abi::REALobject object) {
   const PluginScope scope(false);
   static constexpr const char* kName = "the array's insert procedure";
-  Store& store = Host::Get(kName).store();
+  Host& host = Host::Get(kName);
+  Store& store = host.store();
   ArrayThing* const target = Typed(array, abi::kObjectElements, kName);
+  const bool is_beyond = index > static_cast<abi::RBInteger>(target->body->slots.size());
+  if (is_beyond && host.capabilities().refuses_insertion_beyond_the_end) return;
   Thing* const element = object == nullptr ? nullptr : store.Object(object, kName);
   store.Insert(target, index, element, kName);
 }

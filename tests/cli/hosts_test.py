@@ -1,5 +1,7 @@
 """Other hosts than a recent, complete one, and the list of classes."""
 
+import os
+import pathlib
 import re
 import unittest
 
@@ -49,6 +51,17 @@ class HostsTest(program.TestCase):
                                  "REALGetPropValueDouble", SAMPLES / "attachments.eml"))
         # The fields of the Date line as they stand: nobody could move them to UTC.
         self.assertRegex(result.out, r"(?m)^Date: +2024-04-16 16:02:05$")
+
+    def test_host_without_any_one_entry_point(self):
+        source = (pathlib.Path(os.environ["ZQV_SOURCE"]) / "abi/entry_points.def").read_text()
+        names = re.findall(r"(?m)^ZQV_ENTRY_POINT\((\w+)", source)
+        self.assertGreater(len(names), 30)
+        for name in names:
+            for verb in ("show", "json", "check", "addresses"):
+                with self.subTest(name=name, verb=verb):
+                    result = zqv(verb, SAMPLES / "nested.eml", "--without", name)
+                    self.assertIn(result.code, (0, 1), result)
+                    self.assertNotIn("stand-in host", result.err)
 
     def test_host_that_registers_nothing(self):
         self.expect(zqv("show", PLAIN, "--without", "PluginRegisterClass"), 1, "",
