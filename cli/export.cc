@@ -62,7 +62,8 @@ class Exporter {
     }
   }
 
-  // False when everything was there already. Throws what says why it cannot be done.
+  // False when everything that there is to write was there already. Throws what says why it cannot
+  // be done.
   bool Write(const Item& item) {
     const std::size_t slash = item.place.rfind('/');
     const std::string name = item.place.substr(slash == std::string::npos ? 0 : slash + 1);
@@ -78,8 +79,11 @@ class Exporter {
     }
     if (missing.empty()) return false;
     const Object email = session_.Open(item);
-    for (const ExportForm form : missing) WriteForm(form, item, email, folder, name);
-    return true;
+    bool is_new = missing.size() == forms_.size();
+    for (const ExportForm form : missing) {
+      if (WriteForm(form, item, email, folder, name)) is_new = true;
+    }
+    return is_new;
   }
 
  private:
@@ -99,7 +103,8 @@ class Exporter {
     return *current_;
   }
 
-  void WriteForm(ExportForm form, const Item& item, const Object& email, const Folder& folder,
+  // False when the message has nothing of this form.
+  bool WriteForm(ExportForm form, const Item& item, const Object& email, const Folder& folder,
                  const std::string& name) const {
     const std::string file = name + SuffixOf(form);
     switch (form) {
@@ -109,31 +114,29 @@ class Exporter {
                                   DescribeMessage(email, request_.raw ? RawText : ReadableText)) +
                          "\n",
                      request_.force);
-        break;
+        return true;
       case ExportForm::kText:
-        WriteText(TextMember(email, "PlainText"), folder, file);
-        break;
+        return WriteText(TextMember(email, "PlainText"), folder, file);
       case ExportForm::kHtml:
-        WriteText(TextMember(email, "HTMLText"), folder, file);
-        break;
+        return WriteText(TextMember(email, "HTMLText"), folder, file);
       case ExportForm::kFiles:
-        WriteFiles(email, folder, file);
         break;
     }
+    return WriteFiles(email, folder, file);
   }
 
-  // A message without such a text gets no file.
-  void WriteText(const String& text, const Folder& folder, const std::string& file) const {
-    if (!text.IsNil()) folder.Write(file, DataText(text), request_.force);
+  bool WriteText(const String& text, const Folder& folder, const std::string& file) const {
+    if (text.IsNil()) return false;
+    folder.Write(file, DataText(text), request_.force);
+    return true;
   }
 
-  // A message to which nothing is attached gets no folder.
-  void WriteFiles(const Object& email, const Folder& folder, const std::string& name) const {
+  bool WriteFiles(const Object& email, const Folder& folder, const std::string& name) const {
     AttachedFiles files(email);
-    if (files.count() == 0) return;
+    if (files.count() == 0) return false;
     if (folder.Has(name)) {  // replaced one by one: whatever else is in there stays
       WriteAll(&files, folder.Sub(name));
-      return;
+      return true;
     }
     const std::string unfinished = "." + name + ".unfinished";
     folder.Remove(unfinished);  // of a run that was killed
@@ -144,6 +147,7 @@ class Exporter {
       RemoveQuietly(folder, unfinished);
       throw;
     }
+    return true;
   }
 
   void WriteAll(AttachedFiles* files, const Folder& folder) const {
@@ -213,13 +217,15 @@ class Tally {
   }
 
   void Say() const {
-    const std::size_t all = written_ + skipped_ + failed_;
+    std::string text = "exported " + Counted(written_, "message");
+    if (skipped_ > 0) {
+      text += ", " + Grouped(skipped_) + (skipped_ == 1 ? " was" : " were") + " there already";
+    }
+    if (failed_ > 0) text += ", " + Grouped(failed_) + " failed";
     const double seconds = std::max(progress_.passed().count(), 0.001);
-    Complain("exported " + Counted(written_, "message") +
-             (skipped_ > 0 ? ", " + Grouped(skipped_) + " were there already" : "") +
-             (failed_ > 0 ? ", " + Grouped(failed_) + " failed" : "") + ", in " +
-             DurationText(progress_.passed()) + " (" +
-             Grouped(static_cast<std::size_t>(static_cast<double>(all) / seconds)) + " a second)");
+    const double rate = static_cast<double>(written_ + skipped_ + failed_) / seconds;
+    Complain(text + ", in " + DurationText(progress_.passed()) + " (" +
+             Grouped(static_cast<std::size_t>(rate)) + " a second)");
   }
 
   bool all_good() const { return failed_ == 0; }

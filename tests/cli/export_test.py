@@ -133,6 +133,12 @@ class AgainTest(ExportCase):
         self.assertEqual(summary, "exported 1 message, 2 were there already")
         self.assertEqual(kept.read_text(), "kept")
 
+    def test_what_a_message_has_not_is_not_missing(self):
+        forms = ["--form", "json,html,attachments"]
+        self.export(SAMPLES / "plain.eml", *forms)
+        summary, _ = self.export(SAMPLES / "plain.eml", *forms, "--skip-existing")
+        self.assertEqual(summary, "exported 0 messages, 1 was there already")
+
     def test_a_form_that_is_missing_is_added(self):
         self.fill(1)
         self.export("-r", "mail")
