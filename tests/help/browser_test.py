@@ -247,7 +247,7 @@ class ConsoleTest(Case):
             page.write_text(text.replace("</main>", planted + "</main>"), "utf-8")
             self.browser.get_log("browser")
             self.browser.get(page.as_uri())
-            self.assertNotEqual(self.browser.get_log("browser"), [], planted)
+            self.assertNotEqual(browser.wait_for_console(self.browser), [], planted)
 
 
 def main():

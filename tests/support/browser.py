@@ -2,6 +2,7 @@
 
 import os
 import shutil
+import time
 
 try:
     from selenium import webdriver
@@ -27,3 +28,13 @@ def start(width=1280, height=900):
     options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
     service = webdriver.chrome.service.Service(DRIVER)
     return webdriver.Chrome(options=options, service=service)
+
+
+def wait_for_console(driver, seconds=20):
+    """What a page says on its console, which may take a while; empty when it says nothing."""
+    deadline = time.monotonic() + seconds
+    while True:
+        said = driver.get_log("browser")
+        if said or time.monotonic() > deadline:
+            return said
+        time.sleep(0.05)
