@@ -464,7 +464,7 @@ class BrowserTest(ReportCase):
         self.assertEqual(len(widths), 1)
         self.assertGreater(widths[0], 0)
         self.assertIn("3\xA0% below", self.within_frame("return document.body.textContent"))
-        self.assertEqual(self.browser.get_log("browser"), [])
+        self.assertEqual(browser.wait_for_console(self.browser, 0.5), [])
 
     def test_pictures_of_the_text(self):
         self.open(self.page(SAMPLES / "inline-images.eml"))

@@ -112,7 +112,7 @@ class PageTest(Case):
         self.open()
 
     def tearDown(self):
-        self.assertEqual(self.browser.get_log("browser"), [])
+        self.assertEqual(browser.wait_for_console(self.browser, 0.5), [])
 
     def test_search_shows_the_members_of_that_name(self):
         everything = self.shown()
@@ -214,7 +214,7 @@ class PageTest(Case):
             self.query().send_keys("parts")
             self.shoot(f"{scheme}-search")
             grounds.append(self.script("return getComputedStyle(document.body).backgroundColor"))
-            self.assertEqual(self.browser.get_log("browser"), [])
+            self.assertEqual(browser.wait_for_console(self.browser, 0.5), [])
         self.assertEqual(grounds, ["rgb(255, 255, 255)", "rgb(20, 24, 29)"])
 
     def test_small_windows_do_not_scroll_sideways(self):
