@@ -13,6 +13,9 @@
 namespace zqv::cli {
 namespace {
 
+// Where the system shows a program's open files, unless that is switched off.
+constexpr const char* kOpenFiles = "/proc/self/fd/";
+
 [[noreturn]] void Fail(const std::string& path, const std::string& reason) {
   throw std::runtime_error(path + ": " + reason);
 }
@@ -91,7 +94,8 @@ std::string Folder::Write(const std::string& name, std::string_view bytes, bool 
   std::string path = CheckedPathOf(name);
   if (!force && Has(name)) FailWith(path, EEXIST);
   int error = WriteUnnamed(name, bytes, force);
-  if (error == EOPNOTSUPP || error == EISDIR) {  // a file system, a kernel without such files
+  // A file system or a kernel without such files, or a system that does not show open ones.
+  if (error == EOPNOTSUPP || error == EISDIR || error == ENOENT) {
     if (force) RemoveOld(name);
     error = WriteNamed(name, bytes);
   }
@@ -105,7 +109,7 @@ int Folder::WriteUnnamed(const std::string& name, std::string_view bytes, bool f
   int error = WriteAll(file, bytes);
   if (error == 0) {
     if (force) RemoveOld(name);
-    const std::string unnamed = "/proc/self/fd/" + std::to_string(file);
+    const std::string unnamed = kOpenFiles + std::to_string(file);
     if (linkat(AT_FDCWD, unnamed.c_str(), descriptor_, name.c_str(), AT_SYMLINK_FOLLOW) != 0) {
       error = errno;
     }
@@ -137,9 +141,12 @@ void Folder::Rename(const std::string& from, const std::string& to) const {
 }
 
 void Folder::Remove(const std::string& name) const {
+  const std::string path = CheckedPathOf(name);
+  // By way of the opened folder, since the names above it may mean another one by now.
+  const std::string opened = kOpenFiles + std::to_string(descriptor_) + "/" + name;
   std::error_code error;
-  std::filesystem::remove_all(CheckedPathOf(name), error);
-  if (error) FailWith(PathOf(name), error.value());
+  std::filesystem::remove_all(std::filesystem::exists(kOpenFiles) ? opened : path, error);
+  if (error) FailWith(path, error.value());
 }
 
 }  // namespace zqv::cli

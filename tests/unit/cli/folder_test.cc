@@ -1,0 +1,201 @@
+// Files in folders of every kind of system: those that have files without names, and those that
+// have not or do not show them.
+#include "cli/folder.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdarg>
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+// What the system calls below do instead of their work.
+int g_unnamed_error = 0;                  // of opening a file without a name
+int g_link_error = 0;                     // of giving it one
+std::optional<std::size_t> g_free_bytes;  // on the disk; nothing: enough
+
+int Failed(int error) {
+  errno = error;
+  return -1;
+}
+
+}  // namespace
+
+// The linker puts these in the places of the functions that they are named after.
+extern "C" {
+int __real_openat(int folder, const char* path, int flags, ...);
+int __wrap_openat(int folder, const char* path, int flags, ...);
+int __real_linkat(int from_folder, const char* from, int to_folder, const char* to, int flags);
+int __wrap_linkat(int from_folder, const char* from, int to_folder, const char* to, int flags);
+ssize_t __real_write(int file, const void* bytes, std::size_t size);
+ssize_t __wrap_write(int file, const void* bytes, std::size_t size);
+}
+
+int __wrap_openat(int folder, const char* path, int flags, ...) {
+  if ((flags & O_TMPFILE) == O_TMPFILE && g_unnamed_error != 0) return Failed(g_unnamed_error);
+  mode_t mode = 0;
+  if ((flags & (O_CREAT | __O_TMPFILE)) != 0) {
+    std::va_list rest;
+    va_start(rest, flags);
+    mode = va_arg(rest, mode_t);
+    va_end(rest);
+  }
+  return __real_openat(folder, path, flags, mode);
+}
+
+int __wrap_linkat(int from_folder, const char* from, int to_folder, const char* to, int flags) {
+  return g_link_error != 0 ? Failed(g_link_error)
+                           : __real_linkat(from_folder, from, to_folder, to, flags);
+}
+
+ssize_t __wrap_write(int file, const void* bytes, std::size_t size) {
+  if (!g_free_bytes) return __real_write(file, bytes, size);
+  size = std::min(size, *g_free_bytes);
+  if (size == 0) return Failed(ENOSPC);
+  *g_free_bytes -= size;
+  return __real_write(file, bytes, size);
+}
+
+namespace zqv::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+struct System {
+  const char* name;
+  int unnamed_error;
+  int link_error;
+};
+
+void PrintTo(const System& system, std::ostream* out) { *out << system.name; }
+
+class FolderTest : public testing::Test {
+ protected:
+  FolderTest() {
+    std::string name = (fs::temp_directory_path() / "zqv-folder-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error(name);
+    path_ = name;
+  }
+  ~FolderTest() override {
+    g_unnamed_error = g_link_error = 0;
+    g_free_bytes.reset();
+    fs::remove_all(path_);
+  }
+
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (const fs::directory_entry& entry : fs::directory_iterator(path_)) {
+      names.push_back(entry.path().filename().string());
+    }
+    return names;
+  }
+
+  std::string Bytes(const std::string& name) const {
+    std::ifstream file(path_ / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  fs::path path_;
+};
+
+class FolderOnSystem : public FolderTest, public testing::WithParamInterface<System> {
+ protected:
+  FolderOnSystem() {
+    g_unnamed_error = GetParam().unnamed_error;
+    g_link_error = GetParam().link_error;
+  }
+};
+
+// What a call complains of; empty when it does not.
+template <typename Call>
+std::string ErrorOf(const Call& call) {
+  try {
+    call();
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return {};
+}
+
+TEST_P(FolderOnSystem, WritesAFileWhole) {
+  const std::string bytes(100'000, '\0');
+  EXPECT_EQ(Folder(path_).Write("a.bin", bytes, false), (path_ / "a.bin").string());
+  EXPECT_EQ(Bytes("a.bin"), bytes);
+  EXPECT_THAT(Names(), UnorderedElementsAre("a.bin"));
+}
+
+TEST_P(FolderOnSystem, ReplacesNothingUnasked) {
+  const Folder folder(path_);
+  folder.Write("a.txt", "old", false);
+  EXPECT_THAT(ErrorOf([&] { folder.Write("a.txt", "new", false); }),
+              HasSubstr("a.txt: File exists"));
+  EXPECT_EQ(Bytes("a.txt"), "old");
+  folder.Write("a.txt", "new", true);
+  EXPECT_EQ(Bytes("a.txt"), "new");
+  EXPECT_THAT(Names(), UnorderedElementsAre("a.txt"));
+}
+
+TEST_P(FolderOnSystem, FollowsNoLink) {
+  fs::create_directory(path_ / "inside");
+  fs::create_symlink("../a.txt", path_ / "inside" / "link");
+  const Folder folder = Folder(path_).Sub("inside");
+  for (const bool force : {false, true}) {
+    EXPECT_NE(ErrorOf([&] { folder.Write("link", "bytes", force); }), "");
+  }
+  EXPECT_THAT(Names(), UnorderedElementsAre("inside"));
+}
+
+TEST_P(FolderOnSystem, LeavesNothingOnAFullDisk) {
+  g_free_bytes = 1000;
+  EXPECT_THAT(ErrorOf([&] { Folder(path_).Write("a.bin", std::string(5000, 'x'), false); }),
+              HasSubstr("a.bin: No space left on device"));
+  EXPECT_EQ(*g_free_bytes, 0U);
+  EXPECT_THAT(Names(), IsEmpty());
+}
+
+TEST_P(FolderOnSystem, ComplainsWhenItIsGone) {
+  const Folder folder(path_);
+  fs::remove_all(path_);
+  // What of is up to the kernel.
+  EXPECT_THAT(ErrorOf([&] { folder.Write("a.txt", "bytes", false); }), HasSubstr("a.txt: "));
+}
+
+INSTANTIATE_TEST_SUITE_P(Folder, FolderOnSystem,
+                         testing::Values(System{"UnnamedFiles", 0, 0},
+                                         System{"FileSystemWithout", EOPNOTSUPP, 0},
+                                         System{"KernelWithout", EISDIR, 0},
+                                         System{"NoProc", 0, ENOENT}),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+// The folder that was opened is meant, whatever stands in its place now.
+TEST_F(FolderTest, RemovesInTheOpenedFolderAlone) {
+  const Folder folder = Folder(path_).Sub("inside");
+  folder.Sub("thing").Write("a.txt", "bytes", false);
+  fs::rename(path_ / "inside", path_ / "moved");
+  fs::create_directories(path_ / "other" / "thing");
+  fs::create_symlink("other", path_ / "inside");
+  folder.Remove("thing");
+  EXPECT_TRUE(fs::exists(path_ / "other" / "thing"));
+  EXPECT_FALSE(fs::exists(path_ / "moved" / "thing"));
+}
+
+}  // namespace
+}  // namespace zqv::cli
