@@ -4,6 +4,8 @@
 #include <initializer_list>
 #include <string>
 
+#include "tests/support/error_capture.h"
+
 namespace zqv::test {
 
 // While one lives, the log is on and standard error goes to it alone.
@@ -15,12 +17,11 @@ class LogCapture {
   LogCapture& operator=(const LogCapture&) = delete;
 
   // All that was written so far.
-  std::string Text() const;
+  std::string Text() const { return errors_.Text(); }
 
  private:
   const bool was_on_;
-  const int standard_error_;  // the descriptor it had before
-  const int file_;
+  const ErrorCapture errors_;
 };
 
 // The text of these lines, each behind the log's prefix.
