@@ -43,6 +43,17 @@ void RemoveMarks(Arguments* arguments) {
   }
 }
 
+// What is wrong with a command line, in a few words.
+std::string Explain(const CLI::App& app, const CLI::ParseError& error) {
+  const bool lacks_something =
+      error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError);
+  if (!lacks_something || !app.get_subcommands().empty()) return error.what();
+  const std::vector<std::string> words = app.remaining();
+  if (words.empty()) return "a verb is missing";
+  const bool is_option = words.front().compare(0, 1, "-") == 0;
+  return (is_option ? "there is no option " : "there is no verb ") + words.front();
+}
+
 }  // namespace
 
 std::variant<Arguments, int> ParseArguments(int count, const char* const* values) {
@@ -61,7 +72,7 @@ std::variant<Arguments, int> ParseArguments(int count, const char* const* values
   } catch (const CLI::Success& help) {
     return app.exit(help, std::cout, std::cerr);
   } catch (const CLI::ParseError& error) {
-    Complain(std::string(error.what()) + " (zqv --help tells more)");
+    Complain(Explain(app, error) + " (zqv --help tells more)");
     return kUsageError;
   }
   if (holder->shell.empty()) return std::move(*holder);

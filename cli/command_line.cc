@@ -112,11 +112,12 @@ class CommandLine {
 
   void Describe() {
     app_->require_subcommand(1);
+    app_->get_formatter()->label("SUBCOMMAND", "VERB");
     AddCommonOptions();
     AddVerbsThatShow();
     AddVerbsThatConvert();
     AddVerbsThatWrite();
-    AddVerbsOfTheLibrary();
+    AddVerbsOfTheProgram();
   }
 
  private:
@@ -143,6 +144,7 @@ class CommandLine {
 
   CLI::App* AddVerb(const char* name, const char* about, const char* example, Verb* verb) {
     CLI::App* const command = app_->add_subcommand(name, about);
+    command->group(group_);
     command->fallthrough();
     command->footer(std::string("Example: zqv ") + example);
     command->callback([verb, arguments = arguments_] { arguments->verb = verb; });
@@ -202,6 +204,7 @@ class CommandLine {
   }
 
   void AddVerbsThatShow() {
+    group_ = "Verbs that show";
     AddJson(AddVerbOnMessages("show", "Show messages: who, when, what about, what is in them",
                               "show letter.eml", Show));
 
@@ -229,6 +232,7 @@ class CommandLine {
   }
 
   void AddVerbsThatConvert() {
+    group_ = "Verbs that convert";
     constexpr const char* kRawText = "Print the bytes as they are, in their own encoding";
     AddRaw(AddVerbOnMessages("text", "Print the plain text of messages", "text letter.eml", Text),
            kRawText);
@@ -257,6 +261,7 @@ class CommandLine {
   }
 
   void AddVerbsThatWrite() {
+    group_ = "Verbs that write files";
     CLI::App* const extract =
         AddVerbOnMessages("extract", "Write what is attached into a folder",
                           "extract letter.eml --dir letter", Extract, Inputs::kOne);
@@ -330,7 +335,8 @@ class CommandLine {
         ->check(CheckShard);
   }
 
-  void AddVerbsOfTheLibrary() {
+  void AddVerbsOfTheProgram() {
+    group_ = "Verbs about library and program";
     AddJson(AddVerb("classes", "List the classes that the library registers", "classes", Classes));
     CLI::App* const bench = AddVerbOnMessages(
         "bench", "Measure how fast the library constructs messages", "bench letter.eml", Bench);
@@ -339,6 +345,7 @@ class CommandLine {
         ->type_name("NUMBER")
         ->check(UpTo(1000000));
     app_->add_subcommand("completion", "Print what makes a shell complete command lines")
+        ->group(group_)
         ->footer("Example: zqv completion bash > /etc/bash_completion.d/zqv")
         ->add_option("shell", arguments_->shell, "Which one")
         ->type_name("SHELL")
@@ -346,6 +353,7 @@ class CommandLine {
         ->required();
   }
 
+  const char* group_ = "";  // under which help lists the verbs that are added
   CLI::App* const app_;
   Arguments* const arguments_;
   Request* const request_;

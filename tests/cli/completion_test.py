@@ -12,7 +12,7 @@ import unittest
 import program
 from program import TIMEOUT, ZQV, environment, zqv
 
-VERBS = set(re.findall(r"(?m)^  ([a-z0-9]+) ", zqv("--help").out.split("Subcommands:")[1]))
+VERBS = set(re.findall(r"(?m)^  ([a-z0-9]+) ", zqv("--help").out.split("\nVerbs", 1)[1]))
 
 
 def options_of(verb):

@@ -9,7 +9,7 @@ import program
 from program import zqv
 
 MANUAL = (pathlib.Path(os.environ["ZQV_SOURCE"]) / "packaging/zqv.1").read_text()
-VERBS = re.findall(r"(?m)^  ([a-z0-9]+) ", zqv("--help").out.split("Subcommands:")[1])
+VERBS = re.findall(r"(?m)^  ([a-z0-9]+) ", zqv("--help").out.split("\nVerbs", 1)[1])
 
 
 def section_at(begin):

@@ -72,6 +72,14 @@ class UsageTest(program.TestCase):
                 self.assertRegex(result.err, r"\Azqv: .+ \(zqv --help tells more\)\n\Z")
         self.assertEqual(list(self.folder.iterdir()), [])
 
+    def test_what_is_no_verb_is_named(self):
+        for arguments, reason in (([], "a verb is missing"),
+                                  (["shew", PLAIN], "there is no verb shew"),
+                                  (["--shew"], "there is no option --shew"),
+                                  (["", PLAIN], "there is no verb "),
+                                  (["show"], "source is required")):
+            self.expect(zqv(*arguments), 2, "", f"zqv: {reason} (zqv --help tells more)\n")
+
     def test_help(self):
         for arguments in (["--help"], ["-h"]):
             out = self.expect(zqv(*arguments)).out
