@@ -8,16 +8,13 @@
 // input was refused, if it was. Callgrind writes one profile an input, in the same order. Ends with
 // 2 for a mistake in the command line and with 3 when an input is refused by no limit of its
 // dimension.
-#include <pthread.h>
 
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <cstdio>
 #include <exception>
-#include <functional>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -26,12 +23,10 @@
 #include "standin/host.h"
 #include "standin/library.h"
 #include "tests/growth/dimensions.h"
+#include "tests/support/thread_stack.h"
 
 namespace zqv::growth {
 namespace {
-
-// Of the thread that does the work, since nesting is limited by the stack there is.
-constexpr std::size_t kStack = std::size_t{8} << 20U;
 
 // One argument: inputs of one dimension.
 struct Job {
@@ -117,23 +112,6 @@ bool MeasureInHost(const Request& request) {
                      [&](const Job& job) { return Measure(job, request.phase); });
 }
 
-// Runs `body` in a thread of its own with the given stack, waits for its end.
-void InThread(std::size_t stack_size, std::function<void()> body) {
-  const auto start = [](void* context) -> void* {
-    (*static_cast<const std::function<void()>*>(context))();
-    return nullptr;
-  };
-  pthread_attr_t attributes;
-  pthread_t thread{};
-  if (pthread_attr_init(&attributes) != 0 ||
-      pthread_attr_setstacksize(&attributes, stack_size) != 0 ||
-      pthread_create(&thread, &attributes, start, &body) != 0 ||
-      pthread_join(thread, nullptr) != 0) {
-    throw std::runtime_error("no thread");
-  }
-  pthread_attr_destroy(&attributes);
-}
-
 int Run(const std::vector<std::string_view>& arguments) {
   if (arguments.size() == 1 && arguments[0] == "--list") {
     List();
@@ -146,7 +124,8 @@ int Run(const std::vector<std::string_view>& arguments) {
     return 2;
   }
   int code = 1;
-  InThread(kStack, [&] {
+  // Nesting is limited by the stack there is.
+  test::RunOnStack(test::kLargeStack, [&] {
     try {
       code = MeasureInHost(*request) ? 0 : 3;
     } catch (const std::exception& exception) {

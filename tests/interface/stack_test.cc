@@ -2,11 +2,9 @@
 // writing without the files and release all take place in such a thread; the result is the tree or
 // an exception, never a crash.
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <cstddef>
 #include <cstdio>
-#include <functional>
 #include <string>
 
 #include "standin/mirror.h"
@@ -14,6 +12,7 @@
 #include "tests/interface/messages.h"
 #include "tests/interface/reading.h"
 #include "tests/interface/session.h"
+#include "tests/support/thread_stack.h"
 
 namespace zqv::interface_test {
 namespace {
@@ -25,22 +24,6 @@ constexpr const char* kTooDeep =
     "RuntimeException, 0: C++ Exception: the message is nested too deeply";
 constexpr const char* kTooMany =
     "RuntimeException, 0: C++ Exception: the message has too many parts";
-
-// Runs `body` in a thread of its own, waits for its end.
-void InThread(std::size_t stack_size, const std::function<void()>& body) {
-  pthread_attr_t attributes;
-  ASSERT_EQ(pthread_attr_init(&attributes), 0);
-  ASSERT_EQ(pthread_attr_setstacksize(&attributes, stack_size), 0);
-  const auto start = [](void* context) -> void* {
-    (*static_cast<const std::function<void()>*>(context))();
-    return nullptr;
-  };
-  pthread_t thread{};
-  void* const context = const_cast<std::function<void()>*>(&body);
-  ASSERT_EQ(pthread_create(&thread, &attributes, start, context), 0);
-  ASSERT_EQ(pthread_join(thread, nullptr), 0);
-  pthread_attr_destroy(&attributes);
-}
 
 struct Shape {
   const char* name;
@@ -113,7 +96,7 @@ TEST_P(Stack, NestedMessageGivesATreeOrAnException) {
       const std::string bytes = shape.make(levels);
       InChild(std::string(row.name) + ", " + shape.name + ", " + std::to_string(levels), [&] {
         Session session;
-        InThread(row.stack, [&] {
+        test::RunOnStack(row.stack, [&] {
           const bool is_parsed = ParsesAsWholeOrNotAtAll(bytes, levels);
           const bool must_parse = levels <= (kShips ? row.must_parse : 8);
           EXPECT_TRUE(is_parsed || !must_parse);
@@ -142,7 +125,7 @@ TEST_P(Stack, EveryDepthAroundTheLimit) {
     const SharedWithChild<std::size_t> deepest;
     InChild(std::string(row.name) + ", " + shape.name, [&] {
       Session session;
-      InThread(row.stack, [&] {
+      test::RunOnStack(row.stack, [&] {
         std::size_t parsed = 1;
         std::size_t refused = 20'000;
         while (refused - parsed > 1) {
@@ -163,15 +146,15 @@ TEST_F(InterfaceTest, DeepMessageIsWrittenOnASmallStack) {
   for (const Shape& shape : kShapes) {
     for (const std::size_t levels : {10U, 100U, 1000U, 4000U}) {
       Object message;
-      InThread(64 * kMegabyte, [&] {
+      test::RunOnStack(64 * kMegabyte, [&] {
         message = Parse(shape.make(levels), Way::kString);
         EXPECT_EQ(DepthOf(message), levels);
       });
       for (const std::size_t stack : {256 * kKilobyte, 512 * kKilobyte, 8 * kMegabyte}) {
-        InThread(stack, [&] { ExpectWrittenOrRefused(message); });
+        test::RunOnStack(stack, [&] { ExpectWrittenOrRefused(message); });
       }
       // The host frees objects by recursion of its own.
-      InThread(64 * kMegabyte, [&] { message = Object(); });
+      test::RunOnStack(64 * kMegabyte, [&] { message = Object(); });
     }
   }
 }

@@ -11,9 +11,10 @@
 #include "email/email.h"
 #include "host/strings.h"
 #include "standin/application.h"
+#include "tests/support/thread_stack.h"
 #include "tests/unit/email/email_fixture.h"
 #include "tests/unit/host/log_capture.h"
-#include "tests/unit/mime/thread_stack.h"
+#include "tests/unit/mime/nested_message.h"
 #include "text/charset.h"
 
 namespace zqv::test {

@@ -8,9 +8,10 @@
 
 #include "host/strings.h"
 #include "mime/parser.h"
+#include "tests/support/thread_stack.h"
 #include "tests/unit/email/email_fixture.h"
 #include "tests/unit/host/log_capture.h"
-#include "tests/unit/mime/thread_stack.h"
+#include "tests/unit/mime/nested_message.h"
 
 namespace zqv::test {
 namespace {

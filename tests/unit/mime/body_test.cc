@@ -10,8 +10,9 @@
 
 #include "mime/header.h"
 #include "mime/parser.h"
+#include "tests/support/thread_stack.h"
 #include "tests/unit/mime/mime_fixture.h"
-#include "tests/unit/mime/thread_stack.h"
+#include "tests/unit/mime/nested_message.h"
 
 namespace zqv::test {
 namespace {

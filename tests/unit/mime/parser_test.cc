@@ -15,7 +15,8 @@
 #include <vector>
 
 #include "mime/limits.h"
-#include "tests/unit/mime/thread_stack.h"
+#include "tests/support/thread_stack.h"
+#include "tests/unit/mime/nested_message.h"
 #include "tests/unit/mime/tree_difference.h"
 
 namespace zqv::test {

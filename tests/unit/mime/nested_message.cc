@@ -1,20 +1,14 @@
-#include "tests/unit/mime/thread_stack.h"
+#include "tests/unit/mime/nested_message.h"
 
-#include <gtest/gtest.h>
 #include <mimetic/mimeentity.h>
-#include <pthread.h>
 
 #include <stdexcept>
 
 #include "mime/parser.h"
+#include "tests/support/thread_stack.h"
 
 namespace zqv::test {
 namespace {
-
-void* Run(void* body) {
-  (*static_cast<const std::function<void()>*>(body))();
-  return nullptr;
-}
 
 bool Accepts(Nesting nesting, std::size_t levels) {
   mimetic::MimeEntity entity;
@@ -27,18 +21,6 @@ bool Accepts(Nesting nesting, std::size_t levels) {
 }
 
 }  // namespace
-
-void RunOnStack(std::size_t bytes, const std::function<void()>& body) {
-  pthread_attr_t attributes;
-  ASSERT_EQ(pthread_attr_init(&attributes), 0);
-  ASSERT_EQ(pthread_attr_setstacksize(&attributes, bytes), 0);
-  pthread_t thread{};
-  const std::function<void()> own = body;
-  ASSERT_EQ(pthread_create(&thread, &attributes, &Run, const_cast<std::function<void()>*>(&own)),
-            0);
-  ASSERT_EQ(pthread_join(thread, nullptr), 0);
-  pthread_attr_destroy(&attributes);
-}
 
 std::string NestedMessage(Nesting nesting, std::size_t levels) {
   std::string message;

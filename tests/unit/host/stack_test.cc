@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "tests/support/thread_stack.h"
 #include "tests/unit/host/alone.h"
-#include "tests/unit/mime/thread_stack.h"
 
 namespace zqv::test {
 namespace {
