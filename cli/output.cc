@@ -15,7 +15,6 @@ namespace zqv::cli {
 namespace {
 
 constexpr std::string_view kStrong = "\x1B[1m";
-constexpr std::string_view kFaint = "\x1B[2m";
 constexpr std::string_view kPlain = "\x1B[0m";
 
 bool has_passing_line = false;
@@ -30,10 +29,6 @@ bool WantsColour(Colour colour) {
   const char* const terminal = std::getenv("TERM");
   return Output::IsTerminal() && !IsSet("NO_COLOR") &&
          (terminal == nullptr || std::string_view(terminal) != "dumb");
-}
-
-std::string Mark(std::string_view start, std::string_view text) {
-  return std::string(start).append(text).append(kPlain);
 }
 
 }  // namespace
@@ -64,11 +59,8 @@ std::optional<std::size_t> Output::Width() {
 }
 
 std::string Output::Strong(std::string_view text) const {
-  return has_colour_ ? Mark(kStrong, text) : std::string(text);
-}
-
-std::string Output::Faint(std::string_view text) const {
-  return has_colour_ ? Mark(kFaint, text) : std::string(text);
+  if (!has_colour_) return std::string(text);
+  return std::string(kStrong).append(text).append(kPlain);
 }
 
 bool Output::Finish() {

@@ -33,9 +33,8 @@ class Output {
   static bool IsTerminal();
   // The columns of the terminal; nothing when standard output is none.
   static std::optional<std::size_t> Width();
-  // Marks a safe text as a heading, or as a thing of lesser weight, where lines are coloured.
+  // Marks a safe text as a heading, where lines are coloured.
   std::string Strong(std::string_view text) const;
-  std::string Faint(std::string_view text) const;
   // False once standard output could not be written.
   bool IsGood() const { return error_ == 0; }
   // Writes out what is held back; says "zqv: standard output: ..." and gives false when that or

@@ -34,6 +34,10 @@ class BenchTest(program.TestCase):
         self.assertEqual(len(re.findall("\n", result.err)), 1)
         self.assertIn(f"zqv: {bad}: UnsupportedOperationException: ", result.err)
 
+    def test_nothing_to_measure(self):
+        self.expect(zqv("bench", "-r", self.folder), 1, "",
+                    "zqv: there is no message to measure with\n")
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -26,6 +26,7 @@ namespace {
 // What the system calls below do instead of their work.
 int g_unnamed_error = 0;                  // of opening a file without a name
 int g_link_error = 0;                     // of giving it one
+int g_rename_error = 0;                   // of refusing to replace
 std::optional<std::size_t> g_free_bytes;  // on the disk; nothing: enough
 
 int Failed(int error) {
@@ -41,6 +42,10 @@ int __real_openat(int folder, const char* path, int flags, ...);
 int __wrap_openat(int folder, const char* path, int flags, ...);
 int __real_linkat(int from_folder, const char* from, int to_folder, const char* to, int flags);
 int __wrap_linkat(int from_folder, const char* from, int to_folder, const char* to, int flags);
+int __real_renameat2(int from_folder, const char* from, int to_folder, const char* to,
+                     unsigned flags);
+int __wrap_renameat2(int from_folder, const char* from, int to_folder, const char* to,
+                     unsigned flags);
 ssize_t __real_write(int file, const void* bytes, std::size_t size);
 ssize_t __wrap_write(int file, const void* bytes, std::size_t size);
 }
@@ -60,6 +65,12 @@ int __wrap_openat(int folder, const char* path, int flags, ...) {
 int __wrap_linkat(int from_folder, const char* from, int to_folder, const char* to, int flags) {
   return g_link_error != 0 ? Failed(g_link_error)
                            : __real_linkat(from_folder, from, to_folder, to, flags);
+}
+
+int __wrap_renameat2(int from_folder, const char* from, int to_folder, const char* to,
+                     unsigned flags) {
+  return g_rename_error != 0 ? Failed(g_rename_error)
+                             : __real_renameat2(from_folder, from, to_folder, to, flags);
 }
 
 ssize_t __wrap_write(int file, const void* bytes, std::size_t size) {
@@ -95,7 +106,7 @@ class FolderTest : public testing::Test {
     path_ = name;
   }
   ~FolderTest() override {
-    g_unnamed_error = g_link_error = 0;
+    g_unnamed_error = g_link_error = g_rename_error = 0;
     g_free_bytes.reset();
     fs::remove_all(path_);
   }
@@ -184,6 +195,22 @@ INSTANTIATE_TEST_SUITE_P(Folder, FolderOnSystem,
                                          System{"KernelWithout", EISDIR, 0},
                                          System{"NoProc", 0, ENOENT}),
                          [](const auto& tested) { return std::string(tested.param.name); });
+
+TEST_F(FolderTest, GivesANewNameAndReplacesNothing) {
+  const Folder folder(path_);
+  for (const int error : {0, EINVAL}) {  // EINVAL: a file system that cannot refuse to replace
+    g_rename_error = error;
+    folder.Sub("from").Write("new.txt", "new", false);
+    folder.Rename("from", "to");
+    EXPECT_THAT(Names(), UnorderedElementsAre("to"));
+    folder.Sub("from");
+    EXPECT_THAT(ErrorOf([&] { folder.Rename("from", "to"); }), HasSubstr("to: File exists"));
+    EXPECT_EQ(Bytes("to/new.txt"), "new");
+    folder.Remove("from");
+    folder.Remove("to");
+    EXPECT_THAT(Names(), IsEmpty());
+  }
+}
 
 // The folder that was opened is meant, whatever stands in its place now.
 TEST_F(FolderTest, RemovesInTheOpenedFolderAlone) {
