@@ -203,12 +203,12 @@ class FailureTest(ExportCase):
         self.expect(zqv("export", SAMPLES / "plain.eml", "--to", "out", cwd=self.folder), 1, "",
                     "zqv: out: Not a directory\n")
 
-    def wait_for_end(self, process):
-        """Until there is nothing left of it but its exit code."""
+    def wait_for_state(self, process, state):
+        """S: it waits for something; Z: there is nothing left of it but its exit code."""
         deadline = time.monotonic() + TIMEOUT
         while True:
             with open(f"/proc/{process}/stat", encoding="ascii") as file:
-                if file.read().rpartition(")")[2].split()[0] == "Z":
+                if file.read().rpartition(")")[2].split()[0] == state:
                     return
             self.assertLess(time.monotonic(), deadline)
             time.sleep(0.01)
@@ -230,13 +230,14 @@ class FailureTest(ExportCase):
                 workers = [int(word) for word in file.read().split()]
             self.assertEqual(len(workers), 2)
             for worker in workers:
+                self.wait_for_state(worker, "S")  # it has told of the last one, too
                 os.kill(worker, signal.SIGSTOP)
             (self.folder / "first").write_bytes(b"Subject: x\n\ny\n")
             # Opened at the other end once a worker, which stands still, has the first one.
             with open(self.folder / "second", "wb") as pipe:
                 for worker in workers:
                     os.kill(worker, signal.SIGKILL)
-                    self.wait_for_end(worker)
+                    self.wait_for_state(worker, "Z")
                 pipe.write(b"Subject: x\n\ny\n")
             _, err = run.communicate(timeout=TIMEOUT)
         self.assertEqual(run.returncode, 1)
