@@ -138,7 +138,7 @@ class Exporter {
       WriteAll(&files, folder.Sub(name));
       return true;
     }
-    const std::string unfinished = "." + name + ".unfinished";
+    const std::string unfinished = UnfinishedName(name);
     folder.Remove(unfinished);  // of a run that was killed
     try {
       WriteAll(&files, folder.Sub(unfinished));

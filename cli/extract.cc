@@ -32,24 +32,13 @@ bool WriteAll(const Object& email, const Request& request, Output* output) {
   return all_good;
 }
 
-// False when there is no such part.
-bool PrintPart(const std::string& message, const Object& email, const std::string& number,
-               Output* output) {
-  const Object part = FindPart(email, number);
-  if (part.IsNil()) {
-    Complain(message + ": there is no part " + number);
-    return false;
-  }
-  output->Print(TextMember(part, "BodyDecoded").bytes());
-  return true;
-}
-
 }  // namespace
 
 int Extract(const Session& session, const Request& request, Output* output) {
-  const auto visit = [&](const std::string& name, const Object& email) {
-    return request.sent_part ? PrintPart(name, email, *request.sent_part, output)
-                             : WriteAll(email, request, output);
+  const auto visit = [&](const std::string&, const Object& email) {
+    if (!request.sent_part) return WriteAll(email, request, output);
+    output->Print(TextMember(FindPart(email, *request.sent_part), "BodyDecoded").bytes());
+    return true;
   };
   return ForOneMessage(session, request, visit);
 }

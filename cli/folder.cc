@@ -10,6 +10,8 @@
 #include <system_error>
 #include <utility>
 
+#include "cli/utf8.h"
+
 namespace zqv::cli {
 namespace {
 
@@ -39,29 +41,21 @@ int WriteAll(int file, std::string_view bytes) {
 
 }  // namespace
 
-Folder::Folder(std::string path) : path_(std::move(path)) {
+std::string UnfinishedName(const std::string& name) {
+  constexpr std::size_t kMostOfName = 200;  // names may have 255 bytes
+  return "." + name.substr(0, WholeSequences(name, kMostOfName)) + ".unfinished";
+}
+
+Folder::Folder(std::string path) : path_(std::move(path)), descriptor_(-1) {
   std::error_code error;
   std::filesystem::create_directories(path_, error);
   // That it exists already, or is a link to a folder, is no reason to stop.
-  descriptor_ = open(path_.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor_ < 0) FailWith(path_, error ? error.value() : errno);
+  descriptor_ = Descriptor(open(path_.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  if (!descriptor_.IsOpen()) FailWith(path_, error ? error.value() : errno);
 }
 
-Folder::Folder(std::string path, int descriptor)
-    : path_(std::move(path)), descriptor_(descriptor) {}
-
-Folder::~Folder() {
-  if (descriptor_ >= 0) close(descriptor_);
-}
-
-Folder::Folder(Folder&& other) noexcept
-    : path_(std::move(other.path_)), descriptor_(std::exchange(other.descriptor_, -1)) {}
-
-Folder& Folder::operator=(Folder&& other) noexcept {
-  std::swap(path_, other.path_);
-  std::swap(descriptor_, other.descriptor_);
-  return *this;
-}
+Folder::Folder(std::string path, Descriptor descriptor)
+    : path_(std::move(path)), descriptor_(std::move(descriptor)) {}
 
 std::string Folder::PathOf(const std::string& name) const {
   return path_ + (path_.back() == '/' ? "" : "/") + name;
@@ -75,19 +69,20 @@ std::string Folder::CheckedPathOf(const std::string& name) const {
 
 Folder Folder::Sub(const std::string& name) const {
   std::string path = CheckedPathOf(name);
-  if (mkdirat(descriptor_, name.c_str(), 0777) != 0 && errno != EEXIST) FailWith(path, errno);
-  const int opened =
-      openat(descriptor_, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-  if (opened < 0) FailWith(path, errno);
-  return {std::move(path), opened};
+  if (mkdirat(descriptor_.number(), name.c_str(), 0777) != 0 && errno != EEXIST)
+    FailWith(path, errno);
+  Descriptor opened(
+      openat(descriptor_.number(), name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (!opened.IsOpen()) FailWith(path, errno);
+  return {std::move(path), std::move(opened)};
 }
 
 void Folder::RemoveOld(const std::string& name) const {
   struct stat status = {};
-  if (fstatat(descriptor_, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return;
+  if (fstatat(descriptor_.number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return;
   if (!S_ISREG(status.st_mode)) Fail(PathOf(name), "in the way, and not a plain file");
   // Removed rather than emptied: another name of the same file may lie outside the folder.
-  if (unlinkat(descriptor_, name.c_str(), 0) != 0) FailWith(PathOf(name), errno);
+  if (unlinkat(descriptor_.number(), name.c_str(), 0) != 0) FailWith(PathOf(name), errno);
 }
 
 std::string Folder::Write(const std::string& name, std::string_view bytes, bool force) const {
@@ -96,54 +91,63 @@ std::string Folder::Write(const std::string& name, std::string_view bytes, bool 
   int error = WriteUnnamed(name, bytes, force);
   // A file system or a kernel without such files, or a system that does not show open ones.
   if (error == EOPNOTSUPP || error == EISDIR || error == ENOENT) {
-    if (force) RemoveOld(name);
-    error = WriteNamed(name, bytes);
+    error = WriteNamed(name, bytes, force);
   }
   if (error != 0) FailWith(path, error);
   return path;
 }
 
 int Folder::WriteUnnamed(const std::string& name, std::string_view bytes, bool force) const {
-  const int file = openat(descriptor_, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
-  if (file < 0) return errno;
-  int error = WriteAll(file, bytes);
-  if (error == 0) {
-    if (force) RemoveOld(name);
-    const std::string unnamed = kOpenFiles + std::to_string(file);
-    if (linkat(AT_FDCWD, unnamed.c_str(), descriptor_, name.c_str(), AT_SYMLINK_FOLLOW) != 0) {
-      error = errno;
-    }
-  }
-  close(file);
-  return error;
+  const Descriptor file(openat(descriptor_.number(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666));
+  if (!file.IsOpen()) return errno;
+  const int error = WriteAll(file.number(), bytes);
+  if (error != 0) return error;
+  if (force) RemoveOld(name);
+  const std::string unnamed = kOpenFiles + std::to_string(file.number());
+  const int done =
+      linkat(AT_FDCWD, unnamed.c_str(), descriptor_.number(), name.c_str(), AT_SYMLINK_FOLLOW);
+  return done == 0 ? 0 : errno;
 }
 
-int Folder::WriteNamed(const std::string& name, std::string_view bytes) const {
-  const int file =
-      openat(descriptor_, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
-  if (file < 0) return errno;
-  int error = WriteAll(file, bytes);
-  if (close(file) != 0 && error == 0) error = errno;
-  if (error != 0) unlinkat(descriptor_, name.c_str(), 0);
+int Folder::WriteNamed(const std::string& name, std::string_view bytes, bool force) const {
+  const std::string unfinished = UnfinishedName(name);
+  RemoveOld(unfinished);  // of a run that was killed
+  Descriptor file(openat(descriptor_.number(), unfinished.c_str(),
+                         O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+  if (!file.IsOpen()) return errno;
+  int error = WriteAll(file.number(), bytes);
+  if (const int closing = file.Close(); error == 0) error = closing;
+  if (error == 0 && force) RemoveOld(name);
+  if (error == 0) error = Move(unfinished, name);
+  if (error != 0) unlinkat(descriptor_.number(), unfinished.c_str(), 0);
   return error;
 }
 
 bool Folder::Has(const std::string& name) const {
-  return faccessat(descriptor_, name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0;
+  return faccessat(descriptor_.number(), name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+int Folder::Move(const std::string& from, const std::string& to) const {
+  if (renameat2(descriptor_.number(), from.c_str(), descriptor_.number(), to.c_str(),
+                RENAME_NOREPLACE) == 0)
+    return 0;
+  // Not every file system can refuse to replace; an empty folder of the name does no harm then.
+  if (errno != EINVAL) return errno;
+  if (Has(to)) return EEXIST;
+  return renameat(descriptor_.number(), from.c_str(), descriptor_.number(), to.c_str()) == 0
+             ? 0
+             : errno;
 }
 
 void Folder::Rename(const std::string& from, const std::string& to) const {
   const std::string path = CheckedPathOf(to);
-  if (renameat2(descriptor_, from.c_str(), descriptor_, to.c_str(), RENAME_NOREPLACE) == 0) return;
-  // Not every file system can refuse to replace; an empty folder of the name does no harm then.
-  if (errno != EINVAL || Has(to)) FailWith(path, errno == EINVAL ? EEXIST : errno);
-  if (renameat(descriptor_, from.c_str(), descriptor_, to.c_str()) != 0) FailWith(path, errno);
+  if (const int error = Move(from, to); error != 0) FailWith(path, error);
 }
 
 void Folder::Remove(const std::string& name) const {
   const std::string path = CheckedPathOf(name);
   // By way of the opened folder, since the names above it may mean another one by now.
-  const std::string opened = kOpenFiles + std::to_string(descriptor_) + "/" + name;
+  const std::string opened = kOpenFiles + std::to_string(descriptor_.number()) + "/" + name;
   std::error_code error;
   std::filesystem::remove_all(std::filesystem::exists(kOpenFiles) ? opened : path, error);
   if (error) FailWith(path, error.value());

@@ -2,25 +2,25 @@
 //
 // Invariant: nothing outside the folder is touched. Names are looked up from the opened folder
 // itself, a name that holds a slash is refused, and no link in the folder is ever followed.
-// A file appears whole or not at all, even when the process is killed, wherever the file system
-// has files without names.
+// A file appears whole or not at all, even when the process is killed. Where the file system has no
+// files without names, what a killed process was writing may stay under its unfinished name.
 #pragma once
 
 #include <string>
 #include <string_view>
 
+#include "cli/descriptor.h"
+
 namespace zqv::cli {
+
+// What a thing is called until all of it is there: hidden, and the same each time.
+std::string UnfinishedName(const std::string& name);
 
 class Folder {
  public:
   // Opens the folder at `path`, making it and those above it when missing. Throws
   // std::runtime_error, naming path and reason; so do the others.
   explicit Folder(std::string path);
-  ~Folder();
-  Folder(Folder&& other) noexcept;
-  Folder& operator=(Folder&& other) noexcept;
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
 
   // The folder in this one, made when missing.
   Folder Sub(const std::string& name) const;
@@ -37,7 +37,7 @@ class Folder {
   void Remove(const std::string& name) const;
 
  private:
-  Folder(std::string path, int descriptor);
+  Folder(std::string path, Descriptor descriptor);
 
   std::string PathOf(const std::string& name) const;
   // Throws for what is no name.
@@ -45,10 +45,12 @@ class Folder {
   void RemoveOld(const std::string& name) const;
   // Both give 0 or the errno of what went wrong.
   int WriteUnnamed(const std::string& name, std::string_view bytes, bool force) const;
-  int WriteNamed(const std::string& name, std::string_view bytes) const;
+  int WriteNamed(const std::string& name, std::string_view bytes, bool force) const;
+  // 0 or an errno; replaces nothing.
+  int Move(const std::string& from, const std::string& to) const;
 
   std::string path_;
-  int descriptor_ = -1;
+  Descriptor descriptor_;
 };
 
 }  // namespace zqv::cli

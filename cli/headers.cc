@@ -1,5 +1,6 @@
 // `zqv headers`: the fields of a header as the library gives them, one "Name: value" a line.
 #include <algorithm>
+#include <stdexcept>
 #include <vector>
 
 #include "cli/message.h"
@@ -46,19 +47,16 @@ JsonValue DescribeFields(const std::vector<Object>& fields) {
 int Headers(const Session& session, const Request& request, Output* output) {
   const auto visit = [&](const std::string& file, const Object& email) {
     const Object part = FindPart(email, request.part);
-    if (part.IsNil()) {
-      Complain(file + ": there is no part " + request.part);
-      return false;
-    }
     const std::vector<Object> fields = FieldsNamed(ObjectMember(part, "Header"), request.field);
     if (request.json) {
       PrintDocument(file, "fields", DescribeFields(fields), output);
     } else {
       PrintFields(fields, output);
     }
-    if (!fields.empty() || request.field.empty()) return true;
-    Complain(file + ": there is no field " + request.field);
-    return false;
+    if (fields.empty() && !request.field.empty()) {
+      throw std::runtime_error("there is no field " + request.field);
+    }
+    return true;
   };
   return ForEachMessage(session, request, output, visit);
 }

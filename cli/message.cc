@@ -104,16 +104,19 @@ Object FindPart(const Object& email, const std::string& number) {
   if (number == "0") return part;
   const char* position = number.data();
   const char* const end = position + number.size();
-  while (!part.IsNil()) {
+  const char* next = nullptr;
+  do {
     std::size_t ordinal = 0;
-    const auto [next, error] = std::from_chars(position, end, ordinal);
+    const auto result = std::from_chars(position, end, ordinal);
+    next = result.ptr;
     const std::vector<Object> children = PartsOf(part);
-    if (error != std::errc() || ordinal == 0 || ordinal > children.size()) return {};
+    const bool is_read = result.ec == std::errc() && (next == end || *next == '.');
+    if (!is_read || ordinal == 0 || ordinal > children.size()) {
+      throw std::runtime_error("there is no part " + number);
+    }
     part = children[ordinal - 1];
-    if (next == end) break;
-    if (*next != '.') return {};
     position = next + 1;
-  }
+  } while (next != end);
   return part;
 }
 

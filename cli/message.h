@@ -61,7 +61,7 @@ class PartTree {
   std::vector<Part> parts_;
 };
 
-// The entity with this number, nil when there is none. Numbers as above.
+// The entity with this number; throws std::runtime_error when there is none. Numbers as above.
 standin::Object FindPart(const standin::Object& email, const std::string& number);
 
 // Tells which part an attachment describes: they share their body object.

@@ -29,7 +29,6 @@ class LineReader {
 
   bool IsAtEnd() const { return rest_.empty(); }
   const Line& line() const { return line_; }
-  const char* position() const { return rest_.data(); }
 
   void Next() {
     rest_.remove_prefix(line_.text.size() + line_.end.size());
@@ -78,11 +77,8 @@ class HeaderReader {
 
   void Run() {
     part_.first_field = fields_.size();
-    const char* const begin = lines_.position();
     bool goes_on = true;
     for (; goes_on && !lines_.IsAtEnd(); is_first_ = false) goes_on = ReadLine(lines_.line());
-    const auto size = static_cast<std::size_t>(lines_.position() - begin);
-    part_.header = std::string_view(begin, size);
     part_.field_count = fields_.size() - part_.first_field;
     if (!has_other_ends_) part_.lone_cr_line = kNoLine;
   }

@@ -40,7 +40,6 @@ struct RawPart {
   RawKind kind = RawKind::kLeaf;
   std::size_t first_field = 0;  // of the message's fields
   std::size_t field_count = 0;
-  std::string_view header;  // from its first line up to what ends it
   HeaderEnd header_end = HeaderEnd::kMessageEnd;
   std::string_view end_text;           // the line that ends the header
   std::size_t end_line = kNoLine;      // its number

@@ -14,6 +14,7 @@
 #include <system_error>
 #include <utility>
 
+#include "cli/descriptor.h"
 #include "cli/file_name.h"
 #include "cli/mbox.h"
 #include "cli/output.h"
@@ -29,24 +30,19 @@ constexpr const char* kTooLarge = "larger than 2 GB, which is more than a host s
 using FirstBytes = std::array<char, 1024>;
 using Block = std::array<char, 65536>;
 
-// An opened file, closed at the end unless it is standard input.
+// An opened file, or standard input, which stays open.
 class File {
  public:
   explicit File(const std::string& path)
-      : is_input_(path == kStandardInput),
-        descriptor_(is_input_ ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
-    if (descriptor_ < 0) Fail();
+      : own_(path == kStandardInput ? -1 : open(path.c_str(), O_RDONLY | O_CLOEXEC)),
+        number_(path == kStandardInput ? STDIN_FILENO : own_.number()) {
+    if (number_ < 0) Fail();
   }
-  ~File() {
-    if (!is_input_) close(descriptor_);
-  }
-  File(const File&) = delete;
-  File& operator=(const File&) = delete;
 
   // Throws for a plain file that is larger than what a message may be.
   void RefuseTooLarge() const {
     struct stat status = {};
-    if (fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode) &&
+    if (fstat(number_, &status) == 0 && S_ISREG(status.st_mode) &&
         static_cast<std::size_t>(status.st_size) > kMostMessageBytes) {
       throw std::runtime_error(kTooLarge);
     }
@@ -57,7 +53,7 @@ class File {
   std::string_view Read(std::array<char, kSize>* buffer) const {
     std::size_t size = 0;
     while (size < buffer->size()) {
-      const ssize_t got = read(descriptor_, buffer->data() + size, buffer->size() - size);
+      const ssize_t got = read(number_, buffer->data() + size, buffer->size() - size);
       if (got == 0) break;
       if (got > 0) {
         size += static_cast<std::size_t>(got);
@@ -73,8 +69,8 @@ class File {
     throw std::runtime_error(std::generic_category().message(errno));
   }
 
-  const bool is_input_;
-  const int descriptor_;
+  const Descriptor own_;
+  const int number_;
 };
 
 // Begins with what was read already.

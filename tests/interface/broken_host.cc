@@ -13,8 +13,8 @@ namespace zqv::interface_test {
 namespace {
 
 // Without an upper bound the library appends at index 1 and takes index 0 for an element, also of
-// an empty array. The stand-in ends the process then, but a host need not: here insertions out of
-// bounds are dropped, and elements out of bounds are nil.
+// an empty array. The stand-in ends the process then, but a host need not: here elements out of
+// bounds are nil, and what the capability says of insertions goes with it.
 abi::Resolver real_resolver = nullptr;
 
 template <typename Function>
@@ -27,15 +27,6 @@ std::int64_t UpperBound(abi::REALarray array) {
       .store()
       .UpperBound(*reinterpret_cast<const standin::ArrayThing*>(array));
 }
-
-void InsertOrDrop(abi::REALarray array, abi::RBInteger index, abi::REALobject object) {
-  if (index < 0 || index > UpperBound(array) + 1) return;
-  const auto procedure = RealEntryPoint<void* (*)(abi::REALarray)>("PluginObjectArrayInsertProc");
-  const auto insert = reinterpret_cast<abi::ObjectArrayInsertProc>(procedure(array));
-  if (insert != nullptr) insert(array, index, object);
-}
-
-void* TolerantInsertProc(abi::REALarray) { return reinterpret_cast<void*>(&InsertOrDrop); }
 
 abi::REALobject TolerantRead(abi::REALarray array, abi::RBInteger index) {
   if (index < 0 || index > UpperBound(array)) return nullptr;
@@ -91,7 +82,6 @@ Capabilities CapabilitiesOf(const HostKind& kind) {
 
 void* TolerantResolver(const char* name) {
   const Replacement kReplacements[] = {
-      {"PluginObjectArrayInsertProc", reinterpret_cast<void*>(&TolerantInsertProc)},
       {"RuntimeDirectReadObjectArray", reinterpret_cast<void*>(&TolerantRead)},
       {"PluginGetStringData", reinterpret_cast<void*>(&LastingGet)},
       {"PluginDisposeStringData", reinterpret_cast<void*>(&LastingDispose)},
@@ -115,6 +105,7 @@ std::unique_ptr<Session> StartBroken(const HostKind& kind, const Faults& faults)
     return std::make_unique<Session>(std::move(capabilities), Exceptions::kMayBeLost);
   }
   TakeRealResolver();
+  capabilities.refuses_insertion_beyond_the_end = true;
   auto session =
       std::make_unique<Session>(std::move(capabilities), Exceptions::kMayBeLost, &TolerantResolver);
   if (keeps_string_data) session->Expect(StringData::kMayStay);

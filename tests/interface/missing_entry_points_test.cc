@@ -128,6 +128,7 @@ TEST_F(MissingEntryPoints, EveryListSurvives) {
     TakeRealResolver();
     Capabilities capabilities;
     capabilities.faults["RuntimeUBound"] = Fault();
+    capabilities.refuses_insertion_beyond_the_end = true;
     Session session(capabilities, Exceptions::kNoneLost, &TolerantResolver);
     const Object message = Parse(RichMessage());
     const Object header = ObjectOf(Get(message, "Header"));
