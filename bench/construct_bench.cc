@@ -12,7 +12,7 @@
 #include <string>
 
 #include "bench/session.h"
-#include "mime/parser.h"
+#include "mime/message.h"
 
 namespace zqv::bench {
 namespace {
@@ -68,9 +68,8 @@ void StreamConstructor(benchmark::State& state, const std::string& message) {
 
 void ParseOnly(benchmark::State& state, const std::string& message) {
   for (auto _ : state) {
-    mimetic::MimeEntity entity;
-    mime::ParseMessage(message, entity);
-    benchmark::DoNotOptimize(&entity);
+    const mime::Message parsed(message);
+    benchmark::DoNotOptimize(&parsed);
   }
   CountBytes(state, message.size());
 }

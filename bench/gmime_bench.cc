@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "bench/throughput.h"
-#include "host/unicode.h"
+#include "base/unicode.h"
 #include "text/html_to_text.h"
 
 namespace zqv::bench {
@@ -117,12 +117,12 @@ void ReadMessage(GMimeMessage* message, Texts* texts) {
 
 // With the converter of this library: it is the parsers that are compared.
 void MakeText(const std::string& html) {
-  if (host::IsAscii(html)) {
+  if (base::IsAscii(html)) {
     sum = sum + text::HtmlToPlainText(std::string_view(html)).size();
     return;
   }
   std::u32string wide(html.size(), U'\0');
-  wide.resize(host::Utf8ToUtf32(html, wide.data()).written);
+  wide.resize(base::Utf8ToUtf32(html, wide.data()).written);
   sum = sum + text::HtmlToPlainText(std::u32string_view(wide)).size();
 }
 

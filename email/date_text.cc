@@ -7,10 +7,9 @@
 
 #include <cstddef>
 #include <iterator>
-#include <optional>
 #include <string>
 
-#include "text/ascii.h"
+#include "base/ascii.h"
 
 namespace zqv::email {
 namespace {
@@ -19,11 +18,8 @@ constexpr std::string_view kMonths[] = {"jan", "feb", "mar", "apr", "may", "jun"
                                         "jul", "aug", "sep", "oct", "nov", "dec"};
 static_assert(std::size(kMonths) == 12);
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsLetter(char c) {
-  const char lower = text::LowerAscii(c);
-  return lower >= 'a' && lower <= 'z';
-}
+using base::IsDigit;
+using base::IsLetter;
 
 // Takes one part after the other from the front of a text. What does not fit spoils it all.
 class PartReader {
@@ -48,7 +44,7 @@ class PartReader {
   int Month() {
     int month = 1;
     for (const std::string_view name : kMonths) {
-      if (text::EqualsIgnoringCase(rest_.substr(0, name.size()), name)) {
+      if (base::EqualsIgnoringCase(rest_.substr(0, name.size()), name)) {
         rest_.remove_prefix(name.size());
         return month;
       }
@@ -132,6 +128,12 @@ DateFields ReadDateText(std::string_view text) {
   const mimetic::DateTime date{std::string(text)};
   return {date.year(),   date.month().ordinal(), date.day(),           date.hour(),
           date.minute(), date.second(),          date.zone().ordinal()};
+}
+
+std::optional<std::string_view> ReceivedDateText(std::string_view value) {
+  const std::size_t semicolon = value.find("; ");
+  if (semicolon == std::string_view::npos) return std::nullopt;
+  return value.substr(semicolon + 1);
 }
 
 }  // namespace zqv::email

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace zqv::email {
@@ -12,9 +13,15 @@ struct DateFields {
   int zone;  // +0200 is 200, -0130 is -130; 0 for none
 };
 
-// What the MIME library makes of any text; it never fails. QUIRK: a text that is no date gives one
-// all the same, an empty one 1 January 1970. The results agree with the library's.
-// Test: Dates.TakeWhatTheLibraryReads.
+// The fields as the MIME library reads them; it never fails. QUIRK: a text that is no date gives
+// one all the same, an empty one 1 January 1970. Equal to the MIME library's results. Test:
+// Dates.TakeWhatTheLibraryReads.
 DateFields ReadDateText(std::string_view text);
+
+// The date text of a Received field's value: what follows its first "; ", the blank included.
+// Nothing without one. QUIRK: the first "; " counts, even inside a comment before the date. Part of
+// the interface's contract; changing it is a major version. Test:
+// Dates.FirstSemicolonAndBlankWins.
+std::optional<std::string_view> ReceivedDateText(std::string_view value);
 
 }  // namespace zqv::email

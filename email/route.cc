@@ -1,29 +1,28 @@
+// A part is decoded, labelled with its encoding, and routed:
+//
+//   Content-Type: text/plain; charset=utf-8      the message's plain text, if it is the first
+//   Content-Disposition: attachment              listed in Attachments, whatever its type
+//   Content-ID: <logo@example.org>               listed in Inlines, unless it is a text that counts
 #include "email/route.h"
 
-#include "email/attachment.h"
-#include "email/dates.h"
-#include "host/log.h"
-#include "host/strings.h"
-#include "mime/header_view.h"
-#include "text/ascii.h"
+#include "base/ascii.h"
+#include "base/log.h"
+#include "base/unicode.h"
 #include "text/charset.h"
 
 namespace zqv::email {
-namespace {
 
-using text::EqualsIgnoringCase;
+using base::EqualsIgnoringCase;
+using mime::FieldName;
 
-// The views live as long as the entity's header, whose field values are parsed once.
-PartTraits TraitsOf(const mime::HeaderView& header, const mimetic::ContentType& content_type) {
+PartTraits TraitsOf(const mime::Header& header) {
   PartTraits part;
-  part.type = content_type.type();
-  part.subtype = content_type.subtype();
+  part.type = header.content_type().type();
+  part.subtype = header.content_type().subtype();
   part.disposition = header.content_disposition().type();
-  part.has_content_id = !header.Text(mime::FieldName::kContentId).empty();
+  part.has_content_id = !header.Text(FieldName::kContentId).empty();
   return part;
 }
-
-}  // namespace
 
 bool IsContainer(std::string_view type, std::string_view subtype) {
   return EqualsIgnoringCase(type, "multipart") &&
@@ -36,8 +35,8 @@ bool IsText(std::string_view type, std::string_view subtype, std::string_view wa
 }
 
 // QUIRK: no type is assumed where none is named. So a message without Content-Type is listed, as
-// "attachment", and is the plain text only because it is the one part. Applications know the two
-// together. Test: SinglePart.WithoutATypeIsOfferedAsText.
+// "attachment", and is the plain text only because it is the one part. Part of the interface's
+// contract; changing it is a major version. Test: SinglePart.WithoutATypeIsOfferedAsText.
 Destination Route(const PartTraits& part, bool has_plain_text, bool has_html_text) {
   if (EqualsIgnoringCase(part.disposition, "attachment")) return Destination::kAttachments;
   if (IsText(part.type, part.subtype, "plain") && !has_plain_text) return Destination::kPlainText;
@@ -46,58 +45,23 @@ Destination Route(const PartTraits& part, bool has_plain_text, bool has_html_tex
   return is_inline ? Destination::kInlines : Destination::kAttachments;
 }
 
-host::StringRef BuildBodyText(std::string_view decoded, const std::string& charset) {
-  if (charset.empty()) return host::BuildDetectedString(decoded);
-  return host::BuildString(decoded, text::GetEncodingValue(charset));
+std::optional<DecodedBody> DecodePart(const mime::Header& header, std::string_view body) {
+  const mimetic::ContentType& type = header.content_type();
+  if (IsContainer(type.type(), type.subtype())) return std::nullopt;
+  return DecodeSinglePart(header, body);
 }
 
-void StorePlainText(mime::MimeEntityClassData& email_record, const host::StringSlot& text) {
-  ZQV_LOG("%s%s", "Set email plainText");
-  email_record.PlainText.Put(text.Share());
-}
-
-void StoreHtmlText(mime::MimeEntityClassData& email_record, const host::StringSlot& text) {
-  ZQV_LOG("%s%s", "Set email htmlText");
-  email_record.HTMLText.Put(text.Share());
-}
-
-std::optional<DecodedBody> DecodeEntity(mime::MimeEntityClassData& entity_record,
-                                        const mime::HeaderView& fields, std::string_view text,
-                                        mime::MimeEntityClassData& email_record,
-                                        abi::REALobject body, abi::REALobject header) {
-  const mimetic::ContentType& content_type = fields.content_type();
-  if (IsContainer(content_type.type(), content_type.subtype())) return std::nullopt;
-  const std::string_view mechanism = fields.Text(mime::FieldName::kContentTransferEncoding);
+std::optional<DecodedBody> DecodeSinglePart(const mime::Header& header, std::string_view body) {
+  const std::string_view mechanism = header.Text(FieldName::kContentTransferEncoding);
   if (!is_known_mechanism(mechanism)) return std::nullopt;
-
-  DecodedBody decoded = DecodeData(mechanism, text);
-  entity_record.BodyDecoded.Put(BuildBodyText(decoded.bytes(), content_type.param("charset")));
-  const PartTraits part = TraitsOf(fields, content_type);
-  ZQV_LOG("%s%s %s, %s", "decoded body of type", content_type.type().c_str(),
-          content_type.subtype().c_str());
-  const host::StringSlot& body_text = entity_record.BodyDecoded;
-  const Destination destination = Route(part, static_cast<bool>(email_record.PlainText),
-                                        static_cast<bool>(email_record.HTMLText));
-  switch (destination) {
-    case Destination::kPlainText:
-      StorePlainText(email_record, body_text);
-      break;
-    case Destination::kHtmlText:
-      StoreHtmlText(email_record, body_text);
-      break;
-    case Destination::kAttachments:
-    case Destination::kInlines:
-      AddAttachment(email_record, body_text.get(), fields, body, header,
-                    destination == Destination::kInlines, decoded.bytes());
-  }
-  return decoded;
+  return DecodeData(mechanism, body);
 }
 
-void EntityRouter::OnEntity(const mimetic::MimeEntity& entity, const mime::HeaderView& fields,
-                            mime::MimeEntityClassData& record, abi::REALobject body,
-                            abi::REALobject header) {
-  DecodeEntity(record, fields, texts_.BodyOf(entity), email_record_, body, header);
-  ParseDate(record, fields);
+BodyText LabelBody(const mime::Header& header, std::string_view decoded) {
+  const std::string_view charset = header.content_type().param("charset");
+  if (charset.empty()) return {decoded, base::DetectEncoding(decoded), {}};
+  const abi::Encoding encoding = text::GetEncodingValue(charset);
+  return {decoded, encoding, encoding == abi::kUnknownEncoding ? charset : std::string_view()};
 }
 
 }  // namespace zqv::email

@@ -1,27 +1,24 @@
 // A message written out again without its attachments and inline parts.
 #pragma once
 
-#include <mimetic/mimeentity.h>
-
+#include <cstddef>
 #include <string>
 #include <string_view>
 
-#include "abi/records.h"
-
 namespace zqv::email {
 
-// Removes and deletes every entity below `parts` whose Content-Disposition is inline or attachment.
+// The message in `source` without every part whose Content-Disposition is inline or attachment, and
+// with every line break turned into a CR; up to its first NUL. Throws std::runtime_error when the
+// message is beyond the limits.
 // QUIRK: the disposition alone decides, other than where parts are listed; a part without one stays
-// even when it is an attachment. Test: Strip.OnlyTheDispositionDecides.
-void RemoveAttachments(mimetic::MimeEntityList& parts);
+// even when it is an attachment. Part of the interface's contract; changing it is a major version.
+// Test: Strip.OnlyTheDispositionDecides.
+std::string WriteWithoutFiles(std::string_view source);
 
-// `text` with every line break (CR LF, LF CR, a lone LF, a lone CR) turned into one CR; `removed`
-// counts the bytes dropped. QUIRK: a CR or LF at position 1 is dropped as if it completed a pair.
-// Test: LineBreaks.BreakAtPositionOneIsDropped.
-std::string RewriteLineBreaks(std::string_view text, std::size_t& removed);
-
-// Registered with the host: the message's source without its files [new lock for the application],
-// or nil.
-abi::REALstring SourceWithoutAttachments(abi::REALobject self);
+// `text` with every line break (CR LF, LF CR, a lone LF, a lone CR) turned into one CR; returns the
+// number of bytes dropped. QUIRK: a CR or LF at position 1 is dropped as if it completed a pair.
+// Part of the interface's contract; changing it is a major version. Test:
+// LineBreaks.BreakAtPositionOneIsDropped.
+std::size_t RewriteLineBreaks(std::string& text);
 
 }  // namespace zqv::email

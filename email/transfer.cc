@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <iterator>
 
-#include "text/ascii.h"
+#include "base/ascii.h"
 #include "text/transfer_codes.h"
 
 namespace zqv::email {
 namespace {
 
-using text::EqualsIgnoringCase;
+using base::EqualsIgnoringCase;
 
 constexpr std::string_view kBase64 = "base64";
 constexpr std::string_view kQuotedPrintable = "quoted-printable";

@@ -15,7 +15,7 @@
 #include "fuzz/alphabet.h"
 #include "fuzz/target.h"
 #include "host/strings.h"
-#include "host/unicode.h"
+#include "base/unicode.h"
 #include "standin/capabilities.h"
 #include "standin/host.h"
 #include "standin/text.h"
@@ -99,10 +99,10 @@ void CompareHtml(const std::string& text) {
 }
 
 void CompareUtf8(const std::string& text) {
-  Expect(host::is_utf8(text.data(), text.size()) == reference::IsUtf8(text), "is_utf8");
-  Expect(host::DetectEncoding(text) == DetectedByTwin(text), "encoding of bytes");
+  Expect(base::is_utf8(text.data(), text.size()) == reference::IsUtf8(text), "is_utf8");
+  Expect(base::DetectEncoding(text) == DetectedByTwin(text), "encoding of bytes");
   std::u32string code_points(text.size(), U'\0');
-  const host::Conversion conversion = host::Utf8ToUtf32(text, code_points.data());
+  const base::Conversion conversion = base::Utf8ToUtf32(text, code_points.data());
   code_points.resize(conversion.written);
   const reference::DecodedUtf8 expected = reference::DecodeUtf8(text);
   Expect(code_points == expected.code_points, "code points of UTF-8");

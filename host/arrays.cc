@@ -1,11 +1,12 @@
 #include "host/arrays.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstring>
 #include <iterator>
 
+#include "base/log.h"
 #include "host/errors.h"
-#include "host/log.h"
 
 namespace zqv::host {
 namespace {
@@ -49,8 +50,9 @@ constexpr TestElement kWritten[] = {{0, 12345, "Index 0 failed"}, {9, 123456, "I
 constexpr TestElement kRead[] = {
     {0, 12345, "Index 0 failed"}, {1, 0, "Index 1 failed"}, {9, 123456, "Index 9 failed"}};
 
-bool ArrayAccessTested = false;   // the self-test was started
-bool ArrayAccessSuccess = false;  // and it passed: elements may be read from the storage
+std::atomic<bool> ArrayAccessTested{false};  // the self-test was started
+std::atomic<bool> ArrayAccessSuccess{
+    false};  // and it passed: elements may be read from the storage
 
 template <class Value>
 Value Peek(const void* array, std::size_t offset) {
@@ -151,9 +153,8 @@ bool PassesTest(abi::REALarray array) {
 }
 
 void TestArrayAccessOnce() {
-  if (ArrayAccessTested) return;
+  if (ArrayAccessTested.exchange(true)) return;
   ZQV_LOG("%s%s %f", "TestArray", HostVersion());
-  ArrayAccessTested = true;
   const auto array = ArrayRef::Adopt(
       entry::RuntimeArrayCreateSingleDimBoundedArray(abi::kIntegerElements, kTestUpperBound));
   ArrayAccessSuccess = PassesTest(array.get());

@@ -2,8 +2,11 @@
 // typed callable that is looked up by name at its first use and cached for the life of the process.
 //
 // Invariant: a name that the host lacks makes the call a no-op with a nil or zero result, never an
-// error. All of this is used on the host's thread only, without locking.
+// error. Resolver and version are set once, when the library is registered; after that any thread
+// may call, and threads that look up the same name at once find the same address.
 #pragma once
+
+#include <atomic>
 
 #include "abi/records.h"
 
@@ -39,8 +42,12 @@ class EntryPoint<Result(Arguments...)> {
   // The host's function, or null when the host lacks it. Found addresses are never asked for
   // again; an entry point that is missing is asked for at every use.
   Function Find() {
-    if (function_ == nullptr) function_ = ProcedureAt<Function>(Resolve(name_));
-    return function_;
+    Function function = function_.load(std::memory_order_relaxed);
+    if (function == nullptr) {
+      function = ProcedureAt<Function>(Resolve(name_));
+      function_.store(function, std::memory_order_relaxed);
+    }
+    return function;
   }
 
   // Calls the host; a missing entry point gives Result(): nil, 0 or nothing.
@@ -51,7 +58,7 @@ class EntryPoint<Result(Arguments...)> {
 
  private:
   const char* name_;
-  Function function_ = nullptr;
+  std::atomic<Function> function_{nullptr};
 };
 
 // Every entry point by its own name: entry::REALLockObject(object).

@@ -1,42 +1,35 @@
 #include "host/errors.h"
 
 #include <cstdio>
-#include <cstring>
 #include <new>
 #include <stdexcept>
 #include <string>
 
 #include "abi/encodings.h"
-#include "host/heap.h"
-#include "host/log.h"
+#include "base/heap.h"
+#include "base/log.h"
 #include "host/strings.h"
 
 namespace zqv::host {
 namespace {
-
-// True while an exception is being raised: building its message may fail in the host and would
-// then raise again, for ever.
-bool g_raising = false;
-
-class RaisingScope {
- public:
-  RaisingScope() { g_raising = true; }
-  RaisingScope(const RaisingScope&) = delete;
-  RaisingScope& operator=(const RaisingScope&) = delete;
-  ~RaisingScope() { g_raising = false; }
-};
 
 ObjectRef NewExceptionObject(const char* class_name) {
   auto object = ObjectRef::Adopt(entry::PluginNewInstance(class_name));
   return object ? std::move(object) : ObjectRef::Adopt(entry::PluginNewInstance(kRuntimeException));
 }
 
-void Raise(const char* class_name, const char* message) {
-  StringRef text;
-  if (message != nullptr) {
-    text = REALBuildUnicodeString(message, static_cast<std::int64_t>(std::strlen(message)),
-                                  abi::kUtf8);
+// Nil for no message, and when the host throws while it makes one: raising that failure would run
+// into it again.
+StringRef NewMessage(const char* message) {
+  try {
+    return message != nullptr ? BuildStringOrThrow(message, abi::kUtf8) : StringRef();
+  } catch (...) {
+    return {};
   }
+}
+
+void Raise(const char* class_name, const char* message) {
+  const StringRef text = NewMessage(message);
   const ObjectRef exception = NewExceptionObject(class_name);
   if (!exception) return;
   entry::REALSetPropValueString(exception.get(), "Message", text.get());
@@ -67,8 +60,6 @@ Translation Translate(const std::exception& e) {
 }  // namespace
 
 void RaiseException(const char* class_name, const char* message) noexcept {
-  if (g_raising) return;
-  const RaisingScope scope;
   try {
     Raise(class_name, message);
   } catch (...) {
@@ -78,7 +69,7 @@ void RaiseException(const char* class_name, const char* message) noexcept {
 
 void RaiseOutOfBoundsException(std::int64_t value, std::int64_t count) noexcept {
   constexpr std::size_t kSize = 205;
-  const auto message = AllocateZeroed<char>(kSize);
+  const auto message = base::AllocateZeroed<char>(kSize);
   if (message == nullptr) return RaiseException(kOutOfBoundsException, "Out of Bounds");
   // QUIRK: the two empty strings leave two blanks after "index". Applications know the text so.
   // Test: OutOfBoundsMessage.KeepsTwoBlanksAfterIndex.

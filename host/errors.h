@@ -23,7 +23,7 @@ inline constexpr char kUnsupportedOperationException[] = "UnsupportedOperationEx
 
 // Marks an exception of the named class pending, with `message` (UTF-8; null for none) and
 // ErrorNumber 0. An unknown class becomes a RuntimeException; when that cannot be made either,
-// nothing is raised. Never throws, and never raises from within itself.
+// nothing is raised. Never throws. The exception belongs to the calling thread.
 void RaiseException(const char* class_name, const char* message) noexcept;
 
 // For an index `value` into a collection of `count` elements.

@@ -1,5 +1,5 @@
-// What a port provides: where log lines go, how a file reference of the host becomes a path, and,
-// where the platform has string objects of its own, a host string as one of those.
+// What a port provides: how a file reference of the host becomes a path and, where the platform has
+// string objects of its own, a host string as one of those.
 #pragma once
 
 #include <string>
@@ -7,9 +7,6 @@
 #include "abi/records.h"
 
 namespace zqv::host {
-
-// Writes one line, adding the line break, to the system log (macOS) or standard error (Linux).
-void WriteLogLine(const char* text) noexcept;
 
 // The file-system path of a FolderItem [borrowed] as bytes for fopen; empty when there is none: the
 // property cannot be read, is no file URL, or does not convert.

@@ -1,13 +1,10 @@
-// The Linux port: the log goes to standard error, a file reference is a path or a file URL.
-#include <sys/uio.h>
-#include <unistd.h>
-
-#include <cstring>
+// The Linux port: a file reference is a path or a file URL.
 #include <string>
 #include <string_view>
 
+#include "base/ascii.h"
+#include "base/log.h"
 #include "host/entry_points.h"
-#include "host/log.h"
 #include "host/platform.h"
 #include "host/ref.h"
 #include "host/text_reader.h"
@@ -24,12 +21,6 @@ std::string PropertyText(abi::REALobject object, const char* property) {
   return std::string(rbText(text.get()).Utf8());
 }
 
-int HexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
-}
-
 // RFC 3986, section 2.1; empty when an escape is broken.
 std::string DecodePercentEscapes(std::string_view text) {
   std::string decoded;
@@ -38,8 +29,8 @@ std::string DecodePercentEscapes(std::string_view text) {
       decoded += text[i];
       continue;
     }
-    const int high = i + 2 < text.size() ? HexDigit(text[i + 1]) : -1;
-    const int low = i + 2 < text.size() ? HexDigit(text[i + 2]) : -1;
+    const int high = i + 2 < text.size() ? base::HexadecimalValue(text[i + 1]) : -1;
+    const int low = i + 2 < text.size() ? base::HexadecimalValue(text[i + 2]) : -1;
     if (high < 0 || low < 0) return {};
     decoded += static_cast<char>(high * 16 + low);
     i += 2;
@@ -47,30 +38,24 @@ std::string DecodePercentEscapes(std::string_view text) {
   return decoded;
 }
 
-// The path of a file URL (RFC 8089): no host name, or "localhost". Empty for anything else.
+// The path of a file URL (RFC 8089): no host name, or "localhost". Empty for anything else. Scheme
+// and host name are compared without regard to case (RFC 3986, section 6.2.2.1).
 std::string PathOfFileUrl(std::string_view url) {
   constexpr std::string_view kScheme = "file://";
   constexpr std::string_view kLocalHost = "localhost";
-  if (url.substr(0, kScheme.size()) != kScheme) return {};
+  if (!base::EqualsIgnoringCase(url.substr(0, kScheme.size()), kScheme)) return {};
   url.remove_prefix(kScheme.size());
-  if (url.substr(0, kLocalHost.size()) == kLocalHost) url.remove_prefix(kLocalHost.size());
+  if (base::EqualsIgnoringCase(url.substr(0, kLocalHost.size()), kLocalHost))
+    url.remove_prefix(kLocalHost.size());
   return url.empty() || url.front() != '/' ? std::string() : DecodePercentEscapes(url);
 }
 
 // As the other platform says it, which has a null string where there is no text.
 void LogPath(const char* format, const std::string& text) {
-  if (DebuggingEnabled) LogMessageX(format, text.empty() ? "(null)" : text.c_str());
+  if (base::IsLogging()) base::LogMessageX(format, text.empty() ? "(null)" : text.c_str());
 }
 
 }  // namespace
-
-void WriteLogLine(const char* text) noexcept {
-  // One call a line, so that lines of several processes do not mix, and no memory of its own, so
-  // that it can be used while an exception is handled.
-  char line_break = '\n';
-  const iovec pieces[] = {{const_cast<char*>(text), std::strlen(text)}, {&line_break, 1}};
-  if (::writev(STDERR_FILENO, pieces, 2) < 0) return;  // a log that fails is not worth a failure
-}
 
 std::string FilePath(abi::REALobject file) {
   std::string path;

@@ -1,5 +1,5 @@
-// The macOS port: the log goes to the system log, a file reference becomes a path through the
-// platform's URLs in normalisation form D, and a host string becomes a CoreFoundation string.
+// The macOS port: a file reference becomes a path through the platform's URLs in normalisation form
+// D, and a host string becomes a CoreFoundation string.
 //
 // On a Mac the platform's own headers are used. Elsewhere, when cross-building against a folder
 // that has only link stubs, the few declarations that are needed stand below.
@@ -10,8 +10,9 @@
 #include <string_view>
 
 #include "abi/encodings.h"
+#include "base/ascii.h"
+#include "base/log.h"
 #include "host/entry_points.h"
-#include "host/log.h"
 #include "host/platform.h"
 #include "host/ref.h"
 #include "host/string_bytes.h"
@@ -107,20 +108,20 @@ std::string TextOf(CFStringRef text) {
   return bytes.find('\0') == end ? bytes.substr(0, end) : std::string();
 }
 
-// Whether a URL is that of a file on this machine (RFC 8089): no host name, or "localhost". The
-// platform would give a path for any other, too.
+// Whether a URL is that of a file on this machine (RFC 8089): no host name, or "localhost", in any
+// case (RFC 3986, section 6.2.2.1). The platform would give a path for any other, too.
 bool IsFileUrl(CFStringRef url) {
   const std::string text = TextOf(url);
   constexpr std::string_view kStarts[] = {"file:///", "file://localhost/"};
   return std::any_of(std::begin(kStarts), std::end(kStarts), [&](std::string_view start) {
-    return text.compare(0, start.size(), start) == 0;
+    return base::EqualsIgnoringCase(std::string_view(text).substr(0, start.size()), start);
   });
 }
 
 PlatformRef<CFURLRef> FileUrl(abi::REALobject file) {
   const bool native = HostVersion() >= kHasNativePath;
   const StringHandle text = PropertyText(file, native ? "NativePath" : "URLPath");
-  if (DebuggingEnabled)
+  if (base::IsLogging())
     NSLog(native ? CFSTR("native path: %@\n") : CFSTR("url path: %@\n"), text.get());
   if (text == nullptr || (!native && !IsFileUrl(text.get()))) return nullptr;
   return PlatformRef<CFURLRef>(
@@ -137,8 +138,6 @@ std::string FileSystemBytes(CFStringRef path) {
 }
 
 }  // namespace
-
-void WriteLogLine(const char* text) noexcept { NSLog(CFSTR("%s\n"), text); }
 
 std::string FilePath(abi::REALobject file) {
   const PlatformRef<CFURLRef> url = FileUrl(file);

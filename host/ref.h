@@ -112,6 +112,9 @@ class Slot {
     const auto old = Ref<Traits>::Adopt(std::exchange(raw_, ref.Detach()));
   }
 
+  // Moves the ownership out of the record; nil afterwards.
+  Ref<Traits> Take() { return Ref<Traits>::Adopt(std::exchange(raw_, nullptr)); }
+
   // Gives back what is here; nil afterwards.
   void Clear() { Put(Ref<Traits>()); }
 

@@ -1,6 +1,8 @@
 #include "host/string_bytes.h"
 
-#include "host/log.h"
+#include <atomic>
+
+#include "base/log.h"
 
 namespace zqv::host {
 namespace {
@@ -9,12 +11,14 @@ using LenB = abi::RBInteger (*)(abi::REALstring);
 
 // The host's global method for a string's length in bytes, looked up once; null when missing.
 LenB FindLenB() {
-  static LenB cached = nullptr;
-  if (cached == nullptr) {
-    cached =
+  static std::atomic<LenB> cached{nullptr};
+  LenB len_b = cached.load(std::memory_order_relaxed);
+  if (len_b == nullptr) {
+    len_b =
         ProcedureAt<LenB>(entry::REALLoadGlobalMethod(nullptr, "LenB( s as string ) as integer"));
+    cached.store(len_b, std::memory_order_relaxed);
   }
-  return cached;
+  return len_b;
 }
 
 }  // namespace

@@ -2,10 +2,10 @@
 
 #include <limits>
 
+#include "base/heap.h"
+#include "base/log.h"
+#include "base/unicode.h"
 #include "host/errors.h"
-#include "host/heap.h"
-#include "host/log.h"
-#include "host/unicode.h"
 
 namespace zqv::host {
 namespace {
@@ -33,17 +33,17 @@ StringRef BuildThroughUtf16(const char32_t* code_points, std::size_t count) {
   // Short texts stay off the heap: 800 bytes of UTF-32 give at most 400 units and the zero.
   constexpr std::size_t kStackBytes = 800;
   char16_t on_stack[kStackBytes / sizeof(char16_t) + 1];
-  HeapArray<char16_t> on_heap;
+  base::HeapArray<char16_t> on_heap;
   char16_t* units = on_stack;
   if (count * sizeof(char32_t) >= kStackBytes) {
-    on_heap = AllocateZeroed<char16_t>(2 * count + 1);
+    on_heap = base::AllocateZeroed<char16_t>(2 * count + 1);
     if (on_heap == nullptr) {
       ZQV_LOG("%s%s", "Out of memory in REALBuildUnicodeStringUTF32.");
       return {};
     }
     units = on_heap.get();
   }
-  const std::size_t written = Utf32ToUtf16(code_points, count, units);
+  const std::size_t written = base::Utf32ToUtf16(code_points, count, units);
   return REALBuildUnicodeStringUTF16(units, static_cast<std::int64_t>(written * sizeof(char16_t)));
 }
 
@@ -71,23 +71,31 @@ StringRef Build(const void* bytes, std::int64_t length, abi::Encoding encoding) 
   if (encoding == abi::kUtf32) return BuildUtf32(bytes, length);
   if (ContainsAscii(encoding)) {
     const std::string_view text(static_cast<const char*>(bytes), static_cast<std::size_t>(length));
-    return BuildLabelled(bytes, length, IsAscii(text) ? abi::kAscii : encoding);
+    return BuildLabelled(bytes, length, base::IsAscii(text) ? abi::kAscii : encoding);
   }
   if (encoding != abi::kAscii && encoding != abi::kUtf8)
     ZQV_LOG("%s%s %u", "Unknown encoding in REALBuildUnicodeString", encoding);
   return BuildLabelled(bytes, length, encoding);
 }
 
-}  // namespace
-
-StringRef REALBuildUnicodeString(const void* bytes, std::int64_t length, abi::Encoding encoding) {
+StringRef BuildChecked(const void* bytes, std::int64_t length, abi::Encoding encoding) {
   if (bytes == nullptr || length < 1) return {};
   if (length > std::numeric_limits<std::int32_t>::max()) {
     ZQV_LOG("%s%s", "Count too big for REALBuildUnicodeString.");
     return {};
   }
+  return Build(bytes, length, encoding);
+}
+
+}  // namespace
+
+StringRef BuildStringOrThrow(std::string_view bytes, abi::Encoding encoding) {
+  return BuildChecked(bytes.data(), static_cast<std::int64_t>(bytes.size()), encoding);
+}
+
+StringRef REALBuildUnicodeString(const void* bytes, std::int64_t length, abi::Encoding encoding) {
   try {
-    return Build(bytes, length, encoding);
+    return BuildChecked(bytes, length, encoding);
   } catch (...) {
     RaiseCurrentException();
     return {};
@@ -108,12 +116,12 @@ StringRef BuildString(std::string_view bytes, abi::Encoding encoding) {
 }
 
 StringRef BuildDetectedString(std::string_view bytes) {
-  return bytes.empty() ? StringRef() : BuildString(bytes, DetectEncoding(bytes));
+  return bytes.empty() ? StringRef() : BuildString(bytes, base::DetectEncoding(bytes));
 }
 
 StringRef BuildDetectedText(std::string_view bytes) {
   // Most texts are ASCII without a NUL, and one pass tells.
-  const std::size_t length = LengthOfAsciiText(bytes);
+  const std::size_t length = base::LengthOfAsciiText(bytes);
   if (length == bytes.size() || bytes[length] == '\0')
     return BuildString(bytes.substr(0, length), abi::kAscii);
   return BuildDetectedString(bytes.substr(0, bytes.find('\0')));

@@ -22,6 +22,9 @@ StringRef REALBuildUnicodeString(const void* bytes, std::int64_t length, abi::En
 // The same for UTF-16 in host byte order; `byte_length` counts bytes. [new lock]
 StringRef REALBuildUnicodeStringUTF16(const char16_t* units, std::int64_t byte_length);
 
+// REALBuildUnicodeString of a view, but what the host throws passes through. [new lock]
+StringRef BuildStringOrThrow(std::string_view bytes, abi::Encoding encoding);
+
 // REALBuildUnicodeString of a view. [new lock]
 StringRef BuildString(std::string_view bytes, abi::Encoding encoding);
 

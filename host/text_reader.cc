@@ -1,12 +1,13 @@
 #include "host/text_reader.h"
 
 #include <algorithm>
+#include <atomic>
 #include <new>
 
-#include "host/log.h"
+#include "base/log.h"
+#include "base/unicode.h"
 #include "host/string_bytes.h"
 #include "host/strings.h"
-#include "host/unicode.h"
 
 namespace zqv::host {
 namespace {
@@ -39,7 +40,7 @@ char32_t SwapBytes(char32_t c) {
   return (c >> 24) | ((c >> 8) & 0xFF00) | ((c << 8) & 0xFF0000) | (c << 24);
 }
 
-void LogIllegal(const Conversion& conversion) {
+void LogIllegal(const base::Conversion& conversion) {
   if (!conversion.legal)
     ZQV_LOG("%s%s %lu", "Illegal UTF-8 sequence!", static_cast<unsigned long>(conversion.stopped));
 }
@@ -117,7 +118,7 @@ bool rbText::CheckASCII() {
   if (state_ == State::kNeedsHost) return false;
   if (string() == nullptr) return true;
   const std::string_view bytes = rbData(string()).bytes();
-  if (!IsAscii(bytes)) {
+  if (!base::IsAscii(bytes)) {
     state_ = State::kNeedsHost;
     return false;
   }
@@ -147,9 +148,8 @@ void rbText::ReadUnknownEncoding() {
   state_ = State::kNeedsHost;
   // QUIRK: said once in the process, and whether or not the copy could be made.
   // Test: TextReader.SaysOnceThatTheRebuildFailed.
-  static bool said = false;
-  if (!said) ZQV_LOG("%s%s", "REALBuildUnicodeString failed");
-  said = true;
+  static std::atomic<bool> g_said{false};
+  if (!g_said.exchange(true)) ZQV_LOG("%s%s", "REALBuildUnicodeString failed");
 }
 
 // The text in `encoding` from the host, kept until the reader goes; false, with the flag set, when
@@ -214,7 +214,7 @@ void rbText::DecodeUtf8() {
   const auto length = static_cast<std::size_t>(utf8_.length);
   char32_t* units = NewUtf32Buffer(length + 4);
   if (units == nullptr) return;
-  const Conversion conversion = Utf8ToUtf32({utf8_.data, length}, units);
+  const base::Conversion conversion = base::Utf8ToUtf32({utf8_.data, length}, units);
   LogIllegal(conversion);
   utf32_ = {units, static_cast<std::int64_t>(conversion.written)};
 }
@@ -238,7 +238,7 @@ void rbText::ConvertUTF32_viaUTF16() {
   char32_t* units = NewUtf32Buffer(count + 4);
   if (units == nullptr) return;
   utf16_ = {static_cast<const char16_t*>(text->data()), static_cast<std::int64_t>(count)};
-  const Conversion conversion = Utf16ToUtf32(utf16_.data, count, units);
+  const base::Conversion conversion = base::Utf16ToUtf32(utf16_.data, count, units);
   LogIllegal(conversion);
   utf32_ = {units, static_cast<std::int64_t>(conversion.written)};
 }

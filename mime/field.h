@@ -1,26 +1,26 @@
-// MimeFieldZQV: one header field, name and value.
+// One header field as it was read.
 #pragma once
 
-#include <mimetic/rfc822/field.h>
-
+#include <optional>
 #include <string_view>
 
-#include "mime/lifecycle.h"
-#include "mime/records.h"
+#include "mime/field_name.h"
 
 namespace zqv::mime {
 
-// Fills a fresh record: the value as the parser gives it, undecoded, then the name as written, each
-// up to its first NUL.
-void Set(MimeFieldClassData& record, const mimetic::Field& field);
-// The same of texts without NULs.
-void Set(MimeFieldClassData& record, std::string_view name, std::string_view value);
+struct Field {
+  std::string_view name;
+  std::string_view value;          // folds are single spaces; ends at the first NUL
+  std::optional<FieldName> known;  // what the name means, if anything
 
-// Gives back everything that the record holds; nil afterwards.
-void Clear(MimeFieldClassData& record);
+  // The field's bytes in the message, from its name to the end of its last line, without that
+  // line's end; empty for a field that was not parsed from a message.
+  std::string_view bytes;
+};
 
-// Registered with the host. The constructor parses "Name: value".
-inline constexpr auto MimeFieldConstructor = &ConstructFromText<MimeFieldClassData, mimetic::Field>;
-inline constexpr auto MimeFieldDestructor = &DestroyRecord<MimeFieldClassData>;
+// Reads "Name: value" by itself. The name is everything before the first colon. Spaces before the
+// value are dropped, but never its last character, and line ends stay. Without a colon both are
+// empty. Views of `text`, each up to its first NUL.
+Field ParseField(std::string_view text);
 
 }  // namespace zqv::mime

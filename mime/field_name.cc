@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <iterator>
 
-#include "text/ascii.h"
+#include "base/ascii.h"
 
 namespace zqv::mime {
 namespace {
@@ -58,7 +58,7 @@ static_assert(kStarts.row[kLongest + 1] == std::size(kNames), "a longer name sta
 std::optional<FieldName> RecogniseFieldName(std::string_view name) {
   if (name.size() > kLongest) return std::nullopt;
   for (std::size_t i = kStarts.row[name.size()]; i < kStarts.row[name.size() + 1]; ++i) {
-    if (text::EqualsIgnoringCase(name, kNames[i].name)) return kNames[i].field;
+    if (base::EqualsIgnoringCase(name, kNames[i].name)) return kNames[i].field;
   }
   return std::nullopt;
 }

@@ -1,120 +1,79 @@
 #include "mime/header.h"
 
-#include "host/arrays.h"
-#include "host/errors.h"
-#include "host/record.h"
-#include "host/strings.h"
-#include "mime/address_list.h"
-#include "mime/field.h"
-#include "mime/header_view.h"
-#include "mime/mailbox.h"
-#include "mime/mailbox_list.h"
-#include "text/encoded_word.h"
-
 namespace zqv::mime {
-namespace {
 
-using host::BuildDetectedString;
-
-void FillTexts(MimeHeaderClassData& record, const HeaderView& header) {
-  const auto put = [&](host::StringSlot& slot, FieldName name) {
-    slot.Put(BuildDetectedString(header.Text(name)));
-  };
-  put(record.MimeVersion, FieldName::kMimeVersion);
-  put(record.ContentType, FieldName::kContentType);
-  put(record.ContentTransferEncoding, FieldName::kContentTransferEncoding);
-  put(record.ContentTransferEncodingMechanism, FieldName::kContentTransferEncoding);
-  put(record.ContentDisposition, FieldName::kContentDisposition);
-  put(record.ContentDescription, FieldName::kContentDescription);
-  put(record.contentId, FieldName::kContentId);
-  put(record.subject, FieldName::kSubject);
-  put(record.messageid, FieldName::kMessageId);
-  record.subjectDecoded.Put(
-      text::DecodeInlineEncodings(std::string(header.Text(FieldName::kSubject)), false));
-}
-
-// An address field that the header lacks, or that holds nobody, gives nil and no empty object.
-void FillAddresses(MimeHeaderClassData& record, const HeaderView& header) {
-  const mimetic::Mailbox& sender = header.sender();
-  if (!sender.mailbox(1).empty()) record.sender.Put(NewFilled<MimeMailboxClassData>(sender));
-  const ParsedList<mimetic::MailboxList>& from = header.from();
-  if (!from.list.empty())
-    record.from.Put(NewFilled<MimeMailboxListClassData>(from.list, from.text));
-  const auto put = [](host::ObjectSlot& slot, const ParsedList<mimetic::AddressList>& parsed) {
-    if (!parsed.list.empty())
-      slot.Put(NewFilled<MimeAddressListClassData>(parsed.list, parsed.text));
-  };
-  put(record.too, header.to());
-  put(record.replyto, header.reply_to());
-  put(record.cc, header.cc());
-  put(record.bcc, header.bcc());
-}
-
-void FillFields(MimeHeaderClassData& record, const HeaderView& header) {
-  record.fields.Put(host::NewObjectArray());
-  if (!record.fields) return;
-  for (std::size_t i = 0; i < header.size(); ++i) {
-    const host::ObjectRef object = NewFilled<MimeFieldClassData>(header[i].name, header.Value(i));
-    if (object) host::AppendObject(record.fields.get(), object.get());
+Header::Header(const Field* fields, std::size_t count, const Parsed<mimetic::ContentType>* type)
+    : fields_(fields), count_(count), given_type_(type) {
+  first_.fill(kNowhere);
+  for (std::size_t i = 0; i < count; ++i) {
+    if (!fields[i].known.has_value()) continue;
+    std::size_t& first = first_[static_cast<std::size_t>(*fields[i].known)];
+    if (first == kNowhere) first = i;
   }
 }
 
-// The first field whose name the host finds equal to `name`; nil when there is none.
-host::ObjectRef FindField(abi::REALobject self, abi::REALstring name) {
-  const auto* record = host::RecordOf<MimeHeaderClassData>(self);
-  if (record == nullptr || !record->fields) return {};
-  if (host::entry::RuntimeStringCompare.Find() == nullptr) return {};
-  const std::int64_t count = host::ArrayCount(record->fields.get());
-  for (std::int64_t i = 0; i < count; ++i) {
-    host::ObjectRef field = host::REALGetArrayObject(record->fields.get(), i);
-    const auto* field_record = host::RecordOf<MimeFieldClassData>(field.get());
-    if (field_record == nullptr) continue;
-    const host::StringRef field_name = field_record->Name.Share();
-    if (host::entry::RuntimeStringCompare(field_name.get(), name) == 0) return field;
+std::string_view Header::Value(std::size_t index) const {
+  const Field& field = fields_[index];
+  const bool counts = field.known.has_value() && First(*field.known) == index;
+  return counts ? Text(*field.known) : field.value;
+}
+
+std::string_view Header::Text(FieldName name) const {
+  switch (name) {
+    case FieldName::kMimeVersion:
+      return Get(name, mime_version_).text;
+    case FieldName::kContentType:
+      return type().text;
+    case FieldName::kContentDisposition:
+      return Get(name, content_disposition_).text;
+    case FieldName::kSender:
+      return Get(name, sender_).text;
+    case FieldName::kFrom:
+      return from().text.whole();
+    case FieldName::kTo:
+      return to().text.whole();
+    case FieldName::kReplyTo:
+      return reply_to().text.whole();
+    case FieldName::kCc:
+      return cc().text.whole();
+    case FieldName::kBcc:
+      return bcc().text.whole();
+    case FieldName::kContentDescription:
+    case FieldName::kContentId:
+    case FieldName::kContentTransferEncoding:
+    case FieldName::kDate:
+    case FieldName::kMessageId:
+    case FieldName::kReceived:
+    case FieldName::kSubject:
+      break;  // to the library these are the texts that they are
   }
-  return {};
+  return Has(name) ? fields_[First(name)].value : std::string_view();
 }
 
-}  // namespace
-
-host::ObjectRef NewMimeHeaderZQV(const HeaderView& header) {
-  auto object = host::NewInstance<MimeHeaderClassData>();
-  if (!object) return {};
-  host::Guard([&] {
-    MimeHeaderClassData& record = *host::RecordOf<MimeHeaderClassData>(object.get());
-    FillTexts(record, header);
-    FillAddresses(record, header);
-    FillFields(record, header);
-  });
-  return object;
+template <class Said>
+const Said& Header::Get(FieldName name, std::optional<Said>& parsed) const {
+  static const Said absent;
+  if (!Has(name)) return absent;
+  if (!parsed.has_value()) parsed.emplace(std::string(fields_[First(name)].value));
+  return *parsed;
 }
 
-void Clear(MimeHeaderClassData& record) {
-  record.MimeVersion.Clear();
-  record.ContentType.Clear();
-  record.ContentTransferEncoding.Clear();
-  record.ContentTransferEncodingMechanism.Clear();
-  record.ContentDisposition.Clear();
-  record.ContentDescription.Clear();
-  record.contentId.Clear();
-  record.sender.Clear();
-  record.from.Clear();
-  record.too.Clear();
-  record.subject.Clear();
-  record.subjectDecoded.Clear();
-  record.replyto.Clear();
-  record.cc.Clear();
-  record.bcc.Clear();
-  record.messageid.Clear();
-  record.fields.Clear();
+const Parsed<mimetic::ContentType>& Header::type() const {
+  if (given_type_ != nullptr) return *given_type_;
+  return Get(FieldName::kContentType, content_type_);
 }
-
-abi::RBBoolean hasField(abi::REALobject self, abi::REALstring name) {
-  return host::Guard([=] { return static_cast<abi::RBBoolean>(FindField(self, name) ? 1 : 0); });
+const mimetic::ContentDisposition& Header::content_disposition() const {
+  return Get(FieldName::kContentDisposition, content_disposition_).value;
 }
-
-abi::REALobject FieldByName(abi::REALobject self, abi::REALstring name) {
-  return host::Guard([=] { return FindField(self, name); });
+const mimetic::Mailbox& Header::sender() const { return Get(FieldName::kSender, sender_).value; }
+const ParsedList<mimetic::MailboxList>& Header::from() const {
+  return Get(FieldName::kFrom, from_);
 }
+const ParsedList<mimetic::AddressList>& Header::to() const { return Get(FieldName::kTo, to_); }
+const ParsedList<mimetic::AddressList>& Header::reply_to() const {
+  return Get(FieldName::kReplyTo, reply_to_);
+}
+const ParsedList<mimetic::AddressList>& Header::cc() const { return Get(FieldName::kCc, cc_); }
+const ParsedList<mimetic::AddressList>& Header::bcc() const { return Get(FieldName::kBcc, bcc_); }
 
 }  // namespace zqv::mime

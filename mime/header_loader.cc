@@ -1,18 +1,26 @@
+// A header is read line by line: name, value, folds. A field is stored when the line after it
+// begins, so one that the message ends in is lost.
+//
+//   Subject: a\r\n b\r\n\r\n    one field, "Subject", "a b" (a fold is one space)
+//   Received : x\n              "Received", "x" (blanks before the colon are dropped)
+//   no field here\n             ends the header; the body begins with this line
+//   : x\n                       skipped
 #include "mime/header_loader.h"
 
 #include <array>
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 
+#include "base/ascii.h"
 #include "mime/field_name.h"
-#include "text/ascii.h"
 
 namespace zqv::mime {
 namespace {
 
-using text::IsBlank;
-using text::IsLineEnd;
+using base::IsBlank;
+using base::IsLineEnd;
 
 constexpr std::array<bool, 256> MakeNameCharacters() {
   std::array<bool, 256> table{};
@@ -25,18 +33,10 @@ bool IsNameCharacter(char c) { return kNameCharacters[static_cast<unsigned char>
 
 class HeaderLoader {
  public:
-  HeaderLoader(const char* at, const char* end, mimetic::MimeEntity& entity, MessageLimits& limits,
-               LineEndFinder& line_ends, MessageTexts* texts)
-      : at_(at),
-        end_(end),
-        header_(entity.header()),
-        limits_(limits),
-        line_ends_(line_ends),
-        texts_(texts),
-        entity_texts_(texts != nullptr ? &texts->Begin(entity) : nullptr) {}
+  HeaderLoader(const char* at, const char* end, HeaderContext& context)
+      : at_(at), end_(end), context_(context) {}
 
-  // A field is stored when the line after it begins, so one that the input ends in is lost.
-  HeaderEnd Run() {
+  LoadedHeader Run() {
     bool more = at_ != end_ && !EndsHere() && ReadField();
     while (more && at_ != end_) {
       at_ = SkipLineEnd(at_, end_);
@@ -48,14 +48,15 @@ class HeaderLoader {
         more = !EndsHere() && ReadField();
       }
     }
-    return {at_, std::move(body_start_)};
+    return {ended_by_, body_ != nullptr ? body_ : at_, at_};
   }
 
  private:
-  // True, with the line end taken, at an empty line.
+  // True, with the line end consumed, at an empty line.
   bool EndsHere() {
     if (!IsLineEnd(*at_)) return false;
     at_ = SkipLineEnd(at_, end_);
+    ended_by_ = HeaderEnd::kEmptyLine;
     return true;
   }
 
@@ -64,9 +65,10 @@ class HeaderLoader {
   }
 
   void ReadValue() {
-    const char* const line_end = line_ends_.Next(at_, end_);
+    const char* const line_end = context_.line_ends.Next(at_, end_);
     AppendValue({at_, static_cast<std::size_t>(line_end - at_)});
     at_ = line_end;
+    field_end_ = line_end;
   }
 
   // A line break and the blanks after it count as one space, also when nothing follows them.
@@ -78,7 +80,7 @@ class HeaderLoader {
   }
 
   // The rest of a line that should be a field. False when it is none: then the body has begun, and
-  // what was read of the line belongs to it.
+  // the characters that were read of the line belong to it.
   bool ReadField() {
     const char* const start = at_;
     while (at_ != end_ && IsNameCharacter(*at_)) ++at_;
@@ -86,11 +88,12 @@ class HeaderLoader {
     SkipBlanks();
     if (at_ == end_) return true;
     if (*at_ != ':') {
-      body_start_.assign(start, at_);
+      body_ = start;
+      ended_by_ = HeaderEnd::kOtherLine;
       return false;
     }
-    if (at_ == start) {  // a line that begins with the colon is passed over
-      at_ = line_ends_.Next(at_, end_);
+    if (at_ == start) {  // a line that begins with the colon is skipped
+      at_ = context_.line_ends.Next(at_, end_);
       return true;
     }
     name_ = {start, static_cast<std::size_t>(name_end - start)};
@@ -110,45 +113,40 @@ class HeaderLoader {
     joined_ += piece;
   }
 
-  // QUIRK: a value without a name stays, and the next field's value is appended to it. The library
-  // does so with a fold after a line that was passed over. Test: Parser.FoldAfterIgnoredLineStays.
+  // QUIRK: a value without a name stays, and the next field's value is appended to it: a fold after
+  // a line that was skipped. Equal to the MIME library's result. Test:
+  // Parser.FoldAfterIgnoredLineStays.
   void StoreField() {
     if (name_.empty()) return;
-    const std::optional<FieldName> name = RecogniseFieldName(name_);
     std::string_view value = joined_.empty() ? value_ : joined_;
-    limits_.AdmitField(name, value);
+    Field field;
+    field.name = name_;
+    field.known = RecogniseFieldName(name_);
+    context_.limits.AdmitField(field.known, value);
     value = value.substr(0, value.find('\0'));
-    if (texts_ != nullptr) {
-      texts_->AddField(*entity_texts_,
-                       {name_, joined_.empty() ? value : texts_->Keep(value), name});
-    } else {
-      mimetic::Field& field = header_.emplace_back();
-      field.name(std::string(name_));
-      field.value(std::string(value));
-    }
+    field.value = joined_.empty() ? value : context_.folded_values.Keep(value);
+    field.bytes = {name_.data(), static_cast<std::size_t>(field_end_ - name_.data())};
+    context_.fields.push_back(field);
     name_ = {};
     value_ = {};
     joined_.clear();
   }
 
   const char* at_;
-  const char* end_;
-  mimetic::Header& header_;
-  MessageLimits& limits_;
-  LineEndFinder& line_ends_;
-  MessageTexts* texts_;        // null: the header gets every field
-  EntityTexts* entity_texts_;  // of the texts
+  const char* const end_;
+  HeaderContext& context_;
+  HeaderEnd ended_by_ = HeaderEnd::kMessageEnd;
+  const char* body_ = nullptr;  // of a line that is no field
   std::string_view name_;
   std::string_view value_;  // in the message, when it is all
-  std::string joined_;      // all of a value of several pieces
-  std::string body_start_;
+  std::string joined_;      // the whole of a value of several pieces
+  const char* field_end_ = nullptr;
 };
 
 }  // namespace
 
-HeaderEnd LoadHeader(const char* at, const char* end, mimetic::MimeEntity& entity,
-                     MessageLimits& limits, LineEndFinder& line_ends, MessageTexts* texts) {
-  return HeaderLoader(at, end, entity, limits, line_ends, texts).Run();
+LoadedHeader LoadHeader(const char* at, const char* end, HeaderContext& context) {
+  return HeaderLoader(at, end, context).Run();
 }
 
 }  // namespace zqv::mime

@@ -1,29 +1,39 @@
-// Reading a header's fields from bytes in memory, with the MIME library's own result.
+// Reading the fields of one header where they lie.
 //
-// What counts as a field, a fold, the end of the header and the start of the body follows the
-// library to the byte, its leniencies included (see the .cc); only the way there is another: whole
-// runs instead of single characters, and nothing that leaks when a field cannot be stored.
+// What counts as a field, a fold, the end of the header and the start of the body equals the MIME
+// library's reading to the byte, its leniencies included (see the .cc).
 #pragma once
 
-#include <mimetic/mimeentity.h>
+#include <vector>
 
-#include <string>
-
+#include "base/text_arena.h"
+#include "mime/field.h"
 #include "mime/limits.h"
 #include "mime/line_ends.h"
-#include "mime/message_texts.h"
+#include "mime/message.h"
 
 namespace zqv::mime {
 
-// Where a header ended.
-struct HeaderEnd {
-  const char* at;          // the first byte of the body
-  std::string body_start;  // bytes before `at` that belong to the body: a line that is no field
+// Where the fields go, and what the headers of one message share.
+struct HeaderContext {
+  std::vector<Field>& fields;
+  base::TextArena& folded_values;  // values that do not lie in the message in one piece
+  MessageLimits& limits;
+  LineEndFinder& line_ends;
 };
 
-// Reads the fields between `at` and `end` into `texts` or, when those are null, into the entity's
-// header, which is empty. Throws std::runtime_error when a field is beyond the limits.
-HeaderEnd LoadHeader(const char* at, const char* end, mimetic::MimeEntity& entity,
-                     MessageLimits& limits, LineEndFinder& line_ends, MessageTexts* texts);
+// Where a header ended.
+struct LoadedHeader {
+  HeaderEnd ended_by;
+  const char* body;  // the first byte of the body
+  // Where the search for boundaries begins: `body`, but behind the characters that were read of a
+  // line that is no field. QUIRK: so such a line can be taken for a boundary from its middle on.
+  // Test: Parser.GivesTheReferencesTree.
+  const char* rest;
+};
+
+// Appends the fields of the header that begins at `at`. Throws std::runtime_error when a field is
+// beyond the limits.
+LoadedHeader LoadHeader(const char* at, const char* end, HeaderContext& context);
 
 }  // namespace zqv::mime

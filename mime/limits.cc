@@ -1,64 +1,71 @@
 #include "mime/limits.h"
 
 #include <algorithm>
-#include <optional>
 #include <stdexcept>
-
-#include "host/stack.h"
 
 namespace zqv::mime {
 namespace {
 
-// Whether the field's value is taken apart into a list.
-bool IsListField(std::optional<FieldName> name) {
+ListKind KindOf(std::optional<FieldName> name) {
   switch (name.value_or(FieldName::kDate)) {
     case FieldName::kBcc:
     case FieldName::kCc:
+    case FieldName::kReplyTo:
+    case FieldName::kTo:
+      return ListKind::kAddresses;
+    case FieldName::kFrom:
+      return ListKind::kMailboxes;
+    case FieldName::kSender:
+      return ListKind::kMailbox;
     case FieldName::kContentDisposition:
     case FieldName::kContentType:
-    case FieldName::kFrom:
-    case FieldName::kReplyTo:
-    case FieldName::kSender:
-    case FieldName::kTo:
-      return true;
+      return ListKind::kParameters;
     default:
-      return false;
+      return ListKind::kNone;
   }
 }
 
-// At least as many as the library makes of the value.
-std::size_t CountEntries(std::string_view value) {
-  const auto separates = [](char c) { return c == ',' || c == ';'; };
-  return 1 + static_cast<std::size_t>(std::count_if(value.begin(), value.end(), separates));
-}
-
-std::size_t MeasureLevels(std::size_t levels) {
-  const std::optional<std::size_t> left = host::StackLeft();
-  if (!left.has_value()) return kLevelsUnknown;
-  if (*left <= kStackReserve) return levels;
-  return levels + (*left - kStackReserve) / kStackPerLevel;
+std::size_t CountUnquotedCommas(std::string_view value) {
+  std::size_t count = 0;
+  bool in_quotes = false;
+  for (const char c : value) {
+    if (c == '"') in_quotes = !in_quotes;
+    if (c == ',' && !in_quotes) ++count;
+  }
+  return count;
 }
 
 }  // namespace
 
-void MessageLimits::AdmitEntity(std::size_t levels) {
-  if (++entities_ > kMostEntities) throw std::runtime_error("the message has too many parts");
-  if (levels < kLevelsUnmeasured) return;
-  if (most_levels_ == 0) most_levels_ = MeasureLevels(levels);
-  if (levels > most_levels_) throw std::runtime_error("the message is nested too deeply");
+std::size_t CountEntries(ListKind kind, std::string_view value) {
+  switch (kind) {
+    case ListKind::kNone:
+      return 0;
+    case ListKind::kMailbox:
+      return 1;
+    case ListKind::kMailboxes:
+    case ListKind::kAddresses:
+      return 1 + CountUnquotedCommas(value);
+    case ListKind::kParameters:
+      return static_cast<std::size_t>(std::count(value.begin(), value.end(), ';'));
+  }
+  return 0;
+}
+
+void MessageLimits::AdmitPart() {
+  if (++parts_ > kMostParts) throw std::runtime_error("the message has too many parts");
 }
 
 void MessageLimits::AdmitField(std::optional<FieldName> name, std::string_view value) {
   if (++fields_ > kMostFields) throw std::runtime_error("the message has too many fields");
-  if (!IsListField(name)) return;
-  entries_ += CountEntries(value);
+  entries_ += CountEntries(KindOf(name), value);
   if (entries_ > kMostEntries) {
     throw std::runtime_error("the message has too many addresses or parameters");
   }
 }
 
-void AdmitText(std::string_view text) {
-  if (CountEntries(text) > kMostEntries) {
+void AdmitText(ListKind kind, std::string_view text) {
+  if (CountEntries(kind, text) > kMostEntries) {
     throw std::runtime_error("the text has too many addresses");
   }
 }

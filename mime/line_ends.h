@@ -5,13 +5,13 @@
 #include <cstddef>
 #include <cstring>
 
-#include "text/ascii.h"
+#include "base/ascii.h"
 
 namespace zqv::mime {
 
 // CRLF and LFCR are one line end.
 constexpr bool IsPair(char first, char second) {
-  return text::IsLineEnd(first) && text::IsLineEnd(second) && first != second;
+  return base::IsLineEnd(first) && base::IsLineEnd(second) && first != second;
 }
 
 // Past the line end that begins at `at`.

@@ -21,7 +21,7 @@ class OpenBoundaries {
   void Pop();
 
   bool IsEmpty() const { return open_.empty(); }
-  const std::string& Innermost() const { return open_.back().text; }
+  std::string_view Innermost() const { return open_.back().text; }
   // Whether `line` begins with any of them.
   bool AnyBegins(std::string_view line) const;
 

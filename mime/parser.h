@@ -1,23 +1,42 @@
-// From a message's bytes to the MIME library's tree of entities.
-//
-// The bytes are parsed where they lie: no stream and no copy, with the same result as the library's
-// own stream constructor, but within the limits of limits.h.
+// From a message's bytes to its tree.
 #pragma once
 
-#include <mimetic/mimeentity.h>
-
-#include <string_view>
-
-#include "mime/message_texts.h"
+#include "mime/limits.h"
+#include "mime/line_ends.h"
+#include "mime/message.h"
+#include "mime/open_boundaries.h"
+#include "mime/part_text.h"
 
 namespace zqv::mime {
 
-// Parses `message` into `top`, which must be empty. Throws std::runtime_error, leaving `top` with
-// what was parsed until then, when the message is beyond a limit.
-void ParseMessage(std::string_view message, mimetic::MimeEntity& top);
+// Parses one message, iteratively: multiparts that are open are kept in a list, and nesting needs
+// no stack.
+class Parser {
+ public:
+  // Fills `message`, of which only the bytes are set.
+  explicit Parser(Message& message);
+  // Throws std::runtime_error beyond a limit.
+  void Run();
 
-// The same, but texts are left where they lie, and the tree is without them: `texts` tells, as long
-// as the message lives. Such a tree cannot be written.
-void ParseMessage(std::string_view message, mimetic::MimeEntity& top, MessageTexts& texts);
+ private:
+  PartIndex AddPart(PartIndex parent);
+  void ReadHeader(Part& part);
+  void OpenMultipart(PartIndex part);
+  // Ends the part that was read last, and the parts around it that end with it. The next part, or
+  // kNoPart when there is none.
+  PartIndex NextPart(PartIndex last);
+  void EndParts(PartIndex last, PartIndex around);
+  std::string_view ReadText();
+
+  Message& message_;
+  const char* at_;
+  const char* const end_;
+  MessageLimits limits_;
+  LineEndFinder line_ends_;
+  OpenBoundaries boundaries_;
+  std::vector<PartIndex> open_multiparts_;  // innermost last, as their boundaries
+  PartText text_;                           // that was read last
+  std::vector<PartIndex> last_children_;    // by part
+};
 
 }  // namespace zqv::mime

@@ -1,20 +1,20 @@
 // The classes of the address fields: address, group, the two lists, mailbox.
-#include "mime/address.h"
-#include "mime/address_list.h"
-#include "mime/group.h"
-#include "mime/mailbox.h"
-#include "mime/mailbox_list.h"
+#include "objects/address.h"
+#include "objects/address_list.h"
+#include "objects/group.h"
+#include "objects/mailbox.h"
+#include "objects/mailbox_list.h"
 #include "plugin/classes.h"
 #include "plugin/table_rows.h"
 
 namespace zqv::plugin {
 namespace {
 
-using mime::MimeAddressClassData;
-using mime::MimeAddressListClassData;
-using mime::MimeGroupClassData;
-using mime::MimeMailboxClassData;
-using mime::MimeMailboxListClassData;
+using objects::MimeAddressClassData;
+using objects::MimeAddressListClassData;
+using objects::MimeGroupClassData;
+using objects::MimeMailboxClassData;
+using objects::MimeMailboxListClassData;
 
 // clang-format off
 abi::REALproperty kAddressProperties[] = {
@@ -24,42 +24,42 @@ abi::REALproperty kAddressProperties[] = {
     STORED_BOOLEAN(MimeAddressClassData, "isGroup",                   isGroup),
 };
 abi::REALmethodDefinition kAddressMethods[] = {
-    METHOD("Constructor(TextToParse as String)", mime::MimeAddressConstructor),
+    METHOD("Constructor(TextToParse as String)", objects::MimeAddressConstructor),
 };
 
 abi::REALproperty kGroupProperties[] = {
-    GETTER       ("MailboxesVariant", "Variant",      &mime::GroupMailboxes::Variant),
+    GETTER       ("MailboxesVariant", "Variant",      &objects::GroupMailboxes::Variant),
     STORED_STRING(MimeGroupClassData, "Name",         Name),
     STORED_STRING(MimeGroupClassData, "NameDecoded",  NameDecoded),
     STORED_STRING(MimeGroupClassData, "StringValue",  StringValue),
-    GETTER       ("Count",            "Integer",      &mime::GroupMailboxes::Count),
+    GETTER       ("Count",            "Integer",      &objects::GroupMailboxes::Count),
 };
 abi::REALmethodDefinition kGroupMethods[] = {
-    METHOD("Mailboxes(index as Integer) as MimeMailboxZQV", &mime::GroupMailboxes::At),
-    METHOD("Mailboxes as MimeMailboxZQV()",                 &mime::GroupMailboxes::Whole),
-    METHOD("Constructor(TextToParse as String)",            mime::MimeGroupConstructor),
+    METHOD("Mailboxes(index as Integer) as MimeMailboxZQV", &objects::GroupMailboxes::At),
+    METHOD("Mailboxes as MimeMailboxZQV()",                 &objects::GroupMailboxes::Whole),
+    METHOD("Constructor(TextToParse as String)",            objects::MimeGroupConstructor),
 };
 
 abi::REALproperty kAddressListProperties[] = {
-    GETTER       ("AddressesVariant",       "Variant",     &mime::ListedAddresses::Variant),
+    GETTER       ("AddressesVariant",       "Variant",     &objects::ListedAddresses::Variant),
     STORED_STRING(MimeAddressListClassData, "StringValue", StringValue),
-    GETTER       ("Count",                  "Integer",     &mime::ListedAddresses::Count),
+    GETTER       ("Count",                  "Integer",     &objects::ListedAddresses::Count),
 };
 abi::REALmethodDefinition kAddressListMethods[] = {
-    METHOD("Constructor(TextToParse as String)",            mime::MimeAddressListConstructor),
-    METHOD("Addresses as MimeAddressZQV()",                 &mime::ListedAddresses::Whole),
-    METHOD("Addresses(index as Integer) as MimeAddressZQV", &mime::ListedAddresses::At),
+    METHOD("Constructor(TextToParse as String)",            objects::MimeAddressListConstructor),
+    METHOD("Addresses as MimeAddressZQV()",                 &objects::ListedAddresses::Whole),
+    METHOD("Addresses(index as Integer) as MimeAddressZQV", &objects::ListedAddresses::At),
 };
 
 abi::REALproperty kMailboxListProperties[] = {
-    GETTER       ("MailboxesVariant",       "Variant",     &mime::ListedMailboxes::Variant),
+    GETTER       ("MailboxesVariant",       "Variant",     &objects::ListedMailboxes::Variant),
     STORED_STRING(MimeMailboxListClassData, "StringValue", StringValue),
-    GETTER       ("Count",                  "Integer",     &mime::ListedMailboxes::Count),
+    GETTER       ("Count",                  "Integer",     &objects::ListedMailboxes::Count),
 };
 abi::REALmethodDefinition kMailboxListMethods[] = {
-    METHOD("Mailboxes(index as Integer) as MimeMailboxZQV", &mime::ListedMailboxes::At),
-    METHOD("Mailboxes as MimeMailboxZQV()",                 &mime::ListedMailboxes::Whole),
-    METHOD("Constructor(TextToParse as String)",            mime::MimeMailboxListConstructor),
+    METHOD("Mailboxes(index as Integer) as MimeMailboxZQV", &objects::ListedMailboxes::At),
+    METHOD("Mailboxes as MimeMailboxZQV()",                 &objects::ListedMailboxes::Whole),
+    METHOD("Constructor(TextToParse as String)",            objects::MimeMailboxListConstructor),
 };
 
 abi::REALproperty kMailboxProperties[] = {
@@ -69,28 +69,28 @@ abi::REALproperty kMailboxProperties[] = {
     STORED_STRING(MimeMailboxClassData, "LabelDecoded", LabelDecoded),
     STORED_STRING(MimeMailboxClassData, "Sourceroute",  Sourceroute),
     STORED_STRING(MimeMailboxClassData, "StringValue",  StringValue),
-    GETTER       ("Email",              "String",       &mime::getEmail),
+    GETTER       ("Email",              "String",       &objects::getEmail),
 };
 abi::REALmethodDefinition kMailboxMethods[] = {
-    METHOD("Constructor(TextToParse as String)", mime::MimeMailboxConstructor),
+    METHOD("Constructor(TextToParse as String)", objects::MimeMailboxConstructor),
 };
 // clang-format on
 
 }  // namespace
 
 abi::REALclassDefinition kMimeAddressClass =
-    CLASS("MimeAddressZQV", MimeAddressClassData, mime::MimeAddressDestructor, kAddressProperties,
+    CLASS("MimeAddressZQV", MimeAddressClassData, objects::MimeAddressDestructor, kAddressProperties,
           kAddressMethods);
 abi::REALclassDefinition kMimeGroupClass = CLASS(
-    "MimeGroupZQV", MimeGroupClassData, mime::MimeGroupDestructor, kGroupProperties, kGroupMethods);
+    "MimeGroupZQV", MimeGroupClassData, objects::MimeGroupDestructor, kGroupProperties, kGroupMethods);
 abi::REALclassDefinition kMimeAddressListClass =
-    CLASS("MimeAddressListZQV", MimeAddressListClassData, mime::MimeAddressListDestructor,
+    CLASS("MimeAddressListZQV", MimeAddressListClassData, objects::MimeAddressListDestructor,
           kAddressListProperties, kAddressListMethods);
 abi::REALclassDefinition kMimeMailboxListClass =
-    CLASS("MimeMailboxListZQV", MimeMailboxListClassData, mime::MimeMailboxListDestructor,
+    CLASS("MimeMailboxListZQV", MimeMailboxListClassData, objects::MimeMailboxListDestructor,
           kMailboxListProperties, kMailboxListMethods);
 abi::REALclassDefinition kMimeMailboxClass =
-    CLASS("MimeMailboxZQV", MimeMailboxClassData, mime::MimeMailboxDestructor, kMailboxProperties,
+    CLASS("MimeMailboxZQV", MimeMailboxClassData, objects::MimeMailboxDestructor, kMailboxProperties,
           kMailboxMethods);
 
 }  // namespace zqv::plugin

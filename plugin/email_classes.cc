@@ -1,48 +1,48 @@
 // The message itself and its attachments.
-#include "email/attachment.h"
-#include "email/email.h"
-#include "email/strip.h"
-#include "host/log.h"
+#include "objects/attachment.h"
+#include "objects/email.h"
+#include "objects/switches.h"
+#include "objects/words.h"
 #include "plugin/classes.h"
 #include "plugin/table_rows.h"
-#include "text/charset.h"
 
 namespace zqv::plugin {
 namespace {
 
-using email::MimeAttachmentClassData;
+using objects::MimeAttachmentClassData;
 
 abi::REALattribute kHiddenAttribute[] = {{"Hidden", ""}};
 
 // clang-format off
 abi::REALproperty kEmailProperties[] = {
-    GETTER     ("InlinesVariant",     "Variant", &email::EmailInlines::Variant),
-    GETTER     ("AttachmentsVariant", "Variant", &email::EmailAttachments::Variant),
-    GETTER     ("HTMLText",           "String",  email::getHTMLText),
-    GETTER     ("PlainText",          "String",  email::getPlainText),
-    GETTER     ("Subject",            "String",  email::getSubject),
-    GETTER     ("Source",             "String",  email::getSource),
-    DATE_GETTER("Date",                          email::getSentDate),
-    DATE_GETTER("ReceivedDate",                  email::getReceivedDate),
+    GETTER     ("InlinesVariant",     "Variant", &objects::EmailInlines::Variant),
+    GETTER     ("AttachmentsVariant", "Variant", &objects::EmailAttachments::Variant),
+    GETTER     ("HTMLText",           "String",  objects::getHTMLText),
+    GETTER     ("PlainText",          "String",  objects::getPlainText),
+    GETTER     ("Subject",            "String",  objects::getSubject),
+    GETTER     ("Source",             "String",  objects::getSource),
+    DATE_GETTER("Date",                          objects::getSentDate),
+    DATE_GETTER("ReceivedDate",                  objects::getReceivedDate),
 };
 abi::REALmethodDefinition kEmailMethods[] = {
-    METHOD("Inlines(index as Integer) as MimeAttachmentZQV",     &email::EmailInlines::At),
-    METHOD("Attachments(index as Integer) as MimeAttachmentZQV", &email::EmailAttachments::At),
-    METHOD("Inlines as MimeAttachmentZQV()",                     &email::EmailInlines::Whole),
-    METHOD("Attachments as MimeAttachmentZQV()",                 &email::EmailAttachments::Whole),
-    METHOD("Constructor(Content as string)",                     &email::MimeEmailConstructor1),
-    METHOD("Constructor(Content as MemoryBlock)",                &email::MimeEmailConstructor2),
-    METHOD("Constructor(File as FolderItem)",                    &email::MimeEmailConstructor3),
-    METHOD("SourceWithoutAttachments as String",                 &email::SourceWithoutAttachments),
+    METHOD("Inlines(index as Integer) as MimeAttachmentZQV",     &objects::EmailInlines::At),
+    METHOD("Attachments(index as Integer) as MimeAttachmentZQV", &objects::EmailAttachments::At),
+    METHOD("Inlines as MimeAttachmentZQV()",                     &objects::EmailInlines::Whole),
+    METHOD("Attachments as MimeAttachmentZQV()",                 &objects::EmailAttachments::Whole),
+    METHOD("Constructor(Content as string)",                     &objects::MimeEmailConstructor1),
+    METHOD("Constructor(Content as MemoryBlock)",                &objects::MimeEmailConstructor2),
+    METHOD("Constructor(File as FolderItem)",                    &objects::MimeEmailConstructor3),
+    METHOD("SourceWithoutAttachments as String",                 &objects::SourceWithoutAttachments),
 };
 abi::REALproperty kEmailSharedProperties[] = {
-    SHARED       ("RaiseUnknownFormatExceptions", "Boolean", &text::getRaiseUnknownFormatExceptions,
-                                                             &text::setRaiseUnknownFormatExceptions),
-    HIDDEN_SHARED("Debugging",                    "Boolean", &host::getDebugging, &host::setDebugging),
+    SHARED       ("RaiseUnknownFormatExceptions", "Boolean", &objects::getRaiseUnknownFormatExceptions,
+                                                             &objects::setRaiseUnknownFormatExceptions),
+    HIDDEN_SHARED("Debugging",                    "Boolean", &objects::getDebugging,
+                                                             &objects::setDebugging),
 };
 abi::REALmethodDefinition kEmailSharedMethods[] = {
-    METHOD("HTMLToPlainText(HTMLText as String) as String", &email::HTMLToPlainText),
-    METHOD("DecodeInline(Text as String) as String",        &email::DecodeInline),
+    METHOD("HTMLToPlainText(HTMLText as String) as String", &objects::HTMLToPlainText),
+    METHOD("DecodeInline(Text as String) as String",        &objects::DecodeInline),
 };
 
 abi::REALproperty kAttachmentProperties[] = {
@@ -59,7 +59,7 @@ abi::REALproperty kAttachmentProperties[] = {
     STORED_STRING(MimeAttachmentClassData, "contentId",               contentId),
 };
 abi::REALmethodDefinition kAttachmentMethods[] = {
-    PRIVATE_CTOR(email::MimeAttachmentConstructor),
+    PRIVATE_CTOR(objects::MimeAttachmentConstructor),
 };
 // clang-format on
 
@@ -71,7 +71,7 @@ abi::REALclassDefinition kMimeEmailClass = ZQV_CLASS(
     kEmailMethods, std::size(kEmailMethods), kEmailSharedProperties,
     std::size(kEmailSharedProperties), kEmailSharedMethods, std::size(kEmailSharedMethods));
 abi::REALclassDefinition kMimeAttachmentClass =
-    CLASS("MimeAttachmentZQV", MimeAttachmentClassData, email::Destructor, kAttachmentProperties,
+    CLASS("MimeAttachmentZQV", MimeAttachmentClassData, objects::Destructor, kAttachmentProperties,
           kAttachmentMethods);
 
 }  // namespace zqv::plugin

@@ -1,11 +1,11 @@
 // The library's one exported function.
 #include <iterator>
 
-#include "email/attachment.h"
+#include "objects/attachment.h"
 #include "host/entry_points.h"
 #include "host/errors.h"
 #include "host/record.h"
-#include "mime/records.h"
+#include "objects/records.h"
 #include "plugin/classes.h"
 #include "plugin/register.h"
 
@@ -22,17 +22,17 @@ struct Registration {
 // The order of registration: a super class before its subclass.
 constexpr Registration kRegistrations[] = {
     // clang-format off
-    {&kMimeBodyClass,         &host::BindRecord<mime::MimeBodyClassData>},
-    {&kMimeHeaderClass,       &host::BindRecord<mime::MimeHeaderClassData>},
-    {&kMimeEntityClass,       &host::BindRecord<mime::MimeEntityClassData>},
-    {&kMimeAddressClass,      &host::BindRecord<mime::MimeAddressClassData>},
-    {&kMimeGroupClass,        &host::BindRecord<mime::MimeGroupClassData>},
-    {&kMimeAddressListClass,  &host::BindRecord<mime::MimeAddressListClassData>},
-    {&kMimeMailboxListClass,  &host::BindRecord<mime::MimeMailboxListClassData>},
-    {&kMimeMailboxClass,      &host::BindRecord<mime::MimeMailboxClassData>},
-    {&kMimeFieldClass,        &host::BindRecord<mime::MimeFieldClassData>},
+    {&kMimeBodyClass,         &host::BindRecord<objects::MimeBodyClassData>},
+    {&kMimeHeaderClass,       &host::BindRecord<objects::MimeHeaderClassData>},
+    {&kMimeEntityClass,       &host::BindRecord<objects::MimeEntityClassData>},
+    {&kMimeAddressClass,      &host::BindRecord<objects::MimeAddressClassData>},
+    {&kMimeGroupClass,        &host::BindRecord<objects::MimeGroupClassData>},
+    {&kMimeAddressListClass,  &host::BindRecord<objects::MimeAddressListClassData>},
+    {&kMimeMailboxListClass,  &host::BindRecord<objects::MimeMailboxListClassData>},
+    {&kMimeMailboxClass,      &host::BindRecord<objects::MimeMailboxClassData>},
+    {&kMimeFieldClass,        &host::BindRecord<objects::MimeFieldClassData>},
     {&kMimeEmailClass,        nullptr},
-    {&kMimeAttachmentClass,   &host::BindRecord<email::MimeAttachmentClassData>},
+    {&kMimeAttachmentClass,   &host::BindRecord<objects::MimeAttachmentClassData>},
     // clang-format on
 };
 static_assert(std::size(kRegistrations) == 11);

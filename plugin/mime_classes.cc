@@ -1,30 +1,30 @@
 // The classes that mirror the parsed tree: body, header, entity, field.
-#include "mime/body.h"
-#include "mime/entity.h"
-#include "mime/field.h"
-#include "mime/header.h"
+#include "objects/body.h"
+#include "objects/entity.h"
+#include "objects/field.h"
+#include "objects/header.h"
 #include "plugin/classes.h"
 #include "plugin/table_rows.h"
 
 namespace zqv::plugin {
 namespace {
 
-using mime::MimeBodyClassData;
-using mime::MimeEntityClassData;
-using mime::MimeFieldClassData;
-using mime::MimeHeaderClassData;
+using objects::MimeBodyClassData;
+using objects::MimeEntityClassData;
+using objects::MimeFieldClassData;
+using objects::MimeHeaderClassData;
 
 // clang-format off
 abi::REALproperty kBodyProperties[] = {
-    GETTER       ("PartsVariant", "Variant", &mime::BodyParts::Variant),
+    GETTER       ("PartsVariant", "Variant", &objects::BodyParts::Variant),
     STORED_STRING(MimeBodyClassData, "StringValue", StringValue),
     STORED_STRING(MimeBodyClassData, "preamble",    preamble),
     STORED_STRING(MimeBodyClassData, "epilogue",    epilogue),
 };
 abi::REALmethodDefinition kBodyMethods[] = {
-    METHOD("Parts(index as Integer) as MimeEntityZQV", &mime::BodyParts::At),
-    METHOD("Parts as MimeEntityZQV()",                 &mime::BodyParts::Whole),
-    PRIVATE_CTOR(mime::MimeBodyConstructor),
+    METHOD("Parts(index as Integer) as MimeEntityZQV", &objects::BodyParts::At),
+    METHOD("Parts as MimeEntityZQV()",                 &objects::BodyParts::Whole),
+    PRIVATE_CTOR(objects::MimeBodyConstructor),
 };
 
 abi::REALproperty kHeaderProperties[] = {
@@ -46,11 +46,11 @@ abi::REALproperty kHeaderProperties[] = {
     STORED_OBJECT(MimeHeaderClassData, "bcc",     "MimeAddressListZQV",    bcc),
 };
 abi::REALmethodDefinition kHeaderMethods[] = {
-    METHOD("Fields(index as Integer) as MimeFieldZQV",   &mime::HeaderFields::At),
-    METHOD("Fields as MimeFieldZQV()",                   &mime::HeaderFields::Whole),
-    PRIVATE_CTOR(mime::MimeHeaderConstructor),
-    METHOD("hasField(name as string) as boolean",        &mime::hasField),
-    METHOD("FieldByName(name as string) as MimeFieldZQV", &mime::FieldByName),
+    METHOD("Fields(index as Integer) as MimeFieldZQV",   &objects::HeaderFields::At),
+    METHOD("Fields as MimeFieldZQV()",                   &objects::HeaderFields::Whole),
+    PRIVATE_CTOR(objects::MimeHeaderConstructor),
+    METHOD("hasField(name as string) as boolean",        &objects::hasField),
+    METHOD("FieldByName(name as string) as MimeFieldZQV", &objects::FieldByName),
 };
 
 abi::REALproperty kEntityProperties[] = {
@@ -59,7 +59,7 @@ abi::REALproperty kEntityProperties[] = {
     STORED_STRING(MimeEntityClassData, "BodyDecoded",             BodyDecoded),
 };
 abi::REALmethodDefinition kEntityMethods[] = {
-    PRIVATE_CTOR(mime::MimeEntityConstructor),
+    PRIVATE_CTOR(objects::MimeEntityConstructor),
 };
 
 abi::REALproperty kFieldProperties[] = {
@@ -67,21 +67,21 @@ abi::REALproperty kFieldProperties[] = {
     STORED_STRING(MimeFieldClassData, "Value", Value),
 };
 abi::REALmethodDefinition kFieldMethods[] = {
-    METHOD("Constructor(TextToParse as String)", mime::MimeFieldConstructor),
+    METHOD("Constructor(TextToParse as String)", objects::MimeFieldConstructor),
 };
 // clang-format on
 
 }  // namespace
 
 abi::REALclassDefinition kMimeBodyClass = CLASS(
-    "MimeBodyZQV", MimeBodyClassData, mime::MimeBodyDestructor, kBodyProperties, kBodyMethods);
+    "MimeBodyZQV", MimeBodyClassData, objects::MimeBodyDestructor, kBodyProperties, kBodyMethods);
 abi::REALclassDefinition kMimeHeaderClass =
-    CLASS("MimeHeaderZQV", MimeHeaderClassData, mime::MimeHeaderDestructor, kHeaderProperties,
+    CLASS("MimeHeaderZQV", MimeHeaderClassData, objects::MimeHeaderDestructor, kHeaderProperties,
           kHeaderMethods);
 abi::REALclassDefinition kMimeEntityClass =
-    CLASS("MimeEntityZQV", MimeEntityClassData, mime::MimeEntityDestructor, kEntityProperties,
+    CLASS("MimeEntityZQV", MimeEntityClassData, objects::MimeEntityDestructor, kEntityProperties,
           kEntityMethods);
 abi::REALclassDefinition kMimeFieldClass = CLASS(
-    "MimeFieldZQV", MimeFieldClassData, mime::MimeFieldDestructor, kFieldProperties, kFieldMethods);
+    "MimeFieldZQV", MimeFieldClassData, objects::MimeFieldDestructor, kFieldProperties, kFieldMethods);
 
 }  // namespace zqv::plugin

@@ -5,9 +5,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "host/errors.h"
-#include "host/log.h"
-#include "text/ascii.h"
+#include "base/ascii.h"
+#include "base/log.h"
 
 namespace zqv::text {
 namespace {
@@ -152,14 +151,6 @@ bool IsDropped(char c) {
 
 }  // namespace
 
-bool RaiseUnknownFormatExceptions = false;
-
-abi::RBBoolean getRaiseUnknownFormatExceptions() { return RaiseUnknownFormatExceptions ? 1 : 0; }
-
-void setRaiseUnknownFormatExceptions(abi::RBBoolean value) {
-  RaiseUnknownFormatExceptions = value != 0;
-}
-
 std::string NormaliseCharsetName(std::string_view name) {
   constexpr std::size_t kShortestBeforeQuote = 6;
   std::string normalised;
@@ -176,16 +167,12 @@ std::string NormaliseCharsetName(std::string_view name) {
   return normalised;
 }
 
-abi::Encoding GetEncodingValue(const std::string& charset_name) {
+abi::Encoding GetEncodingValue(std::string_view charset_name) {
   const std::string normalised = NormaliseCharsetName(charset_name);
   const auto row = std::find_if(std::begin(kCharsets), std::end(kCharsets), [&](const Row& r) {
-    return EqualsIgnoringCase(r.name, normalised);
+    return base::EqualsIgnoringCase(r.name, normalised);
   });
   if (row != std::end(kCharsets)) return row->encoding;
-  if (RaiseUnknownFormatExceptions) {
-    host::RaiseException(host::kUnsupportedFormatException,
-                         ("Unhandled charset: " + charset_name).c_str());
-  }
   ZQV_LOG("%s%s %s", "unknown charset", normalised.c_str());
   return abi::kUnknownEncoding;
 }

@@ -1,14 +1,11 @@
 #include "text/encoded_word.h"
 
 #include <algorithm>
-#include <string_view>
+#include <utility>
 
-#include "host/errors.h"
-#include "host/log.h"
-#include "host/strings.h"
-#include "host/text_reader.h"
-#include "host/unicode.h"
-#include "text/ascii.h"
+#include "base/ascii.h"
+#include "base/log.h"
+#include "base/unicode.h"
 #include "text/charset.h"
 #include "text/quotes.h"
 #include "text/transfer_codes.h"
@@ -21,7 +18,7 @@ constexpr std::size_t kShortestEncodedWord = 7;  // =?c?Q?=
 std::string_view UpToNul(std::string_view text) { return text.substr(0, text.find('\0')); }
 
 // Of what is no digit, 0.
-int HexValue(char c) { return std::max(HexadecimalValue(c), 0); }
+int HexValue(char c) { return std::max(base::HexadecimalValue(c), 0); }
 
 void AppendQ(std::string_view payload, std::string& out) {
   for (std::size_t i = 0; i < payload.size(); ++i) {
@@ -108,41 +105,49 @@ class EncodedWordScanner {
   std::string charset_;  // of the last word that named one
 };
 
-host::StringRef BuildPlain(const std::string& text, bool unquote) {
-  if (!unquote) return host::CString2RB_detect_encoding(text);
-  return host::CString2RB_detect_encoding(RemoveQuotes(text));
+void LogUnlessAscii(std::string_view all, std::string_view shown) {
+  if (shown.empty() || base::IsAscii(all)) return;
+  ZQV_LOG("%s%s %s", "Error: text is not ascii", std::string(shown).c_str());
 }
 
-host::StringRef BuildDecoded(std::string&& decoded, abi::Encoding encoding, bool unquote) {
-  if (unquote) decoded = RemoveQuotes(std::move(decoded));
-  const std::string_view text = UpToNul(decoded);
-  if (encoding == abi::kAscii && !host::IsAscii(text))
-    ZQV_LOG("%s%s %s", "Error: text is not ascii", decoded.c_str());
-  return host::BuildString(text, encoding);
+HeaderText Undecoded(std::string_view text, bool unquote) {
+  if (!unquote) return DetectText(text);
+  std::string unquoted = RemoveQuotes(std::string(text));
+  const abi::Encoding encoding = base::DetectEncoding(UpToNul(unquoted));
+  return {std::move(unquoted), encoding};
 }
 
 }  // namespace
 
-host::StringRef DecodeInlineEncodings(const std::string& text, bool unquote) {
-  if (text.empty()) return {};
-  const bool has_word = text.size() >= kShortestEncodedWord && text.find("=?") != text.npos;
-  if (!has_word) return BuildPlain(text, unquote);
-  EncodedWordScanner scanner(UpToNul(text));
-  scanner.Run();
-  if (scanner.charset().empty()) return BuildPlain(text, unquote);
-  const abi::Encoding encoding = GetEncodingValue(scanner.charset());
-  if (encoding != abi::kUnknownEncoding)
-    return BuildDecoded(std::move(scanner.decoded()), encoding, unquote);
-  ZQV_LOG("%s%s %s", "unhandled encoding", scanner.charset().c_str());
-  if (RaiseUnknownFormatExceptions) {
-    host::RaiseException(host::kUnsupportedFormatException,
-                         ("Unhandled encoding: " + scanner.charset()).c_str());
-  }
-  return BuildPlain(text, unquote);
+std::string_view HeaderText::bytes() const { return UpToNul(is_owned_ ? owned_ : borrowed_); }
+
+HeaderText DetectText(std::string_view text) {
+  const std::string_view shown = UpToNul(text);
+  return HeaderText::Borrow(shown, base::DetectEncoding(shown));
 }
 
-host::StringRef DecodeInline(abi::REALstring text) {
-  return text != nullptr ? DecodeInlineEncodings(host::ReadUtf8(text), false) : host::StringRef();
+HeaderText LabelText(std::string_view text, abi::Encoding encoding) {
+  if (encoding == abi::kAscii) LogUnlessAscii(text, UpToNul(text));
+  return HeaderText::Borrow(text, encoding);
+}
+
+HeaderText DecodeEncodedWords(std::string_view text, bool unquote) {
+  const bool has_word = text.size() >= kShortestEncodedWord && text.find("=?") != text.npos;
+  if (!has_word) return Undecoded(text, unquote);
+  EncodedWordScanner scanner(UpToNul(text));
+  scanner.Run();
+  if (scanner.charset().empty()) return Undecoded(text, unquote);
+  const abi::Encoding encoding = GetEncodingValue(scanner.charset());
+  if (encoding == abi::kUnknownEncoding) {
+    ZQV_LOG("%s%s %s", "unhandled encoding", scanner.charset().c_str());
+    HeaderText undecoded = Undecoded(text, unquote);
+    undecoded.unknown_charset = undecoded.unknown_charset_of_word = scanner.charset();
+    return undecoded;
+  }
+  std::string decoded = std::move(scanner.decoded());
+  if (unquote) decoded = RemoveQuotes(std::move(decoded));
+  if (encoding == abi::kAscii) LogUnlessAscii(decoded, UpToNul(decoded));
+  return {std::move(decoded), encoding};
 }
 
 }  // namespace zqv::text

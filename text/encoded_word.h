@@ -1,21 +1,56 @@
-// RFC 2047 encoded words in header text.
+// Header text that may hold RFC 2047 encoded words, as bytes and the encoding that they are in.
 //
 // The decoder is deliberately simple: the bytes of all encoded words and of the plain text between
-// them become one byte string, converted once, in the charset that the last word names.
+// them become one byte string, in the charset that the last word names.
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <utility>
 
-#include "host/ref.h"
+#include "abi/encodings.h"
 
 namespace zqv::text {
 
-// The decoded text [new lock]; nil for an empty one. With `unquote`, surrounding quotes go (see
-// RemoveQuotes). An unknown charset gives the text undecoded and, when the switch of
-// text/charset.h is on, also raises an UnsupportedFormatException.
-host::StringRef DecodeInlineEncodings(const std::string& text, bool unquote);
+// Bytes, either held or borrowed from the text that they were made of, and what they are encoded
+// in.
+class HeaderText {
+ public:
+  HeaderText() = default;  // empty
+  HeaderText(std::string&& bytes, abi::Encoding encoding)
+      : owned_(std::move(bytes)), is_owned_(true), encoding_(encoding) {}
+  // `bytes` must outlive this.
+  static HeaderText Borrow(std::string_view bytes, abi::Encoding encoding) {
+    HeaderText text;
+    text.borrowed_ = bytes;
+    text.encoding_ = encoding;
+    return text;
+  }
 
-// The same for a host string [borrowed], which may be nil.
-host::StringRef DecodeInline(abi::REALstring text);
+  // Up to the first NUL.
+  std::string_view bytes() const;
+  abi::Encoding encoding() const { return encoding_; }
+
+  // The charset that the text names when nobody knows it, otherwise empty; the bytes are then
+  // undecoded. `unknown_charset_of_word` is empty unless an encoded word named it.
+  std::string unknown_charset;
+  std::string unknown_charset_of_word;
+
+ private:
+  std::string owned_;
+  std::string_view borrowed_;
+  bool is_owned_ = false;
+  abi::Encoding encoding_ = abi::kAscii;
+};
+
+// `text` up to its first NUL, undecoded, in the encoding that base::DetectEncoding finds. Borrows.
+HeaderText DetectText(std::string_view text);
+
+// `text` up to its first NUL, undecoded, in the given encoding. Borrows.
+HeaderText LabelText(std::string_view text, abi::Encoding encoding);
+
+// `text` with its encoded words decoded. With `unquote`, surrounding quotes go (see RemoveQuotes).
+// Borrows `text` when there is nothing to decode.
+HeaderText DecodeEncodedWords(std::string_view text, bool unquote);
 
 }  // namespace zqv::text

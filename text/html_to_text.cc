@@ -7,11 +7,9 @@
 #include <limits>
 #include <type_traits>
 
-#include "host/bytes16.h"
-#include "host/log.h"
-#include "host/strings.h"
-#include "host/text_reader.h"
-#include "text/ascii.h"
+#include "base/ascii.h"
+#include "base/bytes16.h"
+#include "base/log.h"
 #include "text/html_entities.h"
 
 namespace zqv::text {
@@ -102,8 +100,8 @@ bool IsMarkup(char32_t c) { return c < kMarkup.size() && kMarkup[c]; }
 bool IsAngle(char32_t c) { return (c | 2U) == U'>'; }
 
 // The same of the units in sixteen bytes: each byte of those that are is set.
-host::Bytes16 AreAngles(const char* units) { return (host::LoadBytes16(units) | 2) == '>'; }
-host::Bytes16 AreAngles(const char32_t* units) { return host::AreEqual(units, 2, '>'); }
+base::Bytes16 AreAngles(const char* units) { return (base::LoadBytes16(units) | 2) == '>'; }
+base::Bytes16 AreAngles(const char32_t* units) { return base::AreEqual(units, 2, '>'); }
 
 // `name` holds ASCII letters only.
 template <class Unit>
@@ -111,7 +109,7 @@ Tag FindTag(std::basic_string_view<Unit> name) {
   const auto is = [name](const TagRow& row) {
     return std::equal(
         name.begin(), name.end(), row.name.begin(), row.name.end(),
-        [](Unit c, char letter) { return LowerAscii(static_cast<char>(c)) == letter; });
+        [](Unit c, char letter) { return base::LowerAscii(static_cast<char>(c)) == letter; });
   };
   const auto* row = std::find_if(std::begin(kTags), std::end(kTags), is);
   return row != std::end(kTags) ? row->tag : Tag::kOther;
@@ -353,11 +351,11 @@ class HtmlPass {
 
   // Text that is dropped, up to a tag's beginning or end.
   void SkipToAngle() {
-    constexpr std::size_t kUnits = host::kBytes16 / sizeof(Unit);
+    constexpr std::size_t kUnits = base::kBytes16 / sizeof(Unit);
     for (; html_.size() - at_ >= kUnits; at_ += kUnits) {
-      const host::Bytes16 angles = AreAngles(html_.data() + at_);
-      if (host::AnyOf(angles)) {
-        at_ += host::FirstOf(angles) / sizeof(Unit);
+      const base::Bytes16 angles = AreAngles(html_.data() + at_);
+      if (base::AnyOf(angles)) {
+        at_ += base::FirstOf(angles) / sizeof(Unit);
         return;
       }
     }
@@ -409,19 +407,5 @@ class HtmlPass {
 
 std::u32string HtmlToPlainText(std::u32string_view html) { return HtmlPass(html).Run(); }
 std::u32string HtmlToPlainText(std::string_view html) { return HtmlPass(html).Run(); }
-
-host::StringRef HTMLToPlainText(abi::REALstring html) {
-  if (html == nullptr) return {};
-  const std::u32string text = [&] {
-    host::rbText reader(html);  // its copy of the text need not outlive the pass
-    return reader.CheckASCII() ? HtmlToPlainText(reader.Utf8()) : HtmlToPlainText(reader.Utf32());
-  }();
-  const std::size_t size = text.size();
-  ZQV_LOG("%s%s %lu", "output.size", static_cast<unsigned long>(size));
-  if (text.empty()) return {};
-  ZQV_LOG("%s%s %lu", "dlen", static_cast<unsigned long>(size));
-  return host::REALBuildUnicodeString(
-      text.data(), static_cast<std::int64_t>(size * sizeof(char32_t)), abi::kUtf32);
-}
 
 }  // namespace zqv::text

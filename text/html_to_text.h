@@ -8,8 +8,6 @@
 #include <string>
 #include <string_view>
 
-#include "host/ref.h"
-
 namespace zqv::text {
 
 // The plain text of an HTML text. Nothing in it is an error: a tag, comment or reference without
@@ -18,8 +16,5 @@ namespace zqv::text {
 std::u32string HtmlToPlainText(std::u32string_view html);
 // The same of a text of ASCII characters.
 std::u32string HtmlToPlainText(std::string_view html);
-
-// The same for a host string [borrowed; nil in, nil out]; nil when nothing is left. [new lock]
-host::StringRef HTMLToPlainText(abi::REALstring html);
 
 }  // namespace zqv::text

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <typeinfo>
 
-#include "host/log.h"
+#include "base/log.h"
 
 namespace zqv::text {
 namespace {

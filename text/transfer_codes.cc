@@ -6,28 +6,28 @@
 #include <cstdint>
 #include <utility>
 
-#include "host/bytes16.h"
-#include "text/ascii.h"
+#include "base/ascii.h"
+#include "base/bytes16.h"
 
 namespace zqv::text {
 namespace {
 
-using host::AreBetween;
-using host::Bytes16;
-using host::CanLookUp;
-using host::FirstOf;
-using host::IsAllZero;
-using host::JoinSixBits;
-using host::JoinTwelves;
-using host::kBytes16;
-using host::kWideBytes;
-using host::LoadBytes16;
-using host::LoadWideBytes;
-using host::LookUp;
-using host::StoreBytes16;
-using host::StoreWideBytes;
-using host::TableOf;
-using host::WideBytes;
+using base::AreBetween;
+using base::Bytes16;
+using base::CanLookUp;
+using base::FirstOf;
+using base::IsAllZero;
+using base::JoinSixBits;
+using base::JoinTwelves;
+using base::kBytes16;
+using base::kWideBytes;
+using base::LoadBytes16;
+using base::LoadWideBytes;
+using base::LookUp;
+using base::StoreBytes16;
+using base::StoreWideBytes;
+using base::TableOf;
+using base::WideBytes;
 
 constexpr std::string_view kAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -137,18 +137,19 @@ class Base64Decoder {
 
   // Only there is a line looked for: looked for everywhere, junk without line ends would cost a
   // thousand times as much.
-  bool IsAtLineStart() const { return at_ == begin_ || IsLineEnd(at_[-1]); }
+  bool IsAtLineStart() const { return at_ == begin_ || base::IsLineEnd(at_[-1]); }
 
   // Lines of one length that hold nothing but the alphabet.
   void ReadLines() {
     constexpr std::ptrdiff_t kLongest = 1024;
     const char* const longest = end_ - at_ > kLongest ? at_ + kLongest : end_;
-    const char* const line_end = std::find_if(at_, longest, [](char c) { return IsLineEnd(c); });
+    const char* const line_end =
+        std::find_if(at_, longest, [](char c) { return base::IsLineEnd(c); });
     const auto length = static_cast<std::size_t>(line_end - at_);
     if (line_end == longest || length < kWideBytes || length % kGroup != 0) return;
-    while (static_cast<std::size_t>(end_ - at_) > length && IsLineEnd(at_[length]) &&
+    while (static_cast<std::size_t>(end_ - at_) > length && base::IsLineEnd(at_[length]) &&
            DecodeLine(at_, length, out_)) {
-      at_ = std::find_if_not(at_ + length, end_, IsLineEnd);
+      at_ = std::find_if_not(at_ + length, end_, base::IsLineEnd);
       out_ += length / kGroup * 3;
     }
   }
@@ -208,7 +209,7 @@ bool EndsRun(char c) { return kEndsRun[static_cast<unsigned char>(c)]; }
 constexpr std::array<std::int8_t, 256> MakeDigitValues() {
   std::array<std::int8_t, 256> table{};
   for (std::size_t c = 0; c < 256; ++c) {
-    table[c] = static_cast<std::int8_t>(HexadecimalValue(static_cast<char>(c)));
+    table[c] = static_cast<std::int8_t>(base::HexadecimalValue(static_cast<char>(c)));
   }
   return table;
 }
@@ -230,7 +231,7 @@ class QuotedPrintableDecoder {
     while (at_ != end_) {
       ReadRegular();
       KeepRun();
-      if (at_ == end_ || IsLineEnd(*at_)) {
+      if (at_ == end_ || base::IsLineEnd(*at_)) {
         EndLine();
       } else if (*at_ == '=') {
         ReadEquals();
@@ -255,7 +256,7 @@ class QuotedPrintableDecoder {
     while (end_ - at_ >= 2 * kBytes64) {
       const char* const block_end = at_ + kBytes64;
       const char* const block = at_;
-      for (std::uint64_t ends = host::BitsOf64(block, EndRun); ends != 0; ends &= ends - 1) {
+      for (std::uint64_t ends = base::BitsOf64(block, EndRun); ends != 0; ends &= ends - 1) {
         const char* const end = block + __builtin_ctzll(ends);
         if (end < at_) continue;  // taken with the one before
         KeepShort(end);
@@ -275,7 +276,7 @@ class QuotedPrintableDecoder {
       at_ += 3;
       return true;
     }
-    if (at_[0] != '\r' || at_[1] != '\n' || (at_ != run_ && IsBlank(at_[-1]))) return false;
+    if (at_[0] != '\r' || at_[1] != '\n' || (at_ != run_ && base::IsBlank(at_[-1]))) return false;
     *out_++ = '\n';
     at_ += 2;
     return true;
@@ -300,14 +301,14 @@ class QuotedPrintableDecoder {
   }
 
   const char* BlanksEnd(const char* at) const {
-    while (at != end_ && IsBlank(*at)) ++at;
+    while (at != end_ && base::IsBlank(*at)) ++at;
     return at;
   }
 
   // Two different ones belong together.
   void TakeLineEnd() {
     const char first = *at_++;
-    if (at_ != end_ && IsLineEnd(*at_) && *at_ != first) ++at_;
+    if (at_ != end_ && base::IsLineEnd(*at_) && *at_ != first) ++at_;
   }
 
   // The rest of the text, blanks or the start of a code.
@@ -336,7 +337,7 @@ class QuotedPrintableDecoder {
   // the line end's first character.
   void EndLine() {
     const char* blanks = at_;
-    while (blanks != run_ && IsBlank(blanks[-1])) --blanks;
+    while (blanks != run_ && base::IsBlank(blanks[-1])) --blanks;
     out_ -= at_ - blanks;
     if (at_ != end_ && blanks != at_) {
       ++at_;
@@ -352,9 +353,9 @@ class QuotedPrintableDecoder {
   void ReadEquals() {
     if (end_ - at_ > 2 && ReadByte()) return;
     const char* const rest = BlanksEnd(at_ + 1);
-    if (rest == end_ || (IsLineEnd(*rest) && rest + 1 == end_)) {
+    if (rest == end_ || (base::IsLineEnd(*rest) && rest + 1 == end_)) {
       TakeUndecided();
-    } else if (IsLineEnd(*rest)) {
+    } else if (base::IsLineEnd(*rest)) {
       at_ = rest;
       TakeLineEnd();
     } else if (rest != at_ + 1) {

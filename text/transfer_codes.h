@@ -9,7 +9,7 @@
 #include <memory>
 #include <string_view>
 
-#include "host/large_pages.h"
+#include "base/large_pages.h"
 
 namespace zqv::text {
 
@@ -18,7 +18,7 @@ namespace zqv::text {
 class DecodedBytes {
  public:
   explicit DecodedBytes(std::size_t room) : bytes_(new char[room]) {
-    host::PreferLargePages(bytes_.get(), room);
+    base::PreferLargePages(bytes_.get(), room);
   }
 
   char* data() { return bytes_.get(); }

@@ -243,7 +243,7 @@ TEST_F(Input, SaysWhatIsMissing) {
 }
 
 TEST_F(Input, MessageBytesAreEmptyOnceFreed) {
-  auto memory = host::AllocateZeroed<char>(4);
+  auto memory = base::AllocateZeroed<char>(4);
   email::MessageBytes owned(std::move(memory), 4);
   EXPECT_EQ(owned.bytes().size(), 4U);
   owned.Free();

@@ -173,7 +173,7 @@ TEST_F(ParseMessage, TwiceHoldsTheSecondAndGivesTheFirstBack) {
 }
 
 TEST_F(ParseMessage, FreesTheBytesThatItOwns) {
-  auto memory = host::AllocateZeroed<char>(20);
+  auto memory = base::AllocateZeroed<char>(20);
   const std::string_view text = "Subject: x\n\nbody";
   text.copy(memory.get(), text.size());
   const auto email = NewEmail();

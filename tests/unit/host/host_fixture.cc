@@ -5,7 +5,7 @@
 #include <variant>
 
 #include "host/entry_points.h"
-#include "host/log.h"
+#include "base/log.h"
 
 namespace zqv::test {
 namespace {
@@ -33,7 +33,7 @@ void ForgetEntryPoints() {
 HostTest::~HostTest() { host::SetResolver(nullptr); }
 
 void HostTest::TearDown() {
-  host::DebuggingEnabled = false;
+  base::DebuggingEnabled = false;
   Replacements().clear();
   if (host_ == nullptr) return;
   EXPECT_EQ(TakeRaised(), "");

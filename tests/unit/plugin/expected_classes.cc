@@ -3,7 +3,7 @@
 #include "email/attachment.h"
 #include "email/email.h"
 #include "email/strip.h"
-#include "host/log.h"
+#include "base/log.h"
 #include "mime/address.h"
 #include "mime/address_list.h"
 #include "mime/body.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/unicode.h"
+#include "base/unicode.h"
 #include "standin/application.h"
 #include "tests/reference/encoded_word_twin.h"
 #include "tests/reference/transfer_twin.h"
@@ -255,7 +255,7 @@ std::string AnyHeaderText() {
 std::string ShownText(std::string bytes, abi::Encoding encoding) {
   bytes = bytes.c_str();
   if (bytes.empty()) return "nil";
-  if (encoding == kLatin1 && host::IsAscii(bytes)) encoding = abi::kAscii;
+  if (encoding == kLatin1 && base::IsAscii(bytes)) encoding = abi::kAscii;
   return Shown(encoding, bytes);
 }
 
@@ -269,7 +269,7 @@ TEST_F(EncodedWords, AgreeWithTheirTwin) {
       encoding = abi::kUnknownEncoding;
     }
     if (unquote) words.bytes = reference::StripQuotes(words.bytes);
-    if (encoding == abi::kUnknownEncoding) encoding = host::DetectEncoding(words.bytes);
+    if (encoding == abi::kUnknownEncoding) encoding = base::DetectEncoding(words.bytes);
     RC_ASSERT(test::Show(DecodeInlineEncodings(text, unquote)) == ShownText(words.bytes, encoding));
   }));
 }

@@ -1,0 +1,247 @@
+#include "base/unicode.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <iterator>
+
+#include "base/bytes16.h"
+
+namespace zqv::base {
+namespace {
+
+constexpr char32_t kHighSurrogates = 0xD800;
+constexpr char32_t kLowSurrogates = 0xDC00;
+constexpr char32_t kSurrogatesEnd = 0xE000;
+constexpr char32_t kFirstSupplementary = 0x10000;
+constexpr char32_t kLastCodePoint = 0x10FFFF;
+constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t kByteOrderMark = 0xFEFF;
+constexpr char32_t kSwappedByteOrderMark = 0xFFFE;
+
+std::uint8_t Byte(char c) { return static_cast<std::uint8_t>(c); }
+
+bool IsTextByte(std::uint8_t byte) {
+  return (byte >= 0x20 && byte <= 0x7E) || byte == '\t' || byte == '\n' || byte == '\r';
+}
+
+// Eight bytes of a text at once.
+using Word = std::uint64_t;
+constexpr Word kEachByte = 0x0101010101010101u;
+constexpr Word kHighBits = 0x80 * kEachByte;
+
+Word LoadWord(const char* bytes) {
+  Word word;
+  std::memcpy(&word, bytes, sizeof word);
+  return word;
+}
+
+// The high bit of each byte of `word`, all below 0x80, that is below `limit`; bytes after such a
+// one may be named too.
+constexpr Word BytesBelow(Word word, Word limit) { return (word - limit * kEachByte) & kHighBits; }
+
+// Whether all are 0x20 to 0x7E.
+bool IsPrintable(Word word) {
+  if ((word & kHighBits) != 0) return false;
+  return (BytesBelow(word, 0x20) | BytesBelow(word ^ 0x7F * kEachByte, 1)) == 0;
+}
+
+// The second byte's range narrows after some lead bytes: no overlong forms, no surrogates, nothing
+// above U+10FFFF (RFC 3629, section 4).
+struct Lead {
+  std::uint8_t first, last;  // lead bytes
+  std::uint8_t second, second_last;
+  std::size_t length;
+};
+constexpr Lead kLeads[] = {
+    {0xC2, 0xDF, 0x80, 0xBF, 2}, {0xE0, 0xE0, 0xA0, 0xBF, 3}, {0xE1, 0xEC, 0x80, 0xBF, 3},
+    {0xED, 0xED, 0x80, 0x9F, 3}, {0xEE, 0xEF, 0x80, 0xBF, 3}, {0xF0, 0xF0, 0x90, 0xBF, 4},
+    {0xF1, 0xF3, 0x80, 0xBF, 4}, {0xF4, 0xF4, 0x80, 0x8F, 4},
+};
+
+constexpr std::uint8_t kNoLead = std::size(kLeads);
+
+// By byte: its row of the table, or kNoLead.
+constexpr std::array<std::uint8_t, 256> MakeLeadRows() {
+  std::array<std::uint8_t, 256> rows{};
+  for (std::uint8_t& row : rows) row = kNoLead;
+  for (std::uint8_t row = 0; row < kNoLead; ++row) {
+    for (std::size_t byte = kLeads[row].first; byte <= kLeads[row].last; ++byte) rows[byte] = row;
+  }
+  return rows;
+}
+constexpr std::array<std::uint8_t, 256> kLeadRows = MakeLeadRows();
+
+bool IsTrail(char c) { return (Byte(c) & 0xC0) == 0x80; }
+
+// The length of the multi-byte sequence at the start of `bytes`, or 0 when there is no legal one.
+std::size_t LegalMultiByteLength(const char* bytes, std::size_t available) {
+  const std::uint8_t row = kLeadRows[Byte(bytes[0])];
+  if (row == kNoLead) return 0;
+  const Lead& lead = kLeads[row];
+  if (available < lead.length) return 0;
+  if (Byte(bytes[1]) < lead.second || Byte(bytes[1]) > lead.second_last) return 0;
+  return std::all_of(bytes + 2, bytes + lead.length, IsTrail) ? lead.length : 0;
+}
+
+bool IsMark(char32_t c) { return c == kByteOrderMark || c == kSwappedByteOrderMark; }
+
+// Sixteen ASCII characters to as many code points; false, with nothing written, when one is none.
+bool WidenAscii(const char* from, char32_t* to) {
+  const Bytes16 bytes = LoadBytes16(from);
+  if (AnyOf(bytes < 0)) return false;
+  char32_t wide[kBytes16] = {};
+  for (std::size_t i = 0; i < kBytes16; ++i) wide[i] = static_cast<char32_t>(bytes[i]);
+  std::memcpy(to, wide, sizeof wide);
+  return true;
+}
+
+char32_t DecodeLegal(const char* bytes, std::size_t length) {
+  constexpr std::uint8_t kLeadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
+  char32_t c = Byte(bytes[0]) & kLeadBits[length];
+  for (std::size_t i = 1; i < length; ++i) c = (c << 6) | (Byte(bytes[i]) & 0x3Fu);
+  return c;
+}
+
+}  // namespace
+
+bool IsAscii(std::string_view bytes) {
+  constexpr std::size_t kStep = 4 * kBytes16;
+  const char* at = bytes.data();
+  const char* const end = at + bytes.size();
+  for (; static_cast<std::size_t>(end - at) >= kStep; at += kStep) {
+    const Bytes16 any = LoadBytes16(at) | LoadBytes16(at + kBytes16) |
+                        LoadBytes16(at + 2 * kBytes16) | LoadBytes16(at + 3 * kBytes16);
+    if (AnyOf(any < 0)) return false;
+  }
+  for (; static_cast<std::size_t>(end - at) >= sizeof(Word); at += sizeof(Word)) {
+    if ((LoadWord(at) & kHighBits) != 0) return false;
+  }
+  return std::all_of(at, end, [](char c) { return Byte(c) < 0x80; });
+}
+
+std::size_t LengthOfAsciiText(std::string_view bytes) {
+  constexpr std::size_t kStep = 4 * kBytes16;
+  const char* at = bytes.data();
+  const char* const end = at + bytes.size();
+  for (; static_cast<std::size_t>(end - at) >= kStep; at += kStep) {
+    const Bytes16 all = (LoadBytes16(at) > 0) & (LoadBytes16(at + kBytes16) > 0) &
+                        (LoadBytes16(at + 2 * kBytes16) > 0) & (LoadBytes16(at + 3 * kBytes16) > 0);
+    if (!AllOf(all)) break;
+  }
+  for (; static_cast<std::size_t>(end - at) >= kBytes16; at += kBytes16) {
+    const std::size_t length = FirstOf(LoadBytes16(at) <= 0);
+    if (length != kBytes16) return static_cast<std::size_t>(at - bytes.data()) + length;
+  }
+  at = std::find_if(at, end, [](char c) { return c == '\0' || Byte(c) >= 0x80; });
+  return static_cast<std::size_t>(at - bytes.data());
+}
+
+bool is_utf8(const char* bytes, std::size_t length) {
+  std::size_t i = 0;
+  while (i < length) {
+    if (length - i >= sizeof(Word) && IsPrintable(LoadWord(bytes + i))) {
+      i += sizeof(Word);
+      continue;
+    }
+    if (Byte(bytes[i]) < 0x80) {
+      if (!IsTextByte(Byte(bytes[i]))) return false;
+      ++i;
+      continue;
+    }
+    const std::size_t sequence = LegalMultiByteLength(bytes + i, length - i);
+    if (sequence == 0) return false;
+    i += sequence;
+  }
+  return true;
+}
+
+abi::Encoding DetectEncoding(std::string_view bytes) {
+  if (IsAscii(bytes)) return abi::kAscii;
+  return is_utf8(bytes.data(), bytes.size()) ? abi::kUtf8 : abi::kMacRoman;
+}
+
+bool IsLegalUTF8(const char* sequence, std::size_t length) {
+  if (length == 1) return Byte(sequence[0]) < 0x80;
+  return length == Utf8SequenceLength(sequence[0]) &&
+         LegalMultiByteLength(sequence, length) == length;
+}
+
+std::size_t Utf8SequenceLength(char lead) {
+  const std::uint8_t byte = Byte(lead);
+  if (byte < 0xC0) return 1;
+  if (byte < 0xE0) return 2;
+  if (byte < 0xF0) return 3;
+  if (byte < 0xF8) return 4;
+  return byte < 0xFC ? 5 : 6;
+}
+
+Conversion Utf8ToUtf32(std::string_view bytes, char32_t* out) {
+  Conversion result;
+  while (result.stopped < bytes.size()) {
+    const char* sequence = bytes.data() + result.stopped;
+    if (bytes.size() - result.stopped >= kBytes16 && WidenAscii(sequence, out + result.written)) {
+      result.stopped += kBytes16;
+      result.written += kBytes16;
+      continue;
+    }
+    if (Byte(*sequence) < 0x80) {
+      out[result.written++] = Byte(*sequence);
+      ++result.stopped;
+      continue;
+    }
+    const std::size_t length = Utf8SequenceLength(*sequence);
+    if (length > bytes.size() - result.stopped || !IsLegalUTF8(sequence, length)) {
+      result.legal = false;
+      break;
+    }
+    const char32_t c = DecodeLegal(sequence, length);
+    if (!IsMark(c)) out[result.written++] = c;
+    result.stopped += length;
+  }
+  return result;
+}
+
+Conversion Utf16ToUtf32(const char16_t* units, std::size_t count, char32_t* out) {
+  Conversion result;
+  std::size_t i = 0;
+  while (i < count) {
+    char32_t c = units[i];
+    std::size_t used = 1;
+    if (c >= kHighSurrogates && c < kSurrogatesEnd) {
+      const bool is_pair = c < kLowSurrogates && i + 1 < count && units[i + 1] >= kLowSurrogates &&
+                           units[i + 1] < kSurrogatesEnd;
+      if (!is_pair) {
+        result.legal = false;
+        break;
+      }
+      c = kFirstSupplementary + ((c - kHighSurrogates) << 10) + (units[i + 1] - kLowSurrogates);
+      used = 2;
+    }
+    if (!IsMark(c)) out[result.written++] = c;
+    i += used;
+  }
+  result.stopped = i * sizeof(char16_t);
+  return result;
+}
+
+std::size_t Utf32ToUtf16(const char32_t* code_points, std::size_t count, char16_t* out) {
+  std::size_t written = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const char32_t c = code_points[i];
+    if (c >= kHighSurrogates && c < kSurrogatesEnd) continue;
+    if (c < kFirstSupplementary) {
+      out[written++] = static_cast<char16_t>(c);
+    } else if (c <= kLastCodePoint) {
+      const char32_t offset = c - kFirstSupplementary;
+      out[written++] = static_cast<char16_t>(kHighSurrogates + (offset >> 10));
+      out[written++] = static_cast<char16_t>(kLowSurrogates + (offset & 0x3FF));
+    } else {
+      out[written++] = static_cast<char16_t>(kReplacement);
+    }
+  }
+  out[written] = 0;
+  return written;
+}
+
+}  // namespace zqv::base

@@ -1,0 +1,95 @@
+// A part's file is named by one of four header parameters, or by its Content-ID:
+//
+//   Content-Disposition: attachment; filename="=?utf-8?Q?Caf=C3=A9.pdf?="     "Café.pdf"
+//   Content-Type: image/png                                                  "logo.png"
+//   Content-ID: <logo>
+#include "email/file_name.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/ascii.h"
+#include "base/log.h"
+#include "email/file_type.h"
+#include "text/charset.h"
+
+namespace zqv::email {
+namespace {
+
+// The value of a `filename*` parameter. QUIRK: only charset''value is understood, percent escapes
+// stay, and a value with a language between the apostrophes is taken whole. Part of the interface's
+// contract; changing it is a major version. Test: FileNames.ExtendedParameterKeepsPercentEscapes.
+text::HeaderText ExtendedFileName(std::string_view value) {
+  constexpr std::size_t kShortest = 5;
+  constexpr std::string_view kSeparator = "''";
+  const std::size_t separator =
+      value.size() >= kShortest ? value.find(kSeparator) : std::string_view::npos;
+  if (separator == std::string_view::npos) return text::DetectText(value);
+  const std::string_view charset = value.substr(0, separator);
+  const abi::Encoding encoding = text::GetEncodingValue(charset);
+  if (encoding != abi::kUnknownEncoding) {
+    return text::LabelText(value.substr(separator + kSeparator.size()), encoding);
+  }
+  text::HeaderText whole = text::DetectText(value);
+  whole.unknown_charset = charset;
+  return whole;
+}
+
+bool EndsWithIgnoringCase(std::string_view text, std::string_view tail) {
+  return text.size() > tail.size() &&
+         base::EqualsIgnoringCase(text.substr(text.size() - tail.size()), tail);
+}
+
+}  // namespace
+
+std::optional<text::HeaderText> FileNames::Next() {
+  const mimetic::ContentDisposition& disposition = header_.content_disposition();
+  const mimetic::ContentType& content_type = header_.content_type();
+  switch (next_++) {
+    case 0:
+      return text::DecodeEncodedWords(disposition.param("filename"), false);
+    case 1:
+      return text::DecodeEncodedWords(content_type.param("filename"), false);
+    case 2:
+      return text::DecodeEncodedWords(content_type.param("name"), false);
+    case 3:
+      return ExtendedFileName(disposition.param("filename*"));
+    case 4:
+      return MadeUp();
+    default:
+      return std::nullopt;
+  }
+}
+
+text::HeaderText FileNames::MadeUp() const {
+  std::string name =
+      MakeUpFileName(std::string(header_.Text(mime::FieldName::kContentId)), decoded_);
+  const abi::Encoding encoding = text::DetectText(name).encoding();
+  return {std::move(name), encoding};
+}
+
+std::string MakeUpFileName(std::string content_id, std::string_view decoded) {
+  constexpr std::size_t kShortestBracketed = 3;
+  std::string name = std::move(content_id);
+  if (name.size() >= kShortestBracketed) {
+    if (base::IsBlank(name.front())) name.erase(0, 1);
+    if (name.front() == '<') name.erase(0, 1);
+    if (name.back() == '>') name.pop_back();
+  }
+  if (name.empty()) name = "attachment";
+  const std::string_view extension = FindExtension(decoded);
+  if (!EndsWithIgnoringCase(name, extension)) name += extension;
+  return name;
+}
+
+std::string MimeTypeText(const mimetic::ContentType& content_type) {
+  const std::string& type = content_type.type();
+  const std::string& subtype = content_type.subtype();
+  return type.empty() || subtype.empty() ? type + subtype : type + "/" + subtype;
+}
+
+std::string_view TrimStart(std::string_view text) {
+  return text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
+}
+
+}  // namespace zqv::email

@@ -1,0 +1,29 @@
+// Reading the text of a part up to the boundary that ends it.
+#pragma once
+
+#include <string_view>
+
+#include "mime/line_ends.h"
+#include "mime/open_boundaries.h"
+
+namespace zqv::mime {
+
+// What ended a text.
+enum class Boundary {
+  kNone,     // the end of the message
+  kNext,     // a boundary of the innermost open multipart: another part follows
+  kClosing,  // its closing boundary
+  kOuter,    // a boundary of another open multipart
+};
+
+struct PartText {
+  std::string_view text;
+  Boundary ended_by = Boundary::kNone;
+  const char* rest = nullptr;  // the line after the boundary, or the end of the message
+};
+
+// The text from `at` up to a boundary of one of the open multiparts, or to the end of the message.
+PartText ReadPartText(const char* at, const char* end, const OpenBoundaries& open,
+                      LineEndFinder& line_ends);
+
+}  // namespace zqv::mime

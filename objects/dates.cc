@@ -1,0 +1,171 @@
+#include "objects/dates.h"
+
+#include <cstddef>
+#include <ctime>
+#include <exception>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <typeinfo>
+
+#include "base/log.h"
+#include "email/date_text.h"
+#include "mime/field_name.h"
+
+namespace zqv::objects {
+namespace {
+
+using host::ObjectRef;
+
+using SixArguments = void (*)(abi::REALobject, abi::RBInteger year, abi::RBInteger month,
+                              abi::RBInteger day, abi::RBInteger hour, abi::RBInteger minute,
+                              abi::RBInteger second);
+using SevenArguments = void (*)(abi::REALobject, abi::RBInteger year, abi::RBInteger month,
+                                abi::RBInteger day, abi::RBInteger hour, abi::RBInteger minute,
+                                abi::RBInteger second, double gmt_offset);
+
+// The host's own constructors, by their exact declarations.
+constexpr char kSevenArguments[] =
+    "Constructor(Year as Integer, Month as Integer, Day as Integer, Hour as Integer, "
+    "Minute as Integer, Second as Integer, GMTOffset as Double)";
+constexpr char kSixArguments[] =
+    "Constructor(Year as Integer, Month as Integer, Day as Integer, hour as Integer, "
+    "minute as Integer, second as Integer)";
+
+// What a host takes for "no offset given".
+constexpr double kNoOffset = -10000.0;
+
+email::DateFields ReadFields(std::string_view text) {
+  const email::DateFields fields = email::ReadDateText(text);
+  ZQV_LOG("%s%s %d", "day", static_cast<int>(fields.day));
+  ZQV_LOG("%s%s %d", "month", static_cast<int>(fields.month));
+  ZQV_LOG("%s%s %d", "year", static_cast<int>(fields.year));
+  ZQV_LOG("%s%s %d", "hour", static_cast<int>(fields.hour));
+  ZQV_LOG("%s%s %d", "minute", static_cast<int>(fields.minute));
+  ZQV_LOG("%s%s %d", "second", static_cast<int>(fields.second));
+  ZQV_LOG("%s%s %d", "zone", fields.zone);
+  return fields;
+}
+
+// Sets the fields one by one. QUIRK: the day is first set to 3, before year and month, so that the
+// day in between is valid in every month. Test: Dates.PropertyPathSetsTheDayTo3First.
+void SetProperties(abi::REALobject date, const email::DateFields& fields) {
+  const struct {
+    const char* name;
+    std::int64_t value;
+  } steps[] = {{"Day", 3},
+               {"Year", fields.year},
+               {"Month", fields.month},
+               {"Day", fields.day},
+               {"Hour", fields.hour},
+               {"Minute", fields.minute},
+               {"Second", fields.second}};
+  for (const auto& step : steps) host::entry::REALSetPropValueInteger(date, step.name, step.value);
+}
+
+// Seconds that this machine's local time is ahead of UTC now.
+// QUIRK: now, not at the message's date, so that across a change of daylight saving time the result
+// is off by the difference. Test: Dates.UsesTheOffsetOfTheMoment.
+// Nothing when the local time cannot be had.
+class LocalOffset {
+ public:
+  // Asked once: the C library looks at the zone's file each time.
+  std::optional<long> Get() {
+    if (!is_known_) {
+      const std::time_t now = std::time(nullptr);
+      const std::tm* local = std::localtime(&now);
+      if (local != nullptr) offset_ = local->tm_gmtoff;
+      is_known_ = true;
+    }
+    return offset_;
+  }
+
+ private:
+  std::optional<long> offset_;
+  bool is_known_ = false;
+};
+
+// The message's instant in local time: the fields are taken as local, moved by the message's own
+// zone to UTC and by the machine's offset to local time.
+ObjectRef ConvertDate(std::string_view text, LocalOffset& local_offset) {
+  const email::DateFields fields = ReadFields(text);
+  ObjectRef date =
+      NewDate(fields.year, fields.month, fields.day, fields.hour, fields.minute, fields.second);
+  double seconds = 0.0;
+  if (date) host::entry::REALGetPropValueDouble(date.get(), "TotalSeconds", &seconds);
+  ZQV_LOG("%s%s %f", "GetDateTotalSeconds", seconds);
+  ZQV_LOG("%s%s %f", "seconds", seconds);
+  if (fields.zone != 0) {
+    const double offset = ZoneOffset(fields.zone);
+    ZQV_LOG("%s%s %f", "zoneOffset", offset);
+    seconds -= offset;
+  }
+  if (const std::optional<long> offset = local_offset.Get()) {
+    ZQV_LOG("%s%s %ld", "tm_gmtoff", *offset);
+    seconds += static_cast<double>(*offset);
+  }
+  ZQV_LOG("%s%s %f", "seconds", seconds);
+  if (date) host::entry::REALSetPropValueDouble(date.get(), "TotalSeconds", seconds);
+  return date;
+}
+
+void ParseField(MimeEntityClassData& record, const mime::Header& header, std::size_t index,
+                LocalOffset& local_offset) {
+  const mime::Field& field = header[index];
+  if (field.known == mime::FieldName::kDate) {
+    record.SentDate.Put(ConvertDate(field.value, local_offset));
+  }
+  if (field.known != mime::FieldName::kReceived) return;
+  if (const std::optional<std::string_view> date = email::ReceivedDateText(field.value)) {
+    record.ReceivedDate.Put(ConvertDate(*date, local_offset));
+  }
+}
+
+}  // namespace
+
+double ZoneOffset(int zone) {
+  const int hours = zone / 100;
+  const int minutes = zone - 100 * hours;
+  return 3600.0 * hours + 60.0 * minutes;
+}
+
+ObjectRef NewDate(std::int64_t year, std::int64_t month, std::int64_t day, std::int64_t hour,
+                  std::int64_t minute, std::int64_t second) {
+  ZQV_LOG("%s%s %lld, %lld, %lld, %lld, %lld, %lld", "NewDate", static_cast<long long>(year),
+          static_cast<long long>(month), static_cast<long long>(day), static_cast<long long>(hour),
+          static_cast<long long>(minute), static_cast<long long>(second));
+  auto date = ObjectRef::Adopt(host::entry::PluginNewInstance("Date"));
+  if (!date) return {};
+  void* seven = host::entry::REALLoadObjectMethod(date.get(), kSevenArguments);
+  ZQV_LOG("%s%s %p", "f1", seven);
+  if (seven != nullptr) {
+    host::ProcedureAt<SevenArguments>(seven)(date.get(), year, month, day, hour, minute, second,
+                                             kNoOffset);
+    return date;
+  }
+  void* six = host::entry::REALLoadObjectMethod(date.get(), kSixArguments);
+  ZQV_LOG("%s%s %p", "f2", six);
+  if (six != nullptr) {
+    host::ProcedureAt<SixArguments>(six)(date.get(), year, month, day, hour, minute, second);
+    return date;
+  }
+  ZQV_LOG("%s%s", "Date Constructor 3 missing!?");
+  SetProperties(date.get(), {year, month, day, hour, minute, second, 0});
+  return date;
+}
+
+void ParseDate(MimeEntityClassData& record, const mime::Header& header) {
+  if (!header.Has(mime::FieldName::kDate) && !header.Has(mime::FieldName::kReceived)) return;
+  LocalOffset local_offset;
+  for (std::size_t i = 0; i < header.size(); ++i) {
+    try {
+      ParseField(record, header, i, local_offset);
+    } catch (const std::exception& e) {
+      ZQV_LOG("%s%s %s, %s", "C++ Exception: ", typeid(e).name(), e.what());
+    } catch (...) {
+      ZQV_LOG("%s%s", "Unknown C++ exception in ParseDate.");
+    }
+  }
+}
+
+}  // namespace zqv::objects

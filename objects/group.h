@@ -1,0 +1,25 @@
+// MimeGroupZQV: a named group of mailboxes, "Name: a@b, c@d;".
+#pragma once
+
+#include <mimetic/rfc822/group.h>
+
+#include "objects/lifecycle.h"
+#include "objects/list_access.h"
+#include "objects/records.h"
+
+namespace zqv::objects {
+
+// Fills a fresh record.
+// QUIRK: the group's name is decoded with its quotes, a mailbox's label without. Applications know
+// the two so. Test: Addresses.GroupNameKeepsItsQuotes.
+void Set(MimeGroupClassData& record, const mimetic::Group& group);
+// Gives back everything that the record holds; nil afterwards.
+void Clear(MimeGroupClassData& record);
+
+// Registered with the host.
+using GroupMailboxes = ListAccess<&MimeGroupClassData::mailboxes>;
+inline constexpr auto MimeGroupConstructor =
+    &ConstructFromText<MimeGroupClassData, mimetic::Group, mime::ListKind::kMailboxes>;
+inline constexpr auto MimeGroupDestructor = &DestroyRecord<MimeGroupClassData>;
+
+}  // namespace zqv::objects

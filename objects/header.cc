@@ -1,0 +1,121 @@
+#include "objects/header.h"
+
+#include "host/arrays.h"
+#include "host/errors.h"
+#include "host/record.h"
+#include "host/strings.h"
+#include "mime/header.h"
+#include "objects/address_list.h"
+#include "objects/field.h"
+#include "objects/mailbox.h"
+#include "objects/mailbox_list.h"
+#include "objects/words.h"
+
+namespace zqv::objects {
+namespace {
+
+using host::BuildDetectedString;
+using mime::FieldName;
+
+void FillTexts(MimeHeaderClassData& record, const mime::Header& header) {
+  const auto put = [&](host::StringSlot& slot, FieldName name) {
+    slot.Put(BuildDetectedString(header.Text(name)));
+  };
+  put(record.MimeVersion, FieldName::kMimeVersion);
+  put(record.ContentType, FieldName::kContentType);
+  put(record.ContentTransferEncoding, FieldName::kContentTransferEncoding);
+  put(record.ContentTransferEncodingMechanism, FieldName::kContentTransferEncoding);
+  put(record.ContentDisposition, FieldName::kContentDisposition);
+  put(record.ContentDescription, FieldName::kContentDescription);
+  put(record.contentId, FieldName::kContentId);
+  put(record.subject, FieldName::kSubject);
+  put(record.messageid, FieldName::kMessageId);
+  record.subjectDecoded.Put(DecodeInlineEncodings(header.Text(FieldName::kSubject), false));
+}
+
+// An address field that the header lacks, or that holds nobody, gives nil and no empty object.
+void FillAddresses(MimeHeaderClassData& record, const mime::Header& header) {
+  const mimetic::Mailbox& sender = header.sender();
+  if (!sender.mailbox(1).empty()) record.sender.Put(NewFilled<MimeMailboxClassData>(sender));
+  const mime::ParsedList<mimetic::MailboxList>& from = header.from();
+  if (!from.list.empty())
+    record.from.Put(NewFilled<MimeMailboxListClassData>(from.list, from.text));
+  const auto put = [](host::ObjectSlot& slot,
+                      const mime::ParsedList<mimetic::AddressList>& parsed) {
+    if (!parsed.list.empty())
+      slot.Put(NewFilled<MimeAddressListClassData>(parsed.list, parsed.text));
+  };
+  put(record.too, header.to());
+  put(record.replyto, header.reply_to());
+  put(record.cc, header.cc());
+  put(record.bcc, header.bcc());
+}
+
+void FillFields(MimeHeaderClassData& record, const mime::Header& header) {
+  record.fields.Put(host::NewObjectArray());
+  if (!record.fields) return;
+  for (std::size_t i = 0; i < header.size(); ++i) {
+    const host::ObjectRef object = NewFilled<MimeFieldClassData>(header[i].name, header.Value(i));
+    if (object) host::AppendObject(record.fields.get(), object.get());
+  }
+}
+
+// The first field whose name the host finds equal to `name`; nil when there is none.
+host::ObjectRef FindField(abi::REALobject self, abi::REALstring name) {
+  const auto* record = host::RecordOf<MimeHeaderClassData>(self);
+  if (record == nullptr || !record->fields) return {};
+  if (host::entry::RuntimeStringCompare.Find() == nullptr) return {};
+  const std::int64_t count = host::ArrayCount(record->fields.get());
+  for (std::int64_t i = 0; i < count; ++i) {
+    host::ObjectRef field = host::REALGetArrayObject(record->fields.get(), i);
+    const auto* field_record = host::RecordOf<MimeFieldClassData>(field.get());
+    if (field_record == nullptr) continue;
+    const host::StringRef field_name = field_record->Name.Share();
+    if (host::entry::RuntimeStringCompare(field_name.get(), name) == 0) return field;
+  }
+  return {};
+}
+
+}  // namespace
+
+host::ObjectRef NewMimeHeaderZQV(const mime::Header& header) {
+  auto object = host::NewInstance<MimeHeaderClassData>();
+  if (!object) return {};
+  host::Guard([&] {
+    MimeHeaderClassData& record = *host::RecordOf<MimeHeaderClassData>(object.get());
+    FillTexts(record, header);
+    FillAddresses(record, header);
+    FillFields(record, header);
+  });
+  return object;
+}
+
+void Clear(MimeHeaderClassData& record) {
+  record.MimeVersion.Clear();
+  record.ContentType.Clear();
+  record.ContentTransferEncoding.Clear();
+  record.ContentTransferEncodingMechanism.Clear();
+  record.ContentDisposition.Clear();
+  record.ContentDescription.Clear();
+  record.contentId.Clear();
+  record.sender.Clear();
+  record.from.Clear();
+  record.too.Clear();
+  record.subject.Clear();
+  record.subjectDecoded.Clear();
+  record.replyto.Clear();
+  record.cc.Clear();
+  record.bcc.Clear();
+  record.messageid.Clear();
+  record.fields.Clear();
+}
+
+abi::RBBoolean hasField(abi::REALobject self, abi::REALstring name) {
+  return host::Guard([=] { return static_cast<abi::RBBoolean>(FindField(self, name) ? 1 : 0); });
+}
+
+abi::REALobject FieldByName(abi::REALobject self, abi::REALstring name) {
+  return host::Guard([=] { return FindField(self, name); });
+}
+
+}  // namespace zqv::objects

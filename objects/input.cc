@@ -1,0 +1,93 @@
+#include "objects/input.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <limits>
+#include <memory>
+#include <string>
+
+#include "base/log.h"
+#include "host/errors.h"
+#include "host/platform.h"
+
+namespace zqv::objects {
+namespace {
+
+constexpr std::size_t kStreamBuffer = 0x100000;  // 1 MiB
+constexpr long kSlack = 4;                       // zero bytes after the last
+
+struct CloseFile {
+  void operator()(std::FILE* stream) const { static_cast<void>(std::fclose(stream)); }
+};
+using Stream = std::unique_ptr<std::FILE, CloseFile>;
+
+// Opened without blocking: a pipe would wait for somebody to write into it. What cannot be
+// positioned is no file to read whole.
+Stream OpenForReading(const std::string& path) {
+  const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (descriptor < 0) return nullptr;
+  Stream stream;
+  if (lseek(descriptor, 0, SEEK_CUR) >= 0) stream.reset(fdopen(descriptor, "rb"));
+  if (stream == nullptr) {
+    close(descriptor);
+    return nullptr;
+  }
+  static_cast<void>(std::setvbuf(stream.get(), nullptr, _IOFBF, kStreamBuffer));
+  return stream;
+}
+
+Stream OpenFile(abi::REALobject file) {
+  if (file == nullptr) {
+    ZQV_LOG("%s%s", "folderitem is nil");
+    return nullptr;
+  }
+  Stream stream;
+  const std::string path = host::FilePath(file);
+  if (!path.empty()) {
+    stream = OpenForReading(path);
+    ZQV_LOG("%s%s %p", "result", static_cast<void*>(stream.get()));
+  }
+  ZQV_LOG("%s%s %p", "f", static_cast<void*>(stream.get()));
+  return stream;
+}
+
+}  // namespace
+
+BlockBytes::BlockBytes(abi::REALobject block) : hold_(host::ObjectRef::Share(block)) {
+  if (block == nullptr) return;
+  const abi::RBInteger size = host::entry::memoryBlockGetSize(block);
+  const auto* data = static_cast<const char*>(host::entry::memoryBlockGetPtr(block));
+  if (size > 0 && data != nullptr) bytes_ = {data, static_cast<std::size_t>(size)};
+}
+
+std::optional<MessageBytes> ReadFile(abi::REALobject file) {
+  const Stream stream = OpenFile(file);
+  if (stream == nullptr) {
+    host::RaiseException(host::kIOException, "Failed to open file for reading.");
+    return std::nullopt;
+  }
+  const long length = std::fseek(stream.get(), 0, SEEK_END) == 0 ? std::ftell(stream.get()) : -1;
+  ZQV_LOG("%s%s %lu", "fileLen", static_cast<unsigned long>(length));
+  std::rewind(stream.get());
+
+  // A directory claims the greatest length of all, a file that cannot be positioned a negative one.
+  const std::size_t wanted = length > 0 ? static_cast<std::size_t>(length) : 0;
+  auto memory = length <= std::numeric_limits<long>::max() - kSlack
+                    ? base::AllocateZeroed<char>(wanted + kSlack)
+                    : nullptr;
+  if (memory == nullptr) {
+    host::RaiseException(host::kOutOfMemoryException, "Failed to allocate memory for email");
+    return std::nullopt;
+  }
+  const std::size_t got = std::fread(memory.get(), 1, wanted, stream.get());
+  ZQV_LOG("%s%s %lu", "r", static_cast<unsigned long>(got));
+  if (got != wanted || length < 0) {
+    host::RaiseException(host::kIOException, "Failed to read data from file.");
+    return std::nullopt;
+  }
+  return MessageBytes(std::move(memory), wanted);
+}
+
+}  // namespace zqv::objects

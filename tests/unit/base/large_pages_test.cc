@@ -1,0 +1,38 @@
+#include "base/large_pages.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <initializer_list>
+
+namespace zqv::host {
+namespace {
+
+constexpr std::size_t kMegabyte = std::size_t{1} << 20U;
+constexpr std::size_t kRoom = 12 * kMegabyte + 3 * 4096;  // does not end where a large page does
+
+// The system refuses what does not begin at one of its pages, and what is not the process's own.
+TEST(LargePages, AreAskedForWithinTheBytesAlone) {
+  void* const room = mmap(nullptr, 2 * kRoom, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(room, MAP_FAILED);
+  char* const bytes = static_cast<char*>(room);
+  ASSERT_EQ(munmap(bytes + kRoom, kRoom), 0);  // nothing lies behind
+  errno = 0;
+  if (madvise(bytes, kRoom, MADV_HUGEPAGE) != 0) GTEST_SKIP() << "this system has no large pages";
+  for (const std::size_t start : {0 * kMegabyte, std::size_t{1}, std::size_t{4097}, kMegabyte}) {
+    for (const std::size_t size :
+         {0 * kMegabyte, std::size_t{1}, 3 * kMegabyte, 4 * kMegabyte, 5 * kMegabyte + 1}) {
+      errno = 0;
+      PreferLargePages(bytes + start, size);
+      EXPECT_EQ(errno, 0) << size << " bytes from the start";
+      PreferLargePages(bytes + kRoom - start - size, size);
+      EXPECT_EQ(errno, 0) << size << " bytes to the end";
+    }
+  }
+  EXPECT_EQ(munmap(room, kRoom), 0);
+}
+
+}  // namespace
+}  // namespace zqv::host
