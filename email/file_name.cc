@@ -26,12 +26,12 @@ text::HeaderText ExtendedFileName(std::string_view value) {
       value.size() >= kShortest ? value.find(kSeparator) : std::string_view::npos;
   if (separator == std::string_view::npos) return text::DetectText(value);
   const std::string_view charset = value.substr(0, separator);
-  const abi::Encoding encoding = text::GetEncodingValue(charset);
-  if (encoding != abi::kUnknownEncoding) {
-    return text::LabelText(value.substr(separator + kSeparator.size()), encoding);
+  const std::optional<abi::Encoding> encoding = text::FindCharset(charset);
+  if (encoding.value_or(abi::kUnknownEncoding) != abi::kUnknownEncoding) {
+    return text::LabelText(value.substr(separator + kSeparator.size()), *encoding);
   }
   text::HeaderText whole = text::DetectText(value);
-  whole.unknown_charset = charset;
+  if (!encoding.has_value()) whole.unknown_charset = charset;
   return whole;
 }
 

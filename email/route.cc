@@ -60,8 +60,9 @@ std::optional<DecodedBody> DecodeSinglePart(const mime::Header& header, std::str
 BodyText LabelBody(const mime::Header& header, std::string_view decoded) {
   const std::string_view charset = header.content_type().param("charset");
   if (charset.empty()) return {decoded, base::DetectEncoding(decoded), {}};
-  const abi::Encoding encoding = text::GetEncodingValue(charset);
-  return {decoded, encoding, encoding == abi::kUnknownEncoding ? charset : std::string_view()};
+  const std::optional<abi::Encoding> encoding = text::FindCharset(charset);
+  if (!encoding.has_value()) return {decoded, abi::kUnknownEncoding, charset};
+  return {decoded, *encoding, {}};
 }
 
 }  // namespace zqv::email

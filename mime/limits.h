@@ -18,11 +18,11 @@ namespace zqv::mime {
 inline constexpr std::size_t kMostParts = 10'000;
 
 // Header fields of all parts together. The shortest costs 3 bytes of input.
-inline constexpr std::size_t kMostFields = 50'000;
+inline constexpr std::size_t kMostFields = 30'000;
 
 // Addresses and parameters of all header fields together, or of one text that an application has
 // parsed. An empty address costs one byte of input.
-inline constexpr std::size_t kMostEntries = 50'000;
+inline constexpr std::size_t kMostEntries = 20'000;
 
 // What a value is taken apart into.
 enum class ListKind {

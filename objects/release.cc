@@ -1,5 +1,6 @@
 #include "objects/release.h"
 
+#include <cstddef>
 #include <memory>
 #include <new>
 #include <utility>
@@ -25,22 +26,36 @@ class ReleaseQueue {
   static ReleaseQueue* OfThread() { return static_cast<ReleaseQueue*>(base::GetThreadSlot()); }
 
   void Add(host::ArrayRef&& list) {
+    if (count_ < kOnStack) {
+      on_stack_[count_++] = std::move(list);
+      return;
+    }
     std::unique_ptr<Waiting> place(new (std::nothrow) Waiting);
     if (place == nullptr) return;  // `list` is given back by its owner
     place->list = std::move(list);
-    place->next = std::move(first_);
-    first_ = std::move(place);
+    place->next = std::move(on_heap_);
+    on_heap_ = std::move(place);
   }
 
   void Run() {
-    while (first_ != nullptr) {
-      const std::unique_ptr<Waiting> place = std::exchange(first_, std::move(first_->next));
-      const host::ArrayRef list = std::move(place->list);
+    while (const host::ArrayRef list = TakeNewest()) {
     }
   }
 
  private:
-  std::unique_ptr<Waiting> first_;
+  static constexpr std::size_t kOnStack = 32;  // more than messages usually have multiparts
+
+  host::ArrayRef TakeNewest() {
+    if (on_heap_ != nullptr) {
+      const std::unique_ptr<Waiting> place = std::exchange(on_heap_, std::move(on_heap_->next));
+      return std::move(place->list);
+    }
+    return count_ > 0 ? std::move(on_stack_[--count_]) : host::ArrayRef();
+  }
+
+  host::ArrayRef on_stack_[kOnStack];
+  std::size_t count_ = 0;
+  std::unique_ptr<Waiting> on_heap_;
 };
 
 }  // namespace

@@ -32,7 +32,7 @@ void ReportUnknownCharset(std::string_view charset) { Report("Unhandled charset:
 
 host::StringRef BuildHeaderText(const text::HeaderText& text) {
   ReportUnknownCharset(text.unknown_charset);
-  Report("Unhandled encoding: ", text.unknown_charset_of_word);
+  Report("Unhandled encoding: ", text.charset_without_encoding);
   return host::BuildString(text.bytes(), text.encoding());
 }
 

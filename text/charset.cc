@@ -167,14 +167,14 @@ std::string NormaliseCharsetName(std::string_view name) {
   return normalised;
 }
 
-abi::Encoding GetEncodingValue(std::string_view charset_name) {
-  const std::string normalised = NormaliseCharsetName(charset_name);
+std::optional<abi::Encoding> FindCharset(std::string_view name) {
+  const std::string normalised = NormaliseCharsetName(name);
   const auto row = std::find_if(std::begin(kCharsets), std::end(kCharsets), [&](const Row& r) {
     return base::EqualsIgnoringCase(r.name, normalised);
   });
   if (row != std::end(kCharsets)) return row->encoding;
   ZQV_LOG("%s%s %s", "unknown charset", normalised.c_str());
-  return abi::kUnknownEncoding;
+  return std::nullopt;
 }
 
 }  // namespace zqv::text

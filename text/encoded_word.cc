@@ -1,6 +1,7 @@
 #include "text/encoded_word.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "base/ascii.h"
@@ -137,11 +138,13 @@ HeaderText DecodeEncodedWords(std::string_view text, bool unquote) {
   EncodedWordScanner scanner(UpToNul(text));
   scanner.Run();
   if (scanner.charset().empty()) return Undecoded(text, unquote);
-  const abi::Encoding encoding = GetEncodingValue(scanner.charset());
+  const std::optional<abi::Encoding> found = FindCharset(scanner.charset());
+  const abi::Encoding encoding = found.value_or(abi::kUnknownEncoding);
   if (encoding == abi::kUnknownEncoding) {
     ZQV_LOG("%s%s %s", "unhandled encoding", scanner.charset().c_str());
     HeaderText undecoded = Undecoded(text, unquote);
-    undecoded.unknown_charset = undecoded.unknown_charset_of_word = scanner.charset();
+    if (!found.has_value()) undecoded.unknown_charset = scanner.charset();
+    undecoded.charset_without_encoding = scanner.charset();
     return undecoded;
   }
   std::string decoded = std::move(scanner.decoded());

@@ -31,10 +31,11 @@ class HeaderText {
   std::string_view bytes() const;
   abi::Encoding encoding() const { return encoding_; }
 
-  // The charset that the text names when nobody knows it, otherwise empty; the bytes are then
-  // undecoded. `unknown_charset_of_word` is empty unless an encoded word named it.
+  // For those who report it: the charset that the text names when it is not in the table, and the
+  // one that its encoded words name when that has no encoding; the bytes are then undecoded.
+  // Otherwise empty.
   std::string unknown_charset;
-  std::string unknown_charset_of_word;
+  std::string charset_without_encoding;
 
  private:
   std::string owned_;
