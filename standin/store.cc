@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "standin/fatal.h"
+#include "standin/host_lock.h"
 #include "standin/invoke.h"
 #include "standin/poison.h"
 
@@ -76,6 +77,7 @@ void PutField(ArrayThing* array, std::size_t offset, T value) {
 void RunConstructors(const CallArguments& object, const ClassInfo& info) {
   if (info.super != nullptr) RunConstructors(object, *info.super);
   if (info.definition->constructor == nullptr) return;
+  const HostLockGap gap;
   CallNothing(info.definition->constructor, object, info.name);
 }
 
@@ -266,6 +268,7 @@ void Store::RunDestructors(Thing* object, const ClassInfo& info) const {
   arguments.Add(object);
   for (const ClassInfo* c = &info; c != nullptr; c = c->super) {
     if (c->definition->destructor == nullptr) continue;
+    const HostLockGap gap;
     CallNothing(c->definition->destructor, arguments, c->destructor_name);
   }
 }

@@ -3,6 +3,9 @@
 // Invariant: a thing is freed at the moment its last lock goes, after the destructors of its class
 // and super classes have run; nobody may lock it once that has begun. With a broken lock or unlock
 // entry point the counts mean nothing: then things of that kind live until the host ends.
+//
+// The host's lock must be held for every call when there are several threads. It is given up while
+// a constructor or destructor of the plug-in runs, that is in NewObject and Unlock.
 #pragma once
 
 #include <cstddef>
