@@ -75,6 +75,10 @@ struct Capabilities {
       platform_string;
   // Off for benchmarks: only lock counts remain, and misuse is not recognised.
   bool ledger = true;
+  // Bytes of stack that the host takes for each release of an object or array, over and above its
+  // own small frames: it stands for a host with large ones. They are in use while the destructor
+  // runs and while the elements are released, so nested releases add up. 0: none.
+  std::size_t release_stack = 0;
   // Freed things are held back, unreadable, so that their use is recognised.
   std::size_t quarantine_entries = 200'000;
   std::size_t quarantine_bytes = std::size_t{64} << 20;

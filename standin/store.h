@@ -69,6 +69,8 @@ class Store {
   Thing* Checked(const void* raw, const char* user) const;
   void ShowFields(ArrayThing* array) const;
   bool IsImmortal(ThingKind kind) const;
+  // On so much more stack than it takes itself.
+  void DestroyOnStack(std::size_t bytes, Thing* thing);
   void Destroy(Thing* thing);
   void RunDestructors(Thing* object, const ClassInfo& info) const;
   // Gives up what the thing holds apart from its own memory. `unlock`: locks on other things too.
@@ -76,6 +78,7 @@ class Store {
   static std::size_t SizeOf(const Thing& thing);
 
   const ArrayLayout layout_;
+  const std::size_t release_stack_;
   Ledger ledger_;
   bool strings_are_immortal_ = false;
   bool objects_are_immortal_ = false;
