@@ -183,6 +183,17 @@ TEST_F(ThreadsTest, NothingIsLeftOfManyThreads) {
   }
 }
 
+// Through the application side, which holds no lock meanwhile.
+TEST_F(ThreadsTest, TextsAreConvertedSideBySide) {
+  StartWithClass();
+  InThreads(kThreads, [](int number) {
+    const std::string end(static_cast<std::size_t>(number) * 100, 'x');
+    for (int round = 0; round < 2000; ++round) {
+      EXPECT_EQ(MakeString("Caf\x8E" + end, abi::kMacRoman).Utf8(), "Caf\xC3\xA9" + end);
+    }
+  });
+}
+
 TEST_F(ThreadsTest, ConstructorsRunSideBySide) {
   StartWithClass();
   Meeting meeting;
