@@ -36,14 +36,15 @@ bool CallBoolean(abi::REALproc function, const CallArguments& arguments, const s
 double CallDouble(abi::REALproc function, const CallArguments& arguments, const std::string& what);
 
 namespace internal {
-inline bool in_plugin = false;
+inline thread_local bool in_plugin = false;
 }  // namespace internal
 
-// Whether code of the plug-in runs at this moment, called by the host and not itself inside an
-// entry point. A test that makes allocations fail asks this so as to spare the host's own.
+// Whether code of the plug-in runs at this moment in this thread, called by the host and not itself
+// inside an entry point. A test that makes allocations fail asks this so as to spare the host's
+// own.
 inline bool InPlugin() { return internal::in_plugin; }
 
-// Sets what InPlugin answers, and restores it.
+// Sets what InPlugin answers in this thread, and restores it.
 class PluginScope {
  public:
   explicit PluginScope(bool now_in_plugin) : before_(internal::in_plugin) {
