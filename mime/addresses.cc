@@ -424,7 +424,7 @@ class Reader {
   // of a '>' stay, as do those to the left of a parenthesis without its partner.
   // Test: Addresses.PartsWithoutCommentsAndBlanks.
   std::string_view RemoveComments(std::string_view part) {
-    if (memory_.part_bytes == nullptr) {
+    if (parts_begin_ == nullptr) {
       memory_.part_bytes.reset(new char[value_size_]);
       parts_begin_ = memory_.part_bytes.get() + value_size_;
     }
