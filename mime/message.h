@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <string_view>
 #include <vector>
 
@@ -46,8 +45,7 @@ struct Part {
   std::string_view preamble;  // of a multipart: the text before its first boundary
   std::string_view epilogue;  // of a multipart: the text after its closing boundary
 
-  // What the first Content-Type field says; null when there is none. [borrowed from the message]
-  const Parsed<mimetic::ContentType>* type = nullptr;
+  std::string_view boundary;  // of a multipart: the parameter, without the two hyphens
 
   std::uint32_t first_field = 0;  // in Message::fields()
   std::uint32_t field_count = 0;
@@ -82,7 +80,7 @@ class Message {
 
   // The fields of one part. [borrowed from the message]
   Header HeaderOf(const Part& part) const {
-    return Header(fields_.data() + part.first_field, part.field_count, part.type);
+    return Header(fields_.data() + part.first_field, part.field_count);
   }
 
   // The first byte that was not parsed: a boundary of an outer multipart inside an inner one ends
@@ -96,7 +94,6 @@ class Message {
   std::vector<Part> parts_;
   std::vector<Field> fields_;
   base::TextArena folded_values_;
-  std::deque<Parsed<mimetic::ContentType>> types_;
   std::size_t parsed_size_ = 0;
 };
 

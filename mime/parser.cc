@@ -20,22 +20,23 @@
 // Parser.InnerMultipartWithoutEndLosesTheRest.
 #include "mime/parser.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
+#include "base/ascii.h"
 #include "mime/header_loader.h"
+#include "mime/parameters.h"
 
 namespace zqv::mime {
 namespace {
 
-// QUIRK: "multipart" is found in any case, but "message/rfc822" as well only as a whole: blanks
-// around the slash make it another type. Equal to the MIME library's result. Test:
+// QUIRK: a blank beside the slash makes it another type. Equal to the MIME library's result. Test:
 // Parser.GivesTheReferencesTree.
-PartKind KindOf(const Part& part) {
-  if (part.type == nullptr) return PartKind::kLeaf;
-  const mimetic::ContentType& type = part.type->value;
-  if (type.isMultipart()) return PartKind::kMultipart;
-  const bool is_message = type.type() == "message" && type.subtype() == "rfc822";
+PartKind KindOf(const ContentType& type) {
+  if (base::EqualsIgnoringCase(type.type(), "multipart")) return PartKind::kMultipart;
+  const bool is_message = base::EqualsIgnoringCase(type.type(), "message") &&
+                          base::EqualsIgnoringCase(type.subtype(), "rfc822");
   return is_message ? PartKind::kMessage : PartKind::kLeaf;
 }
 
@@ -101,15 +102,20 @@ void Parser::ReadHeader(Part& part) {
   part.body = Between(header.body, header.rest);
   at_ = header.rest;
 
-  const Header fields = message_.HeaderOf(part);
-  if (const Field* const type = fields.Find(FieldName::kContentType)) {
-    part.type = &message_.types_.emplace_back(std::string(type->value));
+  const Field* const fields = message_.fields_.data();
+  const auto is_type = [](const Field& field) { return field.known == FieldName::kContentType; };
+  const Field* const type =
+      std::find_if(fields + part.first_field, fields + message_.fields_.size(), is_type);
+  if (type == fields + message_.fields_.size()) return;
+  const ContentType content_type(type->value);
+  part.kind = KindOf(content_type);
+  if (part.kind == PartKind::kMultipart) {
+    part.boundary = content_type.parameters().Find("boundary");
   }
-  part.kind = KindOf(part);
 }
 
 void Parser::OpenMultipart(PartIndex part) {
-  boundaries_.Push("--" + message_.parts_[part].type->value.param("boundary"));
+  boundaries_.Push(std::string("--").append(message_.parts_[part].boundary));
   open_multiparts_.push_back(part);
 }
 

@@ -111,7 +111,7 @@ void CompleteSinglePart(MimeEntityClassData& record, const mime::Message& messag
   if (!decoded.has_value()) return;
 
   record.BodyDecoded.Put(BuildBodyText(header, decoded->bytes()));
-  const mimetic::ContentType& type = header.content_type();
+  const mime::ContentType& type = header.content_type();
   if (email::IsText(type.type(), type.subtype(), "plain")) {
     if (!record.PlainText) StorePlainText(record, record.BodyDecoded);
   } else if (email::IsText(type.type(), type.subtype(), "html")) {
