@@ -11,7 +11,6 @@
 #include "cli/oddities.h"
 #include "cli/report_page.h"
 #include "cli/summary.h"
-#include "standin/mirror.h"
 #include "tests/interface/child.h"
 #include "tests/interface/messages.h"
 #include "tests/interface/reading.h"
@@ -27,15 +26,8 @@ constexpr std::size_t kHugeStack = std::size_t{256} << 20;
 constexpr std::size_t kLevels = kShips ? 10'000 : 2'000;
 constexpr std::size_t kStack = kShips ? test::kTinyStack : test::kSmallStack;
 
-// Members that share with others what they give: each thing below them would be named by its path,
-// which is as long as the tree is deep.
-bool IsShared(std::string_view, std::string_view member) {
-  return (member.size() > 7 && member.substr(member.size() - 7) == "Variant") ||
-         member == "Attachments" || member == "Inlines";
-}
-
 std::size_t MirroredLevels(const Object& message) {
-  const nlohmann::ordered_json json = standin::Mirror(message, {4 * kLevels, false, IsShared});
+  const nlohmann::ordered_json json = MirrorOfTree(message, kLevels);
   std::size_t levels = 0;
   const nlohmann::ordered_json* parts = &json["Body"]["Parts"];
   for (; !parts->empty(); parts = &(*parts)[0]["Body"]["Parts"]) ++levels;
