@@ -22,8 +22,10 @@ namespace {
 
 constexpr int kThreads = 8;
 
+// In a part of its own: a message of one part is labelled twice and raises twice.
 std::string UnknownCharset() {
-  return "Subject: Unknown\nMIME-Version: 1.0\nContent-Type: text/plain; charset=foo\n\nText\n";
+  return "Subject: Unknown\nMIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=b\n\n"
+         "--b\nContent-Type: text/plain; charset=foo\n\nText\n--b--\n";
 }
 
 // Many kinds of members, and every charset known.
