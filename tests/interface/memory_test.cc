@@ -382,7 +382,11 @@ bool ConstructDeep(std::size_t more, const std::string& text, std::size_t levels
       EXPECT_EQ(LevelsOf(constructed.message), levels);
     }
   }
-  EXPECT_TRUE(constructed.raised.empty() || IsClear(constructed.raised)) << constructed.raised;
+  // A header object that cannot be filled raises at once, with the memory of all levels still taken:
+  // then the host may have none for the exception's text.
+  EXPECT_TRUE(constructed.raised.empty() || IsClear(constructed.raised) ||
+              constructed.raised == "OutOfMemoryException, 0: ")
+      << constructed.raised;
   const bool is_whole = constructed.raised.empty();
   constructed.message = Object();
   EXPECT_EQ(ConstructFromString(PlainMessage()).raised, "");
