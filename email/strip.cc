@@ -134,7 +134,7 @@ class Writer {
   }
 
   void WriteBoundary(const Part& multipart, std::string_view end) {
-    out_.append(kLineEnd).append("--").append(multipart.type->value.param("boundary"));
+    out_.append(kLineEnd).append("--").append(mime::BoundaryParameter(multipart));
     out_.append(end).append(kLineEnd);
   }
 
