@@ -1,18 +1,13 @@
 #include "cli/message_source.h"
 
 #include "base/ascii.h"
+#include "base/unicode.h"
 #include "mime/open_boundaries.h"
 
 namespace zqv::cli {
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kHyphens = "--";
-
-std::string_view WithoutByteOrderMark(std::string_view bytes) {
-  const bool has_mark = bytes.substr(0, kByteOrderMark.size()) == kByteOrderMark;
-  return bytes.substr(has_mark ? kByteOrderMark.size() : 0);
-}
 
 // `bytes` and a line end like the last one before; empty when they end with one.
 std::string Completed(std::string_view bytes) {
@@ -32,8 +27,8 @@ std::string_view LinesOf(const mime::Part& part, const LineNumbers& lines) {
 }  // namespace
 
 MessageSource::MessageSource(std::string_view bytes)
-    : completed_(Completed(WithoutByteOrderMark(bytes))),
-      bytes_(completed_.empty() ? WithoutByteOrderMark(bytes) : completed_),
+    : completed_(Completed(base::WithoutByteOrderMark(bytes))),
+      bytes_(completed_.empty() ? base::WithoutByteOrderMark(bytes) : completed_),
       lines_(bytes_),
       message_(bytes_, mime::OuterBoundary::kEndsInner) {}
 
