@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "abi/encodings.h"
+#include "base/ascii.h"
 #include "email/file_type.h"
 #include "email/transfer.h"
 #include "fuzz/alphabet.h"
@@ -18,7 +19,6 @@
 #include "base/unicode.h"
 #include "standin/capabilities.h"
 #include "standin/host.h"
-#include "standin/text.h"
 #include "standin/things.h"
 #include "tests/reference/charset_twin.h"
 #include "tests/reference/encoded_word_twin.h"
@@ -45,7 +45,7 @@ abi::Encoding ExpectedEncoding(const std::string& name) {
   static const auto kRows = test::ReadTable("charsets.tsv", 16);
   const std::string normal = reference::NormaliseCharset(name);
   for (const auto& [row_name, encoding] : kRows) {
-    if (standin::SameName(row_name, normal)) return encoding;
+    if (base::EqualsIgnoringCase(row_name, normal)) return encoding;
   }
   return abi::kUnknownEncoding;
 }

@@ -17,7 +17,8 @@
 // A part's text is read up to the next boundary of any open multipart. One of the innermost begins
 // the next part or the epilogue. One of an outer multipart ends the parse: QUIRK: the rest of the
 // message is lost when an inner multipart is not closed. Equal to the MIME library's result. Test:
-// Parser.InnerMultipartWithoutEndLosesTheRest.
+// Parser.InnerMultipartWithoutEndLosesTheRest. With OuterBoundary::kEndsInner it ends the inner
+// multiparts instead: they are dropped from the list of open ones.
 #include "mime/parser.h"
 
 #include <algorithm>
@@ -46,12 +47,17 @@ std::string_view Between(const char* begin, const char* end) {
   return {begin, static_cast<std::size_t>(end - begin)};
 }
 
+bool IsPrefix(std::string_view prefix, std::string_view text) {
+  return text.substr(0, prefix.size()) == prefix;
+}
+
 }  // namespace
 
-Parser::Parser(Message& message)
+Parser::Parser(Message& message, OuterBoundary outer)
     : message_(message),
       at_(message.bytes().data()),
       end_(at_ + message.bytes().size()),
+      outer_(outer),
       line_ends_(at_) {}
 
 void Parser::Run() {
@@ -75,6 +81,7 @@ void Parser::Run() {
     }
   }
   message_.parsed_size_ = static_cast<std::size_t>(at_ - message_.bytes_.data());
+  if (message_.parts_before_outer_ == 0) message_.parts_before_outer_ = message_.parts_.size();
 }
 
 PartIndex Parser::AddPart(PartIndex parent) {
@@ -124,13 +131,16 @@ PartIndex Parser::NextPart(PartIndex last) {
     const PartIndex innermost = open_multiparts_.back();
     Part& multipart = message_.parts_[innermost];
     if (text_.ended_by == Boundary::kClosing) multipart.is_closed = true;
-    if (at_ == end_) break;
     EndParts(last, innermost);
+    last = innermost;
+    if (at_ == end_) {
+      text_.text = Between(end_, end_);
+      break;
+    }
     if (text_.ended_by == Boundary::kNext) return AddPart(innermost);
     boundaries_.Pop();
     open_multiparts_.pop_back();
     multipart.epilogue = ReadText();
-    last = innermost;
   }
   EndParts(last, kNoPart);
   return kNoPart;
@@ -146,9 +156,22 @@ void Parser::EndParts(PartIndex last, PartIndex around) {
 std::string_view Parser::ReadText() {
   text_ = ReadPartText(at_, end_, boundaries_, line_ends_);
   at_ = text_.rest;
+  if (text_.ended_by == Boundary::kOuter) MeetOuterBoundary();
   return text_.text;
 }
 
-Message::Message(std::string_view bytes) : bytes_(bytes) { Parser(*this).Run(); }
+void Parser::MeetOuterBoundary() {
+  if (message_.parts_before_outer_ == 0) message_.parts_before_outer_ = message_.parts_.size();
+  if (outer_ == OuterBoundary::kEndsParse) return;
+  do {
+    boundaries_.Pop();
+    open_multiparts_.pop_back();
+  } while (!IsPrefix(boundaries_.Innermost(), text_.boundary));
+  text_.ended_by = BoundaryOf(text_.boundary, boundaries_);
+}
+
+Message::Message(std::string_view bytes, OuterBoundary outer) : bytes_(bytes) {
+  Parser(*this, outer).Run();
+}
 
 }  // namespace zqv::mime

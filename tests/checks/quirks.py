@@ -19,7 +19,7 @@ import planted
 NAMING_TESTS = ["docs/quirks.md", "docs/development.md", "docs/limits.md", "docs/testing.md",
                 "SECURITY.md", "tests/interface/README.md"]
 NAMED = re.compile(r"`([A-Z]\w*\.(?:[A-Z]\w*|\*))`")
-ROOMS = ["abi", "host", "text", "mime", "email", "plugin"]
+ROOMS = ["abi", "base", "text", "mime", "email", "host", "objects", "plugin"]
 COMMENT = re.compile(r"^\s*//\s?(.*)$")
 TESTS = re.compile(r"Test: ((?:\w+\.\w+)(?:,\s+\w+\.\w+)*)")
 DEFINED = re.compile(r"\bTEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\)")

@@ -212,6 +212,11 @@ class OddityTest(CheckCase):
                 text = odd if isinstance(odd, bytes) else odd.encode()
                 self.assertEqual(self.findings(text.replace(b"\n", b"\r\n")), [(code, *place)])
 
+    def test_last_line_without_end(self):
+        for end in ("\n", "\r\n", "\r"):
+            text = (HEAD + "X-Last: y").replace("\n", end)
+            self.assertEqual(self.codes(text), ["cut-header"], repr(end))
+
     def test_unknown_transfer_encoding(self):
         self.assertEqual(self.findings(MIXED + f"--cut\n{UNKNOWN_ENCODING}--cut--\n"), [
             ("unlisted-part", "1", 9,
@@ -234,6 +239,41 @@ class OddityTest(CheckCase):
             ("lost-parts", None, 16, "the 2 parts from here on are lost: the library reads no "
                                      "further, as a multipart above is not closed")])
         self.assertEqual(self.findings(MIXED + inner + "--in--\n" + behind), [])
+
+    def test_more_lost_parts_than_are_parsed(self):
+        inner = ("--cut\nContent-Type: multipart/mixed; boundary=in\n\n--in\n"
+                 "Content-Type: text/plain; charset=x-none\n\ncafé\n")
+        found = [finding[:3] for finding in self.findings(MIXED + inner + "--cut\n\nx\n" * 9_990)]
+        self.assertIn(("lost-parts", None, 16), found)
+        self.assertIn(("unknown-charset", "1.1", 12), found)
+        # Beyond the limit of parts only what the library's objects tell is found.
+        self.assertEqual([finding[:3] for finding in self.findings(
+            MIXED + inner + "--cut\n\nx\n" * 10_000)], [("unknown-charset", "1.1", None)])
+
+    def test_boundaries_in_headers(self):
+        part = "--cut\nContent-Type: text/plain\n"
+        # The parts behind it have their numbers.
+        self.assertEqual([finding[:3] for finding in self.findings(
+            MIXED + f"{part}--cut\n{LETTER}{part}hello\n--cut--\n")],
+            [("no-blank-line", "1", 10), ("no-blank-line", "2", 16)])
+        # A closing one that the library does not see.
+        for end in ("", "\n"):
+            self.assertEqual([finding[:3] for finding in self.findings(
+                MIXED + f"{part}--cut--{end}")], [("no-blank-line", "1", 10)])
+        # One that is a field to the library.
+        self.assertEqual([finding[:3] for finding in self.findings(
+            MIXED + f"{part}--cut: x\n\nhello\n--cut--\n")], [("no-blank-line", "1", 10)])
+        # One of an outer multipart: the next one ends the parse.
+        inner = "--cut\nContent-Type: multipart/mixed; boundary=in\n--cut\n"
+        self.assertEqual([finding[:3] for finding in self.findings(
+            MIXED + f"{inner}{LETTER}--cut\n{LETTER}--cut--\n")],
+            [("empty-multipart", "1", 9), ("unlisted-part", "1", 9), ("no-blank-line", "1", 10),
+             ("lost-parts", None, 15)])
+
+    def test_attached_message_behind_no_blank_line(self):
+        self.assertEqual([finding[:3] for finding in self.findings(
+            MIXED + "--cut\nContent-Type: message/rfc822\nno field\nA: b\n\nx\n--cut--\n")],
+            [("no-blank-line", "1", 10)])
 
     def test_delimiter_lines(self):
         # A line that begins with the boundary, blanks behind it, is a delimiter; one with text or
