@@ -384,11 +384,11 @@ class HostileTest(CheckCase):
         """What the program needs for a message beyond what it needs to make the tree."""
         path = self.write("a.eml", message)
 
-        def measure(verb):
+        def measure(verb, codes):
             before = resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime
-            self.assertIn(zqv(verb, path).code, (0, 1))
+            self.assertIn(zqv(verb, path).code, codes)
             return resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime - before
-        return measure("check") - measure("tree")
+        return measure("check", (0, 1)) - measure("tree", (0,))  # not refused: it has a tree
 
     def test_work_grows_with_the_message(self):
         def deep(n):
@@ -400,10 +400,10 @@ class HostileTest(CheckCase):
                            for i in range(1, 400)) + "\n" + ("--" + "x" * 2000 + "\n") * (n // 2003)
 
         shapes = {
-            "parts": lambda n: MIXED + "--cut\n\nx\n" * (n // 10) + "--cut--\n",
+            "parts": lambda n: MIXED + f"--cut\n\n{'x' * 100}\n" * (n // 108) + "--cut--\n",
             "depth": lambda n: HEAD + deep(n),
             "boundaries of every length": lambda n: HEAD + lengths(n),
-            "fields": lambda n: HEAD + "Date: x\n" * (n // 8) + "\nx\n",
+            "fields": lambda n: HEAD + "Date: a date of words\n" * (n // 22) + "\nx\n",
             "folds": lambda n: HEAD + "X: a\n" + " b\n" * (n // 3) + "\nx\n",
             "encoded words": lambda n: HEAD + "X: " + "=?a?q?" * (n // 6) + "\n\nx\n",
             "whole encoded words": lambda n: HEAD + "X: " + "=?utf-8?Q?a?= " * (n // 14) + "\n\n",
