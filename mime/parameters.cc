@@ -56,10 +56,8 @@ std::string ContentType::Text() const {
   return text;
 }
 
-ContentDisposition::ContentDisposition(std::string_view value) {
-  type_ = TakeUpTo(';', value);
-  parameters_ = Parameters(value);
-}
+ContentDisposition::ContentDisposition(std::string_view value)
+    : type_(TakeUpTo(';', value)), parameters_(value) {}
 
 std::string ContentDisposition::Text() const {
   std::string text(type_);

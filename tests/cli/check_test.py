@@ -403,12 +403,12 @@ class HostileTest(CheckCase):
             "parts": lambda n: MIXED + f"--cut\n\n{'x' * 100}\n" * (n // 108) + "--cut--\n",
             "depth": lambda n: HEAD + deep(n),
             "boundaries of every length": lambda n: HEAD + lengths(n),
-            "fields": lambda n: HEAD + "Date: a date of words\n" * (n // 22) + "\nx\n",
+            "fields": lambda n: HEAD + "Date: a date of more words than any\n" * (n // 36) + "\nx\n",
             "folds": lambda n: HEAD + "X: a\n" + " b\n" * (n // 3) + "\nx\n",
             "encoded words": lambda n: HEAD + "X: " + "=?a?q?" * (n // 6) + "\n\nx\n",
             "whole encoded words": lambda n: HEAD + "X: " + "=?utf-8?Q?a?= " * (n // 14) + "\n\n",
             "comments": lambda n: HEAD + "Date: " + "(" * n + "\n\nx\n",
-            "parameters": lambda n: HEAD + "Content-Type: text/plain" + ";a=b" * 20_000 + "\n\n" +
+            "parameters": lambda n: HEAD + "Content-Type: text/plain" + ";a=b" * 15_000 + "\n\n" +
                                     "x" * n,
         }
         # So many times the size, not the square of that; sanitized builds are slow.
