@@ -16,9 +16,9 @@
 #include "host/arrays.h"
 #include "host/record.h"
 #include "host/ref.h"
-#include "mime/entity.h"
 #include "mime/message_texts.h"
-#include "mime/records.h"
+#include "objects/entity.h"
+#include "objects/records.h"
 #include "standin/capabilities.h"
 #include "tests/unit/host/host_fixture.h"
 
@@ -29,17 +29,17 @@ abi::REALclassDefinition MadeUpClass(const char* name, std::size_t size,
                                      void (*destructor)(abi::REALobject),
                                      const char* super = nullptr);
 
-class MimeTest : public HostTest {
+class ObjectsTest : public HostTest {
  protected:
   // Starts a complete host; a test that needs another one starts it instead.
-  void SetUp() override { StartMime(); }
+  void SetUp() override { StartObjects(); }
 
   // Starts a host and registers the nine classes of this layer.
-  standin::Host& StartMime(const standin::Capabilities& capabilities = {});
+  standin::Host& StartObjects(const standin::Capabilities& capabilities = {});
   // The same for a host in which one entry point misbehaves, or is missing.
-  standin::Host& StartMimeWithFault(const char* name, standin::Fault fault = {});
+  standin::Host& StartObjectsWithFault(const char* name, standin::Fault fault = {});
   // The same for a host that can make no instance of one class.
-  standin::Host& StartMimeWithoutClass(const char* name);
+  standin::Host& StartObjectsWithoutClass(const char* name);
 
   // Registers a class with a record, a destructor and no members, and binds the record.
   template <class Record, void (*kDestructor)(abi::REALobject)>

@@ -1,4 +1,4 @@
-#include "mime/body.h"
+#include "objects/body.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,17 +8,17 @@
 #include <string>
 #include <vector>
 
-#include "mime/header.h"
 #include "mime/parser.h"
+#include "objects/header.h"
 #include "tests/support/thread_stack.h"
-#include "tests/unit/mime/mime_fixture.h"
 #include "tests/unit/mime/nested_message.h"
+#include "tests/unit/objects/objects_fixture.h"
 
 namespace zqv::test {
 namespace {
 
-using mime::MimeBodyClassData;
-using mime::MimeEntityClassData;
+using objects::MimeBodyClassData;
+using objects::MimeEntityClassData;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -84,12 +84,12 @@ constexpr char kNested[] =
     "--o--\n"
     "after\n";
 
-class Body : public MimeTest {
+class Body : public ObjectsTest {
  protected:
   host::ObjectRef Build(std::string_view message) { return Build(*Parse(message)); }
   host::ObjectRef Build(const ParsedMessage& message) {
     sink_.Walk(message.texts);
-    return mime::NewMimeBodyZQV(message.entity, sink_);
+    return objects::NewMimeBodyZQV(message.entity, sink_);
   }
 
   static MimeBodyClassData& RecordOf(const host::ObjectRef& body) {
@@ -167,8 +167,8 @@ TEST_F(Body, TextTakesItsEncodingFromItsBytesAndEndsAtANul) {
 TEST_F(Body, OfASinglePartHasAnEmptyListAndNotNil) {
   const auto body = Build("A: b\n\ntext\n");
   EXPECT_NE(RecordOf(body).parts.get(), nullptr);
-  EXPECT_EQ(mime::BodyParts::Count(body.get()), 0);
-  EXPECT_EQ(mime::BodyParts::At(body.get(), 0), nullptr);
+  EXPECT_EQ(objects::BodyParts::Count(body.get()), 0);
+  EXPECT_EQ(objects::BodyParts::At(body.get(), 0), nullptr);
   EXPECT_EQ(TakeRaised(),
             "OutOfBoundsException, 0: The parameter index  is too big. Range is 0 to -1, but value "
             "is 0.");
@@ -189,13 +189,13 @@ TEST_F(Body, SkipsANullPart) {
   entity.body().parts().push_back(new mimetic::MimeEntity);
   const mime::MessageTexts none;
   sink_.Walk(none);
-  const auto body = mime::NewMimeBodyZQV(entity, sink_);
-  EXPECT_EQ(mime::BodyParts::Count(body.get()), 1);
+  const auto body = objects::NewMimeBodyZQV(entity, sink_);
+  EXPECT_EQ(objects::BodyParts::Count(body.get()), 1);
   EXPECT_EQ(sink_.told.size(), 1U);
 }
 
 TEST_F(Body, IsNilWhenTheHostCannotMakeOne) {
-  StartMimeWithoutClass("MimeBodyZQV");
+  StartObjectsWithoutClass("MimeBodyZQV");
   EXPECT_FALSE(Build(kNested));
   EXPECT_THAT(sink_.told, IsEmpty());
 }
@@ -203,22 +203,22 @@ TEST_F(Body, IsNilWhenTheHostCannotMakeOne) {
 TEST_F(Body, IsNilWhenItsClassWasNeverRegistered) {
   host::BindRecord<MimeBodyClassData>(nullptr);
   EXPECT_FALSE(Build(kNested));
-  mime::MimeBodyDestructor(nullptr);
+  objects::MimeBodyDestructor(nullptr);
 }
 
 // Instances are made in this order: body, then for a child its entity, body and header.
 TEST_F(Body, OfAChildIsNilWhenTheHostCannotMakeIt) {
-  StartMimeWithFault("PluginNewInstance", {standin::Fault::Kind::kNothing, 3, 1});
+  StartObjectsWithFault("PluginNewInstance", {standin::Fault::Kind::kNothing, 3, 1});
   const auto body =
       Build("Content-Type: multipart/mixed; boundary=o\n\n--o\nX-Name: a\n\n1\n--o--\n");
   ASSERT_THAT(sink_.Names(), ElementsAre("a"));
   EXPECT_EQ(sink_.told[0].body, nullptr);
   EXPECT_NE(sink_.told[0].header, nullptr);
-  EXPECT_EQ(mime::BodyParts::Count(body.get()), 1);
+  EXPECT_EQ(objects::BodyParts::Count(body.get()), 1);
 }
 
 TEST_F(Body, TellsOfAnEntityWithoutAHeaderObject) {
-  StartMimeWithoutClass("MimeHeaderZQV");
+  StartObjectsWithoutClass("MimeHeaderZQV");
   const auto body = Build(kNested);
   ASSERT_THAT(sink_.Names(), ElementsAre("first", "second", "inner", "last"));
   for (const Told& call : sink_.told) {
@@ -228,14 +228,14 @@ TEST_F(Body, TellsOfAnEntityWithoutAHeaderObject) {
 }
 
 TEST_F(Body, SkipsAnEntityThatTheHostCannotMakeWithItsSubtree) {
-  StartMimeWithFault("PluginNewInstance", {standin::Fault::Kind::kNothing, 2, 1});
+  StartObjectsWithFault("PluginNewInstance", {standin::Fault::Kind::kNothing, 2, 1});
   const auto body = Build(kNested);
   EXPECT_THAT(sink_.Names(), ElementsAre("last"));
-  EXPECT_EQ(mime::BodyParts::Count(body.get()), 1);
+  EXPECT_EQ(objects::BodyParts::Count(body.get()), 1);
 }
 
 TEST_F(Body, IsWalkedWithoutAListAndGivesTheEntitiesBack) {
-  StartMimeWithFault("RuntimeArrayCreateSingleDimBoundedArray");
+  StartObjectsWithFault("RuntimeArrayCreateSingleDimBoundedArray");
   const auto body = Build(kNested);
   EXPECT_THAT(sink_.Names(), ElementsAre("first", "second", "inner", "last"));
   EXPECT_EQ(RecordOf(body).parts.get(), nullptr);
@@ -243,10 +243,10 @@ TEST_F(Body, IsWalkedWithoutAListAndGivesTheEntitiesBack) {
 }
 
 TEST_F(Body, DropsEntitiesThatTheHostCannotInsert) {
-  StartMimeWithFault("PluginObjectArrayInsertProc");
+  StartObjectsWithFault("PluginObjectArrayInsertProc");
   const auto body = Build(kNested);
   EXPECT_EQ(sink_.told.size(), 4U);
-  EXPECT_EQ(mime::BodyParts::Count(body.get()), 0);
+  EXPECT_EQ(objects::BodyParts::Count(body.get()), 0);
   EXPECT_EQ(host().ledger().Live().objects, 1) << "the body itself";
 }
 
@@ -267,16 +267,17 @@ class ThrowingSink final : public mime::EntitySink {
 TEST_F(Body, LetsThroughWhatTheSinkThrowsAndKeepsNothing) {
   const auto message = Parse(kNested);
   ThrowingSink sink(message->texts);
-  EXPECT_THROW(static_cast<void>(mime::NewMimeBodyZQV(message->entity, sink)), std::runtime_error);
+  EXPECT_THROW(static_cast<void>(objects::NewMimeBodyZQV(message->entity, sink)),
+               std::runtime_error);
   EXPECT_EQ(host().ledger().Report(), "");
 }
 
 TEST_F(Body, MembersGiveTheListItself) {
   const auto body = Build(kNested);
   const abi::REALobject self = body.get();
-  const auto whole = host::ArrayRef::Adopt(mime::BodyParts::Whole(self));
-  const auto again = host::ArrayRef::Adopt(mime::BodyParts::Whole(self));
-  const auto variant = host::ObjectRef::Adopt(mime::BodyParts::Variant(self));
+  const auto whole = host::ArrayRef::Adopt(objects::BodyParts::Whole(self));
+  const auto again = host::ArrayRef::Adopt(objects::BodyParts::Whole(self));
+  const auto variant = host::ObjectRef::Adopt(objects::BodyParts::Variant(self));
   EXPECT_EQ(whole.get(), RecordOf(body).parts.get());
   EXPECT_EQ(again.get(), whole.get());
   EXPECT_EQ(static_cast<void*>(variant.get()), static_cast<void*>(whole.get()));
@@ -285,7 +286,7 @@ TEST_F(Body, MembersGiveTheListItself) {
 
 TEST_F(Body, LivesOnInAPartThatIsHeld) {
   auto body = Build(kNested);
-  const auto inner = host::ObjectRef::Adopt(mime::BodyParts::At(body.get(), 0));
+  const auto inner = host::ObjectRef::Adopt(objects::BodyParts::At(body.get(), 0));
   body = {};
   const auto& entity = *host::RecordOf<MimeEntityClassData>(inner.get());
   EXPECT_EQ(Show(BodyOf(*Parts(BodyOf(entity))[1]).StringValue), Ascii("two"));
@@ -309,9 +310,9 @@ TEST_F(Body, DestructorGivesEverythingBackInOrder) {
 TEST_F(Body, ConstructorAndDestructorOfAnEmptyObjectDoNothing) {
   RecordUnlocks();
   auto body = host::NewInstance<MimeBodyClassData>();
-  mime::MimeBodyConstructor(body.get());
-  EXPECT_EQ(mime::BodyParts::Whole(body.get()), nullptr);
-  EXPECT_EQ(mime::BodyParts::Variant(body.get()), nullptr);
+  objects::MimeBodyConstructor(body.get());
+  EXPECT_EQ(objects::BodyParts::Whole(body.get()), nullptr);
+  EXPECT_EQ(objects::BodyParts::Variant(body.get()), nullptr);
   const std::vector<const void*> expected = {body.get()};
   body = {};
   EXPECT_EQ(Unlocked(), expected);

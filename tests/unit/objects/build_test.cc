@@ -1,4 +1,4 @@
-#include "email/parse.h"
+#include "objects/build.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,19 +8,19 @@
 #include <string>
 #include <string_view>
 
-#include "email/email.h"
 #include "host/strings.h"
+#include "objects/email.h"
+#include "objects/switches.h"
 #include "standin/application.h"
 #include "tests/support/thread_stack.h"
-#include "tests/unit/email/email_fixture.h"
-#include "tests/unit/host/log_capture.h"
+#include "tests/unit/base/log_capture.h"
 #include "tests/unit/mime/nested_message.h"
-#include "text/charset.h"
+#include "tests/unit/objects/email_fixture.h"
 
 namespace zqv::test {
 namespace {
 
-using mime::MimeEntityClassData;
+using objects::MimeEntityClassData;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using namespace std::string_view_literals;
@@ -83,7 +83,7 @@ TEST_F(ParseMessage, WhoseFirstByteIsAnyOtherIsParsed) {
 TEST_F(ParseMessage, KeepsTheVeryStringThatItWasGiven) {
   const auto email = NewEmail();
   const auto source = host::BuildString("Subject: caf\xE9\n\n", abi::kIsoLatin1);
-  email::MimeEmailConstructor(email.get(), "Subject: x\n\n"sv, source.get());
+  objects::MimeEmailConstructor(email.get(), "Subject: x\n\n"sv, source.get());
   EXPECT_EQ(RecordOf(email).Source.get(), source.get());
   EXPECT_EQ(LocksOf(source.get()), 2);
 }
@@ -163,9 +163,9 @@ TEST_F(ParseMessage, TwiceHoldsTheSecondAndGivesTheFirstBack) {
   const auto email = NewEmail();
   const std::string first =
       Mixed({"Content-Type: text/plain\n\nfirst", "Content-Type: text/html\n\nfirst", "X: y\n\nx"});
-  email::MimeEmailConstructor(email.get(), std::string_view(first), nullptr);
-  email::MimeEmailConstructor(email.get(), "Subject: second\nContent-Type: text/plain\n\nsecond"sv,
-                              nullptr);
+  objects::MimeEmailConstructor(email.get(), std::string_view(first), nullptr);
+  objects::MimeEmailConstructor(email.get(),
+                                "Subject: second\nContent-Type: text/plain\n\nsecond"sv, nullptr);
   EXPECT_EQ(Show(RecordOf(email).Subject), Ascii("second"));
   EXPECT_EQ(Show(RecordOf(email).PlainText), Ascii("second"));
   EXPECT_EQ(Show(RecordOf(email).HTMLText), "nil");
@@ -177,13 +177,13 @@ TEST_F(ParseMessage, FreesTheBytesThatItOwns) {
   const std::string_view text = "Subject: x\n\nbody";
   text.copy(memory.get(), text.size());
   const auto email = NewEmail();
-  email::MimeEmailConstructor(email.get(), email::MessageBytes(std::move(memory), text.size()),
-                              nullptr);
+  objects::MimeEmailConstructor(email.get(), objects::MessageBytes(std::move(memory), text.size()),
+                                nullptr);
   EXPECT_EQ(Show(RecordOf(email).PlainText), Ascii("body"));
 }
 
 TEST_F(ParseMessage, OnNilDoesNothing) {
-  email::MimeEmailConstructor(nullptr, "Subject: x\n\n"sv, nullptr);
+  objects::MimeEmailConstructor(nullptr, "Subject: x\n\n"sv, nullptr);
   EXPECT_EQ(host().ledger().Report(), "");
 }
 
@@ -334,7 +334,7 @@ TEST_F(SinglePart, ContainerWithoutPartsHasNoText) {
 }
 
 TEST_F(SinglePart, RaisesForAnUnknownCharsetOnce) {
-  text::RaiseUnknownFormatExceptions = true;
+  objects::setRaiseUnknownFormatExceptions(1);
   const auto email = ParseEmail("Content-Type: text/plain; charset=foo\n\nx");
   EXPECT_EQ(TakeRaised(), "UnsupportedFormatException, 0: Unhandled charset: foo");
   EXPECT_EQ(Show(RecordOf(email).PlainText), Ascii("x"));
@@ -352,7 +352,7 @@ class EmailConstructor : public EmailTest {};
 TEST_F(EmailConstructor, FromAStringParsesItsOwnBytes) {
   const auto email = NewEmail();
   const auto content = host::BuildString("Subject: caf\xE9\n\n", abi::kIsoLatin1);
-  email::MimeEmailConstructor1(email.get(), content.get());
+  objects::MimeEmailConstructor1(email.get(), content.get());
   EXPECT_EQ(Show(RecordOf(email).Subject), MacRoman("caf\xE9"));
   EXPECT_EQ(RecordOf(email).Source.get(), content.get());
 }
@@ -360,18 +360,18 @@ TEST_F(EmailConstructor, FromAStringParsesItsOwnBytes) {
 TEST_F(EmailConstructor, FromNothingIsRefused) {
   constexpr char kRefused[] = "UnsupportedOperationException, 0: Can't parse empty text.";
   const auto email = NewEmail();
-  email::MimeEmailConstructor1(email.get(), nullptr);
+  objects::MimeEmailConstructor1(email.get(), nullptr);
   EXPECT_EQ(TakeRaised(), kRefused);
-  email::MimeEmailConstructor2(email.get(), nullptr);
+  objects::MimeEmailConstructor2(email.get(), nullptr);
   EXPECT_EQ(TakeRaised(), kRefused);
-  email::MimeEmailConstructor3(email.get(), nullptr);
+  objects::MimeEmailConstructor3(email.get(), nullptr);
   EXPECT_EQ(TakeRaised(), "IOException, 0: Failed to open file for reading.");
 }
 
 TEST_F(EmailConstructor, FromABlockParsesItsBytes) {
   const auto email = NewEmail();
   const auto block = standin::MakeMemoryBlock("Subject: x\n\nbody");
-  email::MimeEmailConstructor2(email.get(), block.raw());
+  objects::MimeEmailConstructor2(email.get(), block.raw());
   EXPECT_EQ(Show(RecordOf(email).PlainText), Ascii("body"));
   EXPECT_EQ(Show(RecordOf(email).Source), Ascii("Subject: x\n\nbody"));
 }
@@ -379,9 +379,9 @@ TEST_F(EmailConstructor, FromABlockParsesItsBytes) {
 TEST_F(EmailConstructor, SaysWhichOneItIs) {
   const auto email = NewEmail();
   const LogCapture log;
-  email::MimeEmailConstructor1(email.get(), nullptr);
-  email::MimeEmailConstructor2(email.get(), nullptr);
-  email::MimeEmailConstructor3(email.get(), nullptr);
+  objects::MimeEmailConstructor1(email.get(), nullptr);
+  objects::MimeEmailConstructor2(email.get(), nullptr);
+  objects::MimeEmailConstructor3(email.get(), nullptr);
   EXPECT_EQ(log.Text(),
             Logged({"MimeEmailConstructor1", "data is NULL, so size fixed to zero.",
                     "MimeEmailConstructor 0", "MimeEmailConstructor2", "MimeEmailConstructor 0",
@@ -390,8 +390,8 @@ TEST_F(EmailConstructor, SaysWhichOneItIs) {
 }
 
 TEST_F(EmailConstructor, SharedMethodsTakeNil) {
-  EXPECT_EQ(email::HTMLToPlainText(nullptr), nullptr);
-  EXPECT_EQ(email::DecodeInline(nullptr), nullptr);
+  EXPECT_EQ(objects::HTMLToPlainText(nullptr), nullptr);
+  EXPECT_EQ(objects::DecodeInline(nullptr), nullptr);
 }
 
 }  // namespace

@@ -1,17 +1,17 @@
-#include "mime/entity.h"
+#include "objects/entity.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
-#include "tests/unit/mime/mime_fixture.h"
+#include "tests/unit/objects/objects_fixture.h"
 
 namespace zqv::test {
 namespace {
 
-using mime::MimeEntityClassData;
+using objects::MimeEntityClassData;
 
-class Entity : public MimeTest {
+class Entity : public ObjectsTest {
  protected:
   // A record in which every field holds something of its own.
   static void Fill(MimeEntityClassData& record) {
@@ -73,16 +73,16 @@ TEST_F(Entity, ClearLeavesNothing) {
   const auto entity = host::NewInstance<MimeEntityClassData>();
   MimeEntityClassData& record = *host::RecordOf<MimeEntityClassData>(entity.get());
   Fill(record);
-  mime::Clear(record);
+  objects::Clear(record);
   EXPECT_EQ(Held(record), Nothing());
   EXPECT_EQ(host().ledger().Live().Total(), 1) << "the entity itself";
-  mime::Clear(record);
+  objects::Clear(record);
 }
 
 TEST_F(Entity, MadeByTheApplicationIsEmpty) {
   RecordUnlocks();
   auto entity = host::NewInstance<MimeEntityClassData>();
-  mime::MimeEntityConstructor(entity.get());
+  objects::MimeEntityConstructor(entity.get());
   EXPECT_EQ(Held(*host::RecordOf<MimeEntityClassData>(entity.get())), Nothing());
   const std::vector<const void*> expected = {entity.get()};
   entity = {};
@@ -90,19 +90,19 @@ TEST_F(Entity, MadeByTheApplicationIsEmpty) {
 }
 
 TEST_F(Entity, DestructorWithoutARecordDoesNothing) {
-  mime::MimeEntityDestructor(nullptr);
+  objects::MimeEntityDestructor(nullptr);
   const auto entity = host::NewInstance<MimeEntityClassData>();
   host::BindRecord<MimeEntityClassData>(nullptr);
-  mime::MimeEntityDestructor(entity.get());
+  objects::MimeEntityDestructor(entity.get());
 }
 
 // A host that cannot take things back leaves the record empty all the same.
 TEST_F(Entity, DestructorEmptiesTheRecordWhenTheHostCannotUnlock) {
-  StartMimeWithFault("REALUnlockString");
+  StartObjectsWithFault("REALUnlockString");
   const auto entity = host::NewInstance<MimeEntityClassData>();
   MimeEntityClassData& record = *host::RecordOf<MimeEntityClassData>(entity.get());
   Fill(record);
-  mime::MimeEntityDestructor(entity.get());
+  objects::MimeEntityDestructor(entity.get());
   EXPECT_EQ(Held(record), Nothing());
 }
 
