@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
-#include "bench/throughput.h"
 #include "base/unicode.h"
+#include "bench/throughput.h"
 #include "text/html_to_text.h"
 
 namespace zqv::bench {

@@ -16,6 +16,7 @@ struct Options {
   std::string list;  // a file with the path of a message on each line
   std::string name;  // what the first column says
   double seconds = 1;
+  int passes = 1;  // at least
 };
 
 double ProcessorSeconds() {
@@ -60,7 +61,7 @@ void Measure(const Options& options, std::size_t count, std::size_t bytes, const
   double passes = 0;
   double seconds = 0;
   const double start = ProcessorSeconds();
-  while (seconds < options.seconds) {
+  while (seconds < options.seconds || passes < options.passes) {
     pass();
     ++passes;
     seconds = ProcessorSeconds() - start;
@@ -81,6 +82,7 @@ int ThroughputMain(int argc, char** argv, const std::string& name, const std::st
   app.add_option("--list", options.list, "A file with the path of a message on each line")
       ->required();
   app.add_option("--seconds", options.seconds, "Processor time to measure for");
+  app.add_option("--passes", options.passes, "Passes to measure at least, besides the first");
   app.add_option("--name", options.name, "What the first column says");
   CLI11_PARSE(app, argc, argv);
   try {

@@ -107,7 +107,7 @@ std::string ExpectedException(std::string_view bytes) {
 }
 
 bool IsLimit(std::string_view raised) {
-  return raised.find("the message is nested too deeply") != std::string_view::npos;
+  return raised.find("C++ Exception: the message has too many") != std::string_view::npos;
 }
 
 void Start() { Session::Get(); }

@@ -17,7 +17,7 @@ namespace {
 using standin::Object;
 using standin::Value;
 
-// No recursion: messages may be nested as deep as the stack allows the library itself.
+// No recursion: messages may be nested thousands deep, and stacks may be small.
 class Reader {
  public:
   void Run(const Object& top) {

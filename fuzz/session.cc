@@ -32,7 +32,7 @@ Session& Session::Start(standin::Capabilities capabilities) {
 Session& Session::Get() { return the_session != nullptr ? *the_session : Start({}); }
 
 void Session::ExpectNothingLeft() {
-  host_->DropStray();
+  host_->DropAllStrays();
   if (host_->ledger().Live().Total() != live_at_start_) Fail(host_->ledger().Report());
   Expect(host_->StrangeNames() == 0, "the library asks for names that no host has");
 }

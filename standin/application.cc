@@ -73,6 +73,7 @@ std::string Expected(const std::string& name, const TypeText& type, const Thing&
 // declared type.
 Value Receive(std::int64_t raw, TypeKind kind, const TypeText& type, const std::string& name) {
   if (raw == 0) return std::monostate();
+  const HostLock lock;
   const Store& store = TheHost().store();
   const void* const pointer = reinterpret_cast<const void*>(raw);
   if (kind == TypeKind::kString) return String::Adopt(store.String(pointer, name.c_str()));
@@ -128,8 +129,13 @@ Value ReadField(const ClassInfo& info, const Property& property, const Thing& ob
     return number;
   }
   if (raw == 0) return std::monostate();
-  TheHost().ledger().CheckAlive(reinterpret_cast<const void*>(raw), name.c_str());
-  AddLock(reinterpret_cast<Thing*>(raw));
+  {
+    const HostLock lock;
+    Store& store = TheHost().store();
+    auto* const thing = reinterpret_cast<Thing*>(raw);
+    store.ledger().CheckAlive(thing, name.c_str());
+    store.Lock(thing, kUser);
+  }
   return Receive(raw, property.kind, property.type, name);
 }
 
@@ -274,11 +280,39 @@ const Method& FindMethod(const ClassInfo& info, std::vector<Method> ClassInfo::*
   return *found;
 }
 
-std::int64_t LocksOf(const Value& value) {
-  if (const auto* const string = std::get_if<String>(&value)) return string->locks();
-  if (const auto* const object = std::get_if<Object>(&value)) return object->locks();
-  return 0;
-}
+// The lock counts of borrowed arguments before a call, to be compared with those after it.
+class BorrowCheck {
+ public:
+  explicit BorrowCheck(const std::vector<Value>& values) : values_(values) {
+    locks_before_.reserve(values.size());
+    const HostLock lock;
+    handovers_ = HostLock::Handovers();
+    for (const Value& value : values) locks_before_.push_back(CountLocks(value));
+  }
+
+  // Fatal when an argument lost locks and no other thread was in the host since the beginning,
+  // which may have given back locks of its own. `name` is the method's.
+  void Finish(const std::string& name) const {
+    const HostLock lock;
+    if (handovers_ != HostLock::Handovers()) return;
+    for (std::size_t i = 0; i < values_.size(); ++i) {
+      if (CountLocks(values_[i]) >= locks_before_[i]) continue;
+      Fatal(name + ": a borrowed argument has fewer locks after the call");
+    }
+  }
+
+ private:
+  static std::int64_t CountLocks(const Value& value) {
+    const Thing* thing = nullptr;
+    if (const auto* const string = std::get_if<String>(&value)) thing = string->thing();
+    if (const auto* const object = std::get_if<Object>(&value)) thing = object->thing();
+    return thing == nullptr ? 0 : thing->LockCount();
+  }
+
+  const std::vector<Value>& values_;
+  std::vector<std::int64_t> locks_before_;
+  std::uint64_t handovers_ = 0;
+};
 
 // `instance` is null for a shared method. The arguments have been found to fit.
 Value Invoke(const Method& method, Thing* instance, const std::vector<Value>& values) {
@@ -286,25 +320,29 @@ Value Invoke(const Method& method, Thing* instance, const std::vector<Value>& va
   CallArguments arguments;
   if (instance != nullptr) arguments.Add(instance);
   static_cast<void>(Marshal(method.declaration, values, &arguments));
-  std::vector<std::int64_t> locks_before;
-  locks_before.reserve(values.size());
-  for (const Value& value : values) locks_before.push_back(LocksOf(value));
+  const BorrowCheck borrowed(values);
   const Delivery delivery;
   Value result =
       CallFor(method.result_kind, method.declaration.result, method.row->function, arguments, name);
-  if (TheHost().CountsLocks()) {
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      if (LocksOf(values[i]) >= locks_before[i]) continue;
-      Fatal(name + ": a borrowed argument has fewer locks after the call");
-    }
-  }
+  if (TheHost().CountsLocks()) borrowed.Finish(name);
   delivery.Deliver();
   return result;
 }
 
+NativeThing* NewNative(std::string_view class_name) {
+  const ClassInfo& info = ClassNamed(class_name);
+  const HostLock lock;
+  return TheHost().store().NewNative(info, kUser);
+}
+
+StringThing* NewString(std::string_view bytes, abi::Encoding encoding) {
+  const HostLock lock;
+  return TheHost().store().NewString(bytes, encoding, kUser);
+}
+
 // The block's memory is exactly as long as `bytes`, so that reading past it shows.
 Object NewMemoryBlock(std::string_view bytes, std::int64_t size) {
-  NativeThing* const thing = TheHost().store().NewNative(ClassNamed("MemoryBlock"), kUser);
+  NativeThing* const thing = NewNative("MemoryBlock");
   auto& block = std::get<MemoryBlock>(*thing->state);
   block.bytes = std::make_unique<char[]>(bytes.size());
   if (!bytes.empty()) std::memcpy(block.bytes.get(), bytes.data(), bytes.size());
@@ -323,12 +361,10 @@ HostException::HostException(std::string class_name_text, std::string message_te
 
 String MakeString(std::string_view bytes, abi::Encoding encoding) {
   if (bytes.empty()) return {};
-  return String::Adopt(TheHost().store().NewString(bytes, encoding, kUser));
+  return String::Adopt(NewString(bytes, encoding));
 }
 
-String MakeEmptyString(abi::Encoding encoding) {
-  return String::Adopt(TheHost().store().NewString({}, encoding, kUser));
-}
+String MakeEmptyString(abi::Encoding encoding) { return String::Adopt(NewString({}, encoding)); }
 
 Object MakeMemoryBlock(std::string_view bytes) {
   return NewMemoryBlock(bytes, static_cast<std::int64_t>(bytes.size()));
@@ -344,13 +380,14 @@ Object MakeMemoryBlockWithoutPointer(std::int64_t size) {
 }
 
 Object MakeFolderItem(std::string_view path) {
-  NativeThing* const thing = TheHost().store().NewNative(ClassNamed("FolderItem"), kUser);
+  NativeThing* const thing = NewNative("FolderItem");
   *thing->state = FolderItem{std::string(path), FileUrl(path)};
   return Object::Adopt(thing);
 }
 
 Object NewInstance(std::string_view class_name) {
   const ClassInfo& info = ClassNamed(class_name);
+  const HostLock lock;
   return Object::Adopt(TheHost().store().NewObject(info, kUser));
 }
 

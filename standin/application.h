@@ -4,7 +4,11 @@
 // Members are found by name, ignoring case, in the class and then its super classes. A member that
 // is not there, a private one, or arguments that do not fit throw std::invalid_argument: that is
 // the caller's mistake. An exception that the plug-in raised is thrown as HostException when the
-// call has returned. What the plug-in does wrong is fatal.
+// call has returned, in the thread that made the call. What the plug-in does wrong is fatal.
+//
+// All of this may be done in several threads at the same time. Nothing keeps two threads from
+// changing one object of the plug-in or of the host at once: as in a real host, that is for the
+// application to see to.
 #pragma once
 
 #include <cstdint>

@@ -66,14 +66,19 @@ struct Capabilities {
   std::set<std::string, std::less<>> unknown_classes;
   // Properties of native classes that cannot be read or written: "FolderItem.NativePath".
   std::set<std::string, std::less<>> missing_properties;
-  // Of the strings that "NativePath" and "URLPath" give; kUnknownEncoding stands for Mac Roman bytes
-  // without a label. A path that it cannot hold stays in UTF-8.
+  // Of the strings that "NativePath" and "URLPath" give; kUnknownEncoding stands for Mac Roman
+  // bytes without a label. A path that it cannot hold stays in UTF-8.
   abi::Encoding path_encoding = abi::kUtf8;
   // Offers "REALGetStringCFString" when set; what it returns is the plug-in's to release.
+  // It is called with the host's lock held and must not call the host.
   std::function<abi::PlatformString(std::string_view bytes, abi::Encoding encoding)>
       platform_string;
   // Off for benchmarks: only lock counts remain, and misuse is not recognised.
   bool ledger = true;
+  // Bytes of stack that the host takes for each release of an object or array, over and above its
+  // own small frames: it stands for a host with large ones. They are in use while the destructor
+  // runs and while the elements are released, so nested releases add up. 0: none.
+  std::size_t release_stack = 0;
   // Freed things are held back, unreadable, so that their use is recognised.
   std::size_t quarantine_entries = 200'000;
   std::size_t quarantine_bytes = std::size_t{64} << 20;

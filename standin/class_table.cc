@@ -226,11 +226,13 @@ ClassInfo* ClassTable::Add(std::string_view name, const ClassInfo* super) {
 
 const ClassInfo* ClassTable::Find(std::string_view name) const {
   const auto place = reinterpret_cast<std::uintptr_t>(name.data());
-  const ClassInfo*& recent = recent_[(place ^ place >> 4) % recent_.size()];
+  std::atomic<const ClassInfo*>& slot = recent_[(place ^ place >> 4) % recent_.size()];
+  const ClassInfo* const recent = slot.load(std::memory_order_acquire);
   if (recent != nullptr && recent->name == name) return recent;
   const auto entry = by_name_.find(name);
   if (entry == by_name_.end()) return nullptr;
-  return recent = entry->second;
+  slot.store(entry->second, std::memory_order_release);
+  return entry->second;
 }
 
 void ClassTable::Place(ClassInfo* info) {

@@ -3,9 +3,13 @@
 // Registration is strict: whatever is wrong with a definition is fatal. Each class has a record
 // offset of its own, a multiple of 16. A class whose record has no bytes gets an offset whose
 // memory nobody may touch. Names of classes and members ignore case.
+//
+// Several threads may look classes up at the same time; registering is for one thread, while no
+// other uses the table.
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -120,7 +124,7 @@ class ClassTable {
   std::vector<std::unique_ptr<ClassInfo>> classes_;
   std::unordered_map<std::string_view, const ClassInfo*, NameHash, NameEqual> by_name_;
   // What was found last, by where the name that was asked for lies: who asks again has it there.
-  mutable std::array<const ClassInfo*, 16> recent_{};
+  mutable std::array<std::atomic<const ClassInfo*>, 16> recent_{};
   std::vector<const ClassInfo*> registered_;
   std::set<std::size_t> used_offsets_;
   std::set<int> announced_;

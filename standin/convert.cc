@@ -145,9 +145,10 @@ struct CloseIconv {
 };
 using IconvHandle = std::unique_ptr<std::remove_pointer_t<iconv_t>, CloseIconv>;
 
-// An open converter, kept for the life of the process; the names are literals of the table.
+// An open converter, kept for the life of the thread, since two threads cannot use one; the names
+// are literals of the table.
 iconv_t Converter(const char* from, const char* to) {
-  static std::map<std::pair<const char*, const char*>, IconvHandle> open;
+  thread_local std::map<std::pair<const char*, const char*>, IconvHandle> open;
   IconvHandle& handle = open[{from, to}];
   if (handle == nullptr) {
     iconv_t made = iconv_open(to, from);

@@ -1,4 +1,5 @@
 // Text conversion between the host's encodings: strict in both directions, nothing is replaced.
+// Several threads may convert at the same time.
 #pragma once
 
 #include <optional>

@@ -4,7 +4,6 @@
 #include "standin/entry_points.h"
 #include "standin/fatal.h"
 #include "standin/host.h"
-#include "standin/invoke.h"
 
 namespace zqv::standin {
 namespace {
@@ -19,7 +18,7 @@ ArrayThing* Typed(const void* raw, int element_type, const char* user) {
 }
 
 void InsertObject(abi::REALarray array, abi::RBInteger index, abi::REALobject object) {
-  const PluginScope scope(false);
+  const EntryScope scope;
   static constexpr const char* kName = "the array's insert procedure";
   Host& host = Host::Get(kName);
   Store& store = host.store();
@@ -31,14 +30,14 @@ void InsertObject(abi::REALarray array, abi::RBInteger index, abi::REALobject ob
 }
 
 abi::RBInteger GetInteger(abi::REALarray array, abi::RBInteger index) {
-  const PluginScope scope(false);
+  const EntryScope scope;
   static constexpr const char* kName = "the array's get procedure";
   return Host::Get(kName).store().Element(*Typed(array, abi::kIntegerElements, kName), index,
                                           kName);
 }
 
 void SetInteger(abi::REALarray array, abi::RBInteger value, abi::RBInteger index) {
-  const PluginScope scope(false);
+  const EntryScope scope;
   static constexpr const char* kName = "the array's set procedure";
   Host::Get(kName).store().SetInteger(Typed(array, abi::kIntegerElements, kName), index, value,
                                       kName);

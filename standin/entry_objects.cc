@@ -8,7 +8,6 @@
 #include "standin/entry_points.h"
 #include "standin/fatal.h"
 #include "standin/host.h"
-#include "standin/invoke.h"
 #include "standin/text.h"
 
 namespace zqv::standin {
@@ -23,7 +22,7 @@ constexpr std::string_view kSixArguments =
     "minute as Integer, second as Integer)";
 
 void SetDate(abi::REALobject object, const Date::Fields& fields) {
-  const PluginScope scope(false);
+  const EntryScope scope;
   static constexpr const char* kName = "Date.Constructor";
   NativeThing* const thing = Host::Get(kName).store().Native(object, NativeKind::kDate, kName);
   std::get<Date>(*thing->state).SetFields(fields);

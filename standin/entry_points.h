@@ -7,6 +7,8 @@
 
 #include "abi/encodings.h"
 #include "abi/records.h"
+#include "standin/host_lock.h"
+#include "standin/invoke.h"
 
 namespace zqv::standin {
 
@@ -16,6 +18,17 @@ enum EntryId : std::size_t {
 #define ZQV_ENTRY_POINT(name, result, arguments, ownership) k##name,
 #include "abi/entry_points.def"
   kEntryCount
+};
+
+// A call of an entry point, of the resolver or of a function that either gave: the plug-in does not
+// run meanwhile, and the host's lock is held.
+class EntryScope {
+ public:
+  EntryScope() : plugin_(false) {}
+
+ private:
+  const PluginScope plugin_;
+  const HostLock lock_;
 };
 
 // What each does once its call was counted and no fault has stopped it.

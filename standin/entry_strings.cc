@@ -10,7 +10,6 @@
 #include "standin/entry_points.h"
 #include "standin/fatal.h"
 #include "standin/host.h"
-#include "standin/invoke.h"
 
 namespace zqv::standin {
 namespace {
@@ -42,7 +41,7 @@ abi::REALstring Build(const char* bytes, int length, abi::Encoding encoding, con
 
 // The global method that measures a string in bytes.
 abi::RBInteger LenB(abi::REALstring string) {
-  const PluginScope scope(false);
+  const EntryScope scope;
   return static_cast<abi::RBInteger>(Read(string, "LenB").bytes.size());
 }
 

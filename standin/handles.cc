@@ -23,6 +23,7 @@ const ArrayThing& ArrayOf(const Object& object) {
 
 void AddLock(Thing* thing) {
   if (thing == nullptr) return;
+  const HostLock lock;
   Store& store = CurrentStore();
   store.ledger().CheckAlive(thing, kHandle);
   store.Lock(thing, kHandle);
@@ -30,9 +31,16 @@ void AddLock(Thing* thing) {
 
 void GiveBack(Thing* thing) {
   if (thing == nullptr) return;
+  const HostLock lock;
   Store& store = CurrentStore();
   store.ledger().CheckAlive(thing, kHandle);
   store.Unlock(thing, kHandle);
+}
+
+std::int64_t LocksOf(const Thing* thing) {
+  if (thing == nullptr) return 0;
+  const HostLock lock;
+  return thing->LockCount();
 }
 
 std::optional<std::string> String::Utf8() const {
@@ -54,16 +62,24 @@ bool Object::IsA(std::string_view class_name) const {
 
 bool Object::IsArray() const { return !IsNil() && thing()->kind == ThingKind::kArray; }
 
-std::int64_t Object::Size() const { return CurrentStore().UpperBound(ArrayOf(*this)) + 1; }
+std::int64_t Object::Size() const {
+  const ArrayThing& array = ArrayOf(*this);
+  const HostLock lock;
+  return CurrentStore().UpperBound(array) + 1;
+}
 
 Value Object::At(std::int64_t index) const {
   const ArrayThing& array = ArrayOf(*this);
-  if (index < 0 || index >= Size()) throw std::out_of_range("index outside the array");
-  const std::int64_t slot = CurrentStore().Element(array, index, kHandle);
+  const HostLock lock;
+  Store& store = CurrentStore();
+  if (index < 0 || index > store.UpperBound(array)) {
+    throw std::out_of_range("index outside the array");
+  }
+  const std::int64_t slot = store.Element(array, index, kHandle);
   if (array.body->element_type != abi::kObjectElements) return slot;
   if (slot == 0) return std::monostate();
-  Thing* const element = CurrentStore().Object(reinterpret_cast<const void*>(slot), kHandle);
-  AddLock(element);
+  Thing* const element = store.Object(reinterpret_cast<const void*>(slot), kHandle);
+  store.Lock(element, kHandle);
   return Object::Adopt(element);
 }
 
@@ -72,7 +88,9 @@ void Object::Append(const Object& element) const {
     throw std::invalid_argument("not an array of objects");
   }
   auto* const array = static_cast<ArrayThing*>(thing());
-  CurrentStore().Insert(array, Size(), element.thing(), kHandle);
+  const HostLock lock;
+  Store& store = CurrentStore();
+  store.Insert(array, store.UpperBound(*array) + 1, element.thing(), kHandle);
 }
 
 }  // namespace zqv::standin

@@ -1,7 +1,8 @@
 // What an application holds: typed handles to strings and objects, and values.
 //
 // Each non-nil handle has one lock of its own; copying a handle adds a lock, its end gives it
-// back. Handles must not outlive the host.
+// back. Handles must not outlive the host. Several threads may use handles to one thing at the same
+// time, but a handle of its own is needed by a thread that changes it.
 #pragma once
 
 #include <cstdint>
@@ -21,6 +22,8 @@ namespace zqv::standin {
 // Adds and gives back an application's lock; nil is ignored.
 void AddLock(Thing* thing);
 void GiveBack(Thing* thing);
+// The locks of all holders together; 0 for nil.
+std::int64_t LocksOf(const Thing* thing);
 
 // The part that strings and objects share. T is the thing's struct.
 template <typename T>
@@ -39,7 +42,7 @@ class Handle {
   // Borrowed; null for nil.
   T* thing() const { return thing_; }
   // The locks of all holders together; 0 for nil.
-  std::int64_t locks() const { return thing_ == nullptr ? 0 : thing_->LockCount(); }
+  std::int64_t locks() const { return LocksOf(thing_); }
 
   // The very same thing, not equal contents.
   friend bool operator==(const Handle& a, const Handle& b) { return a.thing_ == b.thing_; }

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "standin/fatal.h"
-#include "standin/invoke.h"
 #include "standin/text.h"
 
 namespace zqv::standin {
@@ -19,7 +18,7 @@ struct Counted;
 template <EntryId kId, typename Result, typename... Arguments, Result (*kBody)(Arguments...)>
 struct Counted<kId, kBody> {
   static Result Call(Arguments... arguments) {
-    const PluginScope scope(false);
+    const EntryScope scope;
     if (Host::Get("an entry point").Enter(kId)) return Result();
     return kBody(arguments...);
   }
@@ -77,7 +76,7 @@ void Host::FailWithoutHost(const char* user) {
 abi::Resolver Host::resolver() const { return &Host::Resolve; }
 
 void* Host::Resolve(const char* name) {
-  const PluginScope scope(false);
+  const EntryScope scope;
   Host& host = Get("the resolver");
   if (name == nullptr) Fatal("the resolver is asked for a null name");
   const std::optional<EntryId> id = FindEntry(name);
@@ -94,12 +93,15 @@ void* Host::Resolve(const char* name) {
 
 const Host::EntryState& Host::State(std::string_view name) const { return entries_[EntryOf(name)]; }
 
-std::uint64_t Host::CallCount(std::string_view name) const { return State(name).calls; }
+std::uint64_t Host::CallCount(std::string_view name) const { return Locked(State(name).calls); }
 
-std::uint64_t Host::ResolveCount(std::string_view name) const { return State(name).askings; }
+std::uint64_t Host::ResolveCount(std::string_view name) const {
+  return Locked(State(name).askings);
+}
 
 void Host::SetFault(std::string_view name, std::optional<Fault> fault) {
   const EntryId id = EntryOf(name);
+  const HostLock lock;
   entries_[id].fault = fault;
   if (!fault) return;
   if (id == kPluginRegisterClass || id == kRegisterPluginVersion) {
@@ -136,21 +138,42 @@ bool Host::IsUnknownClass(std::string_view name) const {
   return false;
 }
 
-NativeThing* Host::TakePending() { return std::exchange(pending_, nullptr); }
+NativeThing* Host::TakePendingLocked() {
+  if (pending_.empty()) return nullptr;
+  const auto own = pending_.find(std::this_thread::get_id());
+  if (own == pending_.end()) return nullptr;
+  NativeThing* const exception = own->second;
+  pending_.erase(own);
+  return exception;
+}
+
+NativeThing* Host::TakePending() {
+  const HostLock lock;
+  return TakePendingLocked();
+}
 
 void Host::Raise(NativeThing* exception) {
-  if (pending_ != nullptr) {
+  if (!pending_.emplace(std::this_thread::get_id(), exception).second) {
     ++dropped_exceptions_;
     return;
   }
   store_.Lock(exception, "RuntimeRaiseException");
-  pending_ = exception;
 }
 
 void Host::DropStray() {
-  if (pending_ == nullptr) return;
+  const HostLock lock;
+  NativeThing* const exception = TakePendingLocked();
+  if (exception == nullptr) return;
   ++stray_exceptions_;
-  store_.Unlock(TakePending(), "the host");
+  store_.Unlock(exception, "the host");
+}
+
+void Host::DropAllStrays() {
+  const HostLock lock;
+  for (const auto& [thread, exception] : std::exchange(pending_, {})) {
+    ++stray_exceptions_;
+    store_.Unlock(exception, "the host");
+  }
 }
 
 }  // namespace zqv::standin

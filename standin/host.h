@@ -4,6 +4,11 @@
 // asking and every call of an entry point and applies its fault before the call does anything.
 // The application side (standin/application.h) works beside the entry points: it is neither
 // counted nor subject to faults.
+//
+// Entry points and the application side may be called from several threads at the same time; see
+// standin/host_lock.h. A host starts, ends and has classes registered while one thread uses it. The
+// functions of this class take the host's lock themselves where a comment does not say that it must
+// be held.
 #pragma once
 
 #include <array>
@@ -13,11 +18,14 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
+#include <unordered_map>
 
 #include "abi/records.h"
 #include "standin/capabilities.h"
 #include "standin/class_table.h"
 #include "standin/entry_points.h"
+#include "standin/host_lock.h"
 #include "standin/ledger.h"
 #include "standin/store.h"
 
@@ -45,6 +53,7 @@ class Host {
 
   // As given at the start; SetFault does not change them.
   const Capabilities& capabilities() const { return capabilities_; }
+  // The lock must be held for using these two when there are several threads.
   Ledger& ledger() { return store_.ledger(); }
   Store& store() { return store_; }
   ClassTable& classes() { return classes_; }
@@ -55,16 +64,16 @@ class Host {
   std::uint64_t CallCount(std::string_view name) const;
   std::uint64_t ResolveCount(std::string_view name) const;
   // Calls of all entry points together.
-  std::uint64_t TotalCalls() const { return total_calls_; }
+  std::uint64_t TotalCalls() const { return Locked(total_calls_); }
   // How often names were asked that no host has.
-  std::uint64_t StrangeNames() const { return strange_names_; }
+  std::uint64_t StrangeNames() const { return Locked(strange_names_); }
 
   // Replaces the fault of one entry point from now on; calls count from the host's start. A
   // missing one is missed only by those who have not resolved it yet.
   void SetFault(std::string_view name, std::optional<Fault> fault);
 
   // Whether lock counts mean anything: false once a lock or unlock entry point has had a fault.
-  bool CountsLocks() const { return counts_locks_; }
+  bool CountsLocks() const { return Locked(counts_locks_); }
 
   // Fatal when a registered member names a type that is no class. To be called once the plug-in
   // has registered everything.
@@ -73,17 +82,23 @@ class Host {
   // A stable text of every registered class and member, without addresses.
   std::string ListClasses() const;
 
-  // The pending exception, handed over with its lock; null when there is none.
+  // A pending exception belongs to the thread that raised it.
+  //
+  // This thread's, handed over with its lock; null when there is none.
   NativeThing* TakePending();
-  // Makes an exception pending with a lock of its own, unless one is pending already.
+  // Makes an exception pending in this thread with a lock of its own, unless one is pending there
+  // already. The lock must be held.
   void Raise(NativeThing* exception);
   // Exceptions raised while another was pending, and those pending when nothing was being called.
-  std::uint64_t DroppedExceptions() const { return dropped_exceptions_; }
-  std::uint64_t StrayExceptions() const { return stray_exceptions_; }
-  // Lets go of an exception that nobody waits for, and counts it.
+  std::uint64_t DroppedExceptions() const { return Locked(dropped_exceptions_); }
+  std::uint64_t StrayExceptions() const { return Locked(stray_exceptions_); }
+  // Lets go of an exception of this thread that nobody waits for, and counts it.
   void DropStray();
+  // The same for every thread, those that have ended included.
+  void DropAllStrays();
 
-  // Counts a call of an entry point and applies its fault: true when the call must do nothing.
+  // Counts a call of an entry point and applies its fault: true when the call must do nothing. The
+  // lock must be held.
   bool Enter(EntryId id) {
     ++total_calls_;
     EntryState& state = entries_[id];
@@ -107,6 +122,14 @@ class Host {
   [[noreturn]] static void FailWithoutHost(const char* user);
   bool ApplyFault(EntryId id) const;
   const EntryState& State(std::string_view name) const;
+  // The lock must be held.
+  NativeThing* TakePendingLocked();
+
+  template <typename T>
+  static T Locked(const T& member) {
+    const HostLock lock;
+    return member;
+  }
 
   inline static Host* current_ = nullptr;  // the resolver has no context to carry it
 
@@ -114,7 +137,7 @@ class Host {
   ClassTable classes_;
   Store store_;
   std::array<EntryState, kEntryCount> entries_;
-  NativeThing* pending_ = nullptr;
+  std::unordered_map<std::thread::id, NativeThing*> pending_;
   bool counts_locks_ = true;
   std::uint64_t total_calls_ = 0;
   std::uint64_t strange_names_ = 0;

@@ -35,25 +35,39 @@ std::int64_t CallInteger(abi::REALproc function, const CallArguments& arguments,
 bool CallBoolean(abi::REALproc function, const CallArguments& arguments, const std::string& what);
 double CallDouble(abi::REALproc function, const CallArguments& arguments, const std::string& what);
 
+// Notified whenever a thread passes from the host's code to the plug-in's or back.
+using SideObserver = void (*)(bool in_plugin);
+
 namespace internal {
-inline bool in_plugin = false;
+inline thread_local bool in_plugin = false;
+inline SideObserver g_side_observer = nullptr;
 }  // namespace internal
 
-// Whether code of the plug-in runs at this moment, called by the host and not itself inside an
-// entry point. A test that makes allocations fail asks this so as to spare the host's own.
+// For measurements: from now on the observer is notified, until null takes its place. No other
+// thread may run the plug-in meanwhile.
+inline void ObserveSides(SideObserver observer) { internal::g_side_observer = observer; }
+
+// Whether code of the plug-in runs at this moment in this thread, called by the host and not itself
+// inside an entry point. A test that makes allocations fail asks this so as to spare the host's
+// own.
 inline bool InPlugin() { return internal::in_plugin; }
 
-// Sets what InPlugin answers, and restores it.
+// Sets what InPlugin answers in this thread, and restores it.
 class PluginScope {
  public:
-  explicit PluginScope(bool now_in_plugin) : before_(internal::in_plugin) {
-    internal::in_plugin = now_in_plugin;
-  }
-  ~PluginScope() { internal::in_plugin = before_; }
+  explicit PluginScope(bool now_in_plugin) : before_(internal::in_plugin) { Set(now_in_plugin); }
+  ~PluginScope() { Set(before_); }
   PluginScope(const PluginScope&) = delete;
   PluginScope& operator=(const PluginScope&) = delete;
 
  private:
+  static void Set(bool in_plugin) {
+    if (internal::g_side_observer != nullptr && in_plugin != internal::in_plugin) {
+      internal::g_side_observer(in_plugin);
+    }
+    internal::in_plugin = in_plugin;
+  }
+
   const bool before_;
 };
 

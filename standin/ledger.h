@@ -3,6 +3,8 @@
 // `live_` holds exactly the things that were born and have not died; `dead_` those freed whose
 // memory is still held back, so that no new thing has the address of a recently freed one. With
 // the ledger off only the counts are kept and freed memory is given back at once.
+//
+// The host's lock must be held for every call when there are several threads.
 #pragma once
 
 #include <cstddef>

@@ -1,6 +1,7 @@
 // The walk keeps a stack of places still to be filled. Opening an object reads all its members
 // first and makes their places; only then do the objects among them go on the stack, so that no
-// place moves while it is waiting.
+// place moves while it is waiting. A path is kept as its last step and the path before it: whole
+// paths would take memory by the square of a tree's depth.
 #include "standin/mirror.h"
 
 #include <algorithm>
@@ -27,7 +28,9 @@ class Walk {
   explicit Walk(const MirrorOptions& options) : options_(options) {}
 
   void Run(const Object& top, Json* result) {
-    Put(top, result, "", 0);
+    steps_.push_back({0, {}});
+    if (top.IsNil()) return;
+    waiting_.push_back({top, result, 0, 0});
     while (!waiting_.empty()) {
       Item item = std::move(waiting_.back());
       waiting_.pop_back();
@@ -36,12 +39,18 @@ class Walk {
   }
 
  private:
+  // The number of a path in `steps_`.
+  using Path = std::size_t;
+  struct Step {
+    Path before;  // the top's own for the top
+    std::string name;
+  };
   // An object or array still to be written. `place` stays valid: a container is filled with all
   // its members before any of them is opened.
   struct Item {
     Object object;
     Json* place;
-    std::string path;
+    Path path;
     std::size_t depth;
   };
   struct Member {
@@ -52,13 +61,25 @@ class Walk {
   // Held, so that no later object can have the address of an earlier one.
   struct Seen {
     Object object;
-    std::string path;
+    Path path;
   };
 
-  // Writes a plain value; an object's place stays null until its turn comes.
-  void Put(const Value& value, Json* place, const std::string& path, std::size_t depth) {
+  // "/Body/Parts/0"; empty for the top.
+  std::string PathText(Path path) const {
+    std::vector<Path> steps;
+    for (; path != 0; path = steps_[path].before) steps.push_back(path);
+    std::string text;
+    for (auto step = steps.rbegin(); step != steps.rend(); ++step) text += "/" + steps_[*step].name;
+    return text;
+  }
+
+  // Writes a plain value; an object's place stays null until its turn comes. `name` is that of the
+  // value within the holder.
+  void Put(const Value& value, Json* place, const Item& holder, const std::string& name) {
     if (const auto* const object = std::get_if<Object>(&value)) {
-      if (!object->IsNil()) waiting_.push_back({*object, place, path, depth});
+      if (object->IsNil()) return;
+      steps_.push_back({holder.path, name});
+      waiting_.push_back({*object, place, steps_.size() - 1, holder.depth + 1});
     } else if (const auto* const string = std::get_if<String>(&value)) {
       *place = MirrorText(*string);
     } else if (const auto* const boolean = std::get_if<bool>(&value)) {
@@ -79,7 +100,7 @@ class Walk {
     }
     const auto [seen, is_new] = seen_.emplace(thing, Seen{item.object, item.path});
     if (!is_new && !options_.repeat_shared) {
-      *item.place = {{"same", seen->second.path}};
+      *item.place = {{"same", PathText(seen->second.path)}};
       return;
     }
     const ClassInfo* const info = ClassOf(*thing);
@@ -108,8 +129,7 @@ class Walk {
     const std::int64_t size = item.object.Size();
     for (std::int64_t i = 0; i < size; ++i) item.place->push_back(nullptr);
     for (std::int64_t i = 0; i < size; ++i) {
-      Put(item.object.At(i), &(*item.place)[static_cast<std::size_t>(i)],
-          item.path + "/" + std::to_string(i), item.depth + 1);
+      Put(item.object.At(i), &(*item.place)[static_cast<std::size_t>(i)], item, std::to_string(i));
     }
   }
 
@@ -122,8 +142,7 @@ class Walk {
     for (const bool variants : {false, true}) {
       for (const Member& member : members) {
         if (member.is_variant != variants) continue;
-        Put(member.value, &(*item.place)[member.name], item.path + "/" + member.name,
-            item.depth + 1);
+        Put(member.value, &(*item.place)[member.name], item, member.name);
       }
     }
   }
@@ -149,6 +168,7 @@ class Walk {
 
   const MirrorOptions& options_;
   std::vector<Item> waiting_;
+  std::vector<Step> steps_;
   std::size_t first_new_ = 0;
   std::unordered_map<const Thing*, Seen> seen_;
 };

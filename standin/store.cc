@@ -5,6 +5,9 @@
 // again at its end, because nobody may write to them.
 #include "standin/store.h"
 
+#include <alloca.h>
+
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -13,6 +16,7 @@
 #include <utility>
 
 #include "standin/fatal.h"
+#include "standin/host_lock.h"
 #include "standin/invoke.h"
 #include "standin/poison.h"
 
@@ -76,6 +80,7 @@ void PutField(ArrayThing* array, std::size_t offset, T value) {
 void RunConstructors(const CallArguments& object, const ClassInfo& info) {
   if (info.super != nullptr) RunConstructors(object, *info.super);
   if (info.definition->constructor == nullptr) return;
+  const HostLockGap gap;
   CallNothing(info.definition->constructor, object, info.name);
 }
 
@@ -87,6 +92,7 @@ const ClassInfo* ClassOf(const Thing& thing) {
 
 Store::Store(const Capabilities& capabilities)
     : layout_(LayoutOf(capabilities)),
+      release_stack_(capabilities.release_stack),
       ledger_(capabilities.ledger, capabilities.quarantine_entries, capabilities.quarantine_bytes) {
 }
 
@@ -241,7 +247,24 @@ void Store::Unlock(Thing* thing, const char* user) {
   if (thing->LockCount() <= 0) {
     Fatal(std::string(user) + ": unlock below zero: " + Describe(*thing));
   }
-  if (--thing->locks == thing->lock_bias) Destroy(thing);
+  if (--thing->locks != thing->lock_bias) return;
+  if (release_stack_ > 0 && thing->kind != ThingKind::kString) {
+    DestroyOnStack(release_stack_, thing);
+  } else {
+    Destroy(thing);
+  }
+}
+
+// Never inlined: the stack must be free again when it returns. Written to from the top down, a page
+// at a time, so that it meets the guard page of a stack that is too small, and once more in the
+// end, so that it is kept meanwhile.
+__attribute__((noinline)) void Store::DestroyOnStack(std::size_t bytes, Thing* thing) {
+  constexpr std::size_t kPage = 4096;
+  volatile char* const frame = static_cast<volatile char*>(alloca(bytes));
+  for (std::size_t end = bytes; end > 0; end -= std::min(end, kPage)) frame[end - 1] = 1;
+  frame[0] = 1;
+  Destroy(thing);
+  frame[0] = 0;
 }
 
 void Store::Destroy(Thing* thing) {
@@ -266,6 +289,7 @@ void Store::RunDestructors(Thing* object, const ClassInfo& info) const {
   arguments.Add(object);
   for (const ClassInfo* c = &info; c != nullptr; c = c->super) {
     if (c->definition->destructor == nullptr) continue;
+    const HostLockGap gap;
     CallNothing(c->definition->destructor, arguments, c->destructor_name);
   }
 }

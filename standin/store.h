@@ -3,6 +3,9 @@
 // Invariant: a thing is freed at the moment its last lock goes, after the destructors of its class
 // and super classes have run; nobody may lock it once that has begun. With a broken lock or unlock
 // entry point the counts mean nothing: then things of that kind live until the host ends.
+//
+// The host's lock must be held for every call when there are several threads. It is given up while
+// a constructor or destructor of the plug-in runs, that is in NewObject and Unlock.
 #pragma once
 
 #include <cstddef>
@@ -66,6 +69,8 @@ class Store {
   Thing* Checked(const void* raw, const char* user) const;
   void ShowFields(ArrayThing* array) const;
   bool IsImmortal(ThingKind kind) const;
+  // On so much more stack than it takes itself.
+  void DestroyOnStack(std::size_t bytes, Thing* thing);
   void Destroy(Thing* thing);
   void RunDestructors(Thing* object, const ClassInfo& info) const;
   // Gives up what the thing holds apart from its own memory. `unlock`: locks on other things too.
@@ -73,6 +78,7 @@ class Store {
   static std::size_t SizeOf(const Thing& thing);
 
   const ArrayLayout layout_;
+  const std::size_t release_stack_;
   Ledger ledger_;
   bool strings_are_immortal_ = false;
   bool objects_are_immortal_ = false;

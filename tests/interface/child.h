@@ -10,18 +10,25 @@
 
 namespace zqv::interface_test {
 
-// Whether AddressSanitizer watches this program.
+// Which sanitizer watches this program.
 #if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-inline constexpr bool kSanitized = true;
+#define ZQV_HAS_FEATURE(feature) __has_feature(feature)
 #else
-inline constexpr bool kSanitized = false;
+#define ZQV_HAS_FEATURE(feature) 0
 #endif
-#elif defined(__SANITIZE_ADDRESS__)
-inline constexpr bool kSanitized = true;
+#if defined(__SANITIZE_ADDRESS__) || ZQV_HAS_FEATURE(address_sanitizer)
+inline constexpr bool kAddressSanitized = true;
 #else
-inline constexpr bool kSanitized = false;
+inline constexpr bool kAddressSanitized = false;
 #endif
+#if defined(__SANITIZE_THREAD__) || ZQV_HAS_FEATURE(thread_sanitizer)
+inline constexpr bool kThreadSanitized = true;
+#else
+inline constexpr bool kThreadSanitized = false;
+#endif
+
+// Whether one does: they are slow and take terabytes of address space.
+inline constexpr bool kSanitized = kAddressSanitized || kThreadSanitized;
 
 // Whether this is how the library ships. Others need more stack and memory.
 #if !defined(__OPTIMIZE__) || defined(ZQV_INSTRUMENTED)

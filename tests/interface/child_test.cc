@@ -31,7 +31,7 @@ TEST(InChild, ReportsAHang) {
 }
 
 TEST(InChild, ReportsALeak) {
-  if (!kSanitized) GTEST_SKIP() << "no leak checker in this build";
+  if (!kAddressSanitized) GTEST_SKIP() << "no leak checker in this build";
   const auto leak = [] {
     void* volatile memory = std::malloc(1000);
     static_cast<void>(memory);

@@ -70,7 +70,7 @@ void Session::ExpectNothingLeft() {
 }
 
 Session::~Session() {
-  host_->DropStray();
+  host_->DropAllStrays();
   ExpectNothingLeft();
   EXPECT_EQ(host_->StrangeNames(), 0U) << "the library asks for names that no host has";
   if (exceptions_ == Exceptions::kMayBeLost) return;

@@ -6,6 +6,8 @@
 
 namespace zqv::test {
 
+// The least of which it is promised that messages can be handled on it.
+inline constexpr std::size_t kTinyStack = 128 * 1024;
 inline constexpr std::size_t kSmallStack = 512 * 1024;
 inline constexpr std::size_t kLargeStack = 8 * 1024 * 1024;
 

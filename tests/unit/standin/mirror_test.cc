@@ -1,5 +1,6 @@
 #include "standin/mirror.h"
 
+#include "tests/support/thread_stack.h"
 #include "tests/unit/standin/fixture.h"
 
 namespace zqv::standin {
@@ -91,10 +92,12 @@ TEST_F(MirrorTest, DeepTreesDoNotExhaustTheStack) {
   MirrorOptions options;
   options.max_depth = 2 * kLinks;
   options.skip = [](std::string_view, std::string_view member) { return member != "Friend"; };
-  const Json json = Mirror(all.front(), options);
-  int depth = 0;
-  for (const Json* level = &json; level->is_object(); level = &(*level)["Friend"]) ++depth;
-  EXPECT_EQ(depth, kLinks);
+  test::RunOnStack(test::kTinyStack, [&] {
+    const Json json = Mirror(all.front(), options);
+    int depth = 0;
+    for (const Json* level = &json; level->is_object(); level = &(*level)["Friend"]) ++depth;
+    EXPECT_EQ(depth, kLinks);
+  });
 }
 
 TEST_F(MirrorTest, TextIsUtf8WhereItCanBeHad) {
