@@ -163,10 +163,16 @@ TEST_F(AttachmentRecord, OfASecondPlainTextHoldsItsText) {
   EXPECT_EQ(Show(Attachments(email)[0]->Data), Ascii("second"));
 }
 
+// Lists a part of a header line, whose entity holds nothing.
+void AddEmptyPart(objects::ArraySlot& list) {
+  const objects::MimeEntityClassData entity{};
+  const auto message = Parse("X: y\n\n");
+  objects::AddAttachment(list, {entity, message->Header(), ""});
+}
+
 TEST_F(AttachmentRecord, HoldsNilForWhatIsNil) {
   const auto email = NewEmail();
-  const auto message = Parse("X: y\n\n");
-  objects::AddAttachment(RecordOf(email), nullptr, message->Header(), nullptr, nullptr, true, "");
+  AddEmptyPart(RecordOf(email).Inlines);
   ASSERT_EQ(Inlines(email).size(), 1U);
   EXPECT_EQ(Inlines(email)[0]->Body.get(), nullptr);
   EXPECT_EQ(Inlines(email)[0]->Header.get(), nullptr);
@@ -175,16 +181,11 @@ TEST_F(AttachmentRecord, HoldsNilForWhatIsNil) {
 
 TEST_F(AttachmentRecord, MakesTheListThatIsMissing) {
   const auto email = NewEmail();
-  const auto message = Parse("X: y\n\n");
-  const auto add = [&](bool is_inline) {
-    objects::AddAttachment(RecordOf(email), nullptr, message->Header(), nullptr, nullptr, is_inline,
-                           "");
-  };
-  add(false);
+  AddEmptyPart(RecordOf(email).Attachments);
   EXPECT_EQ(Attachments(email).size(), 1U);
   EXPECT_EQ(RecordOf(email).Inlines.get(), nullptr);
-  add(false);
-  add(true);
+  AddEmptyPart(RecordOf(email).Attachments);
+  AddEmptyPart(RecordOf(email).Inlines);
   EXPECT_EQ(Attachments(email).size(), 2U);
   EXPECT_EQ(Inlines(email).size(), 1U);
 }
@@ -214,11 +215,8 @@ TEST_F(AttachmentRecord, IsNotListedWhenTheHostCannotInsert) {
 // Only the listed one is kept: what the host throws on the way frees the other.
 TEST_F(AttachmentRecord, IsGivenBackWhenTheHostThrows) {
   const auto email = NewEmail();
-  const auto message = Parse("X: y\n\n");
   host().SetFault("PluginObjectArrayInsertProc", standin::Fault{standin::Fault::Kind::kThrows});
-  EXPECT_THROW(objects::AddAttachment(RecordOf(email), nullptr, message->Header(), nullptr, nullptr,
-                                      true, ""),
-               std::runtime_error);
+  EXPECT_THROW(AddEmptyPart(RecordOf(email).Inlines), std::runtime_error);
   EXPECT_EQ(host().ledger().Live().objects, 1) << "the message";
 }
 

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "host/errors.h"
-#include "mime/header_view.h"
 #include "objects/field.h"
 #include "tests/unit/base/log_capture.h"
 #include "tests/unit/objects/objects_fixture.h"
@@ -252,7 +251,7 @@ TEST_F(Header, PassesOverElementsThatAreNil) {
   const auto header = Build("A: 1\n\n");
   host::AppendObject(RecordOf(header).fields.get(), nullptr);
   const auto field = host::NewInstance<MimeFieldClassData>();
-  objects::Set(*host::RecordOf<MimeFieldClassData>(field.get()), mimetic::Field("B", "2"));
+  objects::Set(*host::RecordOf<MimeFieldClassData>(field.get()), "B", "2");
   host::AppendObject(RecordOf(header).fields.get(), field.get());
   EXPECT_EQ(Find(header, "B"), Ascii("2"));
   EXPECT_EQ(Find(header, "C"), "none");

@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "standin/application.h"
+#include "tests/support/failing_memory.h"
 #include "tests/unit/base/log_capture.h"
 #include "tests/unit/objects/email_fixture.h"
 
@@ -21,9 +22,8 @@ namespace zqv::test {
 namespace {
 
 // What the wrapped file functions do instead of the real ones.
-std::optional<long> g_length;                                            // told by ftell
-std::size_t g_missing_bytes = 0;                                         // not read by fread
-std::size_t g_largest_zeroed = std::numeric_limits<std::size_t>::max();  // given by calloc
+std::optional<long> g_length;     // told by ftell
+std::size_t g_missing_bytes = 0;  // not read by fread
 
 }  // namespace
 }  // namespace zqv::test
@@ -34,8 +34,6 @@ long __real_ftell(std::FILE* stream);
 long __wrap_ftell(std::FILE* stream);
 std::size_t __real_fread(void* memory, std::size_t size, std::size_t count, std::FILE* stream);
 std::size_t __wrap_fread(void* memory, std::size_t size, std::size_t count, std::FILE* stream);
-void* __real_calloc(std::size_t count, std::size_t size);
-void* __wrap_calloc(std::size_t count, std::size_t size);
 }
 
 long __wrap_ftell(std::FILE* stream) {
@@ -44,10 +42,6 @@ long __wrap_ftell(std::FILE* stream) {
 
 std::size_t __wrap_fread(void* memory, std::size_t size, std::size_t count, std::FILE* stream) {
   return __real_fread(memory, size, count - zqv::test::g_missing_bytes, stream);
-}
-
-void* __wrap_calloc(std::size_t count, std::size_t size) {
-  return count * size > zqv::test::g_largest_zeroed ? nullptr : __real_calloc(count, size);
 }
 
 namespace zqv::test {
@@ -65,7 +59,6 @@ class Input : public EmailTest {
   void TearDown() override {
     g_length.reset();
     g_missing_bytes = 0;
-    g_largest_zeroed = std::numeric_limits<std::size_t>::max();
     std::filesystem::remove_all(folder_);
     EmailTest::TearDown();
   }
@@ -187,11 +180,15 @@ TEST_F(Input, FileThatTellsNoLengthIsRefused) {
 
 TEST_F(Input, FileTooLargeForMemoryIsRefused) {
   const std::string path = Write("file", std::string(1'000, 'x'));
-  g_largest_zeroed = 1'003;
-  EXPECT_EQ(Read(path), "nothing");
+  const auto read_within = [&path](std::size_t bytes) {
+    const auto file = standin::MakeFolderItem(path);
+    const AllocationLimit limit(bytes);
+    const auto read = objects::ReadFile(file.raw());
+    return read.has_value() ? read->bytes().size() : 0;
+  };
+  EXPECT_EQ(read_within(1'003), 0U);
   EXPECT_EQ(TakeRaised(), kNoMemory);
-  g_largest_zeroed = 1'004;
-  EXPECT_EQ(Read(path).size(), 1'000U) << "four bytes more than the file has are enough";
+  EXPECT_EQ(read_within(1'004), 1'000U) << "four bytes more than the file has are enough";
 }
 
 // A directory tells such a length.

@@ -3,10 +3,10 @@
 #include "abi/encodings.h"
 #include "host/entry_points.h"
 #include "host/strings.h"
-#include "mime/parser.h"
 #include "objects/address.h"
 #include "objects/address_list.h"
 #include "objects/body.h"
+#include "objects/entity.h"
 #include "objects/field.h"
 #include "objects/group.h"
 #include "objects/header.h"
@@ -93,19 +93,8 @@ abi::REALclassDefinition MadeUpClass(const char* name, std::size_t size,
   return definition;
 }
 
-ParsedMessage::ParsedMessage(std::string_view message) : bytes(message) {
-  mime::ParseMessage(bytes, entity, texts);
-}
-
 std::unique_ptr<const ParsedMessage> Parse(std::string_view message) {
   return std::make_unique<const ParsedMessage>(message);
-}
-
-std::string ValueOf(const mime::HeaderView& header, std::string_view name) {
-  for (std::size_t i = 0; i < header.size(); ++i) {
-    if (header[i].name == name) return std::string(header.Value(i));
-  }
-  return "";
 }
 
 std::string Show(const host::StringSlot& slot) { return Show(slot.Share()); }
