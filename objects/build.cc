@@ -61,34 +61,37 @@ class TreeBuilder {
   }
 
  private:
-  // An entity whose parts are being made. The message itself has its object already.
+  // An entity whose parts are being made. The message itself has its object already. The body is
+  // stored when its parts are complete, so that a walk that is broken off leaves none.
   struct OpenEntity {
     host::ObjectRef object;
+    host::ObjectRef body;
     MimeEntityClassData* record;
   };
 
   // A part that the host makes no object for is skipped with the parts inside it.
   mime::Visit Enter(mime::PartIndex index) {
-    OpenEntity entity{{}, &email_record_};
+    OpenEntity entity{{}, {}, &email_record_};
     if (index > 0) {
       entity.object = host::NewInstance<MimeEntityClassData>();
       if (!entity.object) return mime::Visit::kSkip;
       entity.record = host::RecordOf<MimeEntityClassData>(entity.object.get());
     }
-    const host::ObjectSlot& body = entity.record->Body;
+    entity.body = NewMimeBodyZQV(message_.parts()[index]);
+    const bool has_body = static_cast<bool>(entity.body);
     open_.push_back(std::move(entity));
-    open_.back().record->Body.Put(NewMimeBodyZQV(message_.parts()[index]));
-    return body ? mime::Visit::kInside : mime::Visit::kLeave;
+    return has_body ? mime::Visit::kInside : mime::Visit::kLeave;
   }
 
   void Leave(mime::PartIndex index) {
-    const OpenEntity entity = std::move(open_.back());
+    OpenEntity entity = std::move(open_.back());
     open_.pop_back();
+    entity.record->Body.Put(std::move(entity.body));
     const mime::Part& part = message_.parts()[index];
     const mime::Header header = message_.HeaderOf(part);
     decoded_ = FillEntity({part, header, *entity.record, email_record_});
     if (!entity.object) return;
-    const auto* around = host::RecordOf<MimeBodyClassData>(open_.back().record->Body.get());
+    const auto* around = host::RecordOf<MimeBodyClassData>(open_.back().body.get());
     if (around->parts) host::AppendObject(around->parts.get(), entity.object.get());
   }
 

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <initializer_list>
 
-namespace zqv::host {
+namespace zqv::base {
 namespace {
 
 constexpr std::size_t kMegabyte = std::size_t{1} << 20U;
@@ -35,4 +35,4 @@ TEST(LargePages, AreAskedForWithinTheBytesAlone) {
 }
 
 }  // namespace
-}  // namespace zqv::host
+}  // namespace zqv::base

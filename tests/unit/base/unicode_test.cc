@@ -9,9 +9,9 @@
 
 #include "base/bytes16.h"
 #include "tests/reference/utf8_twin.h"
-#include "tests/unit/host/property.h"
+#include "tests/support/property.h"
 
-namespace zqv::host {
+namespace zqv::base {
 namespace {
 
 bool IsUtf8(const std::string& bytes) { return is_utf8(bytes.data(), bytes.size()); }
@@ -356,4 +356,4 @@ TEST(Utf32ToUtf16, AndBackGivesTheSame) {
 }
 
 }  // namespace
-}  // namespace zqv::host
+}  // namespace zqv::base

@@ -1,22 +1,18 @@
 #include "email/route.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 
-#include "tests/unit/email/email_fixture.h"
-#include "tests/unit/host/log_capture.h"
-#include "text/charset.h"
+#include "mime/message.h"
 
 namespace zqv::test {
 namespace {
 
 using email::Destination;
-using mime::MimeEntityClassData;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 struct RouteRow {
   const char* name;
@@ -123,145 +119,114 @@ constexpr ContainerRow kContainers[] = {
 INSTANTIATE_TEST_SUITE_P(Types, ContainerOf, ::testing::ValuesIn(kContainers),
                          [](const auto& row) { return row.param.name; });
 
-class Routing : public EmailTest {};
+// A message's own header, as routing sees it.
+class OnePart {
+ public:
+  explicit OnePart(std::string text) : text_(std::move(text)), message_(text_) {}
 
-TEST_F(Routing, PlainTextMarkedAttachmentIsListedAndNoText) {
-  const auto email = ParseEmail(Mixed(
-      {"Content-Type: text/plain; charset=utf-8\nContent-Disposition: attachment\n\ncaf\xC3\xA9"}));
-  ASSERT_EQ(Attachments(email).size(), 1U);
-  EXPECT_EQ(Show(Attachments(email)[0]->Data), Utf8("caf\xC3\xA9"));
-  EXPECT_THAT(Inlines(email), IsEmpty());
-  EXPECT_EQ(Show(RecordOf(email).PlainText), "nil");
+  mime::Header Header() const { return message_.HeaderOf(message_.top()); }
+  std::string_view body() const { return message_.top().body; }
+
+ private:
+  const std::string text_;
+  const mime::Message message_;
+};
+
+TEST(TraitsOf, AreThoseOfTheHeader) {
+  const OnePart part(
+      "Content-Type: Text/Plain; charset=x\nContent-Disposition: Attachment; filename=a\n"
+      "Content-ID: <i>\n\n");
+  const mime::Header header = part.Header();
+  const email::PartTraits traits = email::TraitsOf(header);
+  EXPECT_EQ(traits.type, "Text");
+  EXPECT_EQ(traits.subtype, "Plain");
+  EXPECT_EQ(traits.disposition, "Attachment");
+  EXPECT_TRUE(traits.has_content_id);
 }
 
-TEST_F(Routing, UnknownMechanismIsIgnoredEntirely) {
-  const auto email = ParseEmail(
-      Mixed({"Content-Type: text/plain\nContent-Transfer-Encoding: x-uuencode\n\nbegin"}));
-  EXPECT_EQ(Show(RecordOf(email).PlainText), "nil");
-  EXPECT_THAT(Attachments(email), IsEmpty());
-  EXPECT_THAT(Inlines(email), IsEmpty());
-  ASSERT_EQ(Parts(RecordOf(email)).size(), 1U);
-  EXPECT_EQ(Show(Parts(RecordOf(email))[0]->BodyDecoded), "nil");
-}
-
-TEST_F(Routing, TextWithoutCharsetTakesItsEncodingFromItsBytes) {
-  const auto text = [](const char* body) {
-    const auto email = ParseEmail(Mixed({std::string("Content-Type: text/plain\n\n") + body}));
-    return Show(RecordOf(email).PlainText);
-  };
-  EXPECT_EQ(text("cafe"), Ascii("cafe"));
-  EXPECT_EQ(text("\xC3\xA9"), Utf8("\xC3\xA9"));
-  EXPECT_EQ(text("\xE9"), MacRoman("\xE9"));
-}
-
-TEST_F(Routing, TextIsInItsCharset) {
-  const auto text = [](const std::string& charset) {
-    return Show(email::BuildBodyText("\xE9", charset));
-  };
-  EXPECT_EQ(text("\"ISO-8859-15\""), Shown(0x020F, "\xE9"));
-  EXPECT_EQ(text("KOI8-R"), Shown(0x0A02, "\xE9"));
-  EXPECT_EQ(text("iso-8859-1"), Shown(abi::kIsoLatin1, "\xE9"));
-  EXPECT_EQ(text("foo"), Shown(abi::kUnknownEncoding, "\xE9"));
-  EXPECT_EQ(Show(email::BuildBodyText("", "utf-8")), "nil");
-  EXPECT_EQ(Show(email::BuildBodyText("", "")), "nil");
-}
-
-TEST_F(Routing, TextOfUtf16ComesOutAsUtf8) {
-  EXPECT_EQ(Show(email::BuildBodyText({"\xE9\x00", 2}, "utf-16")), Utf8("\xC3\xA9"));
-}
-
-TEST_F(Routing, UnknownCharsetRaisesWhenAskedToAndGoesOn) {
-  text::RaiseUnknownFormatExceptions = true;
-  const auto email = ParseEmail(Mixed({"Content-Type: text/plain; charset=foo\n\n\xE9",
-                                       "Content-Type: text/html; charset=utf-8\n\n<p>x</p>"}));
-  EXPECT_EQ(TakeRaised(), "UnsupportedFormatException, 0: Unhandled charset: foo");
-  EXPECT_EQ(Show(RecordOf(email).PlainText), Shown(abi::kUnknownEncoding, "\xE9"));
-  EXPECT_EQ(Show(RecordOf(email).HTMLText), Utf8("<p>x</p>"));
-}
-
-TEST_F(Routing, ImagesGoByDispositionAndContentId) {
-  const std::string type = "Content-Type: image/png\n";
-  const auto email = ParseEmail(Mixed({
-      type + "Content-Disposition: inline; filename=a\n\nx",
-      type + "Content-ID: <i>\nContent-Disposition: x-other; filename=b\n\nx",
-      type + "Content-Disposition: x-other; filename=c\n\nx",
-      type + "Content-ID:\nContent-Disposition: x-other; filename=d\n\nx",
-      type + "Content-ID: <i>\nContent-Disposition: attachment; filename=e\n\nx",
-  }));
-  EXPECT_THAT(Names(Inlines(email)), ElementsAre(Ascii("a"), Ascii("b")));
-  EXPECT_THAT(Names(Attachments(email)), ElementsAre(Ascii("c"), Ascii("d"), Ascii("e")));
-}
-
-TEST_F(Routing, ImageWithoutDispositionGoesByItsContentId) {
-  const auto email = ParseEmail(Mixed({"Content-Type: image/png; name=a\nContent-ID: <i>\n\nx",
-                                       "Content-Type: image/png; name=b\n\nx"}));
-  EXPECT_THAT(Names(Inlines(email)), ElementsAre(Ascii("a")));
-  EXPECT_THAT(Names(Attachments(email)), ElementsAre(Ascii("b")));
-}
-
-TEST_F(Routing, SignedMultipartIsListedItself) {
-  const auto email = ParseEmail(
-      Mixed({"Content-Type: multipart/signed; boundary=s; name=container\n\n"
-             "--s\nContent-Type: text/plain\n\nsigned\n"
-             "--s\nContent-Type: application/pgp-signature; name=signature\n\nsig\n--s--\n"}));
-  EXPECT_EQ(Show(RecordOf(email).PlainText), Ascii("signed"));
-  EXPECT_THAT(Names(Attachments(email)), ElementsAre(Ascii("signature"), Ascii("container")));
-  EXPECT_EQ(Show(Attachments(email)[1]->Data), "nil");
-}
-
-TEST_F(Routing, EmptyTextLeavesTheNextOneItsPlace) {
-  const auto email =
-      ParseEmail(Mixed({"Content-Type: text/plain\n\n", "Content-Type: text/plain\n\nsecond"}));
-  EXPECT_EQ(Show(Parts(RecordOf(email))[0]->BodyDecoded), "nil");
-  EXPECT_EQ(Show(RecordOf(email).PlainText), Ascii("second"));
-  EXPECT_THAT(Attachments(email), IsEmpty());
-}
-
-TEST_F(Routing, SharesTheTextBetweenThePartAndTheMessage) {
-  const auto email =
-      ParseEmail(Mixed({"Content-Type: text/plain\n\none", "Content-Type: text/html\n\ntwo"}));
-  const MimeEntityClassData& record = RecordOf(email);
-  EXPECT_EQ(record.PlainText.get(), Parts(record)[0]->BodyDecoded.get());
-  EXPECT_EQ(record.HTMLText.get(), Parts(record)[1]->BodyDecoded.get());
-  EXPECT_EQ(LocksOf(record.PlainText.get()), 2);
-}
-
-TEST_F(Routing, SaysWhatItDid) {
-  const auto message =
-      Parse(Mixed({"Content-Type: text/plain\n\none", "Content-Type: Text/HTML\n\ntwo",
-                   "Content-Type: image/png\n\nthree"}));
-  const auto email = NewEmail();
-  email::EntityRouter router(RecordOf(email), message->texts);
-  const LogCapture log;
-  for (const mimetic::MimeEntity* part : message->entity.body().parts()) {
-    const auto object = host::NewInstance<MimeEntityClassData>();
-    router.OnEntity(*part, message->texts.HeaderOf(*part),
-                    *host::RecordOf<MimeEntityClassData>(object.get()), nullptr, nullptr);
+TEST(TraitsOf, AreEmptyWithoutFields) {
+  for (const char* text : {"A: b\n\n", "Content-ID:\nContent-Disposition:\nContent-Type:\n\n"}) {
+    const OnePart part(text);
+    const mime::Header header = part.Header();
+    const email::PartTraits traits = email::TraitsOf(header);
+    EXPECT_EQ(traits.type, "");
+    EXPECT_EQ(traits.subtype, "");
+    EXPECT_EQ(traits.disposition, "");
+    EXPECT_FALSE(traits.has_content_id);
   }
-  EXPECT_EQ(log.Text(), Logged({"decoded body of type text, plain", "Set email plainText",
-                                "decoded body of type Text, HTML", "Set email htmlText",
-                                "decoded body of type image, png"}));
 }
 
-TEST_F(Routing, GivesTheDecodedBodyOrNothing) {
-  const auto email = NewEmail();
-  const auto decode = [&](const char* text) -> std::string {
-    const auto message = Parse(text);
-    const auto decoded = email::DecodeEntity(RecordOf(email), message->Header(),
-                                             message->texts.BodyOf(message->entity),
-                                             RecordOf(email), nullptr, nullptr);
-    return decoded.has_value() ? std::string(decoded->bytes()) : "nothing";
+TEST(IsText, WantsBothWordsInAnyCase) {
+  EXPECT_TRUE(email::IsText("text", "plain", "plain"));
+  EXPECT_TRUE(email::IsText("TEXT", "Html", "html"));
+  EXPECT_FALSE(email::IsText("text", "html", "plain"));
+  EXPECT_FALSE(email::IsText("image", "plain", "plain"));
+  EXPECT_FALSE(email::IsText("text", "plain ", "plain"));
+  EXPECT_FALSE(email::IsText("", "", ""));
+}
+
+std::string DecodedPart(const char* text) {
+  const OnePart part(text);
+  const auto decoded = email::DecodePart(part.Header(), part.body());
+  return decoded.has_value() ? std::string(decoded->bytes()) : "nothing";
+}
+
+std::string DecodedSinglePart(const char* text) {
+  const OnePart part(text);
+  const auto decoded = email::DecodeSinglePart(part.Header(), part.body());
+  return decoded.has_value() ? std::string(decoded->bytes()) : "nothing";
+}
+
+TEST(DecodePart, GivesTheDecodedBodyOrNothing) {
+  EXPECT_EQ(DecodedPart("Content-Transfer-Encoding: base64\n\nQUJD"), "ABC");
+  EXPECT_EQ(DecodedPart("Content-Transfer-Encoding: quoted-printable\n\n=41"), "A");
+  EXPECT_EQ(DecodedPart("A: b\n\n=41"), "=41");
+  EXPECT_EQ(DecodedPart("Content-Type: multipart/related; boundary=b\n\n--b\n\nx\n--b--\n"),
+            "nothing");
+  EXPECT_EQ(DecodedPart("Content-Type: multipart/signed; boundary=b\n\n--b\n\nx\n--b--\n"), "");
+  EXPECT_EQ(DecodedPart("Content-Transfer-Encoding: base64 \n\nQUJD"), "nothing");
+}
+
+TEST(DecodePart, BorrowsWhatNeedsNoDecoding) {
+  const OnePart part("A: b\n\nbody");
+  EXPECT_EQ(email::DecodePart(part.Header(), part.body())->bytes().data(), part.body().data());
+}
+
+TEST(DecodeSinglePart, TakesAContainerToo) {
+  EXPECT_EQ(DecodedSinglePart("Content-Type: multipart/mixed; boundary=b\n\nx"), "");
+  EXPECT_EQ(DecodedSinglePart("Content-Transfer-Encoding: base64\n\nQUJD"), "ABC");
+  EXPECT_EQ(DecodedSinglePart("Content-Transfer-Encoding: x-uuencode\n\nbegin"), "nothing");
+}
+
+struct LabelRow {
+  const char* type;
+  std::string_view decoded;
+  abi::Encoding encoding;
+  std::string_view unknown_charset;
+};
+
+TEST(LabelBody, IsInItsCharsetOrInThatOfItsBytes) {
+  constexpr LabelRow kRows[] = {
+      {"text/plain; charset=\"ISO-8859-15\"", "\xE9", 0x020F, ""},
+      {"text/plain; charset=KOI8-R", "\xE9", 0x0A02, ""},
+      {"text/plain; charset=iso-8859-1", "\xE9", abi::kIsoLatin1, ""},
+      {"text/plain; charset=utf-8", "x", abi::kUtf8, ""},
+      {"text/plain; charset=foo", "\xE9", abi::kUnknownEncoding, "foo"},
+      {"text/plain; charset=binary", "\xE9", abi::kUnknownEncoding, ""},
+      {"text/plain; charset=\"\"", "x", abi::kAscii, ""},
+      {"text/plain", "cafe", abi::kAscii, ""},
+      {"text/plain", "\xC3\xA9", abi::kUtf8, ""},
+      {"text/plain", "\xE9", abi::kMacRoman, ""},
+      {"text/plain", {"a\0\xE9", 3}, abi::kMacRoman, ""},
   };
-  EXPECT_EQ(decode("Content-Transfer-Encoding: base64\n\nQUJD"), "ABC");
-  EXPECT_EQ(decode("Content-Type: multipart/related; boundary=b\n\n--b\n\nx\n--b--\n"), "nothing");
-  EXPECT_EQ(decode("Content-Transfer-Encoding: base64 \n\nQUJD"), "nothing");
-}
-
-TEST_F(Routing, DatesEveryPart) {
-  const auto email = ParseEmail(Mixed({"Date: Tue, 1 Jan 2019 10:00:00 +0000\n\nx", "X: y\n\nx"}));
-  EXPECT_NE(DateText(Parts(RecordOf(email))[0]->SentDate), "nil");
-  EXPECT_EQ(DateText(Parts(RecordOf(email))[1]->SentDate), "nil");
-  EXPECT_EQ(DateText(RecordOf(email).SentDate), "nil");
+  for (const LabelRow& row : kRows) {
+    const OnePart part("Content-Type: " + std::string(row.type) + "\n\n");
+    const mime::Header header = part.Header();
+    const email::BodyText text = email::LabelBody(header, row.decoded);
+    EXPECT_EQ(text.bytes, row.decoded) << row.type;
+    EXPECT_EQ(text.encoding, row.encoding) << row.type;
+    EXPECT_EQ(text.unknown_charset, row.unknown_charset) << row.type;
+  }
 }
 
 }  // namespace

@@ -67,64 +67,15 @@ TEST_P(Transfer, IsTakenOff) {
   EXPECT_EQ(body.bytes(), GetParam().decoded);
 }
 
-constexpr DecodeRow kBase64[] = {
+constexpr DecodeRow kCodes[] = {
     // clang-format off
-    {"Whole",                    "base64", "QUJD",                  "ABC"},
-    {"InCapitals",               "BASE64", "QUJD",                  "ABC"},
-    {"OnePad",                   "base64", "QUI=",                  "AB"},
-    {"TwoPads",                  "base64", "6Q==",                  "\xE9"},
-    {"LinesOfBothKinds",         "base64", "QU\r\nJD\nREVG\n",      "ABCDEF"},
-    {"StrangersAreSkipped",      "base64", "Q!U*J D|\x01\xE9",      "ABC"},
-    {"UrlAlphabetIsSkipped",     "base64", "Q-U_JD",                "ABC"},
-    {"NulIsSkipped",             "base64", {"QU\0JD", 5},           "ABC"},
-    {"ThreeLeftOverAreFlushed",  "base64", "QUI",                   "AB"},
-    {"TwoLeftOverAreFlushed",    "base64", "QUJDQQ",                "ABCA"},
-    {"OneLeftOverIsDropped",     "base64", "QUJDQ",                 "ABC"},
-    {"GoesOnAfterPads",          "base64", "QQ==Qg==",              "AB"},
-    {"PadInThirdPlaceEndsFour",  "base64", "QQ=BQg==",              "AB"},
-    // 100 is 100100 in its low six bits; "Q", "U" and "J" are 010000, 010100 and 001001.
-    {"PadInTheFirstPlaceIs100",  "base64", "=QUJ",                  "\x91\x05\x09"},
-    {"PadInTheSecondPlaceIs100", "base64", "Q=UJ",                  "BE\x09"},
-    {"NulByte",                  "base64", "AEE=",                  {"\0A", 2}},
-    {"Empty",                    "base64", "",                      ""},
+    {"Base64",                 "base64",           "QUJD",    "ABC"},
+    {"Base64InCapitals",       "BASE64",           "QUJD",    "ABC"},
+    {"QuotedPrintable",        "quoted-printable", "caf=E9",  "caf\xE9"},
+    {"QuotedPrintableInBoth",  "Quoted-Printable", "caf=E9",  "caf\xE9"},
     // clang-format on
 };
-INSTANTIATE_TEST_SUITE_P(Base64, Transfer, ::testing::ValuesIn(kBase64),
-                         [](const auto& row) { return row.param.name; });
-
-constexpr DecodeRow kQuotedPrintable[] = {
-    // clang-format off
-    {"Code",                     "quoted-printable", "caf=E9",      "caf\xE9"},
-    {"CodeInLowerCase",          "quoted-printable", "caf=e9",      "caf\xE9"},
-    {"MechanismInBothCases",     "Quoted-Printable", "caf=E9",      "caf\xE9"},
-    {"SoftBreak",                "quoted-printable", "a=\nb",       "ab"},
-    {"SoftBreakWithCrLf",        "quoted-printable", "a=\r\nb",     "ab"},
-    {"HardBreak",                "quoted-printable", "a\nb\n",      "a\nb\n"},
-    {"CrLfBecomesLf",            "quoted-printable", "a\r\nb",      "a\nb"},
-    {"BlanksInALine",            "quoted-printable", "a  b",        "a  b"},
-    {"ControlCharactersGo",      "quoted-printable", "a\x01" "b",   "ab"},
-    {"BadCodeStays",             "quoted-printable", "a=zz",        "a=zz"},
-    {"HalfABadCodeStays",        "quoted-printable", "a=Az",        "a=Az"},
-    {"EqualsSign",               "quoted-printable", "a=3Db",       "a=b"},
-    {"LfCrIsOneBreak",           "quoted-printable", "a\n\rb",      "a\nb"},
-    {"LoneCrIsABreak",           "quoted-printable", "a\rb\r",      "a\nb\n"},
-    {"BlanksBeforeCrLfGo",       "quoted-printable", "a \t\r\nb",   "a\nb"},
-    {"BlanksTakeALoneLfAlong",   "quoted-printable", "a \t\nb",     "ab"},
-    {"BlanksInASoftBreak",       "quoted-printable", "a= \t\r\nb",  "ab"},
-    {"EqualsAndBlanksStay",      "quoted-printable", "a= \tb",      "a= \tb"},
-    {"BadCodeKeepsAControl",     "quoted-printable", "a=\x01z",     "a=\x01z"},
-    {"BadCodeKeepsTheNextOne",   "quoted-printable", "==41",        "==41"},
-    {"BadCodeKeepsALineEnd",     "quoted-printable", "=4\rb",       "=4\rb"},
-    {"EqualsAtTheEndStays",      "quoted-printable", "a=",          "a="},
-    {"HalfACodeAtTheEndStays",   "quoted-printable", "a=4",         "a=4"},
-    {"SoftBreakAtTheEndStays",   "quoted-printable", "a=\n",        "a="},
-    {"SoftCrLfAtTheEndGoes",     "quoted-printable", "a=\r\n",      "a"},
-    {"BlankAtTheEndGivesEquals", "quoted-printable", "a ",          "a="},
-    {"TabsAtTheEndGiveATab",     "quoted-printable", "a\t\t",       "a=\t"},
-    {"Empty",                    "quoted-printable", "",            ""},
-    // clang-format on
-};
-INSTANTIATE_TEST_SUITE_P(QuotedPrintable, Transfer, ::testing::ValuesIn(kQuotedPrintable),
+INSTANTIATE_TEST_SUITE_P(Codes, Transfer, ::testing::ValuesIn(kCodes),
                          [](const auto& row) { return row.param.name; });
 
 constexpr std::string_view kRaw = {"=E9 QUJD \r\n\0\xE9 ", 14};

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "host/record.h"
-#include "tests/unit/host/alone.h"
+#include "tests/support/alone.h"
 #include "tests/unit/host/host_fixture.h"
 
 namespace zqv::host {

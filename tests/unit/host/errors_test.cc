@@ -10,9 +10,9 @@
 
 #include "host/strings.h"
 #include "standin/application.h"
-#include "tests/unit/host/failing_memory.h"
+#include "tests/support/failing_memory.h"
+#include "tests/unit/base/log_capture.h"
 #include "tests/unit/host/host_fixture.h"
-#include "tests/unit/host/log_capture.h"
 
 namespace zqv::host {
 namespace {

@@ -2,10 +2,12 @@
 
 #include <cstdio>
 #include <map>
+#include <memory>
+#include <new>
 #include <variant>
 
-#include "host/entry_points.h"
 #include "base/log.h"
+#include "host/entry_points.h"
 
 namespace zqv::test {
 namespace {
@@ -21,10 +23,16 @@ void* Resolve(const char* name) {
   return standin::Host::Get("a test").resolver()(name);
 }
 
+// In its place: it holds an atomic, which cannot be assigned.
+template <class EntryPoint>
+void MakeAnew(EntryPoint& entry_point, const char* name) {
+  std::destroy_at(&entry_point);
+  new (&entry_point) EntryPoint(name);
+}
+
 void ForgetEntryPoints() {
   namespace entry = host::entry;
-#define ZQV_ENTRY_POINT(name, result, arguments, ownership) \
-  entry::name = decltype(entry::name)(#name);
+#define ZQV_ENTRY_POINT(name, result, arguments, ownership) MakeAnew(entry::name, #name);
 #include "abi/entry_points.def"
 }
 

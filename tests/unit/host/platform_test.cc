@@ -6,8 +6,8 @@
 #include <variant>
 
 #include "standin/application.h"
+#include "tests/unit/base/log_capture.h"
 #include "tests/unit/host/host_fixture.h"
-#include "tests/unit/host/log_capture.h"
 
 namespace zqv::host {
 namespace {
@@ -24,14 +24,6 @@ class FilePaths : public test::HostTest {
     return FilePath(file.raw());
   }
 };
-
-TEST(LogLines, EndInALineBreak) {
-  const test::LogCapture log;
-  WriteLogLine("first");
-  WriteLogLine("");
-  WriteLogLine("100 % of it");
-  EXPECT_EQ(log.Text(), "first\n\n100 % of it\n");
-}
 
 TEST_F(FilePaths, NativePathIsReadFromVersion2013On) {
   StartVersion(2013.0);
@@ -55,6 +47,11 @@ TEST_F(FilePaths, EscapesOfAUrlAreDecoded) {
   EXPECT_EQ(OfUrl("file:///"), "/");
 }
 
+TEST_F(FilePaths, SchemeAndHostNameAreReadInAnyCase) {
+  EXPECT_EQ(OfUrl("FILE:///A"), "/A");
+  EXPECT_EQ(OfUrl("File://LocalHost/A"), "/A");
+}
+
 TEST_F(FilePaths, OnlyTheLocalHostHasFiles) {
   EXPECT_EQ(OfUrl("file://localhost/a"), "/a");
   EXPECT_EQ(OfUrl("file://localhostile/a"), "");
@@ -62,8 +59,7 @@ TEST_F(FilePaths, OnlyTheLocalHostHasFiles) {
 }
 
 TEST_F(FilePaths, OtherUrlsHaveNone) {
-  for (const char* url :
-       {"", "file:", "file://", "file:/a", "http://localhost/a", "/a", "FILE:///a"})
+  for (const char* url : {"", "file:", "file://", "file:/a", "http://localhost/a", "/a"})
     EXPECT_EQ(OfUrl(url), "") << url;
 }
 

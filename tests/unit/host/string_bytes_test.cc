@@ -5,9 +5,9 @@
 #include <string>
 
 #include "standin/application.h"
-#include "tests/unit/host/alone.h"
+#include "tests/support/alone.h"
+#include "tests/unit/base/log_capture.h"
 #include "tests/unit/host/host_fixture.h"
-#include "tests/unit/host/log_capture.h"
 
 namespace zqv::host {
 namespace {

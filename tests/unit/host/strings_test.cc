@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/unit/host/failing_memory.h"
+#include "tests/support/failing_memory.h"
+#include "tests/unit/base/log_capture.h"
 #include "tests/unit/host/host_fixture.h"
-#include "tests/unit/host/log_capture.h"
 
 namespace zqv::host {
 namespace {

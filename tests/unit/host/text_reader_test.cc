@@ -11,10 +11,10 @@
 
 #include "standin/application.h"
 #include "standin/convert.h"
-#include "tests/unit/host/alone.h"
-#include "tests/unit/host/failing_memory.h"
+#include "tests/support/alone.h"
+#include "tests/support/failing_memory.h"
+#include "tests/unit/base/log_capture.h"
 #include "tests/unit/host/host_fixture.h"
-#include "tests/unit/host/log_capture.h"
 
 namespace zqv::host {
 namespace {

@@ -1,10 +1,14 @@
 #include "tests/unit/mime/tree_difference.h"
 
 #include <cstddef>
-#include <string_view>
+#include <sstream>
 
 namespace zqv::test {
 namespace {
+
+using mime::Message;
+using mime::Part;
+using mime::PartKind;
 
 // Field names are strings that compare without case; here every byte counts.
 template <class Text>
@@ -12,63 +16,76 @@ std::string_view Bytes(const Text& text) {
   return {text.data(), text.size()};
 }
 
-std::string HeaderDifference(const mimetic::Header& left, const mimetic::Header& right) {
-  if (left.size() != right.size())
-    return std::to_string(left.size()) + " or " + std::to_string(right.size()) + " fields";
-  auto other = right.begin();
+std::string Count(std::size_t reference, std::size_t ours, const char* of_what) {
+  if (reference == ours) return {};
+  return std::to_string(reference) + " or " + std::to_string(ours) + of_what;
+}
+
+std::string HeaderDifference(const mimetic::Header& reference, const mime::Header& ours) {
+  std::string found = Count(reference.size(), ours.size(), " fields");
+  if (!found.empty()) return found;
   std::size_t number = 0;
-  for (const mimetic::Field& field : left) {
-    if (Bytes(field.name()) != Bytes(other->name()))
-      return "the name of field " + std::to_string(number);
-    if (field.value() != other->value()) return "the value of field " + std::to_string(number);
-    ++other;
+  for (const mimetic::Field& field : reference) {
+    const std::string place = " of field " + std::to_string(number);
+    if (Bytes(field.name()) != ours[number].name) return "the name" + place;
+    // The library's parser has asked for the type, so its tree has the type's text form.
+    const bool is_type = ours[number].known == mime::FieldName::kContentType;
+    const std::string_view value = is_type ? ours.Value(number) : ours[number].value;
+    if (field.value() != value) return "the value" + place;
     ++number;
   }
   return {};
 }
 
-std::string TextDifference(const mimetic::Body& left, const mimetic::Body& right) {
-  if (Bytes(left) != Bytes(right)) return "the body";
-  if (left.preamble() != right.preamble()) return "the preamble";
-  if (left.epilogue() != right.epilogue()) return "the epilogue";
+std::string TextDifference(const mimetic::Body& reference, const Part& ours) {
+  if (Bytes(reference) != ours.body) return "the body";
+  if (reference.preamble() != ours.preamble) return "the preamble";
+  if (reference.epilogue() != ours.epilogue) return "the epilogue";
   return {};
 }
 
-std::string Difference(const mimetic::MimeEntity& left, const mimetic::MimeEntity& right,
-                       const std::string& where) {
-  std::string found = HeaderDifference(left.header(), right.header());
-  if (found.empty()) found = TextDifference(left.body(), right.body());
-  const auto& left_parts = left.body().parts();
-  const auto& right_parts = right.body().parts();
-  if (found.empty() && left_parts.size() != right_parts.size())
-    found =
-        std::to_string(left_parts.size()) + " or " + std::to_string(right_parts.size()) + " parts";
+// As the library's parser asks for it.
+std::string KindDifference(const mimetic::Header& reference, PartKind ours) {
+  const auto& type = reference.contentType();
+  const bool is_message = type.type() == "message" && type.subtype() == "rfc822";
+  const PartKind expected = type.isMultipart() ? PartKind::kMultipart
+                            : is_message       ? PartKind::kMessage
+                                               : PartKind::kLeaf;
+  return ours == expected ? "" : "the kind";
+}
+
+std::string Difference(const mimetic::MimeEntity& reference, const Message& message,
+                       mime::PartIndex index, const std::string& where) {
+  const Part& part = message.parts()[index];
+  std::string found = KindDifference(reference.header(), part.kind);
+  if (found.empty()) found = HeaderDifference(reference.header(), message.HeaderOf(part));
+  if (found.empty()) found = TextDifference(reference.body(), part);
+  const auto& parts = reference.body().parts();
+  if (found.empty()) found = Count(parts.size(), part.child_count, " parts");
   if (!found.empty()) return where + ": " + found;
-  auto other = right_parts.begin();
+  mime::PartIndex child = part.first_child;
   std::size_t number = 0;
-  for (const mimetic::MimeEntity* part : left_parts) {
-    found = Difference(*part, **other++, where + ", part " + std::to_string(number++));
+  for (const mimetic::MimeEntity* const inner : parts) {
+    const std::string place = where + ", part " + std::to_string(number++);
+    if (child == mime::kNoPart) return place + ": is missing from its list";
+    if (message.parts()[child].parent != index) return place + ": has another parent";
+    found = Difference(*inner, message, child, place);
     if (!found.empty()) return found;
+    child = message.parts()[child].next_sibling;
   }
-  return {};
+  return child == mime::kNoPart ? "" : where + ": more parts than it counts";
 }
 
 }  // namespace
 
-std::string FirstDifference(const mimetic::MimeEntity& left, const mimetic::MimeEntity& right) {
-  return Difference(left, right, "message");
+std::string FirstDifference(const mimetic::MimeEntity& reference, const mime::Message& message) {
+  return Difference(reference, message, 0, "message");
 }
 
-void PutBack(const mime::MessageTexts& texts, mimetic::MimeEntity& entity) {
-  entity.body().assign(texts.BodyOf(entity));
-  const mime::HeaderView header = texts.HeaderOf(entity);
-  for (std::size_t i = 0; i < header.size(); ++i) {
-    // The library's parser has asked for the type, so its tree has the type's text form.
-    const bool is_type = header[i].known == mime::FieldName::kContentType;
-    entity.header().emplace_back(std::string(header[i].name),
-                                 std::string(is_type ? header.Value(i) : header[i].value));
-  }
-  for (mimetic::MimeEntity* const part : entity.body().parts()) PutBack(texts, *part);
+std::string DifferenceFromTheReference(std::string_view message) {
+  std::istringstream stream{std::string(message)};
+  const mimetic::MimeEntity reference(stream);
+  return FirstDifference(reference, Message(message));
 }
 
 }  // namespace zqv::test

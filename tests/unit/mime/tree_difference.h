@@ -1,20 +1,21 @@
-// Whether two parses of a message gave the same tree.
+// Whether our parse of a message and the MIME library's gave the same tree.
 #pragma once
 
 #include <mimetic/mimeentity.h>
 
 #include <string>
+#include <string_view>
 
-#include "mime/message_texts.h"
+#include "mime/message.h"
 
 namespace zqv::test {
 
-// The first thing in which the trees differ, in words that name the place; empty when they are the
-// same: field names and values, bodies, preambles, epilogues and numbers of parts, all byte for
-// byte.
-std::string FirstDifference(const mimetic::MimeEntity& left, const mimetic::MimeEntity& right);
+// The first thing in which a tree differs from the reference, in words that name the place; empty
+// when they are the same: field names and values, bodies, preambles, epilogues, kinds and numbers
+// of parts, all byte for byte.
+std::string FirstDifference(const mimetic::MimeEntity& reference, const mime::Message& message);
 
-// Gives the entities of a tree without texts those that lie elsewhere, so that it can be compared.
-void PutBack(const mime::MessageTexts& texts, mimetic::MimeEntity& entity);
+// The same for our parse of `message` and the library's own stream constructor.
+std::string DifferenceFromTheReference(std::string_view message);
 
 }  // namespace zqv::test

@@ -1,20 +1,19 @@
 #include "tests/unit/plugin/expected_classes.h"
 
-#include "email/attachment.h"
-#include "email/email.h"
-#include "email/strip.h"
-#include "base/log.h"
-#include "mime/address.h"
-#include "mime/address_list.h"
-#include "mime/body.h"
-#include "mime/entity.h"
-#include "mime/field.h"
-#include "mime/group.h"
-#include "mime/header.h"
-#include "mime/mailbox.h"
-#include "mime/mailbox_list.h"
+#include "objects/address.h"
+#include "objects/address_list.h"
+#include "objects/attachment.h"
+#include "objects/body.h"
+#include "objects/email.h"
+#include "objects/entity.h"
+#include "objects/field.h"
+#include "objects/group.h"
+#include "objects/header.h"
+#include "objects/mailbox.h"
+#include "objects/mailbox_list.h"
+#include "objects/switches.h"
+#include "objects/words.h"
 #include "plugin/classes.h"
-#include "text/charset.h"
 
 namespace zqv::test {
 namespace {
@@ -47,20 +46,20 @@ ExpectedMethod Method(const char* declaration, Function function, std::uint32_t 
 
 // clang-format off
 ExpectedClass Body() {
-  return {&plugin::kMimeBodyClass, "MimeBodyZQV", nullptr, 32, Proc(mime::MimeBodyDestructor),
-      {Computed("PartsVariant", "Variant", &mime::BodyParts::Variant),
+  return {&plugin::kMimeBodyClass, "MimeBodyZQV", nullptr, 32, Proc(objects::MimeBodyDestructor),
+      {Computed("PartsVariant", "Variant", &objects::BodyParts::Variant),
        Stored("StringValue", "String", 16),
        Stored("preamble", "String", 0),
        Stored("epilogue", "String", 8)},
-      {Method("Parts(index as Integer) as MimeEntityZQV", &mime::BodyParts::At),
-       Method("Parts as MimeEntityZQV()", &mime::BodyParts::Whole),
-       Method("Constructor", mime::MimeBodyConstructor, kPrivate)},
+      {Method("Parts(index as Integer) as MimeEntityZQV", &objects::BodyParts::At),
+       Method("Parts as MimeEntityZQV()", &objects::BodyParts::Whole),
+       Method("Constructor", objects::MimeBodyConstructor, kPrivate)},
       {}, {}};
 }
 
 ExpectedClass Header() {
   return {&plugin::kMimeHeaderClass, "MimeHeaderZQV", nullptr, 144,
-          Proc(mime::MimeHeaderDestructor),
+          Proc(objects::MimeHeaderDestructor),
       {Stored("MimeVersion", "String", 0),
        Stored("ContentType", "String", 8),
        Stored("ContentTransferEncoding", "String", 16),
@@ -77,124 +76,124 @@ ExpectedClass Header() {
        Stored("replyto", "MimeAddressListZQV", 96),
        Stored("cc", "MimeAddressListZQV", 104),
        Stored("bcc", "MimeAddressListZQV", 112)},
-      {Method("Fields(index as Integer) as MimeFieldZQV", &mime::HeaderFields::At),
-       Method("Fields as MimeFieldZQV()", &mime::HeaderFields::Whole),
-       Method("Constructor", mime::MimeHeaderConstructor, kPrivate),
-       Method("hasField(name as string) as boolean", &mime::hasField),
-       Method("FieldByName(name as string) as MimeFieldZQV", &mime::FieldByName)},
+      {Method("Fields(index as Integer) as MimeFieldZQV", &objects::HeaderFields::At),
+       Method("Fields as MimeFieldZQV()", &objects::HeaderFields::Whole),
+       Method("Constructor", objects::MimeHeaderConstructor, kPrivate),
+       Method("hasField(name as string) as boolean", &objects::hasField),
+       Method("FieldByName(name as string) as MimeFieldZQV", &objects::FieldByName)},
       {}, {}};
 }
 
 ExpectedClass Entity() {
   return {&plugin::kMimeEntityClass, "MimeEntityZQV", nullptr, 96,
-          Proc(mime::MimeEntityDestructor),
+          Proc(objects::MimeEntityDestructor),
       {Stored("Header", "MimeHeaderZQV", 0),
        Stored("Body", "MimeBodyZQV", 8),
        Stored("BodyDecoded", "String", 16)},
-      {Method("Constructor", mime::MimeEntityConstructor, kPrivate)},
+      {Method("Constructor", objects::MimeEntityConstructor, kPrivate)},
       {}, {}};
 }
 
 ExpectedClass Address() {
   return {&plugin::kMimeAddressClass, "MimeAddressZQV", nullptr, 32,
-          Proc(mime::MimeAddressDestructor),
+          Proc(objects::MimeAddressDestructor),
       {Stored("Group", "MimeGroupZQV", 24),
        Stored("Mailbox", "MimeMailboxZQV", 16),
        Stored("StringValue", "String", 0),
        Stored("isGroup", "Boolean", 8)},
-      {Method("Constructor(TextToParse as String)", mime::MimeAddressConstructor)},
+      {Method("Constructor(TextToParse as String)", objects::MimeAddressConstructor)},
       {}, {}};
 }
 
 ExpectedClass Group() {
-  return {&plugin::kMimeGroupClass, "MimeGroupZQV", nullptr, 32, Proc(mime::MimeGroupDestructor),
-      {Computed("MailboxesVariant", "Variant", &mime::GroupMailboxes::Variant),
+  return {&plugin::kMimeGroupClass, "MimeGroupZQV", nullptr, 32, Proc(objects::MimeGroupDestructor),
+      {Computed("MailboxesVariant", "Variant", &objects::GroupMailboxes::Variant),
        Stored("Name", "String", 8),
        Stored("NameDecoded", "String", 16),
        Stored("StringValue", "String", 0),
-       Computed("Count", "Integer", &mime::GroupMailboxes::Count)},
-      {Method("Mailboxes(index as Integer) as MimeMailboxZQV", &mime::GroupMailboxes::At),
-       Method("Mailboxes as MimeMailboxZQV()", &mime::GroupMailboxes::Whole),
-       Method("Constructor(TextToParse as String)", mime::MimeGroupConstructor)},
+       Computed("Count", "Integer", &objects::GroupMailboxes::Count)},
+      {Method("Mailboxes(index as Integer) as MimeMailboxZQV", &objects::GroupMailboxes::At),
+       Method("Mailboxes as MimeMailboxZQV()", &objects::GroupMailboxes::Whole),
+       Method("Constructor(TextToParse as String)", objects::MimeGroupConstructor)},
       {}, {}};
 }
 
 ExpectedClass AddressList() {
   return {&plugin::kMimeAddressListClass, "MimeAddressListZQV", nullptr, 16,
-          Proc(mime::MimeAddressListDestructor),
-      {Computed("AddressesVariant", "Variant", &mime::ListedAddresses::Variant),
+          Proc(objects::MimeAddressListDestructor),
+      {Computed("AddressesVariant", "Variant", &objects::ListedAddresses::Variant),
        Stored("StringValue", "String", 0),
-       Computed("Count", "Integer", &mime::ListedAddresses::Count)},
-      {Method("Constructor(TextToParse as String)", mime::MimeAddressListConstructor),
-       Method("Addresses as MimeAddressZQV()", &mime::ListedAddresses::Whole),
-       Method("Addresses(index as Integer) as MimeAddressZQV", &mime::ListedAddresses::At)},
+       Computed("Count", "Integer", &objects::ListedAddresses::Count)},
+      {Method("Constructor(TextToParse as String)", objects::MimeAddressListConstructor),
+       Method("Addresses as MimeAddressZQV()", &objects::ListedAddresses::Whole),
+       Method("Addresses(index as Integer) as MimeAddressZQV", &objects::ListedAddresses::At)},
       {}, {}};
 }
 
 ExpectedClass MailboxList() {
   return {&plugin::kMimeMailboxListClass, "MimeMailboxListZQV", nullptr, 16,
-          Proc(mime::MimeMailboxListDestructor),
-      {Computed("MailboxesVariant", "Variant", &mime::ListedMailboxes::Variant),
+          Proc(objects::MimeMailboxListDestructor),
+      {Computed("MailboxesVariant", "Variant", &objects::ListedMailboxes::Variant),
        Stored("StringValue", "String", 0),
-       Computed("Count", "Integer", &mime::ListedMailboxes::Count)},
-      {Method("Mailboxes(index as Integer) as MimeMailboxZQV", &mime::ListedMailboxes::At),
-       Method("Mailboxes as MimeMailboxZQV()", &mime::ListedMailboxes::Whole),
-       Method("Constructor(TextToParse as String)", mime::MimeMailboxListConstructor)},
+       Computed("Count", "Integer", &objects::ListedMailboxes::Count)},
+      {Method("Mailboxes(index as Integer) as MimeMailboxZQV", &objects::ListedMailboxes::At),
+       Method("Mailboxes as MimeMailboxZQV()", &objects::ListedMailboxes::Whole),
+       Method("Constructor(TextToParse as String)", objects::MimeMailboxListConstructor)},
       {}, {}};
 }
 
 ExpectedClass Mailbox() {
   return {&plugin::kMimeMailboxClass, "MimeMailboxZQV", nullptr, 48,
-          Proc(mime::MimeMailboxDestructor),
+          Proc(objects::MimeMailboxDestructor),
       {Stored("Mailbox", "String", 8),
        Stored("Domain", "String", 16),
        Stored("Label", "String", 24),
        Stored("LabelDecoded", "String", 32),
        Stored("Sourceroute", "String", 40),
        Stored("StringValue", "String", 0),
-       Computed("Email", "String", &mime::getEmail)},
-      {Method("Constructor(TextToParse as String)", mime::MimeMailboxConstructor)},
+       Computed("Email", "String", &objects::getEmail)},
+      {Method("Constructor(TextToParse as String)", objects::MimeMailboxConstructor)},
       {}, {}};
 }
 
 ExpectedClass Field() {
-  return {&plugin::kMimeFieldClass, "MimeFieldZQV", nullptr, 16, Proc(mime::MimeFieldDestructor),
+  return {&plugin::kMimeFieldClass, "MimeFieldZQV", nullptr, 16, Proc(objects::MimeFieldDestructor),
       {Stored("Name", "String", 8),
        Stored("Value", "String", 0)},
-      {Method("Constructor(TextToParse as String)", mime::MimeFieldConstructor)},
+      {Method("Constructor(TextToParse as String)", objects::MimeFieldConstructor)},
       {}, {}};
 }
 
 ExpectedClass Email() {
   return {&plugin::kMimeEmailClass, "MimeEmailZQV", "MimeEntityZQV", 0, nullptr,
-      {Computed("InlinesVariant", "Variant", &email::EmailInlines::Variant),
-       Computed("AttachmentsVariant", "Variant", &email::EmailAttachments::Variant),
-       Computed("HTMLText", "String", email::getHTMLText),
-       Computed("PlainText", "String", email::getPlainText),
-       Computed("Subject", "String", email::getSubject),
-       Computed("Source", "String", email::getSource),
-       Computed("Date", "Date", email::getSentDate, kDate),
-       Computed("ReceivedDate", "Date", email::getReceivedDate, kDate)},
-      {Method("Inlines(index as Integer) as MimeAttachmentZQV", &email::EmailInlines::At),
-       Method("Attachments(index as Integer) as MimeAttachmentZQV", &email::EmailAttachments::At),
-       Method("Inlines as MimeAttachmentZQV()", &email::EmailInlines::Whole),
-       Method("Attachments as MimeAttachmentZQV()", &email::EmailAttachments::Whole),
-       Method("Constructor(Content as string)", &email::MimeEmailConstructor1),
-       Method("Constructor(Content as MemoryBlock)", &email::MimeEmailConstructor2),
-       Method("Constructor(File as FolderItem)", &email::MimeEmailConstructor3),
-       Method("SourceWithoutAttachments as String", &email::SourceWithoutAttachments)},
+      {Computed("InlinesVariant", "Variant", &objects::EmailInlines::Variant),
+       Computed("AttachmentsVariant", "Variant", &objects::EmailAttachments::Variant),
+       Computed("HTMLText", "String", objects::getHTMLText),
+       Computed("PlainText", "String", objects::getPlainText),
+       Computed("Subject", "String", objects::getSubject),
+       Computed("Source", "String", objects::getSource),
+       Computed("Date", "Date", objects::getSentDate, kDate),
+       Computed("ReceivedDate", "Date", objects::getReceivedDate, kDate)},
+      {Method("Inlines(index as Integer) as MimeAttachmentZQV", &objects::EmailInlines::At),
+       Method("Attachments(index as Integer) as MimeAttachmentZQV", &objects::EmailAttachments::At),
+       Method("Inlines as MimeAttachmentZQV()", &objects::EmailInlines::Whole),
+       Method("Attachments as MimeAttachmentZQV()", &objects::EmailAttachments::Whole),
+       Method("Constructor(Content as string)", &objects::MimeEmailConstructor1),
+       Method("Constructor(Content as MemoryBlock)", &objects::MimeEmailConstructor2),
+       Method("Constructor(File as FolderItem)", &objects::MimeEmailConstructor3),
+       Method("SourceWithoutAttachments as String", &objects::SourceWithoutAttachments)},
       {{"RaiseUnknownFormatExceptions", "Boolean", kOrdinary, kComputed,
-        Proc(&text::getRaiseUnknownFormatExceptions), Proc(&text::setRaiseUnknownFormatExceptions),
+        Proc(&objects::getRaiseUnknownFormatExceptions), Proc(&objects::setRaiseUnknownFormatExceptions),
         false},
-       {"Debugging", "Boolean", kHidden, kComputed, Proc(&host::getDebugging),
-        Proc(&host::setDebugging), true}},
-      {Method("HTMLToPlainText(HTMLText as String) as String", &email::HTMLToPlainText),
-       Method("DecodeInline(Text as String) as String", &email::DecodeInline)}};
+       {"Debugging", "Boolean", kHidden, kComputed, Proc(&objects::getDebugging),
+        Proc(&objects::setDebugging), true}},
+      {Method("HTMLToPlainText(HTMLText as String) as String", &objects::HTMLToPlainText),
+       Method("DecodeInline(Text as String) as String", &objects::DecodeInline)}};
 }
 
 ExpectedClass Attachment() {
   return {&plugin::kMimeAttachmentClass, "MimeAttachmentZQV", nullptr, 96,
-          Proc(email::Destructor),
+          Proc(objects::Destructor),
       {Stored("Body", "MimeBodyZQV", 0),
        Stored("Header", "MimeHeaderZQV", 8),
        Stored("Data", "String", 16),
@@ -206,7 +205,7 @@ ExpectedClass Attachment() {
        Stored("ContentDisposition", "String", 64),
        Stored("ContentDescription", "String", 72),
        Stored("contentId", "String", 80)},
-      {Method("Constructor", email::MimeAttachmentConstructor, kPrivate)},
+      {Method("Constructor", objects::MimeAttachmentConstructor, kPrivate)},
       {}, {}};
 }
 // clang-format on

@@ -10,14 +10,14 @@
 #include <utility>
 #include <vector>
 
-#include "email/attachment.h"
 #include "host/entry_points.h"
 #include "host/record.h"
-#include "mime/records.h"
+#include "objects/attachment.h"
+#include "objects/records.h"
 #include "plugin/classes.h"
 #include "standin/capabilities.h"
 #include "standin/host.h"
-#include "tests/unit/host/alone.h"
+#include "tests/support/alone.h"
 #include "tests/unit/host/host_fixture.h"
 #include "tests/unit/plugin/expected_classes.h"
 
@@ -314,17 +314,17 @@ TEST_F(Registration, GivesOldHostsTheDatesOnAllTargets) {
 // The host writes where each record lies, and the library finds it by that.
 TEST_F(Registration, BindsEachRecordToItsClass) {
   RegisterVersion(2024.1);
-  const auto entity = host::NewInstance<mime::MimeEntityClassData>();
+  const auto entity = host::NewInstance<objects::MimeEntityClassData>();
   ASSERT_TRUE(entity);
   EXPECT_EQ(reinterpret_cast<const standin::Thing*>(entity.get())->type->name, "MimeEntityZQV");
-  EXPECT_EQ(reinterpret_cast<char*>(host::RecordOf<mime::MimeEntityClassData>(entity.get())) -
+  EXPECT_EQ(reinterpret_cast<char*>(host::RecordOf<objects::MimeEntityClassData>(entity.get())) -
                 reinterpret_cast<char*>(entity.get()),
             plugin::kMimeEntityClass.forSystemUse);
 }
 
 TEST_F(Registration, AttachmentKeepsBothOrders) {
-  EXPECT_LT(offsetof(email::MimeAttachmentClassData, MimeType),
-            offsetof(email::MimeAttachmentClassData, MimeVersion));
+  EXPECT_LT(offsetof(objects::MimeAttachmentClassData, MimeType),
+            offsetof(objects::MimeAttachmentClassData, MimeVersion));
   std::vector<std::string> names;
   for (std::size_t i = 0; i < plugin::kMimeAttachmentClass.propertyCount; ++i)
     names.push_back(plugin::kMimeAttachmentClass.properties[i].name);

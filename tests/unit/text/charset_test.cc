@@ -6,23 +6,18 @@
 #include <algorithm>
 #include <cctype>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "tests/reference/charset_twin.h"
-#include "tests/unit/host/host_fixture.h"
-#include "tests/unit/host/log_capture.h"
-#include "tests/unit/host/property.h"
+#include "tests/support/property.h"
+#include "tests/unit/base/log_capture.h"
 #include "tests/unit/text/tables.h"
 
 namespace zqv::text {
 namespace {
 
 using test::Logged;
-
-class Charset : public test::HostTest {
- protected:
-  ~Charset() override { RaiseUnknownFormatExceptions = false; }
-};
 
 std::string Upper(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(),
@@ -36,7 +31,7 @@ std::string Lower(std::string text) {
   return text;
 }
 
-TEST_F(Charset, KnowsAllNamesOfTheTable) {
+TEST(Charset, KnowsAllNamesOfTheTable) {
   const auto rows = test::ReadTable("charsets.tsv", 16);
   ASSERT_EQ(rows.size(), 119u);
   for (const auto& [name, encoding] : rows) {
@@ -46,13 +41,13 @@ TEST_F(Charset, KnowsAllNamesOfTheTable) {
   }
 }
 
-TEST_F(Charset, NamesDifferByMoreThanCase) {
+TEST(Charset, NamesDifferByMoreThanCase) {
   std::map<std::string, int> count;
   for (const auto& row : test::ReadTable("charsets.tsv", 16)) ++count[Lower(row.first)];
   EXPECT_EQ(count.size(), 119u);
 }
 
-TEST_F(Charset, KeepsTheOddRows) {
+TEST(Charset, KeepsTheOddRows) {
   EXPECT_EQ(GetEncodingValue("ASAX341963"), 0x0600u);
   EXPECT_EQ(GetEncodingValue("TIS-620"), GetEncodingValue("ISO-8859-11"));
   EXPECT_EQ(GetEncodingValue("TIS-620"), 0x020Bu);
@@ -60,13 +55,13 @@ TEST_F(Charset, KeepsTheOddRows) {
     EXPECT_EQ(GetEncodingValue(name), 0x0201u) << name;
 }
 
-TEST_F(Charset, UsualSpellingsOfUtf8) {
+TEST(Charset, UsualSpellingsOfUtf8) {
   for (const char* name :
        {"UTF-8", "utf_8", "\"utf-8\"", " utf 8 ", "u.t.f.8", "\tUTF-8\r\n", "utf\xC3-8"})
     EXPECT_EQ(GetEncodingValue(name), 0x08000100u) << name;
 }
 
-TEST_F(Charset, UsualSpellingsOfOthers) {
+TEST(Charset, UsualSpellingsOfOthers) {
   EXPECT_EQ(GetEncodingValue("iso-8859-1"), 0x0201u);
   EXPECT_EQ(GetEncodingValue("windows-1252"), 0x0500u);
   EXPECT_EQ(GetEncodingValue("CP1252"), 0x0500u);
@@ -75,7 +70,7 @@ TEST_F(Charset, UsualSpellingsOfOthers) {
   EXPECT_EQ(GetEncodingValue("ANSI_X3.4-1968"), 0x0600u);
 }
 
-TEST_F(Charset, UnknownAndEmptyNames) {
+TEST(Charset, UnknownAndEmptyNames) {
   EXPECT_EQ(GetEncodingValue("foo"), 0xFFFFu);
   EXPECT_EQ(GetEncodingValue(""), 0xFFFFu);
   EXPECT_EQ(GetEncodingValue("utf88"), 0xFFFFu);
@@ -83,40 +78,24 @@ TEST_F(Charset, UnknownAndEmptyNames) {
   EXPECT_EQ(GetEncodingValue("binary"), 0xFFFFu);  // a row of its own
 }
 
-TEST_F(Charset, BinaryIsKnownAlthoughItsValueIsTheUnknownOne) {
-  Start();
-  RaiseUnknownFormatExceptions = true;
+TEST(Charset, BinaryIsKnownAlthoughItsValueIsTheUnknownOne) {
   const test::LogCapture log;
   EXPECT_EQ(GetEncodingValue("binary"), 0xFFFFu);
+  EXPECT_EQ(FindCharset("binary"), 0xFFFFu);
   EXPECT_EQ(log.Text(), "");
 }
 
-TEST_F(Charset, RaisesOnlyWhenAskedTo) {
-  Start();
-  EXPECT_EQ(GetEncodingValue("foo"), 0xFFFFu);
-  EXPECT_EQ(TakeRaised(), "");
-  RaiseUnknownFormatExceptions = true;
-  EXPECT_EQ(GetEncodingValue("f-o o"), 0xFFFFu);
-  EXPECT_EQ(TakeRaised(), "UnsupportedFormatException, 0: Unhandled charset: f-o o");
-  EXPECT_EQ(GetEncodingValue("utf-8"), 0x08000100u);
+TEST(Charset, NamesOutsideTheTableAreNotFound) {
+  EXPECT_EQ(FindCharset("f-o o"), std::nullopt);
+  EXPECT_EQ(FindCharset(""), std::nullopt);
+  EXPECT_EQ(FindCharset("utf-8"), 0x08000100u);
 }
 
-TEST_F(Charset, LogsTheNormalisedName) {
-  Start();
+TEST(Charset, LogsTheNormalisedName) {
   const test::LogCapture log;
-  GetEncodingValue("x-Foo_1.2");
-  RaiseUnknownFormatExceptions = true;
-  GetEncodingValue("");
+  EXPECT_EQ(GetEncodingValue("x-Foo_1.2"), 0xFFFFu);
+  EXPECT_EQ(GetEncodingValue(""), 0xFFFFu);
   EXPECT_EQ(log.Text(), Logged({"unknown charset xFoo12", "unknown charset "}));
-  EXPECT_EQ(TakeRaised(), "UnsupportedFormatException, 0: Unhandled charset: ");
-}
-
-TEST_F(Charset, SwitchIsReadAndWritten) {
-  EXPECT_EQ(getRaiseUnknownFormatExceptions(), 0);
-  setRaiseUnknownFormatExceptions(2);
-  EXPECT_EQ(getRaiseUnknownFormatExceptions(), 1);
-  setRaiseUnknownFormatExceptions(0);
-  EXPECT_EQ(getRaiseUnknownFormatExceptions(), 0);
 }
 
 TEST(NormaliseCharsetName, DropsBlanksControlsAndPunctuation) {

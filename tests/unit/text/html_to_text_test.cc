@@ -7,11 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "standin/application.h"
 #include "tests/reference/html_twin.h"
-#include "tests/unit/host/host_fixture.h"
-#include "tests/unit/host/log_capture.h"
-#include "tests/unit/host/property.h"
+#include "tests/support/property.h"
+#include "tests/unit/base/log_capture.h"
 #include "tests/unit/text/tables.h"
 #include "text/html_entities.h"
 
@@ -401,59 +399,19 @@ TEST(HtmlToPlainText, AgreesWithItsTwin) {
   }));
 }
 
-using HtmlToHostText = test::HostTest;
-
-std::string HostText(const standin::String& html) {
-  return test::Show(HTMLToPlainText(html.raw()));
-}
-
-TEST_F(HtmlToHostText, NilAndEmptyGiveNil) {
-  Start();
-  EXPECT_EQ(HostText(standin::String()), "nil");
-  EXPECT_EQ(HostText(standin::MakeEmptyString(abi::kUtf8)), "nil");
-}
-
-TEST_F(HtmlToHostText, OnlyTagsGiveNil) {
-  Start();
-  EXPECT_EQ(HostText(standin::MakeString("<html><body></body></html>")), "nil");
-}
-
-TEST_F(HtmlToHostText, TextIsUtf8) {
-  for (const double version : {2024.1, 2012.5, 2011.0}) {
-    StartVersion(version);
-    EXPECT_EQ(HostText(standin::MakeString("<b>Caf\xC3\xA9</b> &euro;")),
-              test::Shown(abi::kUtf8, "Caf\xC3\xA9 \xE2\x82\xAC"));
-    EXPECT_EQ(HostText(standin::MakeString("\x8E<br>x", abi::kMacRoman)),
-              test::Shown(abi::kUtf8, "\xC3\xA9\rx"));
-  }
-}
-
-TEST_F(HtmlToHostText, CodePointsThatUnicodeLacksAreReplacedOrDropped) {
-  for (const double version : {2024.1, 2012.5}) {
-    StartVersion(version);
-    EXPECT_EQ(HostText(standin::MakeString("a&#1114112;b&#xD800;c")), test::Shown(abi::kUtf8,
-                                                                                  "a\xEF\xBF\xBD"
-                                                                                  "bc"));
-  }
-}
-
-TEST_F(HtmlToHostText, LogsCommentsAndSizes) {
-  Start();
-  const auto html = standin::MakeString("a<!-- x -->b<!--");
+TEST(HtmlToPlainText, LogsItsComments) {
   const test::LogCapture log;
-  EXPECT_EQ(HostText(html), test::Shown(abi::kUtf8, "ab"));
+  EXPECT_EQ(Text("a<!-- x -->b<!--"), "ab");
   EXPECT_EQ(log.Text(), Logged({"start of comment found 2", "end of comment found 8",
-                                "start of comment found 13", "output.size 2", "dlen 2"}));
+                                "start of comment found 13"}));
 }
 
-TEST_F(HtmlToHostText, LogsTheSizeOfNothing) {
-  Start();
-  const auto html = standin::MakeString("<p");
-  const auto tag = standin::MakeString("<b>");
-  const test::LogCapture log;
-  EXPECT_EQ(HostText(tag), "nil");
-  EXPECT_EQ(HostText(standin::String()), "nil");
-  EXPECT_EQ(log.Text(), Logged({"output.size 0"}));
+TEST(HtmlToPlainText, OfAsciiCharactersIsTheSame) {
+  EXPECT_TRUE(test::Holds("the same text as of wide characters", [&] {
+    const std::string html = *rc::gen::container<std::string>(
+        rc::gen::elementOf(std::string("<>&;#/!-x12 \t\r\nplidvscrbyteoun")));
+    RC_ASSERT(HtmlToPlainText(html) == HtmlToPlainText(std::u32string(html.begin(), html.end())));
+  }));
 }
 
 }  // namespace

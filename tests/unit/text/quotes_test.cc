@@ -6,7 +6,7 @@
 #include <string>
 
 #include "tests/reference/encoded_word_twin.h"
-#include "tests/unit/host/property.h"
+#include "tests/support/property.h"
 
 namespace zqv::text {
 namespace {

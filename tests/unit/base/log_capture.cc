@@ -1,4 +1,4 @@
-#include "tests/unit/host/log_capture.h"
+#include "tests/unit/base/log_capture.h"
 
 #include "base/log.h"
 

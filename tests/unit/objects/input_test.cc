@@ -1,4 +1,4 @@
-#include "email/input.h"
+#include "objects/input.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -14,16 +14,16 @@
 #include <string_view>
 
 #include "standin/application.h"
-#include "tests/unit/email/email_fixture.h"
-#include "tests/unit/host/log_capture.h"
+#include "tests/support/failing_memory.h"
+#include "tests/unit/base/log_capture.h"
+#include "tests/unit/objects/email_fixture.h"
 
 namespace zqv::test {
 namespace {
 
 // What the wrapped file functions do instead of the real ones.
-std::optional<long> g_length;                                            // told by ftell
-std::size_t g_missing_bytes = 0;                                         // not read by fread
-std::size_t g_largest_zeroed = std::numeric_limits<std::size_t>::max();  // given by calloc
+std::optional<long> g_length;     // told by ftell
+std::size_t g_missing_bytes = 0;  // not read by fread
 
 }  // namespace
 }  // namespace zqv::test
@@ -34,8 +34,6 @@ long __real_ftell(std::FILE* stream);
 long __wrap_ftell(std::FILE* stream);
 std::size_t __real_fread(void* memory, std::size_t size, std::size_t count, std::FILE* stream);
 std::size_t __wrap_fread(void* memory, std::size_t size, std::size_t count, std::FILE* stream);
-void* __real_calloc(std::size_t count, std::size_t size);
-void* __wrap_calloc(std::size_t count, std::size_t size);
 }
 
 long __wrap_ftell(std::FILE* stream) {
@@ -44,10 +42,6 @@ long __wrap_ftell(std::FILE* stream) {
 
 std::size_t __wrap_fread(void* memory, std::size_t size, std::size_t count, std::FILE* stream) {
   return __real_fread(memory, size, count - zqv::test::g_missing_bytes, stream);
-}
-
-void* __wrap_calloc(std::size_t count, std::size_t size) {
-  return count * size > zqv::test::g_largest_zeroed ? nullptr : __real_calloc(count, size);
 }
 
 namespace zqv::test {
@@ -65,7 +59,6 @@ class Input : public EmailTest {
   void TearDown() override {
     g_length.reset();
     g_missing_bytes = 0;
-    g_largest_zeroed = std::numeric_limits<std::size_t>::max();
     std::filesystem::remove_all(folder_);
     EmailTest::TearDown();
   }
@@ -79,7 +72,7 @@ class Input : public EmailTest {
   // The file's bytes, "nothing" when there are none to have.
   static std::string Read(const std::string& path) {
     const auto file = standin::MakeFolderItem(path);
-    const auto read = email::ReadFile(file.raw());
+    const auto read = objects::ReadFile(file.raw());
     return read.has_value() ? std::string(read->bytes()) : "nothing";
   }
 
@@ -93,28 +86,28 @@ constexpr char kNoMemory[] = "OutOfMemoryException, 0: Failed to allocate memory
 TEST_F(Input, BlockGivesItsBytes) {
   const std::string bytes("a\0\xFF", 3);
   const auto block = standin::MakeMemoryBlock(bytes);
-  const email::BlockBytes held(block.raw());
+  const objects::BlockBytes held(block.raw());
   EXPECT_EQ(held.bytes(), bytes);
   EXPECT_EQ(block.locks(), 2) << "held meanwhile";
 }
 
 TEST_F(Input, BlockIsGivenBack) {
   const auto block = standin::MakeMemoryBlock("abc");
-  { const email::BlockBytes held(block.raw()); }
+  { const objects::BlockBytes held(block.raw()); }
   EXPECT_EQ(block.locks(), 1);
 }
 
 TEST_F(Input, BlockWithoutBytesIsEmpty) {
-  EXPECT_EQ(email::BlockBytes(nullptr).bytes(), "");
-  EXPECT_EQ(email::BlockBytes(standin::MakeMemoryBlock("").raw()).bytes(), "");
-  EXPECT_EQ(email::BlockBytes(standin::MakeMemoryBlockOfUnknownSize("abc").raw()).bytes(), "");
-  EXPECT_EQ(email::BlockBytes(standin::MakeMemoryBlockWithoutPointer(3).raw()).bytes(), "");
+  EXPECT_EQ(objects::BlockBytes(nullptr).bytes(), "");
+  EXPECT_EQ(objects::BlockBytes(standin::MakeMemoryBlock("").raw()).bytes(), "");
+  EXPECT_EQ(objects::BlockBytes(standin::MakeMemoryBlockOfUnknownSize("abc").raw()).bytes(), "");
+  EXPECT_EQ(objects::BlockBytes(standin::MakeMemoryBlockWithoutPointer(3).raw()).bytes(), "");
 }
 
 TEST_F(Input, BlockIsEmptyWhenTheHostCannotTell) {
   for (const char* name : {"memoryBlockGetSize", "memoryBlockGetPtr"}) {
     StartEmailWithFault(name);
-    EXPECT_EQ(email::BlockBytes(standin::MakeMemoryBlock("abc").raw()).bytes(), "");
+    EXPECT_EQ(objects::BlockBytes(standin::MakeMemoryBlock("abc").raw()).bytes(), "");
   }
 }
 
@@ -145,7 +138,7 @@ TEST_F(Input, FileThatIsNotThereIsNotOpened) {
 }
 
 TEST_F(Input, FileWithoutAPathIsNotOpened) {
-  EXPECT_FALSE(email::ReadFile(nullptr).has_value());
+  EXPECT_FALSE(objects::ReadFile(nullptr).has_value());
   EXPECT_EQ(TakeRaised(), kNotOpened);
   EXPECT_EQ(Read(""), "nothing");
   EXPECT_EQ(TakeRaised(), kNotOpened);
@@ -187,11 +180,15 @@ TEST_F(Input, FileThatTellsNoLengthIsRefused) {
 
 TEST_F(Input, FileTooLargeForMemoryIsRefused) {
   const std::string path = Write("file", std::string(1'000, 'x'));
-  g_largest_zeroed = 1'003;
-  EXPECT_EQ(Read(path), "nothing");
+  const auto read_within = [&path](std::size_t bytes) {
+    const auto file = standin::MakeFolderItem(path);
+    const AllocationLimit limit(bytes);
+    const auto read = objects::ReadFile(file.raw());
+    return read.has_value() ? read->bytes().size() : 0;
+  };
+  EXPECT_EQ(read_within(1'003), 0U);
   EXPECT_EQ(TakeRaised(), kNoMemory);
-  g_largest_zeroed = 1'004;
-  EXPECT_EQ(Read(path).size(), 1'000U) << "four bytes more than the file has are enough";
+  EXPECT_EQ(read_within(1'004), 1'000U) << "four bytes more than the file has are enough";
 }
 
 // A directory tells such a length.
@@ -206,7 +203,7 @@ TEST_F(Input, LengthThatLeavesNoRoomForFourBytesMoreIsRefused) {
 
 TEST_F(Input, DirectoryIsNoMessage) {
   const auto folder = standin::MakeFolderItem(folder_.string());
-  const auto read = email::ReadFile(folder.raw());
+  const auto read = objects::ReadFile(folder.raw());
   // What a directory tells of its length is the file system's own.
   if (read.has_value()) {
     EXPECT_EQ(read->bytes(), "");
@@ -219,7 +216,7 @@ TEST_F(Input, SaysEachStep) {
   const std::string path = Write("file", "0123456789");
   const auto file = standin::MakeFolderItem(path);
   const LogCapture log;
-  EXPECT_TRUE(email::ReadFile(file.raw()).has_value());
+  EXPECT_TRUE(objects::ReadFile(file.raw()).has_value());
   const std::string text = log.Text();
   // The two lines in the middle name the same stream, wherever it lies.
   const std::string stream = text.substr(text.find("result ") + 7, 14);
@@ -233,9 +230,9 @@ TEST_F(Input, SaysWhatIsMissing) {
   const auto none = standin::MakeFolderItem(path);
   const auto nowhere = standin::MakeFolderItem("");
   const LogCapture log;
-  EXPECT_FALSE(email::ReadFile(nullptr).has_value());
-  EXPECT_FALSE(email::ReadFile(none.raw()).has_value());
-  EXPECT_FALSE(email::ReadFile(nowhere.raw()).has_value());
+  EXPECT_FALSE(objects::ReadFile(nullptr).has_value());
+  EXPECT_FALSE(objects::ReadFile(none.raw()).has_value());
+  EXPECT_FALSE(objects::ReadFile(nowhere.raw()).has_value());
   EXPECT_EQ(log.Text(), Logged({"folderitem is nil"}) + "native path: " + path + "\n" +
                             Logged({"result (nil)", "f (nil)"}) + "native path: (null)\n" +
                             Logged({"f (nil)"}));
@@ -244,11 +241,11 @@ TEST_F(Input, SaysWhatIsMissing) {
 
 TEST_F(Input, MessageBytesAreEmptyOnceFreed) {
   auto memory = base::AllocateZeroed<char>(4);
-  email::MessageBytes owned(std::move(memory), 4);
+  objects::MessageBytes owned(std::move(memory), 4);
   EXPECT_EQ(owned.bytes().size(), 4U);
   owned.Free();
   EXPECT_EQ(owned.bytes(), "");
-  email::MessageBytes borrowed(std::string_view("abc"));
+  objects::MessageBytes borrowed(std::string_view("abc"));
   EXPECT_EQ(borrowed.bytes(), "abc");
   borrowed.Free();
   EXPECT_EQ(borrowed.bytes(), "");

@@ -1,4 +1,4 @@
-#include "email/dates.h"
+#include "objects/dates.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
-#include "tests/unit/email/email_fixture.h"
-#include "tests/unit/host/log_capture.h"
+#include "tests/unit/base/log_capture.h"
+#include "tests/unit/objects/email_fixture.h"
 
 namespace zqv::test {
 namespace {
@@ -51,7 +51,7 @@ std::tm* __wrap_localtime(const std::time_t* time) {
 namespace zqv::test {
 namespace {
 
-using mime::MimeEntityClassData;
+using objects::MimeEntityClassData;
 using ::testing::ElementsAre;
 using ::testing::Pair;
 
@@ -94,7 +94,7 @@ class Dates : public EmailTest {
   // The record of an entity with these header lines.
   const MimeEntityClassData& ParseHeader(const std::string& lines) {
     email_ = NewEmail();
-    email::ParseDate(RecordOf(email_), Parse(lines + "\n")->Header());
+    objects::ParseDate(RecordOf(email_), Parse(lines + "\n")->Header());
     return RecordOf(email_);
   }
   std::string Sent(const std::string& date) {
@@ -135,7 +135,7 @@ struct ZoneRow {
 class ZoneOffset : public ::testing::TestWithParam<ZoneRow> {};
 
 TEST_P(ZoneOffset, IsInSeconds) {
-  EXPECT_EQ(email::ZoneOffset(GetParam().zone), GetParam().seconds);
+  EXPECT_EQ(objects::ZoneOffset(GetParam().zone), GetParam().seconds);
 }
 
 INSTANTIATE_TEST_SUITE_P(Zones, ZoneOffset,
@@ -262,7 +262,7 @@ constexpr char kSixDeclared[] =
 TEST_F(MakesDate, WithSevenArgumentsFirst) {
   g_declared.clear();
   Replace("REALLoadObjectMethod", &LoadSeven);
-  const auto date = email::NewDate(2019, 2, 3, 4, 5, 6);
+  const auto date = objects::NewDate(2019, 2, 3, 4, 5, 6);
   EXPECT_TRUE(date);
   EXPECT_EQ(g_declared, kSevenDeclared);
   EXPECT_THAT(g_six, ElementsAre(2019, 2, 3, 4, 5, 6));
@@ -272,7 +272,7 @@ TEST_F(MakesDate, WithSevenArgumentsFirst) {
 TEST_F(MakesDate, WithSixArgumentsNext) {
   g_declared.clear();
   Replace("REALLoadObjectMethod", &LoadSecond);
-  const auto date = email::NewDate(2019, 2, 3, 4, 5, 6);
+  const auto date = objects::NewDate(2019, 2, 3, 4, 5, 6);
   EXPECT_TRUE(date);
   EXPECT_EQ(g_declared, std::string(kSevenDeclared) + kSixDeclared);
   EXPECT_THAT(g_six, ElementsAre(2019, 2, 3, 4, 5, 6));

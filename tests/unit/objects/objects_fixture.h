@@ -1,10 +1,8 @@
 // A test with a stand-in host that knows the classes of a parsed message.
 //
 // The classes are made up: the real records and destructors under the real names, without members.
-// So the layer is tested without the tables that the plug-in registers.
+// So the objects are tested without the tables that the plug-in registers.
 #pragma once
-
-#include <mimetic/mimeentity.h>
 
 #include <cstddef>
 #include <memory>
@@ -16,9 +14,8 @@
 #include "host/arrays.h"
 #include "host/record.h"
 #include "host/ref.h"
-#include "mime/entity.h"
-#include "mime/message_texts.h"
-#include "mime/records.h"
+#include "mime/message.h"
+#include "objects/records.h"
 #include "standin/capabilities.h"
 #include "tests/unit/host/host_fixture.h"
 
@@ -29,17 +26,17 @@ abi::REALclassDefinition MadeUpClass(const char* name, std::size_t size,
                                      void (*destructor)(abi::REALobject),
                                      const char* super = nullptr);
 
-class MimeTest : public HostTest {
+class ObjectsTest : public HostTest {
  protected:
   // Starts a complete host; a test that needs another one starts it instead.
-  void SetUp() override { StartMime(); }
+  void SetUp() override { StartObjects(); }
 
   // Starts a host and registers the nine classes of this layer.
-  standin::Host& StartMime(const standin::Capabilities& capabilities = {});
+  standin::Host& StartObjects(const standin::Capabilities& capabilities = {});
   // The same for a host in which one entry point misbehaves, or is missing.
-  standin::Host& StartMimeWithFault(const char* name, standin::Fault fault = {});
+  standin::Host& StartObjectsWithFault(const char* name, standin::Fault fault = {});
   // The same for a host that can make no instance of one class.
-  standin::Host& StartMimeWithoutClass(const char* name);
+  standin::Host& StartObjectsWithoutClass(const char* name);
 
   // Registers a class with a record, a destructor and no members, and binds the record.
   template <class Record, void (*kDestructor)(abi::REALobject)>
@@ -58,19 +55,15 @@ class MimeTest : public HostTest {
   static const std::vector<const void*>& Unlocked();
 };
 
-// A message whose tree leaves its texts in the bytes.
+// A message with its own bytes.
 struct ParsedMessage {
-  explicit ParsedMessage(std::string_view message);
-  mime::HeaderView Header() const { return texts.HeaderOf(entity); }
+  explicit ParsedMessage(std::string_view text) : bytes(text), message(bytes) {}
+  mime::Header Header() const { return message.HeaderOf(message.top()); }
 
   const std::string bytes;
-  mime::MessageTexts texts;
-  mimetic::MimeEntity entity;
+  const mime::Message message;
 };
 std::unique_ptr<const ParsedMessage> Parse(std::string_view message);
-
-// The value of the first field that is spelt so; empty when there is none.
-std::string ValueOf(const mime::HeaderView& header, std::string_view name);
 
 // What a stored string holds; see Show of a string.
 std::string Show(const host::StringSlot& slot);

@@ -1,25 +1,25 @@
-#include "tests/unit/email/email_fixture.h"
+#include "tests/unit/objects/email_fixture.h"
 
 #include <variant>
 
-#include "email/parse.h"
 #include "host/errors.h"
+#include "objects/build.h"
+#include "objects/switches.h"
 #include "standin/native.h"
-#include "text/charset.h"
 
 namespace zqv::test {
 
-using email::MimeAttachmentClassData;
-using mime::MimeEntityClassData;
+using objects::MimeAttachmentClassData;
+using objects::MimeEntityClassData;
 
 void EmailTest::TearDown() {
-  text::RaiseUnknownFormatExceptions = false;
-  MimeTest::TearDown();
+  objects::setRaiseUnknownFormatExceptions(0);
+  ObjectsTest::TearDown();
 }
 
 standin::Host& EmailTest::StartEmail(const standin::Capabilities& capabilities) {
-  StartMime(capabilities);
-  RegisterClass<MimeAttachmentClassData, email::Destructor>("MimeAttachmentZQV");
+  StartObjects(capabilities);
+  RegisterClass<MimeAttachmentClassData, objects::Destructor>("MimeAttachmentZQV");
   static abi::REALclassDefinition email;
   email = MadeUpClass("MimeEmailZQV", 0, nullptr, "MimeEntityZQV");
   RegisterDefinition(email);
@@ -41,7 +41,7 @@ host::ObjectRef EmailTest::NewEmail() {
 
 host::ObjectRef EmailTest::ParseEmail(std::string_view message) {
   host::ObjectRef email = NewEmail();
-  host::Guard([&] { email::MimeEmailConstructor(email.get(), message, nullptr); });
+  host::Guard([&] { objects::MimeEmailConstructor(email.get(), message, nullptr); });
   return email;
 }
 
@@ -59,7 +59,7 @@ std::vector<MimeAttachmentClassData*> EmailTest::Inlines(const host::ObjectRef& 
 
 std::vector<MimeEntityClassData*> EmailTest::Parts(const MimeEntityClassData& entity) {
   return RecordsIn<MimeEntityClassData>(
-      host::RecordOf<mime::MimeBodyClassData>(entity.Body.get())->parts.get());
+      host::RecordOf<objects::MimeBodyClassData>(entity.Body.get())->parts.get());
 }
 
 std::vector<std::string> EmailTest::Names(

@@ -4,9 +4,10 @@
 
 #include <string>
 
-#include "tests/unit/host/log_capture.h"
+#include "base/system_log.h"
+#include "tests/unit/base/log_capture.h"
 
-namespace zqv::host {
+namespace zqv::base {
 namespace {
 
 using test::LogCapture;
@@ -18,34 +19,7 @@ class DebugLog : public ::testing::Test {
   ~DebugLog() override { DebuggingEnabled = false; }
 };
 
-TEST_F(DebugLog, IsOffAtFirst) { EXPECT_EQ(getDebugging(), 0); }
-
-TEST_F(DebugLog, TurningOnIsLoggedOnce) {
-  const LogCapture log;
-  DebuggingEnabled = false;
-  setDebugging(1);
-  setDebugging(1);
-  EXPECT_EQ(log.Text(), "ZQV Debug: ZQV debug logging enabled.\n");
-}
-
-TEST_F(DebugLog, TurningOffIsNotLogged) {
-  const LogCapture log;
-  setDebugging(0);
-  setDebugging(0);
-  EXPECT_EQ(log.Text(), "");
-  setDebugging(1);
-  EXPECT_EQ(log.Text(), Logged({"ZQV debug logging enabled."}));
-}
-
-TEST_F(DebugLog, AnyNonZeroValueIsTrue) {
-  const LogCapture log;
-  for (const int value : {1, 2, -1, 127, -128}) {
-    setDebugging(static_cast<abi::RBBoolean>(value));
-    EXPECT_EQ(getDebugging(), 1) << value;
-  }
-  setDebugging(0);
-  EXPECT_EQ(getDebugging(), 0);
-}
+TEST_F(DebugLog, IsOffAtFirst) { EXPECT_FALSE(IsLogging()); }
 
 TEST_F(DebugLog, LinesAreCutAt4095Characters) {
   const LogCapture log;
@@ -85,5 +59,13 @@ TEST_F(DebugLog, EachFormatOfALine) {
                                 "NewDate 1, 2, 3, 4, 5, 6", "subject 2013.040000"}));
 }
 
+TEST(LogLines, EndInALineBreak) {
+  const LogCapture log;
+  WriteLogLine("first");
+  WriteLogLine("");
+  WriteLogLine("100 % of it");
+  EXPECT_EQ(log.Text(), "first\n\n100 % of it\n");
+}
+
 }  // namespace
-}  // namespace zqv::host
+}  // namespace zqv::base

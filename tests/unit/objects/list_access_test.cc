@@ -1,21 +1,21 @@
-#include "mime/list_access.h"
+#include "objects/list_access.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
-#include "tests/unit/host/log_capture.h"
-#include "tests/unit/mime/mime_fixture.h"
+#include "tests/unit/base/log_capture.h"
+#include "tests/unit/objects/objects_fixture.h"
 
 namespace zqv::test {
 namespace {
 
-using mime::MimeEntityClassData;
+using objects::MimeEntityClassData;
 
 // One list of a record stands for all: the members are the same template.
-using List = mime::ListAccess<&MimeEntityClassData::Attachments>;
+using List = objects::ListAccess<&MimeEntityClassData::Attachments>;
 
-class ListAccess : public MimeTest {
+class ListAccess : public ObjectsTest {
  protected:
   // An entity whose list has `count` elements, or is nil for a negative one.
   host::ObjectRef EntityWithList(int count) {
@@ -40,7 +40,7 @@ TEST_F(ListAccess, CountsTheElements) {
 }
 
 TEST_F(ListAccess, CountsOneWhenTheHostCannotTell) {
-  StartMimeWithFault("RuntimeUBound");
+  StartObjectsWithFault("RuntimeUBound");
   EXPECT_EQ(List::Count(EntityWithList(0).get()), 1);
   EXPECT_EQ(List::Count(EntityWithList(-1).get()), 0) << "without a list";
 }
@@ -107,11 +107,11 @@ TEST_F(ListAccess, GivesNothingWithoutARecord) {
   EXPECT_EQ(List::Variant(nullptr), nullptr);
   EXPECT_EQ(List::At(nullptr, 0), nullptr);
   EXPECT_EQ(List::Count(nullptr), 0);
-  EXPECT_EQ(mime::GetStored<&MimeEntityClassData::Source>(nullptr), nullptr);
+  EXPECT_EQ(objects::GetStored<&MimeEntityClassData::Source>(nullptr), nullptr);
 }
 
 TEST_F(ListAccess, RaisesWhatTheHostThrows) {
-  StartMimeWithFault("RuntimeUBound", {standin::Fault::Kind::kThrows});
+  StartObjectsWithFault("RuntimeUBound", {standin::Fault::Kind::kThrows});
   const auto entity = host::NewInstance<MimeEntityClassData>();
   host::RecordOf<MimeEntityClassData>(entity.get())->Attachments.Put(host::NewObjectArray());
   EXPECT_EQ(List::Count(entity.get()), 0);
@@ -126,18 +126,18 @@ TEST_F(ListAccess, StoredFieldsComeWithOneLockMore) {
   record.Source.Put(NewText("source"));
   record.SentDate.Put(NewThing());
   const auto source =
-      host::StringRef::Adopt(mime::GetStored<&MimeEntityClassData::Source>(entity.get()));
+      host::StringRef::Adopt(objects::GetStored<&MimeEntityClassData::Source>(entity.get()));
   const auto date =
-      host::ObjectRef::Adopt(mime::GetStored<&MimeEntityClassData::SentDate>(entity.get()));
+      host::ObjectRef::Adopt(objects::GetStored<&MimeEntityClassData::SentDate>(entity.get()));
   EXPECT_EQ(source.get(), record.Source.get());
   EXPECT_EQ(LocksOf(source.get()), 2);
   EXPECT_EQ(date.get(), record.SentDate.get());
   EXPECT_EQ(LocksOf(date.get()), 2);
-  EXPECT_EQ(mime::GetStored<&MimeEntityClassData::Subject>(entity.get()), nullptr);
+  EXPECT_EQ(objects::GetStored<&MimeEntityClassData::Subject>(entity.get()), nullptr);
 }
 
 TEST_F(ListAccess, GivesNilWhenTheHostCannotLock) {
-  StartMimeWithFault("REALLockObject");
+  StartObjectsWithFault("REALLockObject");
   const auto entity = host::NewInstance<MimeEntityClassData>();
   host::RecordOf<MimeEntityClassData>(entity.get())->Attachments.Put(host::NewObjectArray());
   EXPECT_EQ(List::Whole(entity.get()), nullptr);

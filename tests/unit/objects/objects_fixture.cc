@@ -1,17 +1,17 @@
-#include "tests/unit/mime/mime_fixture.h"
+#include "tests/unit/objects/objects_fixture.h"
 
 #include "abi/encodings.h"
 #include "host/entry_points.h"
 #include "host/strings.h"
-#include "mime/address.h"
-#include "mime/address_list.h"
-#include "mime/body.h"
-#include "mime/field.h"
-#include "mime/group.h"
-#include "mime/header.h"
-#include "mime/mailbox.h"
-#include "mime/mailbox_list.h"
-#include "mime/parser.h"
+#include "objects/address.h"
+#include "objects/address_list.h"
+#include "objects/body.h"
+#include "objects/entity.h"
+#include "objects/field.h"
+#include "objects/group.h"
+#include "objects/header.h"
+#include "objects/mailbox.h"
+#include "objects/mailbox_list.h"
 #include "standin/things.h"
 
 namespace zqv::test {
@@ -36,41 +36,41 @@ void RecordObjectUnlock(abi::REALobject object) {
 
 }  // namespace
 
-standin::Host& MimeTest::StartMime(const standin::Capabilities& capabilities) {
+standin::Host& ObjectsTest::StartObjects(const standin::Capabilities& capabilities) {
   Start(capabilities);
-  RegisterClass<mime::MimeBodyClassData, mime::MimeBodyDestructor>("MimeBodyZQV");
-  RegisterClass<mime::MimeHeaderClassData, mime::MimeHeaderDestructor>("MimeHeaderZQV");
-  RegisterClass<mime::MimeEntityClassData, mime::MimeEntityDestructor>("MimeEntityZQV");
-  RegisterClass<mime::MimeAddressClassData, mime::MimeAddressDestructor>("MimeAddressZQV");
-  RegisterClass<mime::MimeGroupClassData, mime::MimeGroupDestructor>("MimeGroupZQV");
-  RegisterClass<mime::MimeAddressListClassData, mime::MimeAddressListDestructor>(
+  RegisterClass<objects::MimeBodyClassData, objects::MimeBodyDestructor>("MimeBodyZQV");
+  RegisterClass<objects::MimeHeaderClassData, objects::MimeHeaderDestructor>("MimeHeaderZQV");
+  RegisterClass<objects::MimeEntityClassData, objects::MimeEntityDestructor>("MimeEntityZQV");
+  RegisterClass<objects::MimeAddressClassData, objects::MimeAddressDestructor>("MimeAddressZQV");
+  RegisterClass<objects::MimeGroupClassData, objects::MimeGroupDestructor>("MimeGroupZQV");
+  RegisterClass<objects::MimeAddressListClassData, objects::MimeAddressListDestructor>(
       "MimeAddressListZQV");
-  RegisterClass<mime::MimeMailboxListClassData, mime::MimeMailboxListDestructor>(
+  RegisterClass<objects::MimeMailboxListClassData, objects::MimeMailboxListDestructor>(
       "MimeMailboxListZQV");
-  RegisterClass<mime::MimeMailboxClassData, mime::MimeMailboxDestructor>("MimeMailboxZQV");
-  RegisterClass<mime::MimeFieldClassData, mime::MimeFieldDestructor>("MimeFieldZQV");
+  RegisterClass<objects::MimeMailboxClassData, objects::MimeMailboxDestructor>("MimeMailboxZQV");
+  RegisterClass<objects::MimeFieldClassData, objects::MimeFieldDestructor>("MimeFieldZQV");
   return host();
 }
 
-standin::Host& MimeTest::StartMimeWithFault(const char* name, standin::Fault fault) {
+standin::Host& ObjectsTest::StartObjectsWithFault(const char* name, standin::Fault fault) {
   standin::Capabilities capabilities;
   capabilities.faults[name] = fault;
-  return StartMime(capabilities);
+  return StartObjects(capabilities);
 }
 
-standin::Host& MimeTest::StartMimeWithoutClass(const char* name) {
+standin::Host& ObjectsTest::StartObjectsWithoutClass(const char* name) {
   standin::Capabilities capabilities;
   capabilities.unknown_classes.insert(name);
-  return StartMime(capabilities);
+  return StartObjects(capabilities);
 }
 
 // Past the entry points, whose calls a test may count or make fail.
-void MimeTest::RegisterDefinition(abi::REALclassDefinition& definition) {
+void ObjectsTest::RegisterDefinition(abi::REALclassDefinition& definition) {
   host().classes().AnnounceVersion(kVersion);
   host().classes().Register(&definition, "a test");
 }
 
-void MimeTest::RecordUnlocks() {
+void ObjectsTest::RecordUnlocks() {
   g_unlocked.clear();
   g_unlock_string = reinterpret_cast<decltype(g_unlock_string)>(host::Resolve("REALUnlockString"));
   g_unlock_object = reinterpret_cast<decltype(g_unlock_object)>(host::Resolve("REALUnlockObject"));
@@ -78,7 +78,7 @@ void MimeTest::RecordUnlocks() {
   Replace("REALUnlockObject", &RecordObjectUnlock);
 }
 
-const std::vector<const void*>& MimeTest::Unlocked() { return g_unlocked; }
+const std::vector<const void*>& ObjectsTest::Unlocked() { return g_unlocked; }
 
 abi::REALclassDefinition MadeUpClass(const char* name, std::size_t size,
                                      void (*destructor)(abi::REALobject), const char* super) {
@@ -93,19 +93,8 @@ abi::REALclassDefinition MadeUpClass(const char* name, std::size_t size,
   return definition;
 }
 
-ParsedMessage::ParsedMessage(std::string_view message) : bytes(message) {
-  mime::ParseMessage(bytes, entity, texts);
-}
-
 std::unique_ptr<const ParsedMessage> Parse(std::string_view message) {
   return std::make_unique<const ParsedMessage>(message);
-}
-
-std::string ValueOf(const mime::HeaderView& header, std::string_view name) {
-  for (std::size_t i = 0; i < header.size(); ++i) {
-    if (header[i].name == name) return std::string(header.Value(i));
-  }
-  return "";
 }
 
 std::string Show(const host::StringSlot& slot) { return Show(slot.Share()); }

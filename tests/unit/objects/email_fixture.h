@@ -5,15 +5,15 @@
 #include <string_view>
 #include <vector>
 
-#include "email/attachment.h"
 #include "host/ref.h"
-#include "mime/records.h"
+#include "objects/attachment.h"
+#include "objects/records.h"
 #include "standin/capabilities.h"
-#include "tests/unit/mime/mime_fixture.h"
+#include "tests/unit/objects/objects_fixture.h"
 
 namespace zqv::test {
 
-class EmailTest : public MimeTest {
+class EmailTest : public ObjectsTest {
  protected:
   void SetUp() override { StartEmail(); }
   void TearDown() override;
@@ -28,15 +28,16 @@ class EmailTest : public MimeTest {
   // One filled from a message; what is thrown becomes a pending exception, as in the real class.
   static host::ObjectRef ParseEmail(std::string_view message);
 
-  static mime::MimeEntityClassData& RecordOf(const host::ObjectRef& email);
-  static std::vector<email::MimeAttachmentClassData*> Attachments(const host::ObjectRef& email);
-  static std::vector<email::MimeAttachmentClassData*> Inlines(const host::ObjectRef& email);
+  static objects::MimeEntityClassData& RecordOf(const host::ObjectRef& email);
+  static std::vector<objects::MimeAttachmentClassData*> Attachments(const host::ObjectRef& email);
+  static std::vector<objects::MimeAttachmentClassData*> Inlines(const host::ObjectRef& email);
   // The records of the parts of a message or part.
-  static std::vector<mime::MimeEntityClassData*> Parts(const mime::MimeEntityClassData& entity);
+  static std::vector<objects::MimeEntityClassData*> Parts(
+      const objects::MimeEntityClassData& entity);
 
   // What an attachment's field Filename shows, of each.
   static std::vector<std::string> Names(
-      const std::vector<email::MimeAttachmentClassData*>& attachments);
+      const std::vector<objects::MimeAttachmentClassData*>& attachments);
 };
 
 // "2019-01-01T10:00:00" for a Date of the host, "nil" for nil.

@@ -1,4 +1,4 @@
-#include "tests/unit/host/failing_memory.h"
+#include "tests/support/failing_memory.h"
 
 #include <cstdlib>
 #include <limits>

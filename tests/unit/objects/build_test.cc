@@ -1,4 +1,4 @@
-#include "email/parse.h"
+#include "objects/build.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,19 +8,18 @@
 #include <string>
 #include <string_view>
 
-#include "email/email.h"
 #include "host/strings.h"
-#include "standin/application.h"
+#include "mime/limits.h"
+#include "objects/switches.h"
 #include "tests/support/thread_stack.h"
-#include "tests/unit/email/email_fixture.h"
-#include "tests/unit/host/log_capture.h"
+#include "tests/unit/base/log_capture.h"
 #include "tests/unit/mime/nested_message.h"
-#include "text/charset.h"
+#include "tests/unit/objects/email_fixture.h"
 
 namespace zqv::test {
 namespace {
 
-using mime::MimeEntityClassData;
+using objects::MimeEntityClassData;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using namespace std::string_view_literals;
@@ -83,7 +82,7 @@ TEST_F(ParseMessage, WhoseFirstByteIsAnyOtherIsParsed) {
 TEST_F(ParseMessage, KeepsTheVeryStringThatItWasGiven) {
   const auto email = NewEmail();
   const auto source = host::BuildString("Subject: caf\xE9\n\n", abi::kIsoLatin1);
-  email::MimeEmailConstructor(email.get(), "Subject: x\n\n"sv, source.get());
+  objects::MimeEmailConstructor(email.get(), "Subject: x\n\n"sv, source.get());
   EXPECT_EQ(RecordOf(email).Source.get(), source.get());
   EXPECT_EQ(LocksOf(source.get()), 2);
 }
@@ -163,9 +162,9 @@ TEST_F(ParseMessage, TwiceHoldsTheSecondAndGivesTheFirstBack) {
   const auto email = NewEmail();
   const std::string first =
       Mixed({"Content-Type: text/plain\n\nfirst", "Content-Type: text/html\n\nfirst", "X: y\n\nx"});
-  email::MimeEmailConstructor(email.get(), std::string_view(first), nullptr);
-  email::MimeEmailConstructor(email.get(), "Subject: second\nContent-Type: text/plain\n\nsecond"sv,
-                              nullptr);
+  objects::MimeEmailConstructor(email.get(), std::string_view(first), nullptr);
+  objects::MimeEmailConstructor(email.get(),
+                                "Subject: second\nContent-Type: text/plain\n\nsecond"sv, nullptr);
   EXPECT_EQ(Show(RecordOf(email).Subject), Ascii("second"));
   EXPECT_EQ(Show(RecordOf(email).PlainText), Ascii("second"));
   EXPECT_EQ(Show(RecordOf(email).HTMLText), "nil");
@@ -177,34 +176,48 @@ TEST_F(ParseMessage, FreesTheBytesThatItOwns) {
   const std::string_view text = "Subject: x\n\nbody";
   text.copy(memory.get(), text.size());
   const auto email = NewEmail();
-  email::MimeEmailConstructor(email.get(), email::MessageBytes(std::move(memory), text.size()),
-                              nullptr);
+  objects::MimeEmailConstructor(email.get(), objects::MessageBytes(std::move(memory), text.size()),
+                                nullptr);
   EXPECT_EQ(Show(RecordOf(email).PlainText), Ascii("body"));
 }
 
 TEST_F(ParseMessage, OnNilDoesNothing) {
-  email::MimeEmailConstructor(nullptr, "Subject: x\n\n"sv, nullptr);
+  objects::MimeEmailConstructor(nullptr, "Subject: x\n\n"sv, nullptr);
   EXPECT_EQ(host().ledger().Report(), "");
 }
 
-TEST_F(ParseMessage, ThatIsNestedTooDeeplyIsRefused) {
-  RunOnStack(kSmallStack, [] {
-    const auto email = ParseEmail(NestedMessage(Nesting::kBoth, 100'000));
-    EXPECT_EQ(RecordOf(email).Header.get(), nullptr);
-  });
-  EXPECT_EQ(TakeRaised(), "RuntimeException, 0: C++ Exception: the message is nested too deeply");
+TEST_F(ParseMessage, BeyondTheLimitsIsRefused) {
+  const auto email = ParseEmail(NestedMessage(Nesting::kBoth, 100'000));
+  EXPECT_EQ(RecordOf(email).Header.get(), nullptr);
+  EXPECT_NE(RecordOf(email).Source.get(), nullptr);
+  EXPECT_EQ(TakeRaised(), "RuntimeException, 0: C++ Exception: the message has too many parts");
 }
 
-// What the parser accepts on a small stack can also be routed and given back there.
+// Objects are made, and given back, without recursion.
 TEST_F(ParseMessage, ThatIsTheDeepestIsHandledOnASmallStack) {
   for (const Nesting nesting : {Nesting::kMultipart, Nesting::kMessage, Nesting::kBoth}) {
-    const std::size_t levels = MostLevels(nesting, kSmallStack) - 3;
-    RunOnStack(kSmallStack, [&] {
-      const auto email = ParseEmail(NestedMessage(nesting, levels));
+    const std::string message = NestedMessage(nesting, mime::kMostParts - 1);
+    RunOnStack(std::size_t{128} * 1024, [&] {
+      const auto email = ParseEmail(message);
       EXPECT_NE(RecordOf(email).Header.get(), nullptr);
+      EXPECT_EQ(Show(RecordOf(email).PlainText), "nil");
     });
+    EXPECT_EQ(host().ledger().Report(), "");
   }
   EXPECT_EQ(TakeRaised(), "");
+}
+
+// Far inside a message that is nested as deeply, the host throws; all that was made is given back.
+TEST_F(ParseMessage, ThatIsBrokenOffDeepInsideIsGivenBackOnASmallStack) {
+  StartEmailWithFault("PluginNewInstance",
+                      {standin::Fault::Kind::kThrows, static_cast<int>(mime::kMostParts), 1});
+  const std::string message = NestedMessage(Nesting::kMultipart, mime::kMostParts - 1);
+  RunOnStack(std::size_t{128} * 1024, [&] {
+    const auto email = ParseEmail(message);
+    EXPECT_EQ(TakeRaised(), "RuntimeException, 0: C++ Exception: fault of PluginNewInstance");
+    EXPECT_FALSE(RecordOf(email).Body);
+  });
+  EXPECT_EQ(host().ledger().Report(), "");
 }
 
 TEST_F(ParseMessage, KeepsWhatWasSetBeforeTheHostThrew) {
@@ -334,7 +347,7 @@ TEST_F(SinglePart, ContainerWithoutPartsHasNoText) {
 }
 
 TEST_F(SinglePart, RaisesForAnUnknownCharsetOnce) {
-  text::RaiseUnknownFormatExceptions = true;
+  objects::setRaiseUnknownFormatExceptions(1);
   const auto email = ParseEmail("Content-Type: text/plain; charset=foo\n\nx");
   EXPECT_EQ(TakeRaised(), "UnsupportedFormatException, 0: Unhandled charset: foo");
   EXPECT_EQ(Show(RecordOf(email).PlainText), Ascii("x"));
@@ -344,54 +357,6 @@ TEST_F(SinglePart, SharesTheBodyThatItListsAndTheOneThatItOffersApart) {
   const auto email = ParseEmail("Content-Type: image/x\n\nx");
   EXPECT_EQ(RecordOf(email).PlainText.get(), RecordOf(email).BodyDecoded.get());
   EXPECT_EQ(Show(Attachments(email)[0]->Data), Ascii("x"));
-}
-
-// The constructors that the application calls only get the bytes.
-class EmailConstructor : public EmailTest {};
-
-TEST_F(EmailConstructor, FromAStringParsesItsOwnBytes) {
-  const auto email = NewEmail();
-  const auto content = host::BuildString("Subject: caf\xE9\n\n", abi::kIsoLatin1);
-  email::MimeEmailConstructor1(email.get(), content.get());
-  EXPECT_EQ(Show(RecordOf(email).Subject), MacRoman("caf\xE9"));
-  EXPECT_EQ(RecordOf(email).Source.get(), content.get());
-}
-
-TEST_F(EmailConstructor, FromNothingIsRefused) {
-  constexpr char kRefused[] = "UnsupportedOperationException, 0: Can't parse empty text.";
-  const auto email = NewEmail();
-  email::MimeEmailConstructor1(email.get(), nullptr);
-  EXPECT_EQ(TakeRaised(), kRefused);
-  email::MimeEmailConstructor2(email.get(), nullptr);
-  EXPECT_EQ(TakeRaised(), kRefused);
-  email::MimeEmailConstructor3(email.get(), nullptr);
-  EXPECT_EQ(TakeRaised(), "IOException, 0: Failed to open file for reading.");
-}
-
-TEST_F(EmailConstructor, FromABlockParsesItsBytes) {
-  const auto email = NewEmail();
-  const auto block = standin::MakeMemoryBlock("Subject: x\n\nbody");
-  email::MimeEmailConstructor2(email.get(), block.raw());
-  EXPECT_EQ(Show(RecordOf(email).PlainText), Ascii("body"));
-  EXPECT_EQ(Show(RecordOf(email).Source), Ascii("Subject: x\n\nbody"));
-}
-
-TEST_F(EmailConstructor, SaysWhichOneItIs) {
-  const auto email = NewEmail();
-  const LogCapture log;
-  email::MimeEmailConstructor1(email.get(), nullptr);
-  email::MimeEmailConstructor2(email.get(), nullptr);
-  email::MimeEmailConstructor3(email.get(), nullptr);
-  EXPECT_EQ(log.Text(),
-            Logged({"MimeEmailConstructor1", "data is NULL, so size fixed to zero.",
-                    "MimeEmailConstructor 0", "MimeEmailConstructor2", "MimeEmailConstructor 0",
-                    "MimeEmailConstructor3", "folderitem is nil"}));
-  EXPECT_NE(TakeRaised(), "");
-}
-
-TEST_F(EmailConstructor, SharedMethodsTakeNil) {
-  EXPECT_EQ(email::HTMLToPlainText(nullptr), nullptr);
-  EXPECT_EQ(email::DecodeInline(nullptr), nullptr);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "email/attachment.h"
+#include "objects/attachment.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,74 +7,20 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/unit/email/email_fixture.h"
-#include "tests/unit/host/log_capture.h"
-#include "text/charset.h"
+#include "objects/switches.h"
+#include "tests/unit/base/log_capture.h"
+#include "tests/unit/objects/email_fixture.h"
 
 namespace zqv::test {
 namespace {
 
-using email::MimeAttachmentClassData;
+using objects::MimeAttachmentClassData;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 // Bodies by which the kind of file is known.
 const std::string kPng = "\x89PNG\r\n\x1A\n";
-const std::string kGif = "GIF89a";
-const std::string kHtml = "<html>";
 const std::string kOther = "something else";
-
-std::string Jfif(std::size_t offset) { return std::string(offset, 'x') + "JFIF"; }
-
-// Two ways to make up a name: from a Content-ID and from data.
-struct MadeUpRow {
-  const char* name;
-  std::string content_id;
-  std::string data;
-  std::string file_name;
-};
-
-void PrintTo(const MadeUpRow& row, std::ostream* out) { *out << row.name; }
-
-class MadeUpName : public ::testing::TestWithParam<MadeUpRow> {};
-
-TEST_P(MadeUpName, IsAsListed) {
-  EXPECT_EQ(email::MakeUpFileName(GetParam().content_id, GetParam().data), GetParam().file_name);
-}
-
-const MadeUpRow kMadeUpNames[] = {
-    // clang-format off
-    {"NoIdAndGif",               "",                kGif,      "attachment.gif"},
-    {"NoIdAndHtml",              "",                kHtml,     "attachment.html"},
-    {"NoIdAndHtmlInCapitals",    "",                "<HTML>",  "attachment"},
-    {"NoIdAndJfifAt6",           "",                Jfif(6),   "attachment.jpg"},
-    {"NoIdAndJfifAt30",          "",                Jfif(30),  "attachment"},
-    {"NoIdAndNoData",            "",                "",        "attachment"},
-    {"Id",                       "<part1.12345>",   kPng,      "part1.12345.png"},
-    {"IdOfUnknownData",          "<part1.12345>",   kOther,    "part1.12345"},
-    {"IdWithTheExtension",       "<logo.png>",      kPng,      "logo.png"},
-    {"IdWithItInCapitals",       "<LOGO.PNG>",      kPng,      "LOGO.PNG"},
-    {"IdWithAnotherExtension",   "<logo.png>",      kGif,      "logo.png.gif"},
-    {"IdThatIsTheExtension",     "<.png>",          kPng,      ".png.png"},
-    {"IdThatEndsLikeIt",         "<xpng>",          kPng,      "xpng.png"},
-    {"IdWithoutBrackets",        "part",            kPng,      "part.png"},
-    {"IdWithoutTheLastBracket",  "<part",           kPng,      "part.png"},
-    {"IdWithoutTheFirstBracket", "part>",           kPng,      "part.png"},
-    {"IdInTwoPairs",             "<<part>>",        kPng,      "<part>.png"},
-    {"BlankBeforeTheId",         " <part>",         kPng,      "part.png"},
-    {"TabBeforeTheId",           "\t<part>",        kPng,      "part.png"},
-    {"TwoBlanksBeforeTheId",     "  <part>",        kPng,      " <part.png"},
-    {"BlankBehindTheId",         "<part> ",         kPng,      "part> .png"},
-    {"EmptyPair",                "<>",              kPng,      "<>.png"},
-    {"EmptyPairOfUnknownData",   "<>",              kOther,    "<>"},
-    {"BlankAndEmptyPair",        " <>",             kPng,      "attachment.png"},
-    {"OneByte",                  "<",               kPng,      "<.png"},
-    {"TwoBytes",                 "<a",              kPng,      "<a.png"},
-    {"ThreeBytes",               "<a>",             kPng,      "a.png"},
-    // clang-format on
-};
-INSTANTIATE_TEST_SUITE_P(Rows, MadeUpName, ::testing::ValuesIn(kMadeUpNames),
-                         [](const auto& row) { return row.param.name; });
 
 // A part by its header lines and body, as the only one of a message and no text.
 class AttachmentTest : public EmailTest {
@@ -106,14 +52,15 @@ class AttachmentTest : public EmailTest {
   host::ObjectRef email_;
 };
 
-class FileNames : public AttachmentTest {};
+class FileNamesOfParts : public AttachmentTest {};
 
-TEST_F(FileNames, AreDecodedAndGetNoExtension) {
+// What the host sees of the names; email/file_name_test.cc has the rest.
+TEST_F(FileNamesOfParts, AreDecoded) {
   EXPECT_EQ(NameOf("Content-Disposition: attachment; filename=\"=?utf-8?Q?caf=C3=A9?=\"\n", kPng),
             Utf8("caf\xC3\xA9"));
 }
 
-TEST_F(FileNames, ComeFromTheFirstParameterThatHasOne) {
+TEST_F(FileNamesOfParts, ComeFromTheFirstParameterThatHasOne) {
   const std::string type = "Content-Type: image/png; name=4; filename=2\n";
   const std::string only_name = "Content-Type: image/png; name=3\n";
   const std::string disposition = "Content-Disposition: attachment; filename*=utf-8''4";
@@ -125,52 +72,22 @@ TEST_F(FileNames, ComeFromTheFirstParameterThatHasOne) {
             Ascii("5"));
 }
 
-TEST_F(FileNames, ExtendedParameterKeepsPercentEscapes) {
-  EXPECT_EQ(NameOfExtended("UTF-8''%E2%82%AC%20rates.pdf"), Utf8("%E2%82%AC%20rates.pdf"));
-}
-
-TEST_F(FileNames, ExtendedParameterIsInItsCharset) {
+TEST_F(FileNamesOfParts, InSingleByteCharsetsAreAsciiWhenTheyCanBe) {
   EXPECT_EQ(NameOfExtended("iso-8859-15''caf\xE9"), Shown(0x020F, "caf\xE9"));
   EXPECT_EQ(NameOfExtended("x-unknown''abc.txt"), Ascii("abc.txt"));
+  EXPECT_EQ(NameOfExtended("0''ab"), Ascii("ab"));
 }
 
-TEST_F(FileNames, ExtendedParameterOfAnUnknownCharsetIsTakenWhole) {
+TEST_F(FileNamesOfParts, ExtendedParameterOfAnUnknownCharsetIsTakenWhole) {
   EXPECT_EQ(NameOfExtended("no-such''abc.txt"), Ascii("no-such''abc.txt"));
-  text::RaiseUnknownFormatExceptions = true;
+  objects::setRaiseUnknownFormatExceptions(1);
   EXPECT_EQ(NameOfExtended("no-such''abc.txt"), Ascii("no-such''abc.txt"));
   EXPECT_EQ(TakeRaised(), "UnsupportedFormatException, 0: Unhandled charset: no-such");
 }
 
-TEST_F(FileNames, ExtendedParameterOfFewerThanFiveBytesIsTakenWhole) {
-  EXPECT_EQ(NameOfExtended("0''a"), Ascii("0''a"));
-  EXPECT_EQ(NameOfExtended("0''ab"), Ascii("ab")) << "five bytes, of the charset 0";
-}
-
-TEST_F(FileNames, ExtendedParameterWithALanguageIsTakenWhole) {
-  EXPECT_EQ(NameOfExtended("utf-8'en'name"), Ascii("utf-8'en'name"));
-}
-
-TEST_F(FileNames, ExtendedParameterIsCutAtTheFirstTwoApostrophes) {
-  EXPECT_EQ(NameOfExtended("utf-8'''a''b"), Utf8("'a''b"));
-}
-
-TEST_F(FileNames, ExtendedParameterWithNothingBehindItsCharsetGivesAMadeUpName) {
-  EXPECT_EQ(NameOfExtended("utf-8''"), Ascii("attachment"));
-}
-
-TEST_F(FileNames, ExtendedParameterThatIsNotAsciiIsLoggedAndLabelledSo) {
-  const LogCapture log;
-  EXPECT_EQ(NameOfExtended("us-ascii''caf\xE9"), Ascii("caf\xE9"));
-  EXPECT_THAT(log.Text(), ::testing::HasSubstr(Logged({"Error: text is not ascii caf\xE9"})));
-}
-
-TEST_F(FileNames, AreMadeUpFromContentIdAndData) {
-  EXPECT_EQ(NameOf("Content-Type: image/png\nContent-ID: <part1.12345>\n", kPng),
-            Ascii("part1.12345.png"));
-  EXPECT_EQ(NameOf("Content-Type: image/gif\n", kGif), Ascii("attachment.gif"));
+TEST_F(FileNamesOfParts, AreMadeUpFromTheDecodedData) {
   EXPECT_EQ(NameOf("Content-Type: image/gif\nContent-Transfer-Encoding: base64\n", "R0lGODlh"),
-            Ascii("attachment.gif"))
-      << "by the decoded data";
+            Ascii("attachment.gif"));
   EXPECT_EQ(NameOf("Content-Type: image/x\nContent-ID: <caf\xE9>\n"), MacRoman("caf\xE9"));
 }
 
@@ -246,10 +163,16 @@ TEST_F(AttachmentRecord, OfASecondPlainTextHoldsItsText) {
   EXPECT_EQ(Show(Attachments(email)[0]->Data), Ascii("second"));
 }
 
+// Lists a part of a header line, whose entity holds nothing.
+void AddEmptyPart(objects::ArraySlot& list) {
+  const objects::MimeEntityClassData entity{};
+  const auto message = Parse("X: y\n\n");
+  objects::AddAttachment(list, {entity, message->Header(), ""});
+}
+
 TEST_F(AttachmentRecord, HoldsNilForWhatIsNil) {
   const auto email = NewEmail();
-  const auto message = Parse("X: y\n\n");
-  email::AddAttachment(RecordOf(email), nullptr, message->Header(), nullptr, nullptr, true, "");
+  AddEmptyPart(RecordOf(email).Inlines);
   ASSERT_EQ(Inlines(email).size(), 1U);
   EXPECT_EQ(Inlines(email)[0]->Body.get(), nullptr);
   EXPECT_EQ(Inlines(email)[0]->Header.get(), nullptr);
@@ -258,16 +181,11 @@ TEST_F(AttachmentRecord, HoldsNilForWhatIsNil) {
 
 TEST_F(AttachmentRecord, MakesTheListThatIsMissing) {
   const auto email = NewEmail();
-  const auto message = Parse("X: y\n\n");
-  const auto add = [&](bool is_inline) {
-    email::AddAttachment(RecordOf(email), nullptr, message->Header(), nullptr, nullptr, is_inline,
-                         "");
-  };
-  add(false);
+  AddEmptyPart(RecordOf(email).Attachments);
   EXPECT_EQ(Attachments(email).size(), 1U);
   EXPECT_EQ(RecordOf(email).Inlines.get(), nullptr);
-  add(false);
-  add(true);
+  AddEmptyPart(RecordOf(email).Attachments);
+  AddEmptyPart(RecordOf(email).Inlines);
   EXPECT_EQ(Attachments(email).size(), 2U);
   EXPECT_EQ(Inlines(email).size(), 1U);
 }
@@ -297,11 +215,8 @@ TEST_F(AttachmentRecord, IsNotListedWhenTheHostCannotInsert) {
 // Only the listed one is kept: what the host throws on the way frees the other.
 TEST_F(AttachmentRecord, IsGivenBackWhenTheHostThrows) {
   const auto email = NewEmail();
-  const auto message = Parse("X: y\n\n");
   host().SetFault("PluginObjectArrayInsertProc", standin::Fault{standin::Fault::Kind::kThrows});
-  EXPECT_THROW(
-      email::AddAttachment(RecordOf(email), nullptr, message->Header(), nullptr, nullptr, true, ""),
-      std::runtime_error);
+  EXPECT_THROW(AddEmptyPart(RecordOf(email).Inlines), std::runtime_error);
   EXPECT_EQ(host().ledger().Live().objects, 1) << "the message";
 }
 
@@ -328,11 +243,11 @@ TEST_F(AttachmentRecord, DestructorGivesEverythingBackInOrder) {
 TEST_F(AttachmentRecord, MadeByTheApplicationIsEmpty) {
   RecordUnlocks();
   auto attachment = host::NewInstance<MimeAttachmentClassData>();
-  email::MimeAttachmentConstructor(attachment.get());
+  objects::MimeAttachmentConstructor(attachment.get());
   const std::vector<const void*> expected = {attachment.get()};
   attachment = {};
   EXPECT_EQ(Unlocked(), expected);
-  email::Destructor(nullptr);
+  objects::Destructor(nullptr);
 }
 
 }  // namespace

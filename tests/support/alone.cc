@@ -1,4 +1,4 @@
-#include "tests/unit/host/alone.h"
+#include "tests/support/alone.h"
 
 #include <gtest/gtest.h>
 #include <spawn.h>

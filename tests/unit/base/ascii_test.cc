@@ -1,0 +1,57 @@
+#include "base/ascii.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+namespace zqv::test {
+namespace {
+
+// Each function gives its answer for the characters of a list, and the other one for all the rest.
+std::string Accepted(bool (*accepts)(char)) {
+  std::string accepted;
+  for (int c = 0; c < 0x100; ++c) {
+    if (accepts(static_cast<char>(c))) accepted += static_cast<char>(c);
+  }
+  return accepted;
+}
+
+TEST(Ascii, KindsOfCharacters) {
+  EXPECT_EQ(Accepted([](char c) { return base::IsBlank(c); }), "\t ");
+  EXPECT_EQ(Accepted([](char c) { return base::IsLineEnd(c); }), "\n\r");
+  EXPECT_EQ(Accepted([](char c) { return base::IsDigit(c); }), "0123456789");
+  EXPECT_EQ(Accepted([](char c) { return base::IsLetter(c); }),
+            "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz");
+}
+
+TEST(Ascii, OnlyItsLettersHaveALowerCase) {
+  const std::string_view upper = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+  const std::string_view lower = "abcdefghijklmnopqrstuvwxyz";
+  for (int i = 0; i < 0x100; ++i) {
+    const char c = static_cast<char>(i);
+    const std::size_t letter = upper.find(c);
+    EXPECT_EQ(base::LowerAscii(c), letter != upper.npos ? lower[letter] : c) << i;
+  }
+}
+
+TEST(Ascii, HexadecimalDigits) {
+  const std::string_view digits = "0123456789abcdef0123456789ABCDEF";
+  for (int i = 0; i < 0x100; ++i) {
+    const std::size_t place = digits.find(static_cast<char>(i));
+    const int value = place != digits.npos ? static_cast<int>(place % 16) : -1;
+    EXPECT_EQ(base::HexadecimalValue(static_cast<char>(i)), value) << i;
+  }
+}
+
+TEST(Ascii, WordsAreEqualWhateverTheirCase) {
+  EXPECT_TRUE(base::EqualsIgnoringCase("", ""));
+  EXPECT_TRUE(base::EqualsIgnoringCase("Content-ID", "cONTENT-id"));
+  EXPECT_FALSE(base::EqualsIgnoringCase("Content-ID", "Content-I"));
+  EXPECT_FALSE(base::EqualsIgnoringCase("Content-ID", "Content-ID "));
+  EXPECT_FALSE(base::EqualsIgnoringCase("\xC3\x89", "\xC3\xA9")) << "no ASCII letters";
+  EXPECT_FALSE(base::EqualsIgnoringCase("[", "{")) << "32 apart, and no letters";
+}
+
+}  // namespace
+}  // namespace zqv::test

@@ -1,0 +1,156 @@
+// The MIME library reads a text through a buffer that is full at 4,093 bytes, and its results
+// depend on what lies there. Ours must equal them, whatever lies at the buffer's edges.
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "mime/message.h"
+#include "tests/unit/mime/message_maker.h"
+#include "tests/unit/mime/tree_difference.h"
+
+namespace zqv::test {
+namespace {
+
+// Every run of one to five CRs and LFs, and of up to five line ends of two characters.
+std::vector<std::string> Runs() {
+  std::vector<std::string> runs;
+  for (unsigned length = 1; length <= 5; ++length) {
+    for (unsigned bits = 0; bits < 1U << length; ++bits) {
+      std::string run;
+      for (unsigned i = 0; i < length; ++i) run += (bits >> i & 1U) != 0 ? '\r' : '\n';
+      runs.push_back(run);
+    }
+  }
+  for (const char* pair : {"\r\n", "\n\r"}) {
+    std::string run;
+    for (int count = 1; count <= 5; ++count) {
+      run += pair;
+      if (run.size() > 5) runs.push_back(run);
+    }
+  }
+  return runs;
+}
+
+// What follows the run, and whether the text before it is one line.
+struct EdgeRow {
+  const char* name;
+  std::string_view behind;
+  bool is_one_line;
+};
+
+void PrintTo(const EdgeRow& row, std::ostream* out) { *out << row.name; }
+
+// Our parser searches a text sixteen bytes at a time, from a line's start on. So how far the edge
+// of the buffer is from there, in sixteenths, must take every value: at the first edge by a line at
+// the start of the text, which begins with "-", at the second by the length of all lines.
+constexpr std::size_t kAlignments = 16;
+// Builds without optimisation take ten times as long.
+#ifdef NDEBUG
+constexpr std::size_t kAlignmentStep = 1;
+#else
+constexpr std::size_t kAlignmentStep = 5;
+#endif
+
+struct Layout {
+  std::string text;                // long enough for both edges
+  std::vector<std::size_t> edges;  // bytes of the text that were read when the buffer is full
+};
+
+Layout OneLine() { return {std::string(3 * kLibraryBuffer, 'x'), {4'093, 8'186}}; }
+
+// Lines that end in CR LF. The buffer begins anew with the line that it cannot hold.
+Layout Lines(std::size_t alignment) {
+  Layout layout{"-" + std::string(alignment, 'x') + "\r\n", {}};
+  const std::string line = std::string(60 + alignment, 'x') + "\r\n";
+  std::size_t edge = kLibraryBuffer;
+  while (layout.edges.size() < 2) {
+    const std::size_t line_start = layout.text.size();
+    layout.text += line;
+    if (layout.text.size() <= edge) continue;
+    layout.edges.push_back(edge);
+    edge = line_start + kLibraryBuffer;
+  }
+  layout.text.append(kLibraryBuffer, 'x');
+  return layout;
+}
+
+class BlockEdges : public ::testing::TestWithParam<EdgeRow> {
+ protected:
+  // Every run at each place around the edges; counts what it compares. The text begins `alignment`
+  // bytes later in memory.
+  ::testing::AssertionResult AgreeAround(const Layout& layout, std::size_t alignment) {
+    const std::string head =
+        "Content-Type: multipart/mixed; boundary=o\n\n--o\n"
+        "Content-Type: multipart/mixed; boundary=b\n\n--b\nA: " +
+        std::string(alignment, 'x') + "\n\n";
+    for (const std::size_t edge : layout.edges) {
+      for (std::size_t length = edge - 23; length <= edge + 17; ++length) {
+        const std::string text = head + layout.text.substr(0, length);
+        for (const std::string& run : runs_) {
+          const std::string difference =
+              DifferenceFromTheReference(text + run + std::string(GetParam().behind));
+          ++compared_;
+          if (difference.empty()) continue;
+          return ::testing::AssertionFailure() << difference << ", after " << length
+                                               << " bytes and " << ::testing::PrintToString(run);
+        }
+      }
+    }
+    return ::testing::AssertionSuccess();
+  }
+
+  const std::vector<std::string> runs_ = Runs();
+  std::size_t compared_ = 0;
+};
+
+TEST_P(BlockEdges, GiveTheReferencesTreeForEveryRunOfLineEnds) {
+  std::size_t layouts = 0;
+  if (GetParam().is_one_line) {
+    ASSERT_TRUE(AgreeAround(OneLine(), 0));
+    ++layouts;
+  } else {
+    for (std::size_t alignment = 0; alignment < kAlignments; alignment += kAlignmentStep) {
+      ASSERT_TRUE(AgreeAround(Lines(alignment), alignment)) << alignment;
+      ++layouts;
+    }
+  }
+  EXPECT_EQ(compared_, layouts * 2 * 41 * (62 + 6));
+}
+
+constexpr EdgeRow kEdges[] = {
+    // clang-format off
+    {"End",                    "",                                     false},
+    {"EndAfterOneLine",        "",                                     true},
+    {"Boundary",               "--b\n\nnext\n--b--\nend\n--o--\n",     false},
+    {"BoundaryAfterOneLine",   "--b\n\nnext\n--b--\nend\n--o--\n",     true},
+    {"Closing",                "--b--\r\nend\r\n--o--\r\n",            false},
+    {"OuterBoundary",          "--o\r\n\r\nnext\r\n--o--\r\n",         false},
+    {"Hyphen",                 "-\r\nx\r\n--b--\r\n",                  false},
+    {"HyphenAndEnd",           "-",                                    true},
+    {"TwoHyphens",             "--\nx\n--b--\n",                       false},
+    {"TwoHyphensAfterOneLine", "--x\n\n--b--\n",                       true},
+    {"Letter",                 "x\r\n--b--\r\n",                       false},
+    {"LetterAfterOneLine",     "x\r--b--\r",                           true},
+    // clang-format on
+};
+INSTANTIATE_TEST_SUITE_P(Behind, BlockEdges, ::testing::ValuesIn(kEdges),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(BlockEdgesOfRandomMessages, GiveTheReferencesTree) {
+  constexpr std::uint64_t kMessages = 3'000;
+  std::size_t parts = 0;
+  for (std::uint64_t seed = 1; seed <= kMessages; ++seed) {
+    const std::string message = MessageMaker(seed).Make();
+    ASSERT_EQ(DifferenceFromTheReference(message), "") << "message " << seed;
+    parts += mime::Message(message).parts().size();
+  }
+  EXPECT_GT(parts, 3 * kMessages) << "they should have several";
+}
+
+}  // namespace
+}  // namespace zqv::test

@@ -1,0 +1,171 @@
+#include "objects/release.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include "objects/body.h"
+#include "objects/entity.h"
+#include "tests/support/thread_stack.h"
+#include "tests/unit/objects/objects_fixture.h"
+
+namespace zqv::test {
+namespace {
+
+// The queue asks for its memory in this way, and nothing else here does.
+bool g_has_memory = true;
+
+}  // namespace
+}  // namespace zqv::test
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return zqv::test::g_has_memory ? std::malloc(size) : nullptr;
+}
+
+namespace zqv::test {
+namespace {
+
+using objects::MimeBodyClassData;
+using objects::MimeEntityClassData;
+using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
+
+class Release : public ObjectsTest {
+ protected:
+  void TearDown() override {
+    g_has_memory = true;
+    ObjectsTest::TearDown();
+  }
+
+  // A body with the list of its parts, which has `count` entities with a body each. The lists are
+  // kept by address, the outer one first.
+  host::ObjectRef NewTree(std::size_t count) {
+    host::ObjectRef top = NewBody();
+    for (std::size_t i = 0; i < count; ++i) AddEntity(ListOf(top), NewBody());
+    return top;
+  }
+
+  // As deep as there are levels.
+  host::ObjectRef NewChain(std::size_t levels) {
+    host::ObjectRef body = NewBody();
+    for (std::size_t i = 0; i < levels; ++i) {
+      host::ObjectRef around = NewBody();
+      AddEntity(ListOf(around), std::move(body));
+      body = std::move(around);
+    }
+    return body;
+  }
+
+  // The lists among the things that were given back, in that order.
+  std::vector<const void*> UnlockedLists() const {
+    std::vector<const void*> lists;
+    for (const void* thing : Unlocked()) {
+      if (std::count(lists_.begin(), lists_.end(), thing) > 0) lists.push_back(thing);
+    }
+    return lists;
+  }
+
+  std::vector<const void*> lists_;
+
+ private:
+  static abi::REALarray ListOf(const host::ObjectRef& body) {
+    return host::RecordOf<MimeBodyClassData>(body.get())->parts.get();
+  }
+
+  host::ObjectRef NewBody() {
+    auto body = host::NewInstance<MimeBodyClassData>();
+    host::RecordOf<MimeBodyClassData>(body.get())->parts.Put(host::NewObjectArray());
+    lists_.push_back(ListOf(body));
+    return body;
+  }
+
+  static void AddEntity(abi::REALarray list, host::ObjectRef body) {
+    const auto entity = host::NewInstance<MimeEntityClassData>();
+    host::RecordOf<MimeEntityClassData>(entity.get())->Body.Put(std::move(body));
+    host::AppendObject(list, entity.get());
+  }
+};
+
+TEST_F(Release, OfNilDoesNothing) {
+  RecordUnlocks();
+  objects::ReleaseParts({});
+  EXPECT_THAT(Unlocked(), IsEmpty());
+}
+
+TEST_F(Release, GivesTheListBackAtOnce) {
+  RecordUnlocks();
+  host::ArrayRef list = host::NewObjectArray();
+  const void* const raw = list.get();
+  objects::ReleaseParts(std::move(list));
+  EXPECT_EQ(Unlocked(), std::vector<const void*>{raw});
+}
+
+class ReleaseOfMany : public Release, public ::testing::WithParamInterface<std::size_t> {};
+
+// The lists inside wait until the outer one is gone, and are then given back newest first: those
+// that have a place on the stack and those that have not.
+TEST_P(ReleaseOfMany, GivesTheListsInsideBackAfterTheOuterOne) {
+  host::ObjectRef top = NewTree(GetParam());
+  RecordUnlocks();
+  top = {};
+  std::vector<const void*> expected = lists_;
+  std::reverse(expected.begin() + 1, expected.end());
+  EXPECT_THAT(UnlockedLists(), ElementsAreArray(expected));
+  EXPECT_EQ(host().ledger().Report(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Counts, ReleaseOfMany, ::testing::Values(1, 31, 32, 33, 100));
+
+TEST_F(Release, GivesListsBackAtOnceWhenThereIsNoMemoryForThemToWait) {
+  host::ObjectRef top = NewTree(100);
+  RecordUnlocks();
+  g_has_memory = false;
+  top = {};
+  const std::vector<const void*> unlocked = UnlockedLists();
+  EXPECT_EQ(std::set<const void*>(unlocked.begin(), unlocked.end()).size(), 101U);
+  EXPECT_EQ(unlocked.size(), 101U);
+  EXPECT_EQ(unlocked.front(), lists_.front());
+  // Some have a place without memory of their own; the rest goes in the order of the message.
+  const auto first = std::find(lists_.begin() + 1, lists_.end(), unlocked[1]);
+  EXPECT_THAT(
+      std::vector<const void*>(unlocked.begin() + 1, unlocked.begin() + 1 + (lists_.end() - first)),
+      ElementsAreArray(first, lists_.end()));
+  EXPECT_EQ(host().ledger().Report(), "");
+}
+
+TEST_F(Release, QueueIsUsedAgain) {
+  for (int i = 0; i < 3; ++i) {
+    host::ObjectRef top = NewTree(40);
+    top = {};
+    EXPECT_EQ(host().ledger().Report(), "");
+  }
+}
+
+// However deep the tree, a few of the host's frames are all that lies on the stack.
+TEST_F(Release, NeedsNoStackForWhatIsNested) {
+  standin::Capabilities capabilities;
+  capabilities.release_stack = 4'000;
+  StartObjects(capabilities);
+  host::ObjectRef top = NewChain(10'000);
+  RunOnStack(std::size_t{128} * 1024, [&top] { top = {}; });
+  EXPECT_EQ(host().ledger().Report(), "");
+}
+
+TEST_F(Release, GivesBackEveryListOfAChain) {
+  host::ObjectRef top = NewChain(1'000);
+  RecordUnlocks();
+  top = {};
+  std::vector<const void*> expected = lists_;
+  std::reverse(expected.begin(), expected.end());
+  EXPECT_THAT(UnlockedLists(), ElementsAreArray(expected));
+}
+
+}  // namespace
+}  // namespace zqv::test
