@@ -4,7 +4,7 @@
   includes.py FOLDER       lists every include that breaks a rule; fails when there is one
   includes.py --self-test  plants violations in a scratch project and demands that each is found
 
-The rules are data: LAYERS and the tables below. A file belongs to the longest row that is a prefix
+The rules are data: the tables below. A file belongs to the longest row that is a prefix
 of its path. Our own files are included in quotes by their path from the top of the project.
 """
 
@@ -13,17 +13,28 @@ import re
 import sys
 import tempfile
 
-# The plug-in's own folders, lowest first: each may include itself and those before it.
-LAYERS = ["abi", "host", "text", "mime", "email", "plugin"]
+# The pure core, lowest first: each folder may include itself and those before it, and of the host's
+# interface the encoding numbers alone.
+CORE = ["base", "text", "mime", "email"]
+OF_THE_INTERFACE = "abi/encodings.h"
+
+# The bridge: what each folder may include besides itself. With the core it is what ships.
+BRIDGE = {
+    "abi": [],
+    "host": ["abi", "base"],
+    "objects": [*CORE, "host", "abi"],
+    "plugin": [*CORE, "objects", "host", "abi"],
+}
 
 # What else there is, and what it may include besides itself. "*" means everything of ours.
 OTHERS = {
-    "standin": ["abi"],
-    "cli": ["standin", "abi"],
-    "tests/interface": ["cli", "standin", "abi", "tests/support"],
+    "standin": ["abi", "base"],
+    "cli": ["standin", "abi", *CORE],
+    "tests/interface": ["cli", "standin", "abi", "base", "tests/support"],
     "tests/cli": ["standin", "abi", "tests/support"],
+    "tests/core": [*CORE, OF_THE_INTERFACE],
     "tests/unit/mimetic": [],
-    "tests/unit/standin": ["standin", "abi", "tests/support"],
+    "tests/unit/standin": ["standin", "abi", "base", "tests/support"],
     "tests": ["*"],
     "fuzz": ["*"],
     "bench": ["*"],
@@ -31,11 +42,12 @@ OTHERS = {
     "examples": ["*"],
 }
 
-# A unit test sees its layer and those below, their unit tests' fixtures, and what is named here.
-UNIT_TEST_EXTRAS = ["standin", "tests/support", "tests/reference"]
+# A unit test sees its folder and what that may see, the unit tests' fixtures of those, and what is
+# named here; the stand-in host only where the folder knows a host.
+UNIT_TEST_EXTRAS = ["tests/support", "tests/reference"]
 
 # Who may name the MIME library.
-MIMETIC_USERS = ["mime/", "email/", "tests/unit/", "bench/", "fuzz/"]
+MIMETIC_USERS = ["mime/", "email/", "objects/", "tests/unit/", "bench/", "fuzz/"]
 
 # What the plug-in's own folders never include: it would have to ship.
 NOT_IN_PLUGIN = re.compile(
@@ -46,27 +58,37 @@ SUFFIXES = {".h", ".cc", ".def", ".inc", ".mm"}
 NOT_OURS = {"build", "dist", ".git", "third_party"}
 
 
-def rules():
-    """Folder -> the folders it may include."""
+def shipped():
+    """Folder of the plug-in -> what it may include, itself included."""
     table = {}
-    for index, layer in enumerate(LAYERS):
-        table[layer] = LAYERS[: index + 1]
-        fixtures = [f"tests/unit/{below}" for below in LAYERS[:index]]
-        table[f"tests/unit/{layer}"] = LAYERS[: index + 1] + fixtures + UNIT_TEST_EXTRAS
+    for index, folder in enumerate(CORE):
+        table[folder] = [*CORE[: index + 1], OF_THE_INTERFACE]
+    for folder, allowed in BRIDGE.items():
+        table[folder] = [folder, *allowed]
+    return table
+
+
+def rules():
+    """Folder -> the folders and files that it may include."""
+    table = shipped()
+    for folder, allowed in shipped().items():
+        fixtures = [f"tests/unit/{other}" for other in allowed if "/" not in other]
+        host = ["standin"] if "abi" in allowed else []
+        table[f"tests/unit/{folder}"] = [*allowed, *fixtures, *host, *UNIT_TEST_EXTRAS]
     table.update(OTHERS)
     return table
 
 
 def longest_prefix(path, folders):
-    """The longest of `folders` that holds `path`, or None."""
-    holding = [folder for folder in folders if path.startswith(folder + "/")]
+    """The longest of `folders` that holds `path`, or is it; None when there is none."""
+    holding = [folder for folder in folders if path == folder or path.startswith(folder + "/")]
     return max(holding, key=len, default=None)
 
 
 def check_line(path, line, table, top):
     """What is wrong with one line of the file `path`, or None."""
-    room = longest_prefix(path, table)
-    if room is None:
+    folder = longest_prefix(path, table)
+    if folder is None:
         return "lies in a folder that has no rule; add one to tests/checks/includes.py"
     code = line.split("//")[0]
     names_mimetic = "mimetic::" in code or re.search(r"#\s*include\s*<mimetic/", code)
@@ -76,13 +98,13 @@ def check_line(path, line, table, top):
     if not match:
         return None
     if match[1] == "<":
-        if room in LAYERS and NOT_IN_PLUGIN.search(line):
+        if folder in shipped() and NOT_IN_PLUGIN.search(line):
             return f"includes <{match[2]}> into the plug-in"
         return None
     if not (top / match[2]).is_file():
         return f'includes "{match[2]}", which is no file seen from the top of the project'
-    allowed = table[room]
-    if "*" in allowed or longest_prefix(match[2], [room, *allowed]):
+    allowed = table[folder]
+    if "*" in allowed or longest_prefix(match[2], [folder, *allowed]):
         return None
     return f"includes {match[2]} upwards or sideways"
 
@@ -106,40 +128,75 @@ def check(top):
 
 # File, line planted in it, text of the expected complaint ("" for none).
 PLANTED = [
+    ("base/a.cc", '#include "abi/encodings.h"', ""),
+    ("email/a.cc", '#include "abi/encodings.h"', ""),
+    ("mime/a.cc", '#include "text/x.h"', ""),
     ("host/a.cc", '#include "abi/x.h"', ""),
-    ("plugin/a.cc", '#include "email/x.h"', ""),
+    ("host/a.cc", '#include "base/x.h"', ""),
+    ("objects/a.cc", '#include "email/x.h"', ""),
+    ("objects/a.cc", '#include "host/x.h"', ""),
+    ("objects/a.cc", "#include <mimetic/rfc822/mailbox.h>", ""),
+    ("plugin/a.cc", '#include "objects/x.h"', ""),
     ("email/a.cc", "#include <mimetic/mimetic.h>", ""),
-    ("email/transfer.cc", "#include <mimetic/codec/qp.h>", ""),
-    ("tests/unit/mime/a.cc", '#include "standin/x.h"', ""),
+    ("standin/a.cc", '#include "base/x.h"', ""),
+    ("cli/a.cc", '#include "mime/x.h"', ""),
+    ("cli/a.cc", '#include "email/x.h"', ""),
+    ("cli/a.cc", "#include <CLI/CLI.hpp>", ""),
     ("tests/unit/mime/a.cc", '#include "tests/unit/mime/x.h"', ""),
     ("tests/unit/text/a.cc", '#include "tests/reference/x.h"', ""),
-    ("tests/unit/text/a.cc", '#include "tests/unit/host/x.h"', ""),
+    ("tests/unit/text/a.cc", '#include "tests/unit/base/x.h"', ""),
+    ("tests/unit/host/a.cc", '#include "standin/x.h"', ""),
+    ("tests/unit/objects/a.cc", '#include "tests/unit/host/x.h"', ""),
+    ("tests/unit/objects/a.cc", '#include "tests/unit/mime/x.h"', ""),
+    ("tests/core/a.cc", '#include "email/x.h"', ""),
     ("tests/corpus/a.cc", '#include "email/x.h"', ""),
-    ("cli/a.cc", "#include <CLI/CLI.hpp>", ""),
-    ("host/a.cc", "int x;  // the mimetic::Field of another room", ""),
-    ("host/a.cc", '#include "text/x.h"', "upwards"),
-    ("host/a.cc", '  #  include "text/x.h"', "upwards"),
-    ("abi/a.h", '#include "host/x.h"', "upwards"),
+    ("host/a.cc", "int x;  // the mimetic::Field of another folder", ""),
+    ("base/a.cc", '#include "abi/x.h"', "upwards"),
+    ("base/a.cc", '#include "text/x.h"', "upwards"),
+    ("text/a.cc", '#include "abi/x.h"', "upwards"),
+    ("text/a.cc", '#include "host/x.h"', "upwards"),
     ("text/a.cc", '#include "mime/x.h"', "upwards"),
     ("mime/a.h", '#include "email/x.h"', "upwards"),
+    ("mime/a.h", '#include "objects/x.h"', "upwards"),
+    ("email/a.cc", '#include "host/x.h"', "upwards"),
+    ("email/a.cc", '  #  include "objects/x.h"', "upwards"),
+    ("email/a.cc", '#include "abi/x.h"', "upwards"),
     ("email/a.cc", '#include "plugin/x.h"', "upwards"),
+    ("host/a.cc", '#include "text/x.h"', "upwards"),
+    ("host/a.cc", '#include "mime/x.h"', "upwards"),
+    ("host/a.cc", '#include "objects/x.h"', "upwards"),
     ("host/a.cc", '#include "standin/x.h"', "upwards"),
+    ("objects/a.cc", '#include "plugin/x.h"', "upwards"),
+    ("abi/a.h", '#include "host/x.h"', "upwards"),
+    ("abi/a.h", '#include "base/x.h"', "upwards"),
     ("standin/a.cc", '#include "host/x.h"', "upwards"),
-    ("cli/a.cc", '#include "mime/x.h"', "upwards"),
+    ("standin/a.cc", '#include "mime/x.h"', "upwards"),
     ("cli/a.cc", '#include "host/x.h"', "upwards"),
+    ("cli/a.cc", '#include "objects/x.h"', "upwards"),
     ("tests/interface/a.cc", '#include "host/x.h"', "upwards"),
+    ("tests/interface/a.cc", '#include "mime/x.h"', "upwards"),
+    ("tests/core/a.cc", '#include "host/x.h"', "upwards"),
+    ("tests/core/a.cc", '#include "standin/x.h"', "upwards"),
+    ("tests/unit/base/a.cc", '#include "standin/x.h"', "upwards"),
+    ("tests/unit/mime/a.cc", '#include "standin/x.h"', "upwards"),
+    ("tests/unit/email/a.cc", '#include "tests/unit/host/x.h"', "upwards"),
     ("tests/unit/host/a.cc", '#include "text/x.h"', "upwards"),
     ("tests/unit/host/a.cc", '#include "tests/unit/mime/x.h"', "upwards"),
+    ("tests/unit/objects/a.cc", '#include "plugin/x.h"', "upwards"),
     ("tests/unit/standin/a.cc", '#include "host/x.h"', "upwards"),
+    ("base/a.cc", "#include <mimetic/mimetic.h>", "names the MIME library"),
     ("host/a.cc", "#include <mimetic/mimetic.h>", "names the MIME library"),
     ("text/charset.cc", "mimetic::Base64 codec;", "names the MIME library"),
     ("plugin/a.cc", "#include <mimetic/mimetic.h>", "names the MIME library"),
     ("standin/a.cc", "mimetic::Field field;", "names the MIME library"),
+    ("cli/a.cc", "mimetic::Field field;", "names the MIME library"),
+    ("base/a.cc", "#include <gtest/gtest.h>", "into the plug-in"),
     ("mime/a.cc", "#include <nlohmann/json.hpp>", "into the plug-in"),
     ("host/a.cc", "#include <CLI/CLI.hpp>", "into the plug-in"),
+    ("objects/a.cc", "#include <CLI/CLI.hpp>", "into the plug-in"),
     ("text/a.cc", "#include <iconv.h>", "into the plug-in"),
     ("host/a.cc", '#include "x.h"', "no file seen from the top"),
-    ("newroom/a.cc", "int x;", "has no rule"),
+    ("newfolder/a.cc", "int x;", "has no rule"),
 ]
 
 
@@ -149,9 +206,10 @@ def self_test():
     for path, line, expected in PLANTED:
         with tempfile.TemporaryDirectory() as name:
             top = pathlib.Path(name)
-            for room in [*LAYERS, *OTHERS, "tests/unit/host", "tests/unit/mime", "tests/reference"]:
-                (top / room).mkdir(parents=True, exist_ok=True)
-                (top / room / "x.h").write_text("#pragma once\n")
+            for folder in [*rules(), *UNIT_TEST_EXTRAS]:
+                (top / folder).mkdir(parents=True, exist_ok=True)
+                (top / folder / "x.h").write_text("#pragma once\n")
+            (top / OF_THE_INTERFACE).write_text("#pragma once\n")
             (top / path).parent.mkdir(parents=True, exist_ok=True)
             (top / path).write_text(line + "\n")
             found = check(top)

@@ -19,7 +19,7 @@ import planted
 NAMING_TESTS = ["docs/quirks.md", "docs/development.md", "docs/limits.md", "docs/testing.md",
                 "SECURITY.md", "tests/interface/README.md"]
 NAMED = re.compile(r"`([A-Z]\w*\.(?:[A-Z]\w*|\*))`")
-ROOMS = ["abi", "base", "text", "mime", "email", "host", "objects", "plugin"]
+FOLDERS = ["abi", "base", "text", "mime", "email", "host", "objects", "plugin"]
 COMMENT = re.compile(r"^\s*//\s?(.*)$")
 TESTS = re.compile(r"Test: ((?:\w+\.\w+)(?:,\s+\w+\.\w+)*)")
 DEFINED = re.compile(r"\bTEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\)")
@@ -56,8 +56,8 @@ def check(top):
     defined = defined_tests(top)
     faults = []
     named = set()
-    for room in ROOMS:
-        for file in sorted((top / room).rglob("*.[hc]*")):
+    for folder in FOLDERS:
+        for file in sorted((top / folder).rglob("*.[hc]*")):
             for number, text in quirks(file.read_text("utf-8")):
                 place = f"{file.relative_to(top).as_posix()}:{number}"
                 match = TESTS.search(text)

@@ -1,5 +1,6 @@
 #include "tests/unit/mime/tree_difference.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <sstream>
 
@@ -86,6 +87,19 @@ std::string DifferenceFromTheReference(std::string_view message) {
   std::istringstream stream{std::string(message)};
   const mimetic::MimeEntity reference(stream);
   return FirstDifference(reference, Message(message));
+}
+
+std::size_t Levels(const mime::Message& message) {
+  std::size_t level = 0;
+  std::size_t deepest = 0;
+  mime::Walk(
+      message.parts(), 0,
+      [&](mime::PartIndex) {
+        deepest = std::max(deepest, ++level);
+        return mime::Visit::kInside;
+      },
+      [&](mime::PartIndex) { --level; });
+  return deepest;
 }
 
 }  // namespace zqv::test

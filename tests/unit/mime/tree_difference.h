@@ -3,6 +3,7 @@
 
 #include <mimetic/mimeentity.h>
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -17,5 +18,8 @@ std::string FirstDifference(const mimetic::MimeEntity& reference, const mime::Me
 
 // The same for our parse of `message` and the library's own stream constructor.
 std::string DifferenceFromTheReference(std::string_view message);
+
+// How deeply the parts of a message are nested: 1 for a message without parts.
+std::size_t Levels(const mime::Message& message);
 
 }  // namespace zqv::test
