@@ -7,8 +7,6 @@
 namespace zqv::cli {
 namespace {
 
-constexpr std::string_view kHyphens = "--";
-
 // `bytes` and a line end like the last one before; empty when they end with one.
 std::string Completed(std::string_view bytes) {
   if (bytes.empty() || base::IsLineEnd(bytes.back())) return {};
@@ -48,12 +46,11 @@ std::vector<std::string_view> BoundariesInHeaders(const MessageSource& source) {
   const auto enter = [&](mime::PartIndex index) {
     const mime::Part& part = source.parts()[index];
     ForEachLine(LinesOf(part, source.lines()), [&](std::string_view line, std::string_view) {
-      if (found[index].data() != nullptr || line.substr(0, kHyphens.size()) != kHyphens) return;
-      if (open.AnyBegins(line)) found[index] = line;
+      if (found[index].data() != nullptr || line.substr(0, mime::kHyphens.size()) != mime::kHyphens)
+        return;
+      if (open.AnyBegins(line.substr(mime::kHyphens.size()))) found[index] = line;
     });
-    if (part.kind == mime::PartKind::kMultipart) {
-      open.Push(std::string(kHyphens).append(part.boundary));
-    }
+    if (part.kind == mime::PartKind::kMultipart) open.Push(part.boundary);
     return mime::Visit::kInside;
   };
   const auto leave = [&](mime::PartIndex index) {

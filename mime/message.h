@@ -58,6 +58,7 @@ struct Part {
 
   PartIndex parent = kNoPart;
   PartIndex first_child = kNoPart;
+  PartIndex last_child = kNoPart;
   PartIndex next_sibling = kNoPart;
   std::uint32_t child_count = 0;
 

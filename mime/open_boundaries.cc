@@ -1,33 +1,48 @@
+// Few boundaries are compared with a line one by one. From more on, a line's beginnings of each
+// length that any of them has are looked up by their hash:
+//
+//   open: "b1", "b22"     the line "b22--" is looked up as "b2" and as "b22"
 #include "mime/open_boundaries.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "base/fnv.h"
 
 namespace zqv::mime {
+namespace {
 
-void OpenBoundaries::Push(std::string boundary) {
-  const std::uint64_t hash = base::Fnv(boundary);
-  const std::size_t length = boundary.size();
-  const bool is_known = Finds(hash, boundary);
-  if (!is_known) {
-    if (length >= lengths_.size()) lengths_.resize(length + 1);
-    by_hash_.emplace(hash, open_.size());
-  }
-  open_.push_back({std::move(boundary), hash, is_known});
-  if (!is_known) ++lengths_[length];
+constexpr std::size_t kFew = 8;
+
+bool Begins(std::string_view line, std::string_view start) {
+  return line.substr(0, start.size()) == start;
 }
 
+}  // namespace
+
 void OpenBoundaries::Pop() {
-  const Boundary& last = open_.back();
-  if (!last.is_known) {
-    --lengths_[last.text.size()];
-    auto [found, end] = by_hash_.equal_range(last.hash);
-    by_hash_.erase(std::find_if(
-        found, end, [&](const auto& entry) { return entry.second == open_.size() - 1; }));
-  }
+  const Boundary last = open_.back();
   open_.pop_back();
+  if (indexed_ <= open_.size()) return;
+  indexed_ = open_.size();
+  if (last.is_known) return;
+  --lengths_[last.text.size()];
+  const auto [found, end] = by_hash_.equal_range(last.hash);
+  by_hash_.erase(
+      std::find_if(found, end, [&](const auto& entry) { return entry.second == indexed_; }));
+}
+
+// Takes the boundaries that were pushed since the last time into the index.
+void OpenBoundaries::Index() {
+  for (; indexed_ < open_.size(); ++indexed_) {
+    Boundary& boundary = open_[indexed_];
+    const std::size_t length = boundary.text.size();
+    boundary.hash = base::Fnv(boundary.text);
+    boundary.is_known = Finds(boundary.hash, boundary.text);
+    if (boundary.is_known) continue;
+    if (length >= lengths_.size()) lengths_.resize(length + 1);
+    by_hash_.emplace(boundary.hash, indexed_);
+    ++lengths_[length];
+  }
 }
 
 bool OpenBoundaries::Finds(std::uint64_t hash, std::string_view text) const {
@@ -36,11 +51,17 @@ bool OpenBoundaries::Finds(std::uint64_t hash, std::string_view text) const {
                      [&](const auto& entry) { return open_[entry.second].text == text; });
 }
 
-bool OpenBoundaries::AnyBegins(std::string_view line) const {
+bool OpenBoundaries::AnyBegins(std::string_view line) {
+  if (open_.size() <= kFew) {
+    return std::any_of(open_.begin(), open_.end(),
+                       [&](const Boundary& boundary) { return Begins(line, boundary.text); });
+  }
+  Index();
   std::uint64_t hash = base::kFnvOfNothing;
-  for (std::size_t length = 1; length <= line.size() && length < lengths_.size(); ++length) {
-    hash = base::ExtendFnv(hash, line[length - 1]);
+  for (std::size_t length = 0; length < lengths_.size(); ++length) {
     if (lengths_[length] > 0 && Finds(hash, line.substr(0, length))) return true;
+    if (length == line.size()) break;
+    hash = base::ExtendFnv(hash, line[length]);
   }
   return false;
 }

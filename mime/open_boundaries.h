@@ -6,38 +6,43 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 namespace zqv::mime {
 
+// Stand before the boundary parameter in every boundary, and behind it in a closing one.
+inline constexpr std::string_view kHyphens = "--";
+
 class OpenBoundaries {
  public:
-  // `boundary` with the two hyphens in front.
-  void Push(std::string boundary);
-  // The innermost is done with; there must be one.
+  // `boundary` is the parameter, without hyphens. It must outlive this.
+  void Push(std::string_view boundary) { open_.push_back({boundary, 0, false}); }
+  // Closes the innermost; there must be one.
   void Pop();
 
   bool IsEmpty() const { return open_.empty(); }
   std::string_view Innermost() const { return open_.back().text; }
-  // Whether `line` begins with any of them.
-  bool AnyBegins(std::string_view line) const;
+  // Whether `line`, its two hyphens taken off, begins with any of them.
+  bool AnyBegins(std::string_view line);
 
  private:
   struct Boundary {
-    std::string text;
+    std::string_view text;
     std::uint64_t hash;
     bool is_known;  // an equal one was open already, and stands for both
   };
 
+  void Index();
   bool Finds(std::uint64_t hash, std::string_view text) const;
 
   std::vector<Boundary> open_;  // innermost last
-  // Those that are not known twice: how many have each length, and where they are by hash.
-  std::vector<std::uint32_t> lengths_;
-  std::unordered_multimap<std::uint64_t, std::size_t> by_hash_;
+  // The first so many are found by length and hash. The others have not been asked for: mail with a
+  // few levels never needs the index.
+  std::size_t indexed_ = 0;
+  std::vector<std::uint32_t> lengths_;  // how many have each length, those that are known left out
+  std::unordered_multimap<std::uint64_t, std::size_t> by_hash_;  // indexes of the same
 };
 
 }  // namespace zqv::mime

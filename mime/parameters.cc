@@ -36,6 +36,9 @@ std::size_t Parameters::Count() const {
 }
 
 void Parameters::AppendText(std::string& text) const {
+  if (list_.empty()) return;
+  constexpr std::size_t kMostAdded = 5;  // characters for each parameter
+  text.reserve(text.size() + list_.size() + kMostAdded * Count());
   for (std::string_view rest = list_; !rest.empty();) {
     const Parameter parameter = ReadParameter(TakeUpTo(';', rest));
     text.append("; ").append(parameter.name).append("=\"").append(parameter.value).append("\"");

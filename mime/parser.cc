@@ -22,7 +22,6 @@
 #include "mime/parser.h"
 
 #include <algorithm>
-#include <string>
 #include <utility>
 
 #include "base/ascii.h"
@@ -88,12 +87,11 @@ PartIndex Parser::AddPart(PartIndex parent) {
   limits_.AdmitPart();
   const auto index = static_cast<PartIndex>(message_.parts_.size());
   Part& part = message_.parts_.emplace_back();
-  last_children_.push_back(kNoPart);
   part.whole = Between(at_, at_);
   part.parent = parent;
   if (parent == kNoPart) return index;
   Part& around = message_.parts_[parent];
-  const PartIndex previous = std::exchange(last_children_[parent], index);
+  const PartIndex previous = std::exchange(around.last_child, index);
   (previous == kNoPart ? around.first_child : message_.parts_[previous].next_sibling) = index;
   ++around.child_count;
   return index;
@@ -122,7 +120,7 @@ void Parser::ReadHeader(Part& part) {
 }
 
 void Parser::OpenMultipart(PartIndex part) {
-  boundaries_.Push(std::string("--").append(message_.parts_[part].boundary));
+  boundaries_.Push(message_.parts_[part].boundary);
   open_multiparts_.push_back(part);
 }
 
@@ -166,7 +164,7 @@ void Parser::MeetOuterBoundary() {
   do {
     boundaries_.Pop();
     open_multiparts_.pop_back();
-  } while (!IsPrefix(boundaries_.Innermost(), text_.boundary));
+  } while (!IsPrefix(boundaries_.Innermost(), text_.boundary.substr(kHyphens.size())));
   text_.ended_by = BoundaryOf(text_.boundary, boundaries_);
 }
 

@@ -38,7 +38,6 @@ class Parser {
   OpenBoundaries boundaries_;
   std::vector<PartIndex> open_multiparts_;  // innermost last, as their boundaries
   PartText text_;                           // that was read last
-  std::vector<PartIndex> last_children_;    // by part
 };
 
 }  // namespace zqv::mime

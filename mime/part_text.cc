@@ -132,16 +132,18 @@ class BlockReader {
 // QUIRK: only the innermost multipart's boundary can close: the closing boundary of an outer one is
 // like any other of its boundaries. Equal to the MIME library's result. Test:
 // Parser.InnerMultipartWithoutEndLosesTheRest.
-Boundary BoundaryOf(std::string_view line, const OpenBoundaries& open) {
-  if (line.substr(0, 2) != "--" || open.IsEmpty()) return Boundary::kNone;
+Boundary BoundaryOf(std::string_view line, OpenBoundaries& open) {
+  if (line.substr(0, kHyphens.size()) != kHyphens || open.IsEmpty()) return Boundary::kNone;
+  line.remove_prefix(kHyphens.size());
   const std::string_view innermost = open.Innermost();
   if (line.substr(0, innermost.size()) == innermost) {
-    return line.substr(innermost.size(), 2) == "--" ? Boundary::kClosing : Boundary::kNext;
+    return line.substr(innermost.size(), kHyphens.size()) == kHyphens ? Boundary::kClosing
+                                                                      : Boundary::kNext;
   }
   return open.AnyBegins(line) ? Boundary::kOuter : Boundary::kNone;
 }
 
-PartText ReadPartText(const char* at, const char* end, const OpenBoundaries& open,
+PartText ReadPartText(const char* at, const char* end, OpenBoundaries& open,
                       LineEndFinder& line_ends) {
   const auto text_to = [at](const char* to) {
     return std::string_view(at, static_cast<std::size_t>(to - at));

@@ -23,11 +23,11 @@ struct PartText {
   std::string_view boundary;   // its line, without the line end
 };
 
-// What a line does to the text before it.
-Boundary BoundaryOf(std::string_view line, const OpenBoundaries& open);
+// What a line does to the text before it. The open boundaries are boundary parameters.
+Boundary BoundaryOf(std::string_view line, OpenBoundaries& open);
 
 // The text from `at` up to a boundary of one of the open multiparts, or to the end of the message.
-PartText ReadPartText(const char* at, const char* end, const OpenBoundaries& open,
+PartText ReadPartText(const char* at, const char* end, OpenBoundaries& open,
                       LineEndFinder& line_ends);
 
 }  // namespace zqv::mime

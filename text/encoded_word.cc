@@ -112,10 +112,7 @@ void LogUnlessAscii(std::string_view all, std::string_view shown) {
 }
 
 HeaderText Undecoded(std::string_view text, bool unquote) {
-  if (!unquote) return DetectText(text);
-  std::string unquoted = RemoveQuotes(std::string(text));
-  const abi::Encoding encoding = base::DetectEncoding(UpToNul(unquoted));
-  return {std::move(unquoted), encoding};
+  return DetectText(unquote ? RemoveQuotes(text) : text);
 }
 
 }  // namespace
@@ -148,7 +145,7 @@ HeaderText DecodeEncodedWords(std::string_view text, bool unquote) {
     return undecoded;
   }
   std::string decoded = std::move(scanner.decoded());
-  if (unquote) decoded = RemoveQuotes(std::move(decoded));
+  if (unquote) decoded = std::string(RemoveQuotes(decoded));
   if (encoding == abi::kAscii) LogUnlessAscii(decoded, UpToNul(decoded));
   return {std::move(decoded), encoding};
 }

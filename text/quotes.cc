@@ -1,10 +1,12 @@
+// A name may be wrapped in one pair of quotes, or in apostrophes inside double quotes:
+//
+//   "Smith, John"    Smith, John
+//   "'John'"         John
+//   '"John"'         "John"
 #include "text/quotes.h"
 
-#include <exception>
-#include <string_view>
-#include <typeinfo>
-
-#include "base/log.h"
+#include <algorithm>
+#include <cstddef>
 
 namespace zqv::text {
 namespace {
@@ -19,21 +21,13 @@ std::string_view Inner(std::string_view text) { return text.substr(1, text.size(
 
 }  // namespace
 
-std::string RemoveQuotes(std::string text) {
-  try {
-    text.erase(0, text.find_first_not_of(' '));
-    std::string_view rest = text;
-    if (IsWrapped(rest, '"')) {
-      rest = Inner(rest);
-      if (IsWrapped(rest, '\'')) rest = Inner(rest);
-    } else if (IsWrapped(rest, '\'')) {
-      rest = Inner(rest);
-    }
-    if (rest.size() != text.size()) text = std::string(rest);
-  } catch (const std::exception& e) {
-    ZQV_LOG("%s%s %s, %s", "C++ Exception: ", typeid(e).name(), e.what());
+std::string_view RemoveQuotes(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+  if (IsWrapped(text, '"')) {
+    const std::string_view inner = Inner(text);
+    return IsWrapped(inner, '\'') ? Inner(inner) : inner;
   }
-  return text;
+  return IsWrapped(text, '\'') ? Inner(text) : text;
 }
 
 }  // namespace zqv::text
