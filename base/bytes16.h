@@ -54,6 +54,7 @@ template <class Test>
 inline std::uint64_t BitsOf64(const char* bytes, Test test) {
 #if defined(__SSE2__)
   std::uint64_t bits = 0;
+#pragma GCC unroll 4
   for (unsigned i = 0; i < 4; ++i) {
     bits |= BitsOf(test(LoadBytes16(bytes + i * kBytes16))) << (i * kBytes16);
   }

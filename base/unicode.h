@@ -24,6 +24,12 @@ bool is_utf8(const char* bytes, std::size_t length);
 // The encoding of bytes that come without a charset: ASCII, UTF-8, or else Mac Roman.
 abi::Encoding DetectEncoding(std::string_view bytes);
 
+// `bytes` without a UTF-8 byte-order mark at the front.
+inline std::string_view WithoutByteOrderMark(std::string_view bytes) {
+  constexpr std::string_view kMark = "\xEF\xBB\xBF";
+  return bytes.substr(bytes.substr(0, kMark.size()) == kMark ? kMark.size() : 0);
+}
+
 // True when `length` bytes at `sequence` are one well-formed UTF-8 sequence whose lead byte asks
 // for that length.
 bool IsLegalUTF8(const char* sequence, std::size_t length);

@@ -1,8 +1,8 @@
 #include "cli/addresses.h"
 
+#include "base/ascii.h"
 #include "cli/message.h"
 #include "cli/text.h"
-#include "standin/text.h"
 
 namespace zqv::cli {
 namespace {
@@ -63,7 +63,7 @@ std::vector<std::string> LinesOf(const Object& value) {
 // between addresses alone, which say nothing to a reader.
 std::string FieldText(const Object& header, std::string_view name) {
   for (const Object& field : FieldsOf(header)) {
-    if (!standin::SameName(TextMember(field, "Name").bytes(), name)) continue;
+    if (!base::EqualsIgnoringCase(TextMember(field, "Name").bytes(), name)) continue;
     std::string text = SafeLine(TextMember(field, "Value"));
     if (text.find_first_not_of("@,:; ") == std::string::npos) text.clear();
     return text;

@@ -7,7 +7,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <exception>
 #include <functional>
 #include <optional>
@@ -17,6 +16,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/fnv.h"
 #include "cli/attached_files.h"
 #include "cli/document.h"
 #include "cli/folder.h"
@@ -171,13 +171,9 @@ class Exporter {
   std::string current_place_;
 };
 
-// FNV-1a: the same for a place on every machine.
+// The hash of a place is the same on every machine.
 bool IsInShard(const std::string& place, const Shard& shard) {
-  std::uint64_t hash = 0xCBF29CE484222325U;
-  for (const char c : place) {
-    hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
-  }
-  return hash % shard.count == shard.number - 1;
+  return base::Fnv(place) % shard.count == shard.number - 1;
 }
 
 std::size_t SizeOf(const Item& item) {

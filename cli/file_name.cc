@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/ascii.h"
 #include "cli/utf8.h"
 #include "standin/text.h"
 
@@ -47,9 +48,7 @@ std::string_view TrimEnds(std::string_view name) {
 }
 
 bool HasDriveLetter(std::string_view name) {
-  if (name.size() < 2 || name[1] != ':') return false;
-  const char letter = standin::LowerAscii(name[0]);
-  return letter >= 'a' && letter <= 'z';
+  return name.size() >= 2 && name[1] == ':' && base::IsLetter(name[0]);
 }
 
 std::string_view WithoutDrive(std::string_view name) {
@@ -81,10 +80,10 @@ bool IsDevice(std::string_view name) {
   static constexpr std::array<std::string_view, 6> kDevices = {"con", "prn",    "aux",
                                                                "nul", "conin$", "conout$"};
   static constexpr std::array<std::string_view, 2> kNumbered = {"com", "lpt"};
-  const std::string base = standin::LowerName(TrimEnds(name.substr(0, name.find('.'))));
-  if (std::find(kDevices.begin(), kDevices.end(), base) != kDevices.end()) return true;
-  if (base.size() != 4 || base[3] < '0' || base[3] > '9') return false;
-  return std::find(kNumbered.begin(), kNumbered.end(), base.substr(0, 3)) != kNumbered.end();
+  const std::string stem = standin::LowerName(TrimEnds(name.substr(0, name.find('.'))));
+  if (std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end()) return true;
+  if (stem.size() != 4 || !base::IsDigit(stem[3])) return false;
+  return std::find(kNumbered.begin(), kNumbered.end(), stem.substr(0, 3)) != kNumbered.end();
 }
 
 }  // namespace

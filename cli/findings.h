@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/line_numbers.h"
 #include "cli/message.h"
-#include "cli/raw_message.h"
 
 namespace zqv::cli {
 

@@ -3,12 +3,12 @@
 #include <stdexcept>
 #include <vector>
 
+#include "base/ascii.h"
 #include "cli/message.h"
 #include "cli/print_json.h"
 #include "cli/text.h"
 #include "cli/verbs.h"
 #include "cli/visit.h"
-#include "standin/text.h"
 
 namespace zqv::cli {
 namespace {
@@ -19,7 +19,7 @@ using standin::Object;
 std::vector<Object> FieldsNamed(const Object& header, const std::string& wanted) {
   std::vector<Object> fields = FieldsOf(header);
   const auto is_other = [&](const Object& field) {
-    return !wanted.empty() && !standin::SameName(TextMember(field, "Name").bytes(), wanted);
+    return !wanted.empty() && !base::EqualsIgnoringCase(TextMember(field, "Name").bytes(), wanted);
   };
   fields.erase(std::remove_if(fields.begin(), fields.end(), is_other), fields.end());
   return fields;

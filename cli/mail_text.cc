@@ -6,8 +6,8 @@
 #include <iterator>
 #include <optional>
 
+#include "base/ascii.h"
 #include "cli/text.h"
-#include "standin/text.h"
 
 namespace zqv::cli {
 namespace {
@@ -15,25 +15,11 @@ namespace {
 constexpr std::size_t kNowhere = std::string_view::npos;
 constexpr std::string_view kDigits = "0123456789";
 
-bool IsLineEnd(char c) { return c == '\r' || c == '\n'; }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsLetter(char c) {
-  const char lower = standin::LowerAscii(c);
-  return lower >= 'a' && lower <= 'z';
-}
-
-// Of a hexadecimal digit; -1 for any other character.
-int HexadecimalValue(char c) {
-  const char lower = standin::LowerAscii(c);
-  if (IsDigit(c)) return c - '0';
-  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
 // What "%41" at the front of a text stands for; nothing when there is no such escape.
 std::optional<char> ByteOfEscape(std::string_view text) {
   if (text.size() < 3 || text[0] != '%') return std::nullopt;
-  const int high = HexadecimalValue(text[1]);
-  const int low = HexadecimalValue(text[2]);
+  const int high = base::HexadecimalValue(text[1]);
+  const int low = base::HexadecimalValue(text[2]);
   if (high < 0 || low < 0) return std::nullopt;
   return static_cast<char>(high * 16 + low);
 }
@@ -113,7 +99,7 @@ class DateReader {
   bool SkipHalf() {
     SkipBlanks();
     const std::string_view word = rest_.substr(0, 2);
-    return standin::SameName(word, "am") || standin::SameName(word, "pm");
+    return base::EqualsIgnoringCase(word, "am") || base::EqualsIgnoringCase(word, "pm");
   }
 
   void SkipBlanks() { rest_.remove_prefix(std::min(rest_.find_first_not_of(" \t"), rest_.size())); }
@@ -144,10 +130,10 @@ class DateReader {
   template <std::size_t kCount>
   std::optional<std::size_t> Name(const std::string_view (&names)[kCount]) {
     SkipBlanks();
-    const auto end = std::find_if_not(rest_.begin(), rest_.end(), IsLetter);
+    const auto end = std::find_if_not(rest_.begin(), rest_.end(), base::IsLetter);
     const std::string_view word = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
     const auto found = std::find_if(std::begin(names), std::end(names), [&](std::string_view name) {
-      return standin::SameName(word.substr(0, name.size()), name);
+      return base::EqualsIgnoringCase(word.substr(0, name.size()), name);
     });
     if (found == std::end(names)) return std::nullopt;
     rest_.remove_prefix(word.size());
@@ -172,7 +158,7 @@ constexpr std::array<bool, 256> kBase64Digits = MakeBase64Digits();
 std::string Unfolded(std::string_view value) {
   std::string line;
   while (!value.empty()) {
-    const auto end = std::find_if(value.begin(), value.end(), IsLineEnd);
+    const auto end = std::find_if(value.begin(), value.end(), base::IsLineEnd);
     const auto length = static_cast<std::size_t>(end - value.begin());
     line += value.substr(0, length);
     value.remove_prefix(std::min(value.find_first_not_of(" \t\r\n", length), value.size()));
@@ -195,7 +181,7 @@ std::vector<Parameter> ParametersOf(std::string_view value) {
 
 const Parameter* FindParameter(const std::vector<Parameter>& parameters, std::string_view name) {
   const auto found = std::find_if(parameters.begin(), parameters.end(), [&](const Parameter& p) {
-    return standin::SameName(p.name, name);
+    return base::EqualsIgnoringCase(p.name, name);
   });
   return found == parameters.end() ? nullptr : &*found;
 }
@@ -241,7 +227,7 @@ Base64Fault FindBase64Fault(std::string_view text) {
     } else if (c == '=') {
       if (digits % kGroup == 1) return Base64Fault::kCut;
       digits = 0;
-    } else if (c != ' ' && c != '\t' && !IsLineEnd(c)) {
+    } else if (!base::IsBlank(c) && !base::IsLineEnd(c)) {
       return Base64Fault::kForeign;
     }
   }

@@ -4,12 +4,12 @@
 #include <array>
 #include <utility>
 
+#include "base/ascii.h"
+
 namespace zqv::cli {
 namespace {
 
 constexpr std::string_view kFrom = "From ";
-
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 bool IsMonth(std::string_view word) {
   static constexpr std::array<std::string_view, 12> kMonths = {
@@ -20,8 +20,9 @@ bool IsMonth(std::string_view word) {
 // "9:05", "21:49:08".
 bool IsTime(std::string_view word) {
   const std::size_t colon = word.find(':');
-  return (colon == 1 || colon == 2) && word.size() >= colon + 3 && IsDigit(word[0]) &&
-         IsDigit(word[colon - 1]) && IsDigit(word[colon + 1]) && IsDigit(word[colon + 2]);
+  return (colon == 1 || colon == 2) && word.size() >= colon + 3 && base::IsDigit(word[0]) &&
+         base::IsDigit(word[colon - 1]) && base::IsDigit(word[colon + 1]) &&
+         base::IsDigit(word[colon + 2]);
 }
 
 std::string_view WithoutEnd(std::string_view line) {

@@ -7,15 +7,17 @@
 #include <unordered_map>
 
 #include "abi/encodings.h"
+#include "base/ascii.h"
+#include "base/unicode.h"
 #include "cli/mail_text.h"
 #include "cli/text.h"
-#include "standin/text.h"
 
 namespace zqv::cli {
 namespace {
 
+using base::EqualsIgnoringCase;
+using mime::FieldName;
 using standin::Object;
-using standin::SameName;
 using standin::String;
 
 // What a part's objects say of it.
@@ -30,7 +32,7 @@ struct Part {
 
   bool IsOfType(std::string_view type) const {
     const std::string_view own = TypeOf(content_type);
-    return SameName(own.substr(0, own.find('/')), type);
+    return EqualsIgnoringCase(own.substr(0, own.find('/')), type);
   }
   std::string_view Said(std::string_view name) const {
     const Parameter* const parameter = FindParameter(parameters, name);
@@ -38,17 +40,11 @@ struct Part {
   }
 };
 
-bool IsAscii(std::string_view bytes) {
-  return std::all_of(bytes.begin(), bytes.end(), [](char c) { return (c & 0x80) == 0; });
-}
-
 // Whether text that is labelled as ASCII or UTF-8 is none.
 bool IsWronglyLabelled(const String& text) {
-  if (text.encoding() == abi::kAscii) return !IsAscii(text.bytes());
+  if (text.encoding() == abi::kAscii) return !base::IsAscii(text.bytes());
   return text.encoding() == abi::kUtf8 && !text.Utf8();
 }
-
-constexpr std::string_view kDisposition = "Content-Disposition";
 
 // charset'language'value, of which the library takes off nothing when there is a language.
 bool IsExtendedValue(std::string_view name) {
@@ -57,14 +53,13 @@ bool IsExtendedValue(std::string_view name) {
 
 class Search {
  public:
-  Search(const Object& email, const PartTree& tree, const std::vector<Attached>& attached,
-         const RawMessage& source, Findings* findings)
-      : tree_(tree),
-        source_(source),
+  Search(const PartsToCheck& parts, Findings* findings)
+      : tree_(parts.tree),
+        source_(parts.source),
         findings_(*findings),
-        plain_text_(TextMember(email, "PlainText")),
-        html_text_(TextMember(email, "HTMLText")) {
-    for (const Attached& one : attached) {
+        plain_text_(TextMember(parts.email, "PlainText")),
+        html_text_(TextMember(parts.email, "HTMLText")) {
+    for (const Attached& one : parts.attached) {
       if (one.part) records_.emplace(*one.part, one.record);
       knows_lists_ = knows_lists_ && one.part.has_value();
     }
@@ -74,9 +69,7 @@ class Search {
     for (std::size_t i = 0; i < tree_.parts().size(); ++i) {
       const Part part = PartAt(i);
       CheckFieldBytes(part);
-      if (SourceOf(part) == nullptr || SourceOf(part)->header_end != HeaderEnd::kMessageEnd) {
-        CheckType(part);
-      }
+      if (!IsCut(part)) CheckType(part);
       CheckTransferEncoding(part);
       if (part.IsOfType("text") || part.content_type == "/") CheckText(part);
       CheckName(part);
@@ -96,27 +89,39 @@ class Search {
   }
 
   // Null when it is not known.
-  const RawPart* SourceOf(const Part& part) const {
-    return part.index < source_.known ? &source_.parts[part.index] : nullptr;
+  const mime::Part* SourceOf(const Part& part) const {
+    return source_ == nullptr ? nullptr : &source_->parts()[part.index];
+  }
+
+  // Whether the message ends within the part's header.
+  bool IsCut(const Part& part) const {
+    const mime::Part* const source = SourceOf(part);
+    return source != nullptr && source->header_end == mime::HeaderEnd::kMessageEnd;
+  }
+
+  // The line in which the part begins.
+  Place At(const Part& part) const {
+    const mime::Part* const source = SourceOf(part);
+    return {part.index, source == nullptr ? kNoLine : source_->LineOf(*source)};
   }
 
   // The line of a field, or else that in which the part begins.
-  Place At(const Part& part, std::string_view field) const {
-    const RawPart* const raw = SourceOf(part);
-    if (raw == nullptr) return {part.index, kNoLine};
-    const RawField* const found = FindField(source_, *raw, field);
-    return {part.index, found == nullptr ? raw->line : found->line};
+  Place At(const Part& part, FieldName name) const {
+    const mime::Part* const source = SourceOf(part);
+    if (source == nullptr) return At(part);
+    const mime::Field* const field = source_->message().HeaderOf(*source).Find(name);
+    return field == nullptr ? At(part) : Place{part.index, source_->LineOf(*field)};
   }
 
   void CheckFieldBytes(const Part& part) {
     const std::vector<Object> fields = FieldsOf(part.header);
-    const RawPart* const raw = SourceOf(part);
+    const mime::Part* const source = SourceOf(part);
     for (std::size_t i = 0; i < fields.size(); ++i) {
       const String value = TextMember(fields[i], "Value");
       if (value.IsNil() || value.encoding() != abi::kMacRoman) continue;
       Place place = {part.index, kNoLine};
-      if (raw != nullptr && i < raw->field_count) {
-        place.line = source_.fields[raw->first_field + i].line;
+      if (source != nullptr && i < source->field_count) {
+        place.line = source_->LineOf(source_->message().fields()[source->first_field + i]);
       }
       findings_.Add(Oddity::kFieldBytes, place, {SafeLine(TextMember(fields[i], "Name"))});
     }
@@ -125,14 +130,16 @@ class Search {
   void CheckType(const Part& part) {
     const std::string_view type = TypeOf(part.content_type);
     if (type.size() < 2 || (type.front() != '/' && type.back() != '/')) return;
-    findings_.Add(Oddity::kBadContentType, At(part, "Content-Type"), {Quoted(type)});
+    findings_.Add(Oddity::kBadContentType, At(part, FieldName::kContentType), {Quoted(type)});
   }
 
   void CheckTransferEncoding(const Part& part) {
-    constexpr std::string_view kField = "Content-Transfer-Encoding";
+    constexpr FieldName kField = FieldName::kContentTransferEncoding;
     const String mechanism = TextMember(part.header, "ContentTransferEncoding");
-    const auto is = [&](std::string_view name) { return SameName(mechanism.bytes(), name); };
-    if (SameName(TypeOf(part.content_type), "message/rfc822")) {
+    const auto is = [&](std::string_view name) {
+      return EqualsIgnoringCase(mechanism.bytes(), name);
+    };
+    if (EqualsIgnoringCase(TypeOf(part.content_type), "message/rfc822")) {
       if (!is("base64") && !is("quoted-printable")) return;
       findings_.Add(Oddity::kEncodedMessage, At(part, kField), {SafeLine(mechanism)});
       return;
@@ -151,7 +158,7 @@ class Search {
 
   void CheckText(const Part& part) {
     if (part.decoded.IsNil()) return;
-    const Place place = At(part, "Content-Type");
+    const Place place = At(part, FieldName::kContentType);
     const std::string_view charset = part.Said("charset");
     if (charset.empty()) {
       if (part.decoded.encoding() == abi::kMacRoman) findings_.Add(Oddity::kGuessedCharset, place);
@@ -179,20 +186,21 @@ class Search {
     if (has(parameters, "filename*")) {
       const std::string name = PlainLine(TextMember(found->second, "Filename"));
       const bool stays = HasPercentEscape(name) || IsExtendedValue(name);
-      if (stays) findings_.Add(Oddity::kEncodedName, At(part, kDisposition), {Quoted(name)});
-    } else if (!AddUnreadName(part, kDisposition, parameters)) {
-      AddUnreadName(part, "Content-Type", part.parameters);
+      if (stays)
+        findings_.Add(Oddity::kEncodedName, At(part, FieldName::kContentDisposition),
+                      {Quoted(name)});
+    } else if (!AddUnreadName(part, FieldName::kContentDisposition, parameters)) {
+      AddUnreadName(part, FieldName::kContentType, part.parameters);
     }
   }
 
   // Whether the field has a name in a form that the library passes over.
-  bool AddUnreadName(const Part& part, std::string_view field,
-                     const std::vector<Parameter>& parameters) {
+  bool AddUnreadName(const Part& part, FieldName field, const std::vector<Parameter>& parameters) {
     const auto found = std::find_if(parameters.begin(), parameters.end(), [](const Parameter& p) {
       const std::size_t star = p.name.find('*');
       const std::string_view stem = p.name.substr(0, star);
       return star != std::string_view::npos &&
-             (SameName(stem, "filename") || SameName(stem, "name"));
+             (EqualsIgnoringCase(stem, "filename") || EqualsIgnoringCase(stem, "name"));
     });
     if (found == parameters.end()) return false;
     findings_.Add(Oddity::kUnreadName, At(part, field), {SafeText(found->name, Lines::kOne)});
@@ -205,11 +213,11 @@ class Search {
     if (records_.find(part.index) != records_.end()) return;
     const auto is = [&](const String& text) { return text.bytes() == part.decoded.bytes(); };
     if (!part.decoded.IsNil() && (is(plain_text_) || is(html_text_))) return;
-    findings_.Add(Oddity::kUnlistedPart, At(part, {}));
+    findings_.Add(Oddity::kUnlistedPart, At(part));
   }
 
   const PartTree& tree_;
-  const RawMessage& source_;
+  const MessageSource* const source_;
   Findings& findings_;
   std::unordered_map<std::size_t, Object> records_;  // of what is attached, by part
   bool knows_lists_ = true;
@@ -219,9 +227,6 @@ class Search {
 
 }  // namespace
 
-void FindInParts(const Object& email, const PartTree& tree, const std::vector<Attached>& attached,
-                 const RawMessage& source, Findings* findings) {
-  Search(email, tree, attached, source, findings).Run();
-}
+void FindInParts(const PartsToCheck& parts, Findings* findings) { Search(parts, findings).Run(); }
 
 }  // namespace zqv::cli

@@ -5,14 +5,18 @@
 
 #include "cli/findings.h"
 #include "cli/message.h"
-#include "cli/raw_message.h"
+#include "cli/message_source.h"
 #include "standin/handles.h"
 
 namespace zqv::cli {
 
-// `source` tells the lines of the parts that it knows.
-void FindInParts(const standin::Object& email, const PartTree& tree,
-                 const std::vector<Attached>& attached, const RawMessage& source,
-                 Findings* findings);
+struct PartsToCheck {
+  const standin::Object& email;
+  const PartTree& tree;
+  const std::vector<Attached>& attached;
+  const MessageSource* source;  // null: the parts' lines are not known
+};
+
+void FindInParts(const PartsToCheck& parts, Findings* findings);
 
 }  // namespace zqv::cli

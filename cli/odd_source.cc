@@ -2,19 +2,26 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
+#include "base/ascii.h"
 #include "cli/mail_text.h"
 #include "cli/odd_words.h"
 #include "cli/text.h"
-#include "standin/text.h"
 
 namespace zqv::cli {
 namespace {
 
-using standin::SameName;
+using base::EqualsIgnoringCase;
+using mime::FieldName;
+using mime::HeaderEnd;
+using mime::Part;
+using mime::PartKind;
 
 // Fields that a header holds once (RFC 5322, section 3.6; RFC 2045, section 3; RFC 2183, section
 // 2). Those that begin with Content- mean something in every header, the others in a message's.
@@ -40,97 +47,142 @@ constexpr std::string_view kOnce[] = {
 constexpr std::string_view kOfContent = "Content-";
 constexpr std::string_view kDate = "Date";
 
-bool MeansSomething(std::string_view name, const RawPart& part) {
-  return part.is_message || SameName(name.substr(0, kOfContent.size()), kOfContent);
-}
-
 // The spelling in kOnce; empty for other fields.
 std::string_view OnceName(std::string_view name) {
-  const auto found = std::find_if(std::begin(kOnce), std::end(kOnce),
-                                  [&](std::string_view once) { return SameName(once, name); });
+  const auto found = std::find_if(std::begin(kOnce), std::end(kOnce), [&](std::string_view once) {
+    return EqualsIgnoringCase(once, name);
+  });
   return found == std::end(kOnce) ? std::string_view() : *found;
+}
+
+// The first line of a header that a CR alone ends while another ends otherwise; null when there is
+// none.
+const char* LoneCrLine(std::string_view header) {
+  const char* lone = nullptr;
+  bool has_other_ends = false;
+  ForEachLine(header, [&](std::string_view line, std::string_view line_end) {
+    if (line_end != "\r") {
+      has_other_ends = has_other_ends || !line_end.empty();
+    } else if (lone == nullptr) {
+      lone = line.data();
+    }
+  });
+  return has_other_ends ? lone : nullptr;
+}
+
+// The line that begins the last field of a header that has no end; null when it has no field.
+const char* LastFieldLine(std::string_view header) {
+  const char* last = nullptr;
+  ForEachLine(header, [&](std::string_view line, std::string_view) {
+    if (!base::IsBlank(line.front()) && line.front() != ':') last = line.data();
+  });
+  return last;
 }
 
 class Search {
  public:
-  Search(const RawMessage& message, Findings* findings) : message_(message), findings_(*findings) {}
+  Search(const MessageSource& source, bool fits, Findings* findings)
+      : source_(source),
+        fits_(fits),
+        findings_(*findings),
+        boundaries_in_headers_(BoundariesInHeaders(source)) {
+    for (const std::string_view line : boundaries_in_headers_) lines_in_headers_.insert(Trim(line));
+  }
 
   void Run() {
-    for (index_ = 0; index_ < message_.parts.size(); ++index_) {
-      const RawPart& part = message_.parts[index_];
-      if (!IsInBase64(index_)) CheckHeaderEnd(part);
+    for (index_ = 0; index_ < source_.parts().size(); ++index_) {
+      const Part& part = source_.parts()[index_];
+      CheckHeaderEnd(part);
       CheckMultipart(part);
       CheckRepeatedFields(part);
-      for (std::size_t i = 0; i < part.field_count; ++i) {
-        CheckField(part, message_.fields[part.first_field + i]);
-      }
+      for (std::size_t i = 0; i < part.field_count; ++i) CheckField(part, FieldAt(part, i));
     }
     CheckLostParts();
   }
 
  private:
-  // A line of the part that is looked at.
+  // A line of the part that is checked.
   Place At(std::size_t line) const {
-    return {index_ < message_.known ? std::optional(index_) : std::nullopt, line};
+    return {fits_ && index_ < source_.known() ? std::optional(index_) : std::nullopt, line};
+  }
+  Place At(const char* at) const { return At(source_.lines().At(at)); }
+  Place At(const mime::Field& field) const { return At(source_.LineOf(field)); }
+
+  const mime::Field& FieldAt(const Part& part, std::size_t index) const {
+    return source_.message().fields()[part.first_field + index];
   }
 
-  // Whether a part is a message that was attached in base64: it has no header to be read.
-  bool IsInBase64(std::size_t index) const {
-    if (index == 0 || message_.parts[index - 1].kind != RawKind::kMessage) return false;
-    const RawField* const encoding =
-        FindField(message_, message_.parts[index - 1], "Content-Transfer-Encoding");
-    return encoding != nullptr && SameName(Unfolded(encoding->value), "base64");
+  // Null for the message itself.
+  const Part* ParentOf(const Part& part) const {
+    return part.parent == mime::kNoPart ? nullptr : &source_.parts()[part.parent];
   }
 
-  void CheckHeaderEnd(const RawPart& part) {
-    if (part.lone_cr_line != kNoLine) findings_.Add(Oddity::kLoneCr, At(part.lone_cr_line));
-    const Place place = At(part.end_line);
+  // The message itself or one that is attached.
+  bool IsMessage(const Part& part) const {
+    const Part* const parent = ParentOf(part);
+    return parent == nullptr || parent->kind == PartKind::kMessage;
+  }
+
+  // Whether a part is a message that has no header to be read: it was attached in base64, or begins
+  // within the line that ended the header in front of it.
+  bool HasNoHeader(const Part& part) const {
+    const Part* const parent = ParentOf(part);
+    if (parent == nullptr || parent->kind != PartKind::kMessage) return false;
+    if (parent->header_end == HeaderEnd::kOtherLine) return true;
+    const mime::Header header = source_.message().HeaderOf(*parent);
+    return EqualsIgnoringCase(Trim(header.Text(FieldName::kContentTransferEncoding)), "base64");
+  }
+
+  void CheckHeaderEnd(const Part& part) {
+    if (HasNoHeader(part)) return;
+    const std::string_view boundary = boundaries_in_headers_[index_];
+    if (const char* lone = LoneCrLine(part.header)) findings_.Add(Oddity::kLoneCr, At(lone));
+    if (boundary.data() != nullptr) {
+      findings_.Add(Oddity::kDelimiterInHeader, At(boundary.data()), {Quoted(boundary)});
+      return;
+    }
+    const char* const end = part.header.data() + part.header.size();
     switch (part.header_end) {
-      case HeaderEnd::kBlankLine:
+      case HeaderEnd::kEmptyLine:
         break;
       case HeaderEnd::kOtherLine:
-        findings_.Add(Oddity::kNoBlankLine, place, {Quoted(part.end_text)});
-        break;
-      case HeaderEnd::kDelimiter:
-        findings_.Add(Oddity::kDelimiterInHeader, place, {Quoted(part.end_text)});
+        findings_.Add(Oddity::kNoBlankLine, At(end), {Quoted(source_.lines().RestOfLine(end))});
         break;
       case HeaderEnd::kMessageEnd:
-        if (part.field_count > 0) {
-          findings_.Add(Oddity::kCutHeader,
-                        At(message_.fields[part.first_field + part.field_count - 1].line));
+        if (const char* last = LastFieldLine(part.header)) {
+          findings_.Add(Oddity::kCutHeader, At(last));
         }
     }
   }
 
-  void CheckMultipart(const RawPart& part) {
-    if (part.kind != RawKind::kMultipart || part.header_end == HeaderEnd::kMessageEnd) return;
-    const Place place = At(FindField(message_, part, "Content-Type")->line);
-    if (!part.boundary) {
+  void CheckMultipart(const Part& part) {
+    if (part.kind != PartKind::kMultipart || part.header_end == HeaderEnd::kMessageEnd) return;
+    const Place place = At(*source_.message().HeaderOf(part).Find(FieldName::kContentType));
+    const std::string boundary = SafeText(part.boundary, Lines::kOne);
+    if (boundary.empty()) {
       findings_.Add(Oddity::kNoBoundary, place);
-      return;
-    }
-    const std::string boundary = SafeText(*part.boundary, Lines::kOne);
-    if (!part.has_parts) {
+    } else if (part.first_child == mime::kNoPart) {
       findings_.Add(Oddity::kEmptyMultipart, place, {boundary});
-    } else if (!part.is_closed) {
-      const std::string end = part.last_line == kNoLine ? std::string("the end of the message")
-                                                        : "line " + std::to_string(part.last_line);
+    } else if (!part.is_closed && lines_in_headers_.count("--" + boundary + "--") == 0) {
+      const std::size_t line = source_.LineAfter(part);
+      const std::string end =
+          line == kNoLine ? std::string("the end of the message") : "line " + std::to_string(line);
       findings_.Add(Oddity::kUnterminatedMultipart, place, {boundary, end});
     }
   }
 
-  void CheckRepeatedFields(const RawPart& part) {
+  void CheckRepeatedFields(const Part& part) {
     struct Seen {
       std::size_t count = 0;
       std::size_t line = kNoLine;  // of the second
     };
     std::unordered_map<std::string_view, Seen> seen;
     for (std::size_t i = 0; i < part.field_count; ++i) {
-      const RawField& field = message_.fields[part.first_field + i];
+      const mime::Field& field = FieldAt(part, i);
       const std::string_view name = OnceName(field.name);
       if (name.empty() || !MeansSomething(name, part)) continue;
       Seen& times = seen[name];
-      if (++times.count == 2) times.line = field.line;
+      if (++times.count == 2) times.line = source_.LineOf(field);
     }
     for (const auto& [name, times] : seen) {
       if (times.count < 2) continue;
@@ -139,41 +191,48 @@ class Search {
     }
   }
 
-  void CheckField(const RawPart& part, const RawField& field) {
-    if (field.value.find('\0') != std::string_view::npos) {
-      findings_.Add(Oddity::kZeroByteInField, At(field.line), {field.name});
-    }
-    if (part.is_message && SameName(field.name, kDate)) CheckDate(field);
-    FindInWords(field, At(field.line), &findings_);
+  bool MeansSomething(std::string_view name, const Part& part) const {
+    return IsMessage(part) || EqualsIgnoringCase(name.substr(0, kOfContent.size()), kOfContent);
   }
 
-  void CheckDate(const RawField& field) {
-    const std::string value = Unfolded(field.value);
+  void CheckField(const Part& part, const mime::Field& field) {
+    const std::string_view value = ValueBytes(field);
+    if (value.find('\0') != std::string_view::npos) {
+      findings_.Add(Oddity::kZeroByteInField, At(field), {field.name});
+    }
+    if (IsMessage(part) && field.known == FieldName::kDate) CheckDate(field);
+    FindInWords(field.name, value, At(field), &findings_);
+  }
+
+  void CheckDate(const mime::Field& field) {
+    const std::string value = Unfolded(ValueBytes(field));
     const DateFault fault = FindDateFault(value);
     if (fault == DateFault::kNone) return;
-    findings_.Add(fault == DateFault::kNoDate ? Oddity::kBadDate : Oddity::kEarlyYear,
-                  At(field.line), {Quoted(value)});
+    findings_.Add(fault == DateFault::kNoDate ? Oddity::kBadDate : Oddity::kEarlyYear, At(field),
+                  {Quoted(value)});
   }
 
   void CheckLostParts() {
-    if (message_.rest != RestOfParts::kLost) return;
-    index_ = message_.known;
-    const std::size_t count = message_.parts.size() - message_.known;
-    if (count == 0) return;
+    const std::size_t count = source_.parts().size() - source_.known();
+    if (!fits_ || count == 0) return;
+    index_ = source_.known();
     const std::string what =
         count == 1 ? "this part is" : "the " + std::to_string(count) + " parts from here on are";
-    findings_.Add(Oddity::kLostParts, At(message_.parts[index_].line), {what});
+    findings_.Add(Oddity::kLostParts, At(source_.LineOf(source_.parts()[index_])), {what});
   }
 
-  const RawMessage& message_;
+  const MessageSource& source_;
+  const bool fits_;
   Findings& findings_;
+  const std::vector<std::string_view> boundaries_in_headers_;  // by part
+  std::unordered_set<std::string_view> lines_in_headers_;  // the same, without blanks behind them
   std::size_t index_ = 0;
 };
 
 }  // namespace
 
-void FindInSource(const RawMessage& message, Findings* findings) {
-  Search(message, findings).Run();
+void FindInSource(const MessageSource& source, bool fits, Findings* findings) {
+  Search(source, fits, findings).Run();
 }
 
 }  // namespace zqv::cli

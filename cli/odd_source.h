@@ -2,10 +2,11 @@
 #pragma once
 
 #include "cli/findings.h"
-#include "cli/raw_message.h"
+#include "cli/message_source.h"
 
 namespace zqv::cli {
 
-void FindInSource(const RawMessage& message, Findings* findings);
+// Unless `fits`, the library's parts are not those of `source`: findings then lack their part.
+void FindInSource(const MessageSource& source, bool fits, Findings* findings);
 
 }  // namespace zqv::cli

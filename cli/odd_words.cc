@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "abi/encodings.h"
+#include "base/ascii.h"
 #include "cli/mail_text.h"
 #include "cli/session.h"
 #include "standin/application.h"
-#include "standin/text.h"
 
 namespace zqv::cli {
 namespace {
@@ -41,25 +41,27 @@ bool IsMixed(const std::vector<String>& words, std::string_view value) {
 
 }  // namespace
 
-void FindInWords(const RawField& field, const Place& place, Findings* findings) {
-  const std::string value = Unfolded(field.value);
+void FindInWords(std::string_view name, std::string_view value, const Place& place,
+                 Findings* findings) {
+  const std::string unfolded = Unfolded(value);
   bool has_lower_case = false;
   bool has_unknown = false;
   std::vector<String> decoded_words;
-  for (const EncodedWord& word : EncodedWordsOf(value)) {
+  for (const EncodedWord& word : EncodedWordsOf(unfolded)) {
     if (word.letter == 'b' || word.letter == 'q') {
       if (std::exchange(has_lower_case, true)) continue;
       findings->Add(Oddity::kLowerCaseWord, place,
-                    {field.name, std::string_view(&word.letter, 1), Quoted(word.text)});
+                    {name, std::string_view(&word.letter, 1), Quoted(word.text)});
       continue;
     }
     decoded_words.push_back(Decoded(word.text));
     if (decoded_words.back().bytes() == word.text && !std::exchange(has_unknown, true)) {
-      findings->Add(Oddity::kUnknownWordCharset, place, {field.name, Quoted(word.charset)});
+      findings->Add(Oddity::kUnknownWordCharset, place, {name, Quoted(word.charset)});
     }
   }
-  if (!has_unknown && standin::SameName(field.name, "Subject") && IsMixed(decoded_words, value)) {
-    findings->Add(Oddity::kMixedCharsets, place, {field.name});
+  if (!has_unknown && base::EqualsIgnoringCase(name, "Subject") &&
+      IsMixed(decoded_words, unfolded)) {
+    findings->Add(Oddity::kMixedCharsets, place, {name});
   }
 }
 

@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/ascii.h"
 #include "cli/findings.h"
 #include "cli/html_writer.h"
 #include "cli/message.h"
@@ -17,7 +18,6 @@
 #include "cli/summary.h"
 #include "cli/text.h"
 #include "cli/utf8.h"
-#include "standin/text.h"
 
 namespace zqv::cli {
 namespace {
@@ -241,7 +241,7 @@ class PageWriter {
   // Of a text that is not shown above already.
   void WritePartText(const std::string& type, const String& body) {
     constexpr std::string_view kText = "text/";
-    if (!standin::SameName(std::string_view(type).substr(0, kText.size()), kText)) return;
+    if (!base::EqualsIgnoringCase(std::string_view(type).substr(0, kText.size()), kText)) return;
     if (body.IsNil() || body.bytes() == plain_text_.bytes() || body.bytes() == html_text_.bytes()) {
       return;
     }

@@ -6,14 +6,14 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/ascii.h"
 #include "cli/mail_text.h"
-#include "standin/text.h"
 
 namespace zqv::cli {
 namespace {
 
-using standin::LowerAscii;
-using standin::SameName;
+using base::EqualsIgnoringCase;
+using base::LowerAscii;
 
 constexpr std::size_t kNowhere = std::string_view::npos;
 constexpr std::string_view kBlanks = " \t\n\r\f";
@@ -59,13 +59,8 @@ bool HasNoEndTag(std::string_view element) {
 
 bool Holds(const Names& names, std::string_view name) { return names.find(name) != names.end(); }
 
-bool IsLetter(char c) {
-  const char lower = LowerAscii(c);
-  return lower >= 'a' && lower <= 'z';
-}
-
 bool StartsWith(std::string_view text, std::string_view start) {
-  return SameName(text.substr(0, start.size()), start);
+  return EqualsIgnoringCase(text.substr(0, start.size()), start);
 }
 
 // A picture that is in the text itself.
@@ -126,10 +121,10 @@ class Cleaner {
       SkipPast("-->");
     } else if (next == '!' || next == '?') {
       SkipPast(">");
-    } else if (IsLetter(next)) {
+    } else if (base::IsLetter(next)) {
       Take(1);
       ReadTag(false);
-    } else if (next == '/' && rest_.size() > 2 && IsLetter(rest_[2])) {
+    } else if (next == '/' && rest_.size() > 2 && base::IsLetter(rest_[2])) {
       Take(2);
       ReadTag(true);
     } else {

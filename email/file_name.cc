@@ -43,17 +43,17 @@ bool EndsWithIgnoringCase(std::string_view text, std::string_view tail) {
 }  // namespace
 
 std::optional<text::HeaderText> FileNames::Next() {
-  const mimetic::ContentDisposition& disposition = header_.content_disposition();
-  const mimetic::ContentType& content_type = header_.content_type();
+  const mime::Parameters& disposition = header_.content_disposition().parameters();
+  const mime::Parameters& content_type = header_.content_type().parameters();
   switch (next_++) {
     case 0:
-      return text::DecodeEncodedWords(disposition.param("filename"), false);
+      return text::DecodeEncodedWords(disposition.Find("filename"), false);
     case 1:
-      return text::DecodeEncodedWords(content_type.param("filename"), false);
+      return text::DecodeEncodedWords(content_type.Find("filename"), false);
     case 2:
-      return text::DecodeEncodedWords(content_type.param("name"), false);
+      return text::DecodeEncodedWords(content_type.Find("name"), false);
     case 3:
-      return ExtendedFileName(disposition.param("filename*"));
+      return ExtendedFileName(disposition.Find("filename*"));
     case 4:
       return MadeUp();
     default:
@@ -82,10 +82,11 @@ std::string MakeUpFileName(std::string content_id, std::string_view decoded) {
   return name;
 }
 
-std::string MimeTypeText(const mimetic::ContentType& content_type) {
-  const std::string& type = content_type.type();
-  const std::string& subtype = content_type.subtype();
-  return type.empty() || subtype.empty() ? type + subtype : type + "/" + subtype;
+std::string MimeTypeText(const mime::ContentType& content_type) {
+  const std::string_view type = content_type.type();
+  const std::string_view subtype = content_type.subtype();
+  const bool has_both = !type.empty() && !subtype.empty();
+  return std::string(type).append(has_both ? "/" : "").append(subtype);
 }
 
 std::string_view TrimStart(std::string_view text) {

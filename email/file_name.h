@@ -37,7 +37,7 @@ class FileNames {
 std::string MakeUpFileName(std::string content_id, std::string_view decoded);
 
 // "type/subtype"; the one that is not empty when the other is.
-std::string MimeTypeText(const mimetic::ContentType& content_type);
+std::string MimeTypeText(const mime::ContentType& content_type);
 
 // Without leading blanks.
 std::string_view TrimStart(std::string_view text);

@@ -46,7 +46,7 @@ Destination Route(const PartTraits& part, bool has_plain_text, bool has_html_tex
 }
 
 std::optional<DecodedBody> DecodePart(const mime::Header& header, std::string_view body) {
-  const mimetic::ContentType& type = header.content_type();
+  const mime::ContentType& type = header.content_type();
   if (IsContainer(type.type(), type.subtype())) return std::nullopt;
   return DecodeSinglePart(header, body);
 }
@@ -58,7 +58,7 @@ std::optional<DecodedBody> DecodeSinglePart(const mime::Header& header, std::str
 }
 
 BodyText LabelBody(const mime::Header& header, std::string_view decoded) {
-  const std::string_view charset = header.content_type().param("charset");
+  const std::string_view charset = header.content_type().parameters().Find("charset");
   if (charset.empty()) return {decoded, base::DetectEncoding(decoded), {}};
   const std::optional<abi::Encoding> encoding = text::FindCharset(charset);
   if (!encoding.has_value()) return {decoded, abi::kUnknownEncoding, charset};

@@ -29,8 +29,8 @@ using mime::PartKind;
 constexpr std::string_view kLineEnd = "\r\n";
 
 bool IsFile(const mime::Header& header) {
-  const std::string& disposition = header.content_disposition().type();
-  ZQV_LOG("%s%s %s", "IsAttachment", disposition.c_str());
+  const std::string_view disposition = header.content_disposition().type();
+  ZQV_LOG("%s%s %s", "IsAttachment", std::string(disposition).c_str());
   return base::EqualsIgnoringCase(disposition, "inline") ||
          base::EqualsIgnoringCase(disposition, "attachment");
 }
@@ -134,7 +134,7 @@ class Writer {
   }
 
   void WriteBoundary(const Part& multipart, std::string_view end) {
-    out_.append(kLineEnd).append("--").append(multipart.type->value.param("boundary"));
+    out_.append(kLineEnd).append("--").append(multipart.boundary);
     out_.append(end).append(kLineEnd);
   }
 

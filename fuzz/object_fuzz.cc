@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "abi/encodings.h"
+#include "base/ascii.h"
 #include "fuzz/alphabet.h"
 #include "fuzz/reading.h"
 #include "fuzz/relations.h"
@@ -15,7 +16,6 @@
 #include "fuzz/target.h"
 #include "standin/application.h"
 #include "standin/mirror.h"
-#include "standin/text.h"
 #include "tests/reference/encoded_word_twin.h"
 #include "tests/reference/utf8_twin.h"
 
@@ -174,7 +174,7 @@ std::string MadeUpName(std::string name, const std::string& extension) {
   }
   if (name.empty()) name = "attachment";
   const bool has_it = name.size() > extension.size() &&
-                      standin::SameName(name.substr(name.size() - extension.size()), extension);
+                      base::EqualsIgnoringCase(name.substr(name.size() - extension.size()), extension);
   return has_it ? name : name + extension;
 }
 

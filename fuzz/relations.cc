@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "abi/encodings.h"
+#include "base/ascii.h"
 #include "fuzz/reading.h"
 #include "fuzz/target.h"
-#include "standin/text.h"
 #include "tests/reference/utf8_twin.h"
 
 namespace zqv::fuzz {
@@ -149,7 +149,7 @@ void ExpectFieldsFound(const Object& header) {
   for (std::int64_t i = 0; !fields.IsNil() && i < std::min<std::int64_t>(fields.Size(), 20); ++i) {
     const Value name = Get(ObjectOf(fields.At(i)), "Name");
     std::int64_t first = 0;
-    while (!standin::SameName(standin::BytesOf(Get(ObjectOf(fields.At(first)), "Name")),
+    while (!base::EqualsIgnoringCase(standin::BytesOf(Get(ObjectOf(fields.At(first)), "Name")),
                               standin::BytesOf(name)))
       ++first;
     Expect(std::get<bool>(Call(header, "hasField", name)), "a header has each of its fields");

@@ -1,14 +1,17 @@
+// Sixteen field names mean something here. For each of them the header knows where its first field
+// is; the values are parsed by mime/addresses.h, mime/parameters.h and mime/mime_version.h.
 #include "mime/header.h"
+
+#include "mime/mime_version.h"
 
 namespace zqv::mime {
 
-Header::Header(const Field* fields, std::size_t count, const Parsed<mimetic::ContentType>* type)
-    : fields_(fields), count_(count), given_type_(type) {
+Header::Header(const Field* fields, std::size_t count) : fields_(fields), count_(count) {
   first_.fill(kNowhere);
   for (std::size_t i = 0; i < count; ++i) {
     if (!fields[i].known.has_value()) continue;
-    std::size_t& first = first_[static_cast<std::size_t>(*fields[i].known)];
-    if (first == kNowhere) first = i;
+    std::uint32_t& first = first_[static_cast<std::size_t>(*fields[i].known)];
+    if (first == kNowhere) first = static_cast<std::uint32_t>(i);
   }
 }
 
@@ -18,26 +21,32 @@ std::string_view Header::Value(std::size_t index) const {
   return counts ? Text(*field.known) : field.value;
 }
 
+std::string_view Header::RawText(FieldName name) const {
+  const Field* const field = Find(name);
+  return field != nullptr ? field->value : std::string_view();
+}
+
 std::string_view Header::Text(FieldName name) const {
   switch (name) {
     case FieldName::kMimeVersion:
-      return Get(name, mime_version_).text;
+      return GetText(mime_version_text_,
+                     [this] { return MimeVersionText(RawText(FieldName::kMimeVersion)); });
     case FieldName::kContentType:
-      return type().text;
+      return GetText(content_type_text_, [this] { return content_type().Text(); });
     case FieldName::kContentDisposition:
-      return Get(name, content_disposition_).text;
+      return GetText(content_disposition_text_, [this] { return content_disposition().Text(); });
     case FieldName::kSender:
-      return Get(name, sender_).text;
+      return sender().text;
     case FieldName::kFrom:
-      return from().text.whole();
+      return from().text();
     case FieldName::kTo:
-      return to().text.whole();
+      return to().text();
     case FieldName::kReplyTo:
-      return reply_to().text.whole();
+      return reply_to().text();
     case FieldName::kCc:
-      return cc().text.whole();
+      return cc().text();
     case FieldName::kBcc:
-      return bcc().text.whole();
+      return bcc().text();
     case FieldName::kContentDescription:
     case FieldName::kContentId:
     case FieldName::kContentTransferEncoding:
@@ -45,35 +54,36 @@ std::string_view Header::Text(FieldName name) const {
     case FieldName::kMessageId:
     case FieldName::kReceived:
     case FieldName::kSubject:
-      break;  // to the library these are the texts that they are
+      break;  // texts that are not taken apart
   }
-  return Has(name) ? fields_[First(name)].value : std::string_view();
+  return RawText(name);
 }
 
 template <class Said>
 const Said& Header::Get(FieldName name, std::optional<Said>& parsed) const {
   static const Said absent;
   if (!Has(name)) return absent;
-  if (!parsed.has_value()) parsed.emplace(std::string(fields_[First(name)].value));
+  if (!parsed.has_value()) parsed.emplace(RawText(name));
   return *parsed;
 }
 
-const Parsed<mimetic::ContentType>& Header::type() const {
-  if (given_type_ != nullptr) return *given_type_;
+template <class Make>
+std::string_view Header::GetText(std::optional<std::string>& text, Make make) const {
+  if (!text.has_value()) text = make();
+  return *text;
+}
+
+const ContentType& Header::content_type() const {
   return Get(FieldName::kContentType, content_type_);
 }
-const mimetic::ContentDisposition& Header::content_disposition() const {
-  return Get(FieldName::kContentDisposition, content_disposition_).value;
+const ContentDisposition& Header::content_disposition() const {
+  return Get(FieldName::kContentDisposition, content_disposition_);
 }
-const mimetic::Mailbox& Header::sender() const { return Get(FieldName::kSender, sender_).value; }
-const ParsedList<mimetic::MailboxList>& Header::from() const {
-  return Get(FieldName::kFrom, from_);
-}
-const ParsedList<mimetic::AddressList>& Header::to() const { return Get(FieldName::kTo, to_); }
-const ParsedList<mimetic::AddressList>& Header::reply_to() const {
-  return Get(FieldName::kReplyTo, reply_to_);
-}
-const ParsedList<mimetic::AddressList>& Header::cc() const { return Get(FieldName::kCc, cc_); }
-const ParsedList<mimetic::AddressList>& Header::bcc() const { return Get(FieldName::kBcc, bcc_); }
+const Mailbox& Header::sender() const { return *Get(FieldName::kSender, sender_); }
+const MailboxList& Header::from() const { return Get(FieldName::kFrom, from_); }
+const AddressList& Header::to() const { return Get(FieldName::kTo, to_); }
+const AddressList& Header::reply_to() const { return Get(FieldName::kReplyTo, reply_to_); }
+const AddressList& Header::cc() const { return Get(FieldName::kCc, cc_); }
+const AddressList& Header::bcc() const { return Get(FieldName::kBcc, bcc_); }
 
 }  // namespace zqv::mime

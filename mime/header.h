@@ -1,15 +1,8 @@
 // The fields of a header, and what those say that mean something here.
 //
-// Fields are texts in the message. Of a name that means something the first one counts; what it
-// says is parsed by the MIME library, when it is asked for, and once.
+// Fields are texts in the message. Of a name that means something the first field counts; what it
+// says is parsed when it is asked for, and once.
 #pragma once
-
-#include <mimetic/contentdisposition.h>
-#include <mimetic/contenttype.h>
-#include <mimetic/mimeversion.h>
-#include <mimetic/rfc822/addresslist.h>
-#include <mimetic/rfc822/mailbox.h>
-#include <mimetic/rfc822/mailboxlist.h>
 
 #include <array>
 #include <cstddef>
@@ -18,39 +11,20 @@
 #include <string>
 #include <string_view>
 
+#include "mime/addresses.h"
 #include "mime/field.h"
 #include "mime/field_name.h"
-#include "mime/list_text.h"
+#include "mime/parameters.h"
 
 namespace zqv::mime {
 
-// A value of a type of the library's, with its text form.
-template <class Type>
-struct Parsed {
-  Parsed() : text(value.str()) {}
-  explicit Parsed(const std::string& field_value) : value(field_value), text(value.str()) {}
-
-  Type value;
-  std::string text;
-};
-
-template <class List>
-struct ParsedList {
-  ParsedList() : text(list, kListSeparator) {}
-  explicit ParsedList(const std::string& field_value)
-      : list(field_value), text(list, kListSeparator) {}
-
-  List list;
-  ListText text;
-};
-
-// Reads `count` fields, which must outlive it, as must `type`, which is what the first Content-Type
-// says when somebody has parsed it already. An absent field is what the library makes of no field:
-// empty texts and lists, but for the version "0.0", the type "/" and the mailbox "@".
+// Reads `count` fields, which must outlive it. An absent field gives empty texts and lists, but for
+// the version "0.0", the type "/" and the mailbox "@", as the MIME library has it.
 class Header {
  public:
-  Header(const Field* fields, std::size_t count,
-         const Parsed<mimetic::ContentType>* type = nullptr);
+  Header(const Field* fields, std::size_t count);
+  Header(const Header&) = delete;
+  Header& operator=(const Header&) = delete;
 
   // The fields in their order. The value of one that counts is what Text() says of its name.
   std::size_t size() const { return count_; }
@@ -63,42 +37,47 @@ class Header {
   // The first field of that name; null when there is none. [borrowed]
   const Field* Find(FieldName name) const { return Has(name) ? &fields_[First(name)] : nullptr; }
 
-  // The library's text form of the field that counts. [borrowed from the message or from this]
+  // The text form of the field that counts. [borrowed from the message or from this]
   std::string_view Text(FieldName name) const;
 
-  const mimetic::ContentType& content_type() const { return type().value; }
-  const mimetic::ContentDisposition& content_disposition() const;
-  const mimetic::Mailbox& sender() const;
-  const ParsedList<mimetic::MailboxList>& from() const;
-  const ParsedList<mimetic::AddressList>& to() const;
-  const ParsedList<mimetic::AddressList>& reply_to() const;
-  const ParsedList<mimetic::AddressList>& cc() const;
-  const ParsedList<mimetic::AddressList>& bcc() const;
+  const ContentType& content_type() const;
+  const ContentDisposition& content_disposition() const;
+  const Mailbox& sender() const;
+  const MailboxList& from() const;
+  const AddressList& to() const;
+  const AddressList& reply_to() const;
+  const AddressList& cc() const;
+  const AddressList& bcc() const;
 
  private:
-  static constexpr std::size_t kNowhere = SIZE_MAX;
+  static constexpr std::uint32_t kNowhere = UINT32_MAX;
 
-  std::size_t First(FieldName name) const { return first_[static_cast<std::size_t>(name)]; }
-  const Parsed<mimetic::ContentType>& type() const;
+  std::uint32_t First(FieldName name) const { return first_[static_cast<std::size_t>(name)]; }
+  // The value of the field that counts; empty when there is none.
+  std::string_view RawText(FieldName name) const;
 
   // What a field says, parsed when it is first asked for.
   template <class Said>
   const Said& Get(FieldName name, std::optional<Said>& parsed) const;
+  // Its text form, made when it is first asked for.
+  template <class Make>
+  std::string_view GetText(std::optional<std::string>& text, Make make) const;
 
   const Field* fields_;
   std::size_t count_;
-  const Parsed<mimetic::ContentType>* given_type_;
-  std::array<std::size_t, kFieldNames> first_;  // the index of the first field of each name
+  std::array<std::uint32_t, kFieldNames> first_;  // the index of the first field of each name
 
-  mutable std::optional<Parsed<mimetic::MimeVersion>> mime_version_;
-  mutable std::optional<Parsed<mimetic::ContentType>> content_type_;
-  mutable std::optional<Parsed<mimetic::ContentDisposition>> content_disposition_;
-  mutable std::optional<Parsed<mimetic::Mailbox>> sender_;
-  mutable std::optional<ParsedList<mimetic::MailboxList>> from_;
-  mutable std::optional<ParsedList<mimetic::AddressList>> to_;
-  mutable std::optional<ParsedList<mimetic::AddressList>> reply_to_;
-  mutable std::optional<ParsedList<mimetic::AddressList>> cc_;
-  mutable std::optional<ParsedList<mimetic::AddressList>> bcc_;
+  mutable std::optional<ContentType> content_type_;
+  mutable std::optional<ContentDisposition> content_disposition_;
+  mutable std::optional<std::string> mime_version_text_;
+  mutable std::optional<std::string> content_type_text_;
+  mutable std::optional<std::string> content_disposition_text_;
+  mutable std::optional<MailboxValue> sender_;
+  mutable std::optional<MailboxList> from_;
+  mutable std::optional<AddressList> to_;
+  mutable std::optional<AddressList> reply_to_;
+  mutable std::optional<AddressList> cc_;
+  mutable std::optional<AddressList> bcc_;
 };
 
 }  // namespace zqv::mime

@@ -24,18 +24,9 @@ inline constexpr std::size_t kMostFields = 30'000;
 // parsed. An empty address costs one byte of input.
 inline constexpr std::size_t kMostEntries = 20'000;
 
-// What a value is taken apart into.
-enum class ListKind {
-  kNone,
-  kMailbox,     // one mailbox
-  kMailboxes,   // separated by commas outside double quotes
-  kAddresses,   // likewise, with groups
-  kParameters,  // separated by semicolons, also in quotes
-};
-
-// At least as many entries as a value of that kind gives; exactly as many for parameters and
-// mailboxes.
-std::size_t CountEntries(ListKind kind, std::string_view value);
+// How many addresses or parameters a value gives: one of the CountMailboxes of mime/addresses.h or
+// the like.
+using CountEntries = std::size_t (*)(std::string_view value);
 
 // What the parse of one message may still add.
 class MessageLimits {
@@ -51,7 +42,7 @@ class MessageLimits {
   std::size_t entries_ = 0;
 };
 
-// For a text that an application has parsed by itself.
-void AdmitText(ListKind kind, std::string_view text);
+// For a text that an application has parsed by itself; null for one that gives no entries.
+void AdmitText(CountEntries count, std::string_view text);
 
 }  // namespace zqv::mime

@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <string_view>
 #include <vector>
 
@@ -34,6 +33,12 @@ enum class HeaderEnd : std::uint8_t {
   kMessageEnd,  // a field that was not complete by then is lost
 };
 
+// What a boundary of an outer multipart does while an inner one is not closed.
+enum class OuterBoundary : std::uint8_t {
+  kEndsParse,  // the rest of the message is lost, as with the MIME library
+  kEndsInner,  // ends the inner one (RFC 2046, section 5.1.2); the parse goes on
+};
+
 struct Part {
   // Where the part lies: from the first byte of its header up to the line end before the boundary
   // that ends it, or to the end of the message.
@@ -46,8 +51,7 @@ struct Part {
   std::string_view preamble;  // of a multipart: the text before its first boundary
   std::string_view epilogue;  // of a multipart: the text after its closing boundary
 
-  // What the first Content-Type field says; null when there is none. [borrowed from the message]
-  const Parsed<mimetic::ContentType>* type = nullptr;
+  std::string_view boundary;  // of a multipart: the parameter, without the two hyphens
 
   std::uint32_t first_field = 0;  // in Message::fields()
   std::uint32_t field_count = 0;
@@ -66,7 +70,7 @@ class Message {
  public:
   // Parses `bytes`, which must outlive this. Any bytes are a message. Throws std::runtime_error for
   // one beyond the limits (limits.h).
-  explicit Message(std::string_view bytes);
+  explicit Message(std::string_view bytes, OuterBoundary outer = OuterBoundary::kEndsParse);
   Message(const Message&) = delete;
   Message& operator=(const Message&) = delete;
 
@@ -82,12 +86,16 @@ class Message {
 
   // The fields of one part. [borrowed from the message]
   Header HeaderOf(const Part& part) const {
-    return Header(fields_.data() + part.first_field, part.field_count, part.type);
+    return Header(fields_.data() + part.first_field, part.field_count);
   }
 
-  // The first byte that was not parsed: a boundary of an outer multipart inside an inner one ends
-  // the parse. Otherwise the end of the message.
+  // The first byte that was not parsed when an outer boundary ended the parse. Otherwise the end of
+  // the message.
   std::size_t parsed_size() const { return parsed_size_; }
+
+  // How many of the parts begin before the first outer boundary inside an inner multipart: those
+  // that kEndsParse gives. All when there is no such boundary.
+  std::size_t parts_before_outer() const { return parts_before_outer_; }
 
  private:
   friend class Parser;
@@ -96,8 +104,8 @@ class Message {
   std::vector<Part> parts_;
   std::vector<Field> fields_;
   base::TextArena folded_values_;
-  std::deque<Parsed<mimetic::ContentType>> types_;
   std::size_t parsed_size_ = 0;
+  std::size_t parts_before_outer_ = 0;
 };
 
 // What a walk does with a part when it comes to it.

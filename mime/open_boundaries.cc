@@ -3,25 +3,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/fnv.h"
+
 namespace zqv::mime {
-namespace {
-
-// FNV-1a, one character further. That two texts differ is always seen by comparing them.
-constexpr std::uint64_t kNoCharacters = 0xCBF29CE484222325U;
-constexpr std::uint64_t Extend(std::uint64_t hash, char c) {
-  return (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
-}
-
-std::uint64_t HashOf(std::string_view text) {
-  std::uint64_t hash = kNoCharacters;
-  for (const char c : text) hash = Extend(hash, c);
-  return hash;
-}
-
-}  // namespace
 
 void OpenBoundaries::Push(std::string boundary) {
-  const std::uint64_t hash = HashOf(boundary);
+  const std::uint64_t hash = base::Fnv(boundary);
   const std::size_t length = boundary.size();
   const bool is_known = Finds(hash, boundary);
   if (!is_known) {
@@ -50,9 +37,9 @@ bool OpenBoundaries::Finds(std::uint64_t hash, std::string_view text) const {
 }
 
 bool OpenBoundaries::AnyBegins(std::string_view line) const {
-  std::uint64_t hash = kNoCharacters;
+  std::uint64_t hash = base::kFnvOfNothing;
   for (std::size_t length = 1; length <= line.size() && length < lengths_.size(); ++length) {
-    hash = Extend(hash, line[length - 1]);
+    hash = base::ExtendFnv(hash, line[length - 1]);
     if (lengths_[length] > 0 && Finds(hash, line.substr(0, length))) return true;
   }
   return false;

@@ -17,25 +17,27 @@
 // A part's text is read up to the next boundary of any open multipart. One of the innermost begins
 // the next part or the epilogue. One of an outer multipart ends the parse: QUIRK: the rest of the
 // message is lost when an inner multipart is not closed. Equal to the MIME library's result. Test:
-// Parser.InnerMultipartWithoutEndLosesTheRest.
+// Parser.InnerMultipartWithoutEndLosesTheRest. With OuterBoundary::kEndsInner it ends the inner
+// multiparts instead: they are dropped from the list of open ones.
 #include "mime/parser.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
+#include "base/ascii.h"
 #include "mime/header_loader.h"
+#include "mime/parameters.h"
 
 namespace zqv::mime {
 namespace {
 
-// QUIRK: "multipart" is found in any case, but "message/rfc822" as well only as a whole: blanks
-// around the slash make it another type. Equal to the MIME library's result. Test:
+// QUIRK: a blank beside the slash makes it another type. Equal to the MIME library's result. Test:
 // Parser.GivesTheReferencesTree.
-PartKind KindOf(const Part& part) {
-  if (part.type == nullptr) return PartKind::kLeaf;
-  const mimetic::ContentType& type = part.type->value;
-  if (type.isMultipart()) return PartKind::kMultipart;
-  const bool is_message = type.type() == "message" && type.subtype() == "rfc822";
+PartKind KindOf(const ContentType& type) {
+  if (base::EqualsIgnoringCase(type.type(), "multipart")) return PartKind::kMultipart;
+  const bool is_message = base::EqualsIgnoringCase(type.type(), "message") &&
+                          base::EqualsIgnoringCase(type.subtype(), "rfc822");
   return is_message ? PartKind::kMessage : PartKind::kLeaf;
 }
 
@@ -45,12 +47,17 @@ std::string_view Between(const char* begin, const char* end) {
   return {begin, static_cast<std::size_t>(end - begin)};
 }
 
+bool IsPrefix(std::string_view prefix, std::string_view text) {
+  return text.substr(0, prefix.size()) == prefix;
+}
+
 }  // namespace
 
-Parser::Parser(Message& message)
+Parser::Parser(Message& message, OuterBoundary outer)
     : message_(message),
       at_(message.bytes().data()),
       end_(at_ + message.bytes().size()),
+      outer_(outer),
       line_ends_(at_) {}
 
 void Parser::Run() {
@@ -74,6 +81,7 @@ void Parser::Run() {
     }
   }
   message_.parsed_size_ = static_cast<std::size_t>(at_ - message_.bytes_.data());
+  if (message_.parts_before_outer_ == 0) message_.parts_before_outer_ = message_.parts_.size();
 }
 
 PartIndex Parser::AddPart(PartIndex parent) {
@@ -101,15 +109,20 @@ void Parser::ReadHeader(Part& part) {
   part.body = Between(header.body, header.rest);
   at_ = header.rest;
 
-  const Header fields = message_.HeaderOf(part);
-  if (const Field* const type = fields.Find(FieldName::kContentType)) {
-    part.type = &message_.types_.emplace_back(std::string(type->value));
+  const Field* const fields = message_.fields_.data();
+  const auto is_type = [](const Field& field) { return field.known == FieldName::kContentType; };
+  const Field* const type =
+      std::find_if(fields + part.first_field, fields + message_.fields_.size(), is_type);
+  if (type == fields + message_.fields_.size()) return;
+  const ContentType content_type(type->value);
+  part.kind = KindOf(content_type);
+  if (part.kind == PartKind::kMultipart) {
+    part.boundary = content_type.parameters().Find("boundary");
   }
-  part.kind = KindOf(part);
 }
 
 void Parser::OpenMultipart(PartIndex part) {
-  boundaries_.Push("--" + message_.parts_[part].type->value.param("boundary"));
+  boundaries_.Push(std::string("--").append(message_.parts_[part].boundary));
   open_multiparts_.push_back(part);
 }
 
@@ -118,13 +131,16 @@ PartIndex Parser::NextPart(PartIndex last) {
     const PartIndex innermost = open_multiparts_.back();
     Part& multipart = message_.parts_[innermost];
     if (text_.ended_by == Boundary::kClosing) multipart.is_closed = true;
-    if (at_ == end_) break;
     EndParts(last, innermost);
+    last = innermost;
+    if (at_ == end_) {
+      text_.text = Between(end_, end_);
+      break;
+    }
     if (text_.ended_by == Boundary::kNext) return AddPart(innermost);
     boundaries_.Pop();
     open_multiparts_.pop_back();
     multipart.epilogue = ReadText();
-    last = innermost;
   }
   EndParts(last, kNoPart);
   return kNoPart;
@@ -140,9 +156,22 @@ void Parser::EndParts(PartIndex last, PartIndex around) {
 std::string_view Parser::ReadText() {
   text_ = ReadPartText(at_, end_, boundaries_, line_ends_);
   at_ = text_.rest;
+  if (text_.ended_by == Boundary::kOuter) MeetOuterBoundary();
   return text_.text;
 }
 
-Message::Message(std::string_view bytes) : bytes_(bytes) { Parser(*this).Run(); }
+void Parser::MeetOuterBoundary() {
+  if (message_.parts_before_outer_ == 0) message_.parts_before_outer_ = message_.parts_.size();
+  if (outer_ == OuterBoundary::kEndsParse) return;
+  do {
+    boundaries_.Pop();
+    open_multiparts_.pop_back();
+  } while (!IsPrefix(boundaries_.Innermost(), text_.boundary));
+  text_.ended_by = BoundaryOf(text_.boundary, boundaries_);
+}
+
+Message::Message(std::string_view bytes, OuterBoundary outer) : bytes_(bytes) {
+  Parser(*this, outer).Run();
+}
 
 }  // namespace zqv::mime

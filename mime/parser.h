@@ -14,7 +14,7 @@ namespace zqv::mime {
 class Parser {
  public:
   // Fills `message`, of which only the bytes are set.
-  explicit Parser(Message& message);
+  Parser(Message& message, OuterBoundary outer);
   // Throws std::runtime_error beyond a limit.
   void Run();
 
@@ -27,10 +27,12 @@ class Parser {
   PartIndex NextPart(PartIndex last);
   void EndParts(PartIndex last, PartIndex around);
   std::string_view ReadText();
+  void MeetOuterBoundary();
 
   Message& message_;
   const char* at_;
   const char* const end_;
+  const OuterBoundary outer_;
   MessageLimits limits_;
   LineEndFinder line_ends_;
   OpenBoundaries boundaries_;

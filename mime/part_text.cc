@@ -127,6 +127,8 @@ class BlockReader {
   LineEndFinder& line_ends_;
 };
 
+}  // namespace
+
 // QUIRK: only the innermost multipart's boundary can close: the closing boundary of an outer one is
 // like any other of its boundaries. Equal to the MIME library's result. Test:
 // Parser.InnerMultipartWithoutEndLosesTheRest.
@@ -139,20 +141,19 @@ Boundary BoundaryOf(std::string_view line, const OpenBoundaries& open) {
   return open.AnyBegins(line) ? Boundary::kOuter : Boundary::kNone;
 }
 
-}  // namespace
-
 PartText ReadPartText(const char* at, const char* end, const OpenBoundaries& open,
                       LineEndFinder& line_ends) {
   const auto text_to = [at](const char* to) {
     return std::string_view(at, static_cast<std::size_t>(to - at));
   };
-  if (open.IsEmpty()) return {text_to(end), Boundary::kNone, end};
+  if (open.IsEmpty()) return {text_to(end), Boundary::kNone, end, {}};
   BlockReader reader(at, end, line_ends);
   while (reader.ReadLine()) {
     const Boundary boundary = BoundaryOf(reader.line(), open);
-    if (boundary != Boundary::kNone) return {text_to(reader.TextEnd()), boundary, reader.at()};
+    if (boundary == Boundary::kNone) continue;
+    return {text_to(reader.TextEnd()), boundary, reader.at(), reader.line()};
   }
-  return {text_to(end), Boundary::kNone, end};
+  return {text_to(end), Boundary::kNone, end, {}};
 }
 
 }  // namespace zqv::mime

@@ -20,7 +20,11 @@ struct PartText {
   std::string_view text;
   Boundary ended_by = Boundary::kNone;
   const char* rest = nullptr;  // the line after the boundary, or the end of the message
+  std::string_view boundary;   // its line, without the line end
 };
+
+// What a line does to the text before it.
+Boundary BoundaryOf(std::string_view line, const OpenBoundaries& open);
 
 // The text from `at` up to a boundary of one of the open multiparts, or to the end of the message.
 PartText ReadPartText(const char* at, const char* end, const OpenBoundaries& open,

@@ -6,22 +6,17 @@
 
 namespace zqv::objects {
 
-void Set(MimeAddressClassData& record, const mimetic::Address& address) {
-  Set(record, address, address.str());
-}
-
-void Set(MimeAddressClassData& record, const mimetic::Address& address, std::string_view text) {
-  record.StringValue.Put(host::BuildDetectedText(text));
-  record.isGroup = address.isGroup() ? 1 : 0;
-  if (!address.isGroup()) {
-    const mimetic::Mailbox& mailbox = address.mailbox();
-    if (!mailbox.mailbox(1).empty()) {
-      record.Mailbox.Put(NewFilled<MimeMailboxClassData>(mailbox, text));
+void Set(MimeAddressClassData& record, const mime::Address& address) {
+  record.StringValue.Put(host::BuildDetectedText(address.text()));
+  record.isGroup = address.is_group() ? 1 : 0;
+  if (!address.is_group()) {
+    if (!address.mailbox->local_part.empty()) {
+      record.Mailbox.Put(NewFilled<MimeMailboxClassData>(*address.mailbox));
     }
     return;
   }
-  const mimetic::Group& group = address.group();
-  if (!group.name(0).empty() || !group.empty())
+  const mime::Group& group = *address.group;
+  if (!group.name.empty() || !group.mailboxes.empty())
     record.Group.Put(NewFilled<MimeGroupClassData>(group));
 }
 

@@ -6,17 +6,12 @@
 
 namespace zqv::objects {
 
-void Set(MimeAddressListClassData& record, const mimetic::AddressList& list) {
-  Set(record, list, mime::ListText(list, mime::kListSeparator));
-}
-
-void Set(MimeAddressListClassData& record, const mimetic::AddressList& list,
-         const mime::ListText& text) {
-  record.StringValue.Put(host::BuildDetectedText(text.whole()));
+void Set(MimeAddressListClassData& record, const mime::AddressList& list) {
+  record.StringValue.Put(host::BuildDetectedText(list.text()));
   record.addresses.Put(host::NewObjectArray());
   if (!record.addresses) return;
-  for (std::size_t i = 0; i < list.size(); ++i) {
-    const host::ObjectRef object = NewFilled<MimeAddressClassData>(list[i], text[i]);
+  for (const mime::Address& address : list) {
+    const host::ObjectRef object = NewFilled<MimeAddressClassData>(address);
     if (object) host::AppendObject(record.addresses.get(), object.get());
   }
 }

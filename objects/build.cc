@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/log.h"
+#include "base/unicode.h"
 #include "email/route.h"
 #include "host/arrays.h"
 #include "host/errors.h"
@@ -21,8 +22,6 @@
 
 namespace zqv::objects {
 namespace {
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 // The lists and the source, which stay even when the message is then refused.
 void Begin(MimeEntityClassData& record, std::string_view message, abi::REALstring source) {
@@ -114,7 +113,7 @@ void CompleteSinglePart(MimeEntityClassData& record, const mime::Message& messag
   if (!decoded.has_value()) return;
 
   record.BodyDecoded.Put(BuildBodyText(header, decoded->bytes()));
-  const mimetic::ContentType& type = header.content_type();
+  const mime::ContentType& type = header.content_type();
   if (email::IsText(type.type(), type.subtype(), "plain")) {
     if (!record.PlainText) StorePlainText(record, record.BodyDecoded);
   } else if (email::IsText(type.type(), type.subtype(), "html")) {
@@ -145,8 +144,7 @@ void MimeEmailConstructor(abi::REALobject self, MessageBytes message, abi::REALs
   auto* record = host::RecordOf<MimeEntityClassData>(self);
   if (record == nullptr) return;
   Begin(*record, bytes, source);
-  if (bytes.substr(0, kByteOrderMark.size()) == kByteOrderMark)
-    bytes.remove_prefix(kByteOrderMark.size());
+  bytes = base::WithoutByteOrderMark(bytes);
   if (!Check(bytes)) return;
 
   ParseAndBuild(*record, bytes);

@@ -18,7 +18,7 @@ void Clear(MimeFieldClassData& record) {
 }
 
 void MimeFieldConstructor(abi::REALobject self, abi::REALstring text) {
-  FillFromText<MimeFieldClassData>(self, text, mime::ListKind::kNone,
+  FillFromText<MimeFieldClassData>(self, text, nullptr,
                                    [](MimeFieldClassData& record, const std::string& utf8) {
                                      const mime::Field field = mime::ParseField(utf8);
                                      Set(record, field.name, field.value);

@@ -6,15 +6,11 @@
 
 namespace zqv::objects {
 
-void Set(MimeGroupClassData& record, const mimetic::Group& group) {
-  const std::string name = group.name(0);
-  // QUIRK: no colon behind the name, no blank behind a comma. The MIME library writes a group so,
-  // in the field's value, too. Test: Addresses.GroupTextHasNoColon.
-  const mime::ListText text(group, ",");
-  record.StringValue.Put(host::BuildDetectedText(name + text.whole() + ";"));
-  record.Name.Put(host::CString2RB_detect_encoding(name));
-  record.NameDecoded.Put(DecodeInlineEncodings(name, false));
-  record.mailboxes.Put(NewMailboxArray(group, text));
+void Set(MimeGroupClassData& record, const mime::Group& group) {
+  record.StringValue.Put(host::BuildDetectedText(group.text));
+  record.Name.Put(host::BuildDetectedText(group.name));
+  record.NameDecoded.Put(DecodeInlineEncodings(group.name, false));
+  record.mailboxes.Put(NewMailboxArray(group.mailboxes));
 }
 
 void Clear(MimeGroupClassData& record) {

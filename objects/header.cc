@@ -35,15 +35,12 @@ void FillTexts(MimeHeaderClassData& record, const mime::Header& header) {
 
 // An address field that the header lacks, or that holds nobody, gives nil and no empty object.
 void FillAddresses(MimeHeaderClassData& record, const mime::Header& header) {
-  const mimetic::Mailbox& sender = header.sender();
-  if (!sender.mailbox(1).empty()) record.sender.Put(NewFilled<MimeMailboxClassData>(sender));
-  const mime::ParsedList<mimetic::MailboxList>& from = header.from();
-  if (!from.list.empty())
-    record.from.Put(NewFilled<MimeMailboxListClassData>(from.list, from.text));
-  const auto put = [](host::ObjectSlot& slot,
-                      const mime::ParsedList<mimetic::AddressList>& parsed) {
-    if (!parsed.list.empty())
-      slot.Put(NewFilled<MimeAddressListClassData>(parsed.list, parsed.text));
+  const mime::Mailbox& sender = header.sender();
+  if (!sender.local_part.empty()) record.sender.Put(NewFilled<MimeMailboxClassData>(sender));
+  const mime::MailboxList& from = header.from();
+  if (!from.empty()) record.from.Put(NewFilled<MimeMailboxListClassData>(from));
+  const auto put = [](host::ObjectSlot& slot, const mime::AddressList& list) {
+    if (!list.empty()) slot.Put(NewFilled<MimeAddressListClassData>(list));
   };
   put(record.too, header.to());
   put(record.replyto, header.reply_to());

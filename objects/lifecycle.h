@@ -26,23 +26,24 @@ inline void ConstructEmpty(abi::REALobject) {}
 // Fills the record of `self` by `fill(record, utf8)` from a text [borrowed; nil is empty], up to
 // its first NUL. Raises "RuntimeException" for a text that would give more entries than the limit.
 template <class Record, class Fill>
-void FillFromText(abi::REALobject self, abi::REALstring text, mime::ListKind kind, Fill fill) {
+void FillFromText(abi::REALobject self, abi::REALstring text, mime::CountEntries count, Fill fill) {
   host::Guard([=] {
     Record* record = host::RecordOf<Record>(self);
     if (record == nullptr) return;
     Clear(*record);
     const std::string utf8 = host::ReadUtf8(text);
-    mime::AdmitText(kind, utf8);
+    mime::AdmitText(count, utf8);
     fill(*record, utf8);
   });
 }
 
-// "Constructor(TextToParse as String)" of a class whose record is filled from a `Parsed`: any text
-// within the limits is accepted, and whatever was parsed of it is stored. Registered with the host.
-template <class Record, class Parsed, mime::ListKind kKind>
+// "Constructor(TextToParse as String)" of a class whose record is filled from what a `Parsed` of
+// mime/addresses.h reads: any text within the limits is accepted, and whatever was parsed of it is
+// stored. Registered with the host.
+template <class Record, class Parsed>
 void ConstructFromText(abi::REALobject self, abi::REALstring text) {
-  FillFromText<Record>(self, text, kKind,
-                       [](Record& record, const std::string& utf8) { Set(record, Parsed(utf8)); });
+  FillFromText<Record>(self, text, &Parsed::CountMailboxes,
+                       [](Record& record, const std::string& utf8) { Set(record, *Parsed(utf8)); });
 }
 
 // A new object filled from `parsed` by Set [new lock]; nil when the host cannot make one.

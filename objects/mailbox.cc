@@ -7,7 +7,6 @@
 namespace zqv::objects {
 namespace {
 
-using host::CString2RB_detect_encoding;
 using host::StringRef;
 
 StringRef Concatenate(abi::REALstring left, abi::REALstring right) {
@@ -23,18 +22,13 @@ StringRef Email(const MimeMailboxClassData& record) {
 
 }  // namespace
 
-void Set(MimeMailboxClassData& record, const mimetic::Mailbox& mailbox) {
-  Set(record, mailbox, mailbox.str());
-}
-
-void Set(MimeMailboxClassData& record, const mimetic::Mailbox& mailbox, std::string_view text) {
-  const std::string label = mailbox.label(0);
-  record.StringValue.Put(host::BuildDetectedText(text));
-  record.Mailbox.Put(CString2RB_detect_encoding(mailbox.mailbox(1)));
-  record.Domain.Put(CString2RB_detect_encoding(mailbox.domain(1)));
-  record.Label.Put(CString2RB_detect_encoding(label));
-  record.LabelDecoded.Put(DecodeInlineEncodings(label, true));
-  record.Sourceroute.Put(CString2RB_detect_encoding(mailbox.sourceroute(1)));
+void Set(MimeMailboxClassData& record, const mime::Mailbox& mailbox) {
+  record.StringValue.Put(host::BuildDetectedText(mailbox.text));
+  record.Mailbox.Put(host::BuildDetectedText(mailbox.local_part));
+  record.Domain.Put(host::BuildDetectedText(mailbox.domain));
+  record.Label.Put(host::BuildDetectedText(mailbox.label));
+  record.LabelDecoded.Put(DecodeInlineEncodings(mailbox.label, true));
+  record.Sourceroute.Put(host::BuildDetectedText(mailbox.source_route));
 }
 
 void Clear(MimeMailboxClassData& record) {
@@ -46,13 +40,12 @@ void Clear(MimeMailboxClassData& record) {
   record.Sourceroute.Clear();
 }
 
-host::ArrayRef NewMailboxArray(const std::vector<mimetic::Mailbox>& mailboxes,
-                               const mime::ListText& text) {
+host::ArrayRef NewMailboxArray(mime::MailboxRange mailboxes) {
   host::ArrayRef array = host::NewObjectArray();
   if (!array) return array;
-  for (std::size_t i = 0; i < mailboxes.size(); ++i) {
-    if (mailboxes[i].mailbox(1).empty()) continue;
-    const host::ObjectRef object = NewFilled<MimeMailboxClassData>(mailboxes[i], text[i]);
+  for (const mime::Mailbox& mailbox : mailboxes) {
+    if (mailbox.local_part.empty()) continue;
+    const host::ObjectRef object = NewFilled<MimeMailboxClassData>(mailbox);
     if (object) host::AppendObject(array.get(), object.get());
   }
   return array;

@@ -5,14 +5,9 @@
 
 namespace zqv::objects {
 
-void Set(MimeMailboxListClassData& record, const mimetic::MailboxList& list) {
-  Set(record, list, mime::ListText(list, mime::kListSeparator));
-}
-
-void Set(MimeMailboxListClassData& record, const mimetic::MailboxList& list,
-         const mime::ListText& text) {
-  record.StringValue.Put(host::BuildDetectedText(text.whole()));
-  record.mailboxes.Put(NewMailboxArray(list, text));
+void Set(MimeMailboxListClassData& record, const mime::MailboxList& list) {
+  record.StringValue.Put(host::BuildDetectedText(list.text()));
+  record.mailboxes.Put(NewMailboxArray({list.begin(), list.size()}));
 }
 
 void Clear(MimeMailboxListClassData& record) {

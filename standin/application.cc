@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/ascii.h"
 #include "standin/convert.h"
 #include "standin/fatal.h"
 #include "standin/host.h"
@@ -174,7 +175,7 @@ FoundProperty FindProperty(const ClassInfo& info, std::vector<Property> ClassInf
                            std::string_view name) {
   for (const ClassInfo* c = &info; c != nullptr; c = c->super) {
     for (const Property& property : c->*table) {
-      if (SameName(property.name, name)) return {c, &property};
+      if (base::EqualsIgnoringCase(property.name, name)) return {c, &property};
     }
   }
   Refuse(info.name + " has no property " + std::string(name));
@@ -254,7 +255,7 @@ const Method& FindOnlyMethod(const ClassInfo& info, std::vector<Method> ClassInf
   bool name_exists = false;
   for (const ClassInfo* c = &info; c != nullptr && found == nullptr; c = c->super) {
     for (const Method& method : c->*table) {
-      if (!SameName(method.declaration.name, wanted->name)) continue;
+      if (!base::EqualsIgnoringCase(method.declaration.name, wanted->name)) continue;
       name_exists = true;
       if (whole && !SameDeclaration(method.declaration, *wanted)) continue;
       CallArguments scratch;
@@ -263,7 +264,7 @@ const Method& FindOnlyMethod(const ClassInfo& info, std::vector<Method> ClassInf
       found = &method;
     }
     // A class's own constructors hide those of its super class.
-    if (name_exists && SameName(wanted->name, kConstructor)) break;
+    if (name_exists && base::EqualsIgnoringCase(wanted->name, kConstructor)) break;
   }
   if (!name_exists) Refuse(info.name + " has no method " + std::string(text));
   if (found == nullptr) Refuse(std::string(text) + ": the arguments fit no such method");
@@ -440,7 +441,7 @@ Object ConstructWith(std::string_view class_name, std::string_view constructor,
                      const std::vector<Value>& arguments) {
   const ClassInfo& info = ClassNamed(class_name);
   const Method& found = FindMethod(info, &ClassInfo::methods, constructor, arguments);
-  if (!SameName(found.declaration.name, kConstructor)) {
+  if (!base::EqualsIgnoringCase(found.declaration.name, kConstructor)) {
     Refuse(std::string(constructor) + " is no constructor");
   }
   Object object = NewInstance(class_name);

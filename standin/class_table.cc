@@ -10,6 +10,7 @@
 #include <limits>
 #include <utility>
 
+#include "base/ascii.h"
 #include "standin/fatal.h"
 
 namespace zqv::standin {
@@ -197,7 +198,7 @@ TypeKind KindOf(const TypeText& type) {
   if (type.name.empty()) return TypeKind::kNothing;
   if (type.is_array) return TypeKind::kArray;
   for (const BuiltInType& row : kBuiltInTypes) {
-    if (SameName(row.name, type.name)) return row.kind;
+    if (base::EqualsIgnoringCase(row.name, type.name)) return row.kind;
   }
   return TypeKind::kObject;
 }

@@ -17,8 +17,9 @@
 #include <memory>
 #include <utility>
 
+#include "base/ascii.h"
+#include "base/unicode.h"
 #include "standin/fatal.h"
-#include "standin/text.h"
 
 namespace zqv::standin {
 namespace {
@@ -135,11 +136,6 @@ const Row* FindRow(abi::Encoding encoding) {
   return row != kRows.end() && row->encoding == encoding ? &*row : nullptr;
 }
 
-bool IsAscii(std::string_view bytes) {
-  return std::all_of(bytes.begin(), bytes.end(),
-                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
 struct CloseIconv {
   void operator()(iconv_t descriptor) const { iconv_close(descriptor); }
 };
@@ -222,7 +218,7 @@ std::optional<std::string> Utf32ToUtf8(std::string_view bytes) {
 }
 
 std::optional<std::u32string> CodePointsByRow(std::string_view bytes, const Row& row) {
-  if (row.has_ascii && IsAscii(bytes)) return std::u32string(bytes.begin(), bytes.end());
+  if (row.has_ascii && base::IsAscii(bytes)) return std::u32string(bytes.begin(), bytes.end());
   const std::optional<std::string> raw = RunIconv(bytes, row.name, kUtf32Here);
   if (!raw) return std::nullopt;
   std::u32string text(raw->size() / sizeof(char32_t), U'\0');
@@ -254,7 +250,7 @@ int CompareFolded(const Text& left, const Text& right, Fold fold) {
 
 int CompareBytes(std::string_view left, std::string_view right) {
   return CompareFolded(left, right,
-                       [](char c) { return static_cast<unsigned char>(LowerAscii(c)); });
+                       [](char c) { return static_cast<unsigned char>(base::LowerAscii(c)); });
 }
 
 }  // namespace
@@ -276,7 +272,7 @@ std::optional<std::string> Convert(std::string_view bytes, abi::Encoding from, a
   const Row* const target = FindRow(to);
   if (source == nullptr || target == nullptr) return std::nullopt;
   if (source->name == nullptr || target->name == nullptr) return std::nullopt;
-  if (source->has_ascii && target->has_ascii && IsAscii(bytes)) return std::string(bytes);
+  if (source->has_ascii && target->has_ascii && base::IsAscii(bytes)) return std::string(bytes);
   if (from == abi::kUtf32 && to == abi::kUtf8) return Utf32ToUtf8(bytes);
   const std::optional<std::u32string> text = CodePointsByRow(bytes, *source);
   if (!text) return std::nullopt;
@@ -299,7 +295,7 @@ int CompareText(std::string_view left, abi::Encoding left_encoding, std::string_
   const Row* const left_row = FindRow(left_encoding);
   const Row* const right_row = FindRow(right_encoding);
   if (left_row != nullptr && right_row != nullptr && left_row->has_ascii && right_row->has_ascii &&
-      IsAscii(left) && IsAscii(right)) {
+      base::IsAscii(left) && base::IsAscii(right)) {
     return CompareBytes(left, right);
   }
   const auto left_text = CodePoints(left, left_encoding);

@@ -5,15 +5,13 @@
 #include <cstddef>
 #include <utility>
 
+#include "base/ascii.h"
 #include "standin/text.h"
 
 namespace zqv::standin {
 namespace {
 
-bool IsNameByte(char c) {
-  const char lower = LowerAscii(c);
-  return (lower >= 'a' && lower <= 'z') || (c >= '0' && c <= '9') || c == '_';
-}
+bool IsNameByte(char c) { return base::IsLetter(c) || base::IsDigit(c) || c == '_'; }
 
 // Reads words and punctuation from the front of a text, skipping blanks.
 class Reader {
@@ -40,7 +38,7 @@ class Reader {
 
   // "as" and the type after it; false when the type is not there.
   bool TakeType(TypeText* type) {
-    if (!SameName(TakeName(), "as")) return false;
+    if (!base::EqualsIgnoringCase(TakeName(), "as")) return false;
     type->name = TakeName();
     if (Take('(')) {
       if (!Take(')')) return false;

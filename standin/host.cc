@@ -5,7 +5,9 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/ascii.h"
 #include "standin/fatal.h"
+#include "standin/invoke.h"
 #include "standin/text.h"
 
 namespace zqv::standin {
@@ -133,7 +135,7 @@ bool Host::ApplyFault(EntryId id) const {
 
 bool Host::IsUnknownClass(std::string_view name) const {
   for (const std::string& unknown : capabilities_.unknown_classes) {
-    if (SameName(unknown, name)) return true;
+    if (base::EqualsIgnoringCase(unknown, name)) return true;
   }
   return false;
 }

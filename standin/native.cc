@@ -4,8 +4,8 @@
 #include <array>
 #include <cstddef>
 
+#include "base/ascii.h"
 #include "standin/fatal.h"
-#include "standin/text.h"
 
 namespace zqv::standin {
 namespace {
@@ -39,8 +39,7 @@ bool IsMissing(const ClassInfo& info, const char* property,
 }
 
 bool IsPlainInUrl(char c) {
-  const char lower = LowerAscii(c);
-  return (lower >= 'a' && lower <= 'z') || (c >= '0' && c <= '9') ||
+  return base::IsLetter(c) || base::IsDigit(c) ||
          std::string_view("/-._~!$&'()*+,;=:@").find(c) != std::string_view::npos;
 }
 
@@ -81,7 +80,7 @@ std::string FileUrl(std::string_view path) {
 const NativeProperty* FindNativeProperty(const ClassInfo& info, std::string_view name,
                                          const std::set<std::string, std::less<>>& missing) {
   for (const NativeProperty& property : kProperties) {
-    if (property.owner == info.native && SameName(property.name, name)) {
+    if (property.owner == info.native && base::EqualsIgnoringCase(property.name, name)) {
       return IsMissing(info, property.name, missing) ? nullptr : &property;
     }
   }
@@ -113,7 +112,7 @@ bool WriteDouble(NativeThing* thing, const NativeProperty&, double value) {
 
 const std::string& ReadPath(const NativeThing& thing, const NativeProperty& property) {
   const auto& item = std::get<FolderItem>(*thing.state);
-  return SameName(property.name, "URLPath") ? item.url_path : item.native_path;
+  return base::EqualsIgnoringCase(property.name, "URLPath") ? item.url_path : item.native_path;
 }
 
 }  // namespace zqv::standin

@@ -8,27 +8,14 @@
 #include <string>
 #include <string_view>
 
+#include "base/ascii.h"
+
 namespace zqv::standin {
-
-// Bytes above 0x7F are left as they are.
-constexpr char LowerAscii(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-// Equal but for ASCII case.
-inline bool SameName(std::string_view left, std::string_view right) {
-  if (left.size() != right.size()) return false;
-  if (left == right) return true;
-  for (std::size_t i = 0; i < left.size(); ++i) {
-    if (LowerAscii(left[i]) != LowerAscii(right[i])) return false;
-  }
-  return true;
-}
 
 // For keys of ordered containers and for comparing signatures.
 inline std::string LowerName(std::string_view name) {
   std::string lower(name);
-  for (char& c : lower) c = LowerAscii(c);
+  for (char& c : lower) c = base::LowerAscii(c);
   return lower;
 }
 
@@ -51,7 +38,7 @@ struct NameHash {
 
 struct NameEqual {
   bool operator()(std::string_view left, std::string_view right) const {
-    return SameName(left, right);
+    return left == right || base::EqualsIgnoringCase(left, right);
   }
 };
 

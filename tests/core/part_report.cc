@@ -106,7 +106,7 @@ class Reporter {
   void Route(const mime::Header& header, std::string_view body, PartReport& report) {
     const std::optional<email::DecodedBody> decoded = email::DecodePart(header, body);
     if (!decoded.has_value()) {
-      const mimetic::ContentType& type = header.content_type();
+      const mime::ContentType& type = header.content_type();
       const bool is_container = email::IsContainer(type.type(), type.subtype());
       report.destination = is_container ? "container" : "unknown encoding";
       return;

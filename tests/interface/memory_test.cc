@@ -17,6 +17,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "standin/invoke.h"
 #include "standin/store.h"
@@ -367,6 +368,31 @@ std::string ConstructWithin(std::size_t more, const std::string& text) {
   return constructed.raised;
 }
 
+// Constructs a nested message with so much memory: true for the whole tree, false for a clear
+// exception.
+bool ConstructDeep(std::size_t more, const std::string& text, std::size_t levels) {
+  real_resolver = Host::Start()->resolver();
+  const Session session(WithoutLedger(), Exceptions::kMayBeLost, &ResolverOfSmallHost);
+  const Input input(Way::kString, text);
+  Constructed constructed{NewInstance("MimeEmailZQV"), {}};
+  {
+    const AddressSpaceLimit limit(more);
+    constructed = ConstructOn(constructed.message, "Constructor(Content as string)", input.value());
+    if (constructed.raised.empty()) {
+      EXPECT_EQ(LevelsOf(constructed.message), levels);
+    }
+  }
+  // A header object that cannot be filled raises at once, with the memory of all levels still taken:
+  // then the host may have none for the exception's text.
+  EXPECT_TRUE(constructed.raised.empty() || IsClear(constructed.raised) ||
+              constructed.raised == "OutOfMemoryException, 0: ")
+      << constructed.raised;
+  const bool is_whole = constructed.raised.empty();
+  constructed.message = Object();
+  EXPECT_EQ(ConstructFromString(PlainMessage()).raised, "");
+  return is_whole;
+}
+
 class Memory : public InterfaceTest {
  protected:
   void SetUp() override {
@@ -419,6 +445,26 @@ TEST_F(Memory, RunningOutRaises) {
       }
     }
     EXPECT_TRUE(*has_raised) << shape.name << ": 25 MB cannot do with 4 MB";
+  }
+}
+
+// The deepest message that may be, with every room from almost none on: the whole tree or a clear
+// exception. A tree that is half built when the memory ends is released without needing any.
+TEST_F(Memory, RunningOutInTheDeepestMessageRaises) {
+  constexpr std::size_t kLevels = kMostEntities - 1;
+  LoadLibraryFile();
+  for (const auto& make : {&NestedMultiparts, &NestedMixture}) {
+    const std::string text = make(kLevels);
+    const SharedWithChild<std::size_t> raised;
+    const SharedWithChild<std::size_t> whole;
+    std::vector<std::size_t> rooms = {1024};
+    for (std::size_t room = 8; room <= 60; ++room) rooms.push_back(room);
+    for (const std::size_t room : rooms) {
+      InChild("deepest message in " + std::to_string(room) + " MB",
+              [&] { ++*(ConstructDeep(room * kMegabyte, text, kLevels) ? whole : raised); });
+    }
+    EXPECT_GT(*raised, 0U) << "there was always room";
+    EXPECT_GT(*whole, 0U) << "there was never room";
   }
 }
 

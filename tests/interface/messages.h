@@ -6,6 +6,9 @@
 
 namespace zqv::interface_test {
 
+// Entities that one message may have, itself included.
+inline constexpr std::size_t kMostEntities = 10'000;
+
 // One text/plain part, six header fields, no dates.
 std::string PlainMessage();
 

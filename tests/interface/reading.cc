@@ -183,6 +183,29 @@ std::string ReadEverything(const Object& object, int last_index) {
   return reader.raised();
 }
 
+Object FirstPartOf(const Object& entity) {
+  const Object parts = ObjectOf(Call(ObjectOf(Get(entity, "Body")), "Parts as MimeEntityZQV()"));
+  return parts.Size() == 0 ? Object() : ObjectOf(parts.At(0));
+}
+
+std::size_t LevelsOf(const Object& message) {
+  std::size_t levels = 0;
+  for (Object part = FirstPartOf(message); !part.IsNil(); part = FirstPartOf(part)) ++levels;
+  return levels;
+}
+
+nlohmann::ordered_json MirrorOfTree(const Object& message, std::size_t levels) {
+  standin::MirrorOptions options;
+  options.max_depth = 4 * (levels + 1);
+  options.skip = [](std::string_view, std::string_view member) {
+    static constexpr std::string_view kVariant = "Variant";
+    return member == "Attachments" || member == "Inlines" ||
+           (member.size() > kVariant.size() &&
+            member.substr(member.size() - kVariant.size()) == kVariant);
+  };
+  return standin::Mirror(message, options);
+}
+
 nlohmann::ordered_json MirrorWithoutDates(const Object& message) {
   standin::MirrorOptions options;
   options.skip = [](std::string_view, std::string_view member) {

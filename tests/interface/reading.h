@@ -1,6 +1,7 @@
 // Making messages in each way that applications have, and reading all there is to read.
 #pragma once
 
+#include <cstddef>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -64,6 +65,15 @@ int UseEverything(Way way, std::string_view bytes);
 // indices from -1 to `last_index`. Gives what was raised; that an index is out of bounds does not
 // count.
 std::string ReadEverything(const Object& object, int last_index = 11);
+
+// The first of the entities in an entity; nil when there is none.
+Object FirstPartOf(const Object& entity);
+// How many entities lie in one another, each as the first of its level; the message itself is none.
+std::size_t LevelsOf(const Object& message);
+
+// A message of so many levels without the members that share with others what they give: of what
+// they share only the path would be written, which is as long as the tree is deep.
+nlohmann::ordered_json MirrorOfTree(const Object& message, std::size_t levels);
 
 // The properties and array methods of a message and of all below it; dates left out, since they
 // depend on this machine's zone.

@@ -15,6 +15,7 @@
 #include <string_view>
 
 #include "abi/encodings.h"
+#include "base/ascii.h"
 #include "tests/macho/variadic.h"
 
 namespace zqv::macho {
@@ -207,10 +208,7 @@ const Object* CreateUrlWithPath(const void*, const Object* path, Index style, un
 }
 
 int HexadecimalValue(char16_t c) {
-  constexpr std::u16string_view kDigits = u"0123456789abcdef";
-  const char16_t lower = c >= u'A' && c <= u'F' ? static_cast<char16_t>(c - u'A' + u'a') : c;
-  const std::size_t value = kDigits.find(lower);
-  return value == std::u16string_view::npos ? -1 : static_cast<int>(value);
+  return c < 0x80 ? base::HexadecimalValue(static_cast<char>(c)) : -1;
 }
 
 // A URL's text is ASCII with percent escapes, which are UTF-8. Null for any other.

@@ -193,7 +193,7 @@ TEST(MimeTypeText, IsWhatThereIsOfTypeAndSubtype) {
                                {"", ""},
                                {"a/b; c=d", "a/b"}};
   for (const TypeRow& row : kRows) {
-    EXPECT_EQ(email::MimeTypeText(mimetic::ContentType(row.type)), row.text) << row.type;
+    EXPECT_EQ(email::MimeTypeText(mime::ContentType(row.type)), row.text) << row.type;
   }
 }
 

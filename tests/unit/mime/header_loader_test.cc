@@ -104,7 +104,7 @@ TEST(HeaderLoaderValues, LieInTheMessageUnlessTheyAreFolded) {
 }
 
 TEST(HeaderLoaderValues, AreCountedWhereverTheHeaderIs) {
-  const std::string text = "A: one\nTo: " + std::string(mime::kMostEntries, ',') + "\n\n";
+  const std::string text = "A: one\nTo: " + std::string(mime::kMostEntries + 1, ',') + "\n\n";
   std::vector<mime::Field> fields;
   base::TextArena folded_values;
   mime::MessageLimits limits;

@@ -57,7 +57,7 @@ TEST_F(MailboxList, OfNothingIsEmpty) {
 }
 
 TEST_F(MailboxList, BeyondTheLimitRaisesAndHoldsNothing) {
-  const auto& record = Make(std::string(mime::kMostEntries, ','));
+  const auto& record = Make(std::string(mime::kMostEntries + 1, ','));
   EXPECT_EQ(TakeRaised(), "RuntimeException, 0: C++ Exception: the text has too many addresses");
   EXPECT_EQ(Show(record.StringValue), "nil");
   EXPECT_EQ(record.mailboxes.get(), nullptr);

@@ -87,14 +87,6 @@ TEST_F(Mailbox, EmailIsNilOnlyWithoutBothHalves) {
   EXPECT_EQ(objects::getEmail(nullptr), nullptr);
 }
 
-TEST_F(Mailbox, HasTheTextThatIsGiven) {
-  mailbox_ = host::NewInstance<MimeMailboxClassData>();
-  auto& record = *host::RecordOf<MimeMailboxClassData>(mailbox_.get());
-  objects::Set(record, mimetic::Mailbox("a@b"), "as it was written");
-  EXPECT_EQ(Show(record.StringValue), Ascii("as it was written"));
-  EXPECT_EQ(Show(record.Mailbox), Ascii("a"));
-}
-
 TEST_F(Mailbox, MadeTwiceHoldsTheSecondText) {
   Make("A <a@b>");
   objects::MimeMailboxConstructor(mailbox_.get(), NewText("c@d").get());
@@ -132,8 +124,8 @@ std::vector<std::string> TextsIn(abi::REALarray array) {
 class MailboxArray : public ObjectsTest {
  protected:
   static host::ArrayRef Make(const std::string& text) {
-    const mimetic::MailboxList list(text);
-    return objects::NewMailboxArray(list, mime::ListText(list, mime::kListSeparator));
+    const mime::MailboxList list(text);
+    return objects::NewMailboxArray({list.begin(), list.size()});
   }
 };
 

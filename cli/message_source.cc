@@ -1,0 +1,66 @@
+#include "cli/message_source.h"
+
+#include "base/ascii.h"
+#include "base/unicode.h"
+#include "mime/open_boundaries.h"
+
+namespace zqv::cli {
+namespace {
+
+constexpr std::string_view kHyphens = "--";
+
+// `bytes` and a line end like the last one before; empty when they end with one.
+std::string Completed(std::string_view bytes) {
+  if (bytes.empty() || base::IsLineEnd(bytes.back())) return {};
+  const std::size_t last = bytes.find_last_of("\r\n");
+  return std::string(bytes) + (last == std::string_view::npos ? '\n' : bytes[last]);
+}
+
+// The lines of a header, and the line that ended it.
+std::string_view LinesOf(const mime::Part& part, const LineNumbers& lines) {
+  if (part.header_end != mime::HeaderEnd::kOtherLine) return part.header;
+  const char* const begin = part.header.data();
+  const std::string_view last = lines.RestOfLine(begin + part.header.size());
+  return {begin, part.header.size() + last.size()};
+}
+
+}  // namespace
+
+MessageSource::MessageSource(std::string_view bytes)
+    : completed_(Completed(base::WithoutByteOrderMark(bytes))),
+      bytes_(completed_.empty() ? base::WithoutByteOrderMark(bytes) : completed_),
+      lines_(bytes_),
+      message_(bytes_, mime::OuterBoundary::kEndsInner) {}
+
+std::size_t MessageSource::LineAfter(const mime::Part& multipart) const {
+  const char* const end = multipart.whole.data() + multipart.whole.size();
+  if (end == bytes_.data() + bytes_.size()) return kNoLine;
+  return lines_.At(end) + (base::IsLineEnd(*end) ? 1 : 0);
+}
+
+std::string_view ValueBytes(const mime::Field& field) {
+  return field.bytes.substr(field.bytes.find(':') + 1);
+}
+
+std::vector<std::string_view> BoundariesInHeaders(const MessageSource& source) {
+  std::vector<std::string_view> found(source.parts().size());
+  mime::OpenBoundaries open;
+  const auto enter = [&](mime::PartIndex index) {
+    const mime::Part& part = source.parts()[index];
+    ForEachLine(LinesOf(part, source.lines()), [&](std::string_view line, std::string_view) {
+      if (found[index].data() != nullptr || line.substr(0, kHyphens.size()) != kHyphens) return;
+      if (open.AnyBegins(line)) found[index] = line;
+    });
+    if (part.kind == mime::PartKind::kMultipart) {
+      open.Push(std::string(kHyphens).append(part.boundary));
+    }
+    return mime::Visit::kInside;
+  };
+  const auto leave = [&](mime::PartIndex index) {
+    if (source.parts()[index].kind == mime::PartKind::kMultipart) open.Pop();
+  };
+  mime::Walk(source.parts(), 0, enter, leave);
+  return found;
+}
+
+}  // namespace zqv::cli

@@ -1,0 +1,43 @@
+#include "mime/mime_version.h"
+
+#include <cstdint>
+
+#include "mime/pieces.h"
+
+namespace zqv::mime {
+namespace {
+
+bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// The number at the start of `text`, as atoi() of a system with a 64-bit long has it: a larger one
+// is taken for the largest long, whose low 32 bits are -1, a smaller one for the smallest, whose
+// low 32 bits are 0.
+std::int32_t ReadNumber(std::string_view text) {
+  constexpr std::uint64_t kTooLarge = std::uint64_t{1} << 63;
+  while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
+  const bool is_negative = !text.empty() && text.front() == '-';
+  if (is_negative || (!text.empty() && text.front() == '+')) text.remove_prefix(1);
+  std::uint64_t number = 0;
+  for (; !text.empty() && IsDigit(text.front()) && number < kTooLarge; text.remove_prefix(1)) {
+    const auto digit = static_cast<std::uint64_t>(text.front() - '0');
+    number = number > (kTooLarge - digit) / 10 ? kTooLarge : number * 10 + digit;
+  }
+  if (number >= kTooLarge) return is_negative ? 0 : -1;
+  const auto low = static_cast<std::uint32_t>(number);
+  return static_cast<std::int32_t>(is_negative ? 0 - low : low);
+}
+
+}  // namespace
+
+std::string MimeVersionText(std::string_view value) {
+  const auto take_number = [&value] { return ReadNumber(TakeUpTo('.', value)); };
+  std::string text = std::to_string(take_number());
+  text.append(".").append(std::to_string(take_number()));
+  if (const std::int32_t third = take_number(); third != 0) {
+    text.append(".").append(std::to_string(third));
+  }
+  return text;
+}
+
+}  // namespace zqv::mime
