@@ -42,6 +42,24 @@ void CheckPlaces(const mime::Message& message) {
   }
 }
 
+// When outer boundaries end inner multiparts, the parse goes on, and what comes before the first of
+// them is the same.
+void CheckOuterBoundaries(const mime::Message& message) {
+  const mime::Message whole(message.bytes(), mime::OuterBoundary::kEndsInner);
+  Expect(whole.parsed_size() == message.bytes().size(), "all of the message is parsed");
+  Expect(message.parts_before_outer() == message.parts().size(),
+         "an outer boundary ends the parse");
+  Expect(whole.parts_before_outer() == message.parts().size(), "both meet the same outer boundary");
+  for (std::size_t i = 0; i < message.parts().size(); ++i) {
+    const mime::Part& part = whole.parts()[i];
+    const bool is_same = part.header == message.parts()[i].header &&
+                         part.parent == message.parts()[i].parent &&
+                         part.preamble == message.parts()[i].preamble;
+    Expect(is_same, "parts before an outer boundary are the same");
+  }
+  CheckPlaces(whole);
+}
+
 // What holds of the reports.
 void CheckReports(const mime::Message& message) {
   std::size_t plain = 0;
@@ -72,6 +90,7 @@ void Run(std::string_view input) {
   try {
     const mime::Message message(input);
     CheckPlaces(message);
+    CheckOuterBoundaries(message);
     CheckReports(message);
     CheckStripped(input);
     // The library's own parser needs stack for each level, and no limit keeps it from running out.
