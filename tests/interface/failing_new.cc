@@ -64,6 +64,14 @@ void* Allocate(std::size_t size, bool is_array) {
   return memory;
 }
 
+void* AllocateOrNull(std::size_t size, bool is_array) noexcept {
+  try {
+    return Allocate(size, is_array);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
 void Free(void* memory) {
   State& state = TheState();
   if (!state.blocks.empty()) {
@@ -95,6 +103,12 @@ LiveBlocks FailingNew::Live() { return TheState().live; }
 
 void* operator new(std::size_t size) { return zqv::interface_test::Allocate(size, false); }
 void* operator new[](std::size_t size) { return zqv::interface_test::Allocate(size, true); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return zqv::interface_test::AllocateOrNull(size, false);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return zqv::interface_test::AllocateOrNull(size, true);
+}
 void operator delete(void* memory) noexcept { zqv::interface_test::Free(memory); }
 void operator delete[](void* memory) noexcept { zqv::interface_test::Free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { zqv::interface_test::Free(memory); }
