@@ -71,7 +71,8 @@ void RaiseOutOfBoundsException(std::int64_t value, std::int64_t count) noexcept 
   constexpr std::size_t kSize = 205;
   const auto message = base::AllocateZeroed<char>(kSize);
   if (message == nullptr) return RaiseException(kOutOfBoundsException, "Out of Bounds");
-  // QUIRK: the two empty strings leave two blanks after "index". Applications know the text so.
+  // QUIRK: the two empty strings leave two blanks after "index". Part of the
+  // interface's contract; changing it is a major version.
   // Test: OutOfBoundsMessage.KeepsTwoBlanksAfterIndex.
   static_cast<void>(
       std::snprintf(message.get(), kSize,

@@ -76,8 +76,9 @@ class EncodedWordScanner {
     if (Peek(0) == '?') ++at_;
     const std::string_view payload = ReadField();
     SkipEnd();
-    // QUIRK: lower-case letters delimit a word whose text is then not decoded. Applications rely
-    // on the asymmetry. Test: EncodedWords.LowerCaseLettersAreNotDecoded.
+    // QUIRK: lower-case letters delimit a word whose text is then not decoded. Part of the
+    // interface's contract; changing it is a major version. Test:
+    // EncodedWords.LowerCaseLettersAreNotDecoded.
     if (letter == 'B') {
       decoded_ += DecodeBase64(payload).view();
     } else if (letter == 'Q') {

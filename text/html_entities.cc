@@ -305,7 +305,8 @@ char32_t FindHtmlEntity(std::u32string_view beginning) {
   if (beginning.empty()) return kHtmlEntities[0].code_point;
   if (beginning.front() >= kLetters) return 0;
   // QUIRK: a name need not be whole: "sigma" finds "sigmaf", "or" finds "ordf", "sup" finds "sup2".
-  // Applications know the texts so. Test: HtmlEntities.TheFirstRowThatBeginsSoWins.
+  // Part of the interface's contract; changing it is a major version. Test:
+  // HtmlEntities.TheFirstRowThatBeginsSoWins.
   for (std::size_t i = kIndex.first[beginning.front()]; i < kIndex.first[beginning.front() + 1];
        ++i) {
     const HtmlEntity& row = kHtmlEntities[kIndex.rows[i]];
