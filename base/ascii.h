@@ -4,6 +4,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace zqv::base {
@@ -25,10 +27,37 @@ constexpr int HexadecimalValue(char c) {
   return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
+namespace internal {
+
+// Eight bytes, the ASCII letters among them in lower case.
+inline std::uint64_t LoadLower8(const char* from) {
+  constexpr std::uint64_t kEachByte = 0x0101010101010101U;
+  std::uint64_t word;
+  std::memcpy(&word, from, sizeof word);
+  const std::uint64_t low = word & 0x7F * kEachByte;
+  // The high bit of each byte that is at least 'A', and of each that is above 'Z'.
+  const std::uint64_t from_a = low + (0x80 - 'A') * kEachByte;
+  const std::uint64_t beyond_z = low + (0x80 - 'Z' - 1) * kEachByte;
+  return word | ((from_a & ~beyond_z & ~word & 0x80 * kEachByte) >> 2U);
+}
+
+}  // namespace internal
+
 // True when the two are equal but for the case of ASCII letters.
 inline bool EqualsIgnoringCase(std::string_view left, std::string_view right) {
-  if (left.size() != right.size()) return false;
-  for (std::size_t i = 0; i < left.size(); ++i) {
+  constexpr std::size_t kStep = sizeof(std::uint64_t);
+  const std::size_t size = left.size();
+  if (size != right.size()) return false;
+  const auto differ_at = [&](std::size_t at) {
+    return internal::LoadLower8(left.data() + at) != internal::LoadLower8(right.data() + at);
+  };
+  if (size >= kStep) {
+    for (std::size_t at = 0; at < size - kStep; at += kStep) {
+      if (differ_at(at)) return false;
+    }
+    return !differ_at(size - kStep);
+  }
+  for (std::size_t i = 0; i < size; ++i) {
     if (LowerAscii(left[i]) != LowerAscii(right[i])) return false;
   }
   return true;

@@ -2,6 +2,7 @@
 // serves every processor. Comparisons give a mask: each byte 0 or -1.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -27,12 +28,31 @@ inline Bytes16 LoadBytes16(const char* from) {
   return bytes;
 }
 
-inline void StoreBytes16(Bytes16 bytes, char* to) { std::memcpy(to, &bytes, sizeof bytes); }
-
-// Whether each byte lies between the two, both below 0x80 and included.
-inline Bytes16 AreBetween(Bytes16 bytes, char first, char last) {
-  return (bytes >= first) & (bytes <= last);
+// Sixteen bytes that are those of a text of 1 to 15 bytes, some of them more than once: for asking
+// whether all of them pass a test.
+inline Bytes16 LoadShort(const char* text, std::size_t size) {
+  std::uint64_t halves[2];
+  if (size >= sizeof halves[0]) {
+    std::memcpy(&halves[0], text, sizeof halves[0]);
+    std::memcpy(&halves[1], text + size - sizeof halves[1], sizeof halves[1]);
+  } else {
+    std::uint32_t quarters[2];
+    if (size >= sizeof quarters[0]) {
+      std::memcpy(&quarters[0], text, sizeof quarters[0]);
+      std::memcpy(&quarters[1], text + size - sizeof quarters[1], sizeof quarters[1]);
+    } else {
+      const char bytes[] = {text[0], text[size / 2], text[size - 1], text[0]};
+      std::memcpy(&quarters[0], bytes, sizeof bytes);
+      quarters[1] = quarters[0];
+    }
+    halves[0] = halves[1] = std::uint64_t{quarters[1]} << 32U | quarters[0];
+  }
+  Bytes16 bytes;
+  std::memcpy(&bytes, halves, sizeof bytes);
+  return bytes;
 }
+
+inline void StoreBytes16(Bytes16 bytes, char* to) { std::memcpy(to, &bytes, sizeof bytes); }
 
 // A mask as an integer: kMaskBits of it for each byte, the first byte's lowest.
 #if defined(__SSE2__)
@@ -85,6 +105,20 @@ inline bool AnyOf(Bytes16 mask) { return BitsOf(mask) != 0; }
 // The index of the last byte that is set, of at least one.
 inline std::size_t LastOf(Bytes16 mask) {
   return (63 - static_cast<std::size_t>(__builtin_clzll(BitsOf(mask)))) / kMaskBits;
+}
+
+// The first byte in [at, limit) that `test`, which gives a mask for sixteen of them, sets; or
+// `limit`.
+template <class Test>
+const char* FindFirst(const char* at, const char* limit, Test test) {
+  for (; limit - at >= static_cast<std::ptrdiff_t>(kBytes16); at += kBytes16) {
+    const Bytes16 mask = test(LoadBytes16(at));
+    if (AnyOf(mask)) return at + FirstOf(mask);
+  }
+  if (at == limit) return limit;
+  std::array<char, kBytes16> rest{};
+  std::memcpy(rest.data(), at, static_cast<std::size_t>(limit - at));
+  return std::min(limit, at + FirstOf(test(LoadBytes16(rest.data()))));
 }
 
 // Each byte of those four code points is set that are `value` once the bits of `mask` are.

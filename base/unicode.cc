@@ -96,6 +96,29 @@ bool WidenAscii(const char* from, char32_t* to) {
   return true;
 }
 
+// How many bytes at the beginning are known to pass `test`, which gives a mask for sixteen of them:
+// all, or those of the blocks before the one that holds the first that does not.
+template <class Test>
+std::size_t PassingLength(std::string_view bytes, Test test) {
+  constexpr std::size_t kStep = 4 * kBytes16;
+  if (bytes.empty()) return 0;
+  if (bytes.size() < kBytes16) {
+    return AllOf(test(LoadShort(bytes.data(), bytes.size()))) ? bytes.size() : 0;
+  }
+  const auto passes = [&](std::size_t at) { return test(LoadBytes16(bytes.data() + at)); };
+  const std::size_t last = bytes.size() - kBytes16;
+  std::size_t at = 0;
+  for (; at + kStep <= bytes.size(); at += kStep) {
+    const Bytes16 all =
+        passes(at) & passes(at + kBytes16) & passes(at + 2 * kBytes16) & passes(at + 3 * kBytes16);
+    if (!AllOf(all)) break;
+  }
+  for (; at < last; at += kBytes16) {
+    if (!AllOf(passes(at))) return at;
+  }
+  return AllOf(passes(last)) ? bytes.size() : at;
+}
+
 char32_t DecodeLegal(const char* bytes, std::size_t length) {
   constexpr std::uint8_t kLeadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
   char32_t c = Byte(bytes[0]) & kLeadBits[length];
@@ -106,35 +129,14 @@ char32_t DecodeLegal(const char* bytes, std::size_t length) {
 }  // namespace
 
 bool IsAscii(std::string_view bytes) {
-  constexpr std::size_t kStep = 4 * kBytes16;
-  const char* at = bytes.data();
-  const char* const end = at + bytes.size();
-  for (; static_cast<std::size_t>(end - at) >= kStep; at += kStep) {
-    const Bytes16 any = LoadBytes16(at) | LoadBytes16(at + kBytes16) |
-                        LoadBytes16(at + 2 * kBytes16) | LoadBytes16(at + 3 * kBytes16);
-    if (AnyOf(any < 0)) return false;
-  }
-  for (; static_cast<std::size_t>(end - at) >= sizeof(Word); at += sizeof(Word)) {
-    if ((LoadWord(at) & kHighBits) != 0) return false;
-  }
-  return std::all_of(at, end, [](char c) { return Byte(c) < 0x80; });
+  return PassingLength(bytes, [](Bytes16 c) { return c >= 0; }) == bytes.size();
 }
 
 std::size_t LengthOfAsciiText(std::string_view bytes) {
-  constexpr std::size_t kStep = 4 * kBytes16;
-  const char* at = bytes.data();
-  const char* const end = at + bytes.size();
-  for (; static_cast<std::size_t>(end - at) >= kStep; at += kStep) {
-    const Bytes16 all = (LoadBytes16(at) > 0) & (LoadBytes16(at + kBytes16) > 0) &
-                        (LoadBytes16(at + 2 * kBytes16) > 0) & (LoadBytes16(at + 3 * kBytes16) > 0);
-    if (!AllOf(all)) break;
-  }
-  for (; static_cast<std::size_t>(end - at) >= kBytes16; at += kBytes16) {
-    const std::size_t length = FirstOf(LoadBytes16(at) <= 0);
-    if (length != kBytes16) return static_cast<std::size_t>(at - bytes.data()) + length;
-  }
-  at = std::find_if(at, end, [](char c) { return c == '\0' || Byte(c) >= 0x80; });
-  return static_cast<std::size_t>(at - bytes.data());
+  const std::size_t known = PassingLength(bytes, [](Bytes16 c) { return c > 0; });
+  const char* const stop = std::find_if(bytes.data() + known, bytes.data() + bytes.size(),
+                                        [](char c) { return c == '\0' || Byte(c) >= 0x80; });
+  return static_cast<std::size_t>(stop - bytes.data());
 }
 
 bool is_utf8(const char* bytes, std::size_t length) {

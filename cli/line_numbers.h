@@ -18,9 +18,8 @@ inline constexpr std::size_t kNoLine = 0;
 template <class Use>
 void ForEachLine(std::string_view text, Use use) {
   const char* const end = text.data() + text.size();
-  mime::LineEndFinder line_ends(text.data());
   while (!text.empty()) {
-    const char* const line_end = line_ends.Next(text.data(), end);
+    const char* const line_end = mime::FindLineEnd(text.data(), end);
     const auto length = static_cast<std::size_t>(line_end - text.data());
     const char* const next = line_end == end ? end : mime::SkipLineEnd(line_end, end);
     use(text.substr(0, length), text.substr(length, static_cast<std::size_t>(next - line_end)));

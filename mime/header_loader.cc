@@ -7,14 +7,14 @@
 //   : x\n                       skipped
 #include "mime/header_loader.h"
 
-#include <array>
 #include <cstddef>
 #include <optional>
-#include <string>
 #include <string_view>
 
 #include "base/ascii.h"
+#include "base/bytes16.h"
 #include "mime/field_name.h"
+#include "mime/line_ends.h"
 
 namespace zqv::mime {
 namespace {
@@ -22,14 +22,8 @@ namespace {
 using base::IsBlank;
 using base::IsLineEnd;
 
-constexpr std::array<bool, 256> MakeNameCharacters() {
-  std::array<bool, 256> table{};
-  for (std::size_t c = 33; c < 127; ++c) table[c] = c != ':';
-  return table;
-}
-constexpr std::array<bool, 256> kNameCharacters = MakeNameCharacters();
-
-bool IsNameCharacter(char c) { return kNameCharacters[static_cast<unsigned char>(c)]; }
+// Printable ASCII characters but the blank and the colon are those of a name.
+base::Bytes16 AreOutsideName(base::Bytes16 c) { return (c <= ' ') | (c == ':') | (c == 0x7F); }
 
 class HeaderLoader {
  public:
@@ -65,7 +59,7 @@ class HeaderLoader {
   }
 
   void ReadValue() {
-    const char* const line_end = context_.line_ends.Next(at_, end_);
+    const char* const line_end = FindLineEnd(at_, end_);
     AppendValue({at_, static_cast<std::size_t>(line_end - at_)});
     at_ = line_end;
     field_end_ = line_end;
@@ -83,8 +77,8 @@ class HeaderLoader {
   // the characters that were read of the line belong to it.
   bool ReadField() {
     const char* const start = at_;
-    while (at_ != end_ && IsNameCharacter(*at_)) ++at_;
-    const char* const name_end = at_;
+    const char* const name_end = base::FindFirst(start, end_, AreOutsideName);
+    at_ = name_end;
     SkipBlanks();
     if (at_ == end_) return true;
     if (*at_ != ':') {
@@ -93,7 +87,7 @@ class HeaderLoader {
       return false;
     }
     if (at_ == start) {  // a line that begins with the colon is skipped
-      at_ = context_.line_ends.Next(at_, end_);
+      at_ = FindLineEnd(at_, end_);
       return true;
     }
     name_ = {start, static_cast<std::size_t>(name_end - start)};
@@ -105,12 +99,7 @@ class HeaderLoader {
 
   // A value of one piece stays where it lies.
   void AppendValue(std::string_view piece) {
-    if (value_.empty() && joined_.empty()) {
-      value_ = piece;
-      return;
-    }
-    if (joined_.empty()) joined_ = value_;
-    joined_ += piece;
+    value_ = value_.empty() ? piece : context_.folded_values.Join(value_, piece);
   }
 
   // QUIRK: a value without a name stays, and the next field's value is appended to it: a fold after
@@ -118,18 +107,15 @@ class HeaderLoader {
   // Parser.FoldAfterIgnoredLineStays.
   void StoreField() {
     if (name_.empty()) return;
-    std::string_view value = joined_.empty() ? value_ : joined_;
     Field field;
     field.name = name_;
     field.known = RecogniseFieldName(name_);
-    context_.limits.AdmitField(field.known, value);
-    value = value.substr(0, value.find('\0'));
-    field.value = joined_.empty() ? value : context_.folded_values.Keep(value);
+    field.value = value_.substr(0, value_.find('\0'));
     field.bytes = {name_.data(), static_cast<std::size_t>(field_end_ - name_.data())};
     context_.fields.push_back(field);
+    context_.limits.AdmitField(context_.fields);
     name_ = {};
     value_ = {};
-    joined_.clear();
   }
 
   const char* at_;
@@ -138,8 +124,7 @@ class HeaderLoader {
   HeaderEnd ended_by_ = HeaderEnd::kMessageEnd;
   const char* body_ = nullptr;  // of a line that is no field
   std::string_view name_;
-  std::string_view value_;  // in the message, when it is all
-  std::string joined_;      // the whole of a value of several pieces
+  std::string_view value_;  // in the message, or joined of several pieces
   const char* field_end_ = nullptr;
 };
 

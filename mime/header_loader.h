@@ -9,7 +9,6 @@
 #include "base/text_arena.h"
 #include "mime/field.h"
 #include "mime/limits.h"
-#include "mime/line_ends.h"
 #include "mime/message.h"
 
 namespace zqv::mime {
@@ -19,7 +18,6 @@ struct HeaderContext {
   std::vector<Field>& fields;
   base::TextArena& folded_values;  // values that do not lie in the message in one piece
   MessageLimits& limits;
-  LineEndFinder& line_ends;
 };
 
 // Where a header ended.

@@ -42,9 +42,16 @@ void MessageLimits::AdmitPart() {
   if (++parts_ > kMostParts) throw std::runtime_error("the message has too many parts");
 }
 
-void MessageLimits::AdmitField(std::optional<FieldName> name, std::string_view value) {
-  if (++fields_ > kMostFields) throw std::runtime_error("the message has too many fields");
-  if (const CountEntries count = CounterOf(name)) entries_ += count(value);
+void MessageLimits::AdmitField(const std::vector<Field>& fields) {
+  if (fields.size() > kMostFields) throw std::runtime_error("the message has too many fields");
+  const Field& field = fields.back();
+  if (CounterOf(field.known) == nullptr) return;
+  most_entries_ += field.value.size() + 1;
+  if (most_entries_ <= kMostEntries) return;
+  for (; counted_fields_ < fields.size(); ++counted_fields_) {
+    const Field& counted = fields[counted_fields_];
+    if (const CountEntries count = CounterOf(counted.known)) entries_ += count(counted.value);
+  }
   if (entries_ > kMostEntries) {
     throw std::runtime_error("the message has too many addresses or parameters");
   }

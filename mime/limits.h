@@ -6,10 +6,10 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string_view>
+#include <vector>
 
-#include "mime/field_name.h"
+#include "mime/field.h"
 
 namespace zqv::mime {
 
@@ -33,13 +33,16 @@ class MessageLimits {
  public:
   // For each new part, the message itself included.
   void AdmitPart();
-  // For each field, before its value is parsed.
-  void AdmitField(std::optional<FieldName> name, std::string_view value);
+  // For each field, the last of `fields`, which are those of all headers so far.
+  void AdmitField(const std::vector<Field>& fields);
 
  private:
   std::size_t parts_ = 0;
-  std::size_t fields_ = 0;
-  std::size_t entries_ = 0;
+  // Entries are counted once there could be too many: a value gives no more than it has bytes, and
+  // one.
+  std::size_t most_entries_ = 0;
+  std::size_t entries_ = 0;         // of the fields that were counted
+  std::size_t counted_fields_ = 0;  // the first so many
 };
 
 // For a text that an application has parsed by itself; null for one that gives no entries.

@@ -56,10 +56,11 @@ Parser::Parser(Message& message, OuterBoundary outer)
     : message_(message),
       at_(message.bytes().data()),
       end_(at_ + message.bytes().size()),
-      outer_(outer),
-      line_ends_(at_) {}
+      outer_(outer) {}
 
 void Parser::Run() {
+  constexpr std::size_t kUsualFields = 32;
+  message_.fields_.reserve(kUsualFields);
   PartIndex at = AddPart(kNoPart);
   while (at != kNoPart) {
     Part& part = message_.parts_[at];
@@ -98,7 +99,7 @@ PartIndex Parser::AddPart(PartIndex parent) {
 }
 
 void Parser::ReadHeader(Part& part) {
-  HeaderContext context{message_.fields_, message_.folded_values_, limits_, line_ends_};
+  HeaderContext context{message_.fields_, message_.folded_values_, limits_};
   part.first_field = static_cast<std::uint32_t>(message_.fields_.size());
   const LoadedHeader header = LoadHeader(at_, end_, context);
   part.field_count = static_cast<std::uint32_t>(message_.fields_.size()) - part.first_field;
@@ -152,7 +153,7 @@ void Parser::EndParts(PartIndex last, PartIndex around) {
 }
 
 std::string_view Parser::ReadText() {
-  text_ = ReadPartText(at_, end_, boundaries_, line_ends_);
+  text_ = ReadPartText(at_, end_, boundaries_);
   at_ = text_.rest;
   if (text_.ended_by == Boundary::kOuter) MeetOuterBoundary();
   return text_.text;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "mime/limits.h"
-#include "mime/line_ends.h"
 #include "mime/message.h"
 #include "mime/open_boundaries.h"
 #include "mime/part_text.h"
@@ -34,7 +33,6 @@ class Parser {
   const char* const end_;
   const OuterBoundary outer_;
   MessageLimits limits_;
-  LineEndFinder line_ends_;
   OpenBoundaries boundaries_;
   std::vector<PartIndex> open_multiparts_;  // innermost last, as their boundaries
   PartText text_;                           // that was read last

@@ -13,6 +13,7 @@
 
 #include "base/ascii.h"
 #include "base/bytes16.h"
+#include "mime/line_ends.h"
 
 namespace zqv::mime {
 namespace {
@@ -29,8 +30,8 @@ using base::kBytes16;
 // result. Test: Parser.GivesTheReferencesTreeForEveryBodyLengthAroundItsBlocks.
 class BlockReader {
  public:
-  BlockReader(const char* at, const char* end, LineEndFinder& line_ends)
-      : at_(at), end_(end), skipped_to_(at), block_(at), line_(at), line_ends_(line_ends) {}
+  BlockReader(const char* at, const char* end)
+      : at_(at), end_(end), skipped_to_(at), block_(at), line_(at) {}
 
   const char* at() const { return at_; }
   // The line that was read; it begins no earlier than the buffer.
@@ -43,7 +44,7 @@ class BlockReader {
     line_ = at_;
     while (true) {
       EmptyFullBuffer();
-      line_end_ = line_ends_.Next(at_, Full());
+      line_end_ = FindLineEnd(at_, Full());
       at_ = line_end_;
       if (at_ == end_) return false;
       if (at_ == Full()) continue;
@@ -67,15 +68,13 @@ class BlockReader {
   // Where the buffer is full, or the text ends.
   const char* Full() const { return end_ - block_ > kBlock ? block_ + kBlock : end_; }
 
-  static Bytes16 AreLineEnds(Bytes16 c) { return (c == '\r') | (c == '\n'); }
-
   // From the start of a line to that of another, with all between in the buffer: the last one, or
   // the first that begins with "-".
   void SkipPlainLines() {
     if (at_ < skipped_to_ || (at_ != end_ && *at_ == '-')) return;
     const char* const full = Full();
     const char* block = at_;
-    while (full - block > kStep && !base::AnyOf(DashesIn(block))) block += kStep;
+    while (full - block > kStep && !HasDash(block)) block += kStep;
     for (; full - block > static_cast<std::ptrdiff_t>(kBytes16); block += kBytes16) {
       const Bytes16 dashes = DashesAt(block);
       if (base::AnyOf(dashes)) {
@@ -91,10 +90,17 @@ class BlockReader {
   static Bytes16 DashesAt(const char* bytes) {
     return AreLineEnds(base::LoadBytes16(bytes)) & (base::LoadBytes16(bytes + 1) == '-');
   }
-  // The same for 64 bytes, in one mask.
-  static Bytes16 DashesIn(const char* bytes) {
-    return DashesAt(bytes) | DashesAt(bytes + kBytes16) | DashesAt(bytes + 2 * kBytes16) |
-           DashesAt(bytes + 3 * kBytes16);
+  // Whether a line begins with "-" after one of 64 bytes. Most have no "-" at all.
+  static bool HasDash(const char* bytes) {
+    const auto hyphens = [bytes](std::ptrdiff_t at) {
+      return base::LoadBytes16(bytes + at) == '-';
+    };
+    constexpr std::ptrdiff_t kSize = kBytes16;
+    const Bytes16 any =
+        hyphens(1) | hyphens(1 + kSize) | hyphens(1 + 2 * kSize) | hyphens(1 + 3 * kSize);
+    return base::AnyOf(any) &&
+           base::AnyOf(DashesAt(bytes) | DashesAt(bytes + kSize) | DashesAt(bytes + 2 * kSize) |
+                       DashesAt(bytes + 3 * kSize));
   }
 
   // The last line start between here, which is one, and `limit`. Two line-end characters may be one
@@ -124,7 +130,6 @@ class BlockReader {
   const char* block_;       // the first byte that is in the buffer
   const char* line_;
   const char* line_end_ = nullptr;
-  LineEndFinder& line_ends_;
 };
 
 }  // namespace
@@ -143,13 +148,12 @@ Boundary BoundaryOf(std::string_view line, OpenBoundaries& open) {
   return open.AnyBegins(line) ? Boundary::kOuter : Boundary::kNone;
 }
 
-PartText ReadPartText(const char* at, const char* end, OpenBoundaries& open,
-                      LineEndFinder& line_ends) {
+PartText ReadPartText(const char* at, const char* end, OpenBoundaries& open) {
   const auto text_to = [at](const char* to) {
     return std::string_view(at, static_cast<std::size_t>(to - at));
   };
   if (open.IsEmpty()) return {text_to(end), Boundary::kNone, end, {}};
-  BlockReader reader(at, end, line_ends);
+  BlockReader reader(at, end);
   while (reader.ReadLine()) {
     const Boundary boundary = BoundaryOf(reader.line(), open);
     if (boundary == Boundary::kNone) continue;

@@ -3,7 +3,6 @@
 
 #include <string_view>
 
-#include "mime/line_ends.h"
 #include "mime/open_boundaries.h"
 
 namespace zqv::mime {
@@ -27,7 +26,6 @@ struct PartText {
 Boundary BoundaryOf(std::string_view line, OpenBoundaries& open);
 
 // The text from `at` up to a boundary of one of the open multiparts, or to the end of the message.
-PartText ReadPartText(const char* at, const char* end, OpenBoundaries& open,
-                      LineEndFinder& line_ends);
+PartText ReadPartText(const char* at, const char* end, OpenBoundaries& open);
 
 }  // namespace zqv::mime

@@ -12,28 +12,43 @@ namespace {
 
 using base::TextArena;
 
-TEST(TextArena, KeepsCopiesOfAnyLength) {
+TEST(TextArena, KeepsJoinedTextsOfAnyLength) {
   TextArena arena;
   std::vector<std::pair<std::string, std::string_view>> kept;
-  for (const std::size_t length : {1U, 998U, 1U, 1U, 999U, 1000U, 1001U, 5000U, 0U, 3U, 100000U}) {
-    std::string text(length, static_cast<char>('a' + kept.size()));
-    const std::string_view copy = arena.Keep(text);
-    EXPECT_NE(copy.data(), text.data());
-    EXPECT_NE(copy.data(), nullptr) << "empty is not nothing";
-    kept.emplace_back(std::move(text), copy);
+  for (const std::size_t length : {1U, 998U, 1U, 1U, 999U, 1000U, 1001U, 5000U, 3U, 100000U}) {
+    const std::string text(length, static_cast<char>('a' + kept.size()));
+    kept.emplace_back("<" + text, arena.Join("<", text));
   }
-  for (const auto& [text, copy] : kept) EXPECT_EQ(copy, text);
+  for (const auto& [text, joined] : kept) EXPECT_EQ(joined, text);
 }
 
-TEST(TextArena, CopiesStayWhereTheyAreWhenItIsMoved) {
+TEST(TextArena, JoinsManyPiecesAndLeavesEarlierTextsAsTheyWere) {
   TextArena arena;
-  const std::string_view small = arena.Keep("small");
-  const std::string_view large = arena.Keep(std::string(5'000, 'x'));
-  TextArena moved = std::move(arena);
-  const std::string_view later = moved.Keep("later");
-  EXPECT_EQ(small, "small");
-  EXPECT_EQ(large, std::string(5'000, 'x'));
-  EXPECT_EQ(later, "later");
+  const std::string_view other = arena.Join("an", "other");
+  std::string expected = "first";
+  std::string_view joined = "first";
+  std::vector<std::pair<std::string, std::string_view>> stages;
+  for (int i = 0; i < 2'000; ++i) {
+    const std::string piece = " " + std::to_string(i);
+    expected += piece;
+    joined = arena.Join(joined, piece);
+    if (i % 100 == 0) stages.emplace_back(expected, joined);
+  }
+  EXPECT_EQ(joined, expected);
+  for (const auto& [text, stage] : stages) EXPECT_EQ(stage, text);
+  EXPECT_EQ(other, "another");
+}
+
+TEST(TextArena, ExtendsATextWhereItLies) {
+  TextArena arena;
+  const std::string_view first = arena.Join("a", "b");
+  EXPECT_EQ(arena.Join(first, "c").data(), first.data());
+  EXPECT_EQ(arena.Join(first, "").data(), first.data());
+  const std::string_view behind = arena.Join("d", "e");
+  const std::string_view moved = arena.Join(first, "f");
+  EXPECT_NE(moved.data(), first.data()) << "another text is behind it";
+  EXPECT_EQ(moved, "abf");
+  EXPECT_EQ(behind, "de");
 }
 
 }  // namespace

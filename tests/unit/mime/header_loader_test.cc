@@ -38,8 +38,7 @@ TEST_P(HeaderLoader, ReadsAsListed) {
   std::vector<mime::Field> fields;
   base::TextArena folded_values;
   mime::MessageLimits limits;
-  mime::LineEndFinder line_ends(row.text.data());
-  mime::HeaderContext context{fields, folded_values, limits, line_ends};
+  mime::HeaderContext context{fields, folded_values, limits};
   const char* const end = row.text.data() + row.text.size();
   const mime::LoadedHeader loaded = mime::LoadHeader(row.text.data(), end, context);
   std::vector<std::string> shown;
@@ -93,8 +92,7 @@ TEST(HeaderLoaderValues, LieInTheMessageUnlessTheyAreFolded) {
   std::vector<mime::Field> fields;
   base::TextArena folded_values;
   mime::MessageLimits limits;
-  mime::LineEndFinder line_ends(text.data());
-  mime::HeaderContext context{fields, folded_values, limits, line_ends};
+  mime::HeaderContext context{fields, folded_values, limits};
   mime::LoadHeader(text.data(), text.data() + text.size(), context);
   ASSERT_EQ(fields.size(), 2U);
   EXPECT_EQ(fields[0].value.data(), text.data() + 3);
@@ -108,8 +106,7 @@ TEST(HeaderLoaderValues, AreCountedWhereverTheHeaderIs) {
   std::vector<mime::Field> fields;
   base::TextArena folded_values;
   mime::MessageLimits limits;
-  mime::LineEndFinder line_ends(text.data());
-  mime::HeaderContext context{fields, folded_values, limits, line_ends};
+  mime::HeaderContext context{fields, folded_values, limits};
   EXPECT_THROW(mime::LoadHeader(text.data(), text.data() + text.size(), context),
                std::runtime_error);
 }
