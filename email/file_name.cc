@@ -61,11 +61,9 @@ std::optional<text::HeaderText> FileNames::Next() {
   }
 }
 
-text::HeaderText FileNames::MadeUp() const {
-  std::string name =
-      MakeUpFileName(std::string(header_.Text(mime::FieldName::kContentId)), decoded_);
-  const abi::Encoding encoding = text::DetectText(name).encoding();
-  return {std::move(name), encoding};
+text::HeaderText FileNames::MadeUp() {
+  made_up_ = MakeUpFileName(std::string(header_.Text(mime::FieldName::kContentId)), decoded_);
+  return text::DetectText(made_up_);
 }
 
 std::string MakeUpFileName(std::string content_id, std::string_view decoded) {

@@ -21,14 +21,15 @@ class FileNames {
   FileNames(const mime::Header& header, std::string_view decoded)
       : header_(header), decoded_(decoded) {}
 
-  // The next name, which may be empty; nothing after the last.
+  // The next name, which may be empty; nothing after the last. Borrows from all three.
   std::optional<text::HeaderText> Next();
 
  private:
-  text::HeaderText MadeUp() const;
+  text::HeaderText MadeUp();
 
   const mime::Header& header_;
   std::string_view decoded_;
+  std::string made_up_;
   int next_ = 0;
 };
 

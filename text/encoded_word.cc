@@ -9,7 +9,6 @@
 #include "base/unicode.h"
 #include "text/charset.h"
 #include "text/quotes.h"
-#include "text/transfer_codes.h"
 
 namespace zqv::text {
 namespace {
@@ -21,44 +20,47 @@ std::string_view UpToNul(std::string_view text) { return text.substr(0, text.fin
 // Of what is no digit, 0.
 int HexValue(char c) { return std::max(base::HexadecimalValue(c), 0); }
 
-void AppendQ(std::string_view payload, std::string& out) {
+// Gives the end of what was written, which is no longer than the payload.
+char* DecodeQ(std::string_view payload, char* out) {
   for (std::size_t i = 0; i < payload.size(); ++i) {
     if (payload[i] == '=') {
       // Digits that are missing at the end count as 0.
       const int high = i + 1 < payload.size() ? HexValue(payload[i + 1]) : 0;
       const int low = i + 2 < payload.size() ? HexValue(payload[i + 2]) : 0;
-      out += static_cast<char>(high * 16 + low);
+      *out++ = static_cast<char>(high * 16 + low);
       i += 2;
     } else {
-      out += payload[i] == '_' ? ' ' : payload[i];
+      *out++ = payload[i] == '_' ? ' ' : payload[i];
     }
   }
+  return out;
 }
 
-// One pass over a text without NULs.
+// One pass over a text without NULs. What it gives is never longer than what it has read.
 class EncodedWordScanner {
  public:
-  explicit EncodedWordScanner(std::string_view text) : text_(text) {
-    decoded_.reserve(text.size() + 8);
-  }
+  explicit EncodedWordScanner(std::string_view text)
+      : text_(text), decoded_(text.size() + kBase64Slack), out_(decoded_.data()) {}
 
   void Run() {
     while (at_ < text_.size()) {
-      if (Peek(0) == '=' && Peek(1) == '?') {
-        ReadWord();
-      } else {
-        decoded_ += text_[at_++];
-      }
+      const std::size_t word = std::min(text_.find(kWordStart, at_), text_.size());
+      Append(text_.substr(at_, word - at_));
+      at_ = word;
+      if (at_ < text_.size()) ReadWord();
     }
+    decoded_.EndAt(out_);
   }
 
-  std::string& decoded() { return decoded_; }
-  const std::string& charset() const { return charset_; }
+  DecodedBytes& decoded() { return decoded_; }
+  std::string_view charset() const { return charset_; }
 
  private:
   char Peek(std::size_t ahead) const {
     return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0';
   }
+
+  void Append(std::string_view text) { out_ = std::copy(text.begin(), text.end(), out_); }
 
   // The text up to the next "?", which is consumed too.
   std::string_view ReadField() {
@@ -69,7 +71,7 @@ class EncodedWordScanner {
   }
 
   void ReadWord() {
-    at_ += 2;
+    at_ += kWordStart.size();
     const std::string_view name = ReadField();
     const char letter = Peek(0);
     at_ = std::min(at_ + 1, text_.size());
@@ -80,11 +82,11 @@ class EncodedWordScanner {
     // interface's contract; changing it is a major version. Test:
     // EncodedWords.LowerCaseLettersAreNotDecoded.
     if (letter == 'B') {
-      decoded_ += DecodeBase64(payload).view();
+      out_ = DecodeBase64(payload, out_);
     } else if (letter == 'Q') {
-      AppendQ(payload, decoded_);
+      out_ = DecodeQ(payload, out_);
     } else {
-      decoded_ += payload;
+      Append(payload);
     }
     if (!name.empty()) charset_ = name;
   }
@@ -101,10 +103,13 @@ class EncodedWordScanner {
     }
   }
 
+  static constexpr std::string_view kWordStart = "=?";
+
   std::string_view text_;
   std::size_t at_ = 0;
-  std::string decoded_;
-  std::string charset_;  // of the last word that named one
+  DecodedBytes decoded_;
+  char* out_;
+  std::string_view charset_;  // of the last word that named one
 };
 
 void LogUnlessAscii(std::string_view all, std::string_view shown) {
@@ -118,16 +123,14 @@ HeaderText Undecoded(std::string_view text, bool unquote) {
 
 }  // namespace
 
-std::string_view HeaderText::bytes() const { return UpToNul(is_owned_ ? owned_ : borrowed_); }
-
 HeaderText DetectText(std::string_view text) {
   const std::string_view shown = UpToNul(text);
-  return HeaderText::Borrow(shown, base::DetectEncoding(shown));
+  return {shown, base::DetectEncoding(shown)};
 }
 
 HeaderText LabelText(std::string_view text, abi::Encoding encoding) {
   if (encoding == abi::kAscii) LogUnlessAscii(text, UpToNul(text));
-  return HeaderText::Borrow(text, encoding);
+  return {text, encoding};
 }
 
 HeaderText DecodeEncodedWords(std::string_view text, bool unquote) {
@@ -139,16 +142,17 @@ HeaderText DecodeEncodedWords(std::string_view text, bool unquote) {
   const std::optional<abi::Encoding> found = FindCharset(scanner.charset());
   const abi::Encoding encoding = found.value_or(abi::kUnknownEncoding);
   if (encoding == abi::kUnknownEncoding) {
-    ZQV_LOG("%s%s %s", "unhandled encoding", scanner.charset().c_str());
+    const std::string charset(scanner.charset());
+    ZQV_LOG("%s%s %s", "unhandled encoding", charset.c_str());
     HeaderText undecoded = Undecoded(text, unquote);
-    if (!found.has_value()) undecoded.unknown_charset = scanner.charset();
-    undecoded.charset_without_encoding = scanner.charset();
+    if (!found.has_value()) undecoded.unknown_charset = charset;
+    undecoded.charset_without_encoding = charset;
     return undecoded;
   }
-  std::string decoded = std::move(scanner.decoded());
-  if (unquote) decoded = std::string(RemoveQuotes(decoded));
+  std::string_view decoded = scanner.decoded().view();
+  if (unquote) decoded = RemoveQuotes(decoded);
   if (encoding == abi::kAscii) LogUnlessAscii(decoded, UpToNul(decoded));
-  return {std::move(decoded), encoding};
+  return {decoded, encoding, std::move(scanner.decoded())};
 }
 
 }  // namespace zqv::text

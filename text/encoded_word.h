@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "abi/encodings.h"
+#include "text/transfer_codes.h"
 
 namespace zqv::text {
 
@@ -17,18 +18,11 @@ namespace zqv::text {
 class HeaderText {
  public:
   HeaderText() = default;  // empty
-  HeaderText(std::string&& bytes, abi::Encoding encoding)
-      : owned_(std::move(bytes)), is_owned_(true), encoding_(encoding) {}
-  // `bytes` must outlive this.
-  static HeaderText Borrow(std::string_view bytes, abi::Encoding encoding) {
-    HeaderText text;
-    text.borrowed_ = bytes;
-    text.encoding_ = encoding;
-    return text;
-  }
+  // `bytes` up to their first NUL, which must outlive this unless `owned` holds them.
+  HeaderText(std::string_view bytes, abi::Encoding encoding, DecodedBytes owned = {})
+      : owned_(std::move(owned)), bytes_(bytes.substr(0, bytes.find('\0'))), encoding_(encoding) {}
 
-  // Up to the first NUL.
-  std::string_view bytes() const;
+  std::string_view bytes() const { return bytes_; }
   abi::Encoding encoding() const { return encoding_; }
 
   // For those who report it: the charset that the text names when it is not in the table, and the
@@ -38,9 +32,8 @@ class HeaderText {
   std::string charset_without_encoding;
 
  private:
-  std::string owned_;
-  std::string_view borrowed_;
-  bool is_owned_ = false;
+  DecodedBytes owned_;
+  std::string_view bytes_;
   abi::Encoding encoding_ = abi::kAscii;
 };
 

@@ -12,7 +12,6 @@
 namespace zqv::text {
 namespace {
 
-using base::AreBetween;
 using base::Bytes16;
 using base::CanLookUp;
 using base::FirstOf;
@@ -28,6 +27,8 @@ using base::StoreBytes16;
 using base::StoreWideBytes;
 using base::TableOf;
 using base::WideBytes;
+
+static_assert(kWideBytes <= kBase64Slack);
 
 constexpr std::string_view kAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -111,16 +112,15 @@ ZQV_LOOKS_UP bool DecodeLine(const char* in, std::size_t length, char* out) {
 
 class Base64Decoder {
  public:
-  explicit Base64Decoder(std::string_view text)
+  Base64Decoder(std::string_view text, char* out)
       : begin_(text.data()),
         at_(begin_),
         end_(begin_ + text.size()),
-        decoded_(text.size() / 4 * 3 + kWideBytes),
-        can_look_up_(CanLookUp()) {
-    out_ = decoded_.data();
-  }
+        out_(out),
+        can_look_up_(CanLookUp()) {}
 
-  DecodedBytes Run() {
+  // The end of what was decoded.
+  char* Run() {
     while (at_ != end_) {
       if (can_look_up_ && IsAtLineStart()) ReadLines();
       for (std::uint32_t bits = 0; IsRegular(bits); at_ += kGroup) Put(bits, 3);
@@ -128,8 +128,7 @@ class Base64Decoder {
       std::uint32_t bits = 0;
       if (!IsRegular(bits)) ReadGroup();
     }
-    decoded_.EndAt(out_);
-    return std::move(decoded_);
+    return out_;
   }
 
  private:
@@ -189,8 +188,7 @@ class Base64Decoder {
 
   const char* const begin_;
   const char* at_;
-  const char* end_;
-  DecodedBytes decoded_;
+  const char* const end_;
   char* out_;
   const bool can_look_up_;
 };
@@ -246,53 +244,72 @@ class QuotedPrintableDecoder {
 
  private:
   static Bytes16 EndRun(Bytes16 c) {
-    return (c == '=') | (AreBetween(c, 0, ' ' - 1) & (c != '\t'));
+    const Bytes16 are_controls = (c & ~(' ' - 1)) == 0;
+    return (c == '=') | (are_controls & (c != '\t'));
   }
+
+  // A place in the text and in what it gives, which the processor keeps in registers.
+  struct Places {
+    const char* at;
+    char* out;
+  };
 
   // What ends runs is found for 64 characters at once and then visited, so that the processor need
   // not guess each run's length. Stops at what is no code, soft break or line end of the usual
-  // kind, and near the end of the text.
+  // kind, and near the end of the text. What such a code or break ends in is never a blank, so that
+  // blanks before a line end may be looked for from where this began.
   void ReadRegular() {
-    while (end_ - at_ >= 2 * kBytes64) {
-      const char* const block_end = at_ + kBytes64;
-      const char* const block = at_;
-      for (std::uint64_t ends = base::BitsOf64(block, EndRun); ends != 0; ends &= ends - 1) {
+    Places places{at_, out_};
+    bool is_regular = true;
+    while (is_regular && end_ - places.at >= 2 * kBytes64) {
+      const char* const block = places.at;
+      std::uint64_t ends = base::BitsOf64(block, EndRun);
+      for (; is_regular && ends != 0; ends &= ends - 1) {
         const char* const end = block + __builtin_ctzll(ends);
-        if (end < at_) continue;  // taken with the one before
-        KeepShort(end);
-        if (!ReadRegularEnd()) return;
-        run_ = at_;
+        if (end < places.at) continue;  // taken with the one before
+        KeepShort(end, places);
+        is_regular = ReadRegularEnd(places);
       }
-      if (at_ < block_end) KeepShort(block_end);
+      if (is_regular && places.at < block + kBytes64) KeepShort(block + kBytes64, places);
     }
+    at_ = places.at;
+    out_ = places.out;
   }
 
   // "=" and two digits, "=" and CRLF, or CRLF without blanks before it; false, with nothing taken,
   // when it is none of them.
-  bool ReadRegularEnd() {
-    if (*at_ == '=') {
-      if (ReadByte()) return true;
-      if (at_[1] != '\r' || at_[2] != '\n') return false;
-      at_ += 3;
+  bool ReadRegularEnd(Places& places) const {
+    const char* const at = places.at;
+    if (*at == '=') {
+      const int byte = ByteAt(at);
+      if (byte >= 0) {
+        *places.out++ = static_cast<char>(byte);
+      } else if (at[1] != '\r' || at[2] != '\n') {
+        return false;
+      }
+      places.at += 3;
       return true;
     }
-    if (at_[0] != '\r' || at_[1] != '\n' || (at_ != run_ && base::IsBlank(at_[-1]))) return false;
-    *out_++ = '\n';
-    at_ += 2;
+    if (at[0] != '\r' || at[1] != '\n' || (at != run_ && base::IsBlank(at[-1]))) return false;
+    *places.out++ = '\n';
+    places.at += 2;
     return true;
   }
 
   // Keeps 64 characters at the most, and may write as many whatever their number.
-  void KeepShort(const char* end) {
-    const std::ptrdiff_t length = end - at_;
-    StoreBytes16(LoadBytes16(at_), out_);
-    StoreBytes16(LoadBytes16(at_ + kBytes16), out_ + kBytes16);
+  static void KeepShort(const char* end, Places& places) {
+    const auto copy = [&places](std::size_t block) {
+      StoreBytes16(LoadBytes16(places.at + block * kBytes16), places.out + block * kBytes16);
+    };
+    const std::ptrdiff_t length = end - places.at;
+    copy(0);
+    copy(1);
     if (length > 2 * static_cast<std::ptrdiff_t>(kBytes16)) {
-      StoreBytes16(LoadBytes16(at_ + 2 * kBytes16), out_ + 2 * kBytes16);
-      StoreBytes16(LoadBytes16(at_ + 3 * kBytes16), out_ + 3 * kBytes16);
+      copy(2);
+      copy(3);
     }
-    at_ = end;
-    out_ += length;
+    places.at = end;
+    places.out += length;
   }
 
   void Keep(const char* end) {
@@ -365,9 +382,12 @@ class QuotedPrintableDecoder {
     }
   }
 
+  // The value of the two digits behind "="; negative when they are something else.
+  static int ByteAt(const char* at) { return DigitValue(at[1]) * 16 | DigitValue(at[2]); }
+
   // "=" and two digits; false when it is something else.
   bool ReadByte() {
-    const int byte = DigitValue(at_[1]) * 16 | DigitValue(at_[2]);
+    const int byte = ByteAt(at_);
     if (byte < 0) return false;
     *out_++ = static_cast<char>(byte);
     at_ += 3;
@@ -392,7 +412,13 @@ class QuotedPrintableDecoder {
 
 }  // namespace
 
-DecodedBytes DecodeBase64(std::string_view text) { return Base64Decoder(text).Run(); }
+char* DecodeBase64(std::string_view text, char* out) { return Base64Decoder(text, out).Run(); }
+
+DecodedBytes DecodeBase64(std::string_view text) {
+  DecodedBytes decoded(Base64Room(text.size()));
+  decoded.EndAt(DecodeBase64(text, decoded.data()));
+  return decoded;
+}
 
 DecodedBytes DecodeQuotedPrintable(std::string_view text) {
   return QuotedPrintableDecoder(text).Run();

@@ -14,9 +14,10 @@
 namespace zqv::text {
 
 // What a decoder made: room for the most that a text can give, and how much of it was needed. The
-// room is not filled with zeros first.
+// room is not filled with zeros first. Its bytes stay where they are when it is moved.
 class DecodedBytes {
  public:
+  DecodedBytes() = default;  // no room, no bytes
   explicit DecodedBytes(std::size_t room) : bytes_(new char[room]) {
     base::PreferLargePages(bytes_.get(), room);
   }
@@ -34,6 +35,12 @@ class DecodedBytes {
 // third or fourth place ends what the four give; in the first or second it counts as a value. Fewer
 // than four at the end give the whole bytes that they hold.
 DecodedBytes DecodeBase64(std::string_view text);
+
+// The same into memory of the caller, which must have room for Base64Room(text.size()) bytes; those
+// behind the result are overwritten, too. Returns the end of the result.
+char* DecodeBase64(std::string_view text, char* out);
+inline constexpr std::size_t kBase64Slack = 32;
+constexpr std::size_t Base64Room(std::size_t length) { return length / 4 * 3 + kBase64Slack; }
 
 // Blanks before a CR or LF go, and that one character with them; CRLF, LFCR, CR and LF are one LF
 // each; other control characters go. "=" with blanks and a line end is a soft break; "=" that
