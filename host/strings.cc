@@ -60,46 +60,53 @@ StringRef BuildUtf32(const void* bytes, std::int64_t length) {
                            static_cast<std::size_t>(length) / sizeof(char32_t));
 }
 
-bool ContainsAscii(abi::Encoding encoding) {
-  return encoding == abi::kMacRoman || encoding == abi::kIsoLatin1 ||
-         encoding == abi::kWindowsLatin1 || encoding == abi::kUnknownEncoding;
-}
-
-StringRef Build(const void* bytes, std::int64_t length, abi::Encoding encoding) {
-  if (encoding == abi::kUtf16)
-    return REALBuildUnicodeStringUTF16(static_cast<const char16_t*>(bytes), length);
-  if (encoding == abi::kUtf32) return BuildUtf32(bytes, length);
-  if (ContainsAscii(encoding)) {
-    const std::string_view text(static_cast<const char*>(bytes), static_cast<std::size_t>(length));
-    return BuildLabelled(bytes, length, base::IsAscii(text) ? abi::kAscii : encoding);
+// Not empty, and of a length that an int holds.
+StringRef Build(std::string_view bytes, abi::Encoding encoding) {
+  const void* const data = bytes.data();
+  const auto length = static_cast<std::int64_t>(bytes.size());
+  switch (encoding) {
+    case abi::kAscii:
+    case abi::kUtf8:
+      break;
+    case abi::kMacRoman:
+    case abi::kIsoLatin1:
+    case abi::kWindowsLatin1:
+    case abi::kUnknownEncoding:  // these contain ASCII
+      if (base::IsAscii(bytes)) encoding = abi::kAscii;
+      break;
+    case abi::kUtf16:
+      return REALBuildUnicodeStringUTF16(static_cast<const char16_t*>(data), length);
+    case abi::kUtf32:
+      return BuildUtf32(data, length);
+    default:
+      ZQV_LOG("%s%s %u", "Unknown encoding in REALBuildUnicodeString", encoding);
   }
-  if (encoding != abi::kAscii && encoding != abi::kUtf8)
-    ZQV_LOG("%s%s %u", "Unknown encoding in REALBuildUnicodeString", encoding);
-  return BuildLabelled(bytes, length, encoding);
-}
-
-StringRef BuildChecked(const void* bytes, std::int64_t length, abi::Encoding encoding) {
-  if (bytes == nullptr || length < 1) return {};
-  if (length > std::numeric_limits<std::int32_t>::max()) {
-    ZQV_LOG("%s%s", "Count too big for REALBuildUnicodeString.");
-    return {};
-  }
-  return Build(bytes, length, encoding);
+  return BuildLabelled(data, length, encoding);
 }
 
 }  // namespace
 
 StringRef BuildStringOrThrow(std::string_view bytes, abi::Encoding encoding) {
-  return BuildChecked(bytes.data(), static_cast<std::int64_t>(bytes.size()), encoding);
+  if (bytes.empty()) return {};
+  if (bytes.size() > std::numeric_limits<std::int32_t>::max()) {
+    ZQV_LOG("%s%s", "Count too big for REALBuildUnicodeString.");
+    return {};
+  }
+  return Build(bytes, encoding);
 }
 
-StringRef REALBuildUnicodeString(const void* bytes, std::int64_t length, abi::Encoding encoding) {
+StringRef BuildString(std::string_view bytes, abi::Encoding encoding) {
   try {
-    return BuildChecked(bytes, length, encoding);
+    return BuildStringOrThrow(bytes, encoding);
   } catch (...) {
     RaiseCurrentException();
     return {};
   }
+}
+
+StringRef REALBuildUnicodeString(const void* bytes, std::int64_t length, abi::Encoding encoding) {
+  if (bytes == nullptr || length < 1) return {};
+  return BuildString({static_cast<const char*>(bytes), static_cast<std::size_t>(length)}, encoding);
 }
 
 StringRef REALBuildUnicodeStringUTF16(const char16_t* units, std::int64_t byte_length) {
@@ -109,10 +116,6 @@ StringRef REALBuildUnicodeStringUTF16(const char16_t* units, std::int64_t byte_l
     return {};
   }
   return ConvertToUtf8(string);
-}
-
-StringRef BuildString(std::string_view bytes, abi::Encoding encoding) {
-  return REALBuildUnicodeString(bytes.data(), static_cast<std::int64_t>(bytes.size()), encoding);
 }
 
 StringRef BuildDetectedString(std::string_view bytes) {
