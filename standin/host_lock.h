@@ -43,17 +43,19 @@ inline bool IsSingleThreaded() {
 #endif
 }
 
-inline void AcquireHost() {
+// Where there are, or may be, several threads, and where it is held already.
+__attribute__((noinline)) inline void AcquireAmongThreads() {
   if (g_hold != Hold::kNone) Fatal("the host's lock is taken twice by one thread");
-  if (IsSingleThreaded()) {
-    g_hold = Hold::kWithoutMutex;
-    return;
-  }
   g_host_mutex.lock();
   g_hold = Hold::kWithMutex;
   if (g_last_holder == &g_hold) return;
   g_last_holder = &g_hold;
   ++g_handovers;
+}
+
+inline void AcquireHost() {
+  if (!IsSingleThreaded() || g_hold != Hold::kNone) return AcquireAmongThreads();
+  g_hold = Hold::kWithoutMutex;
 }
 
 inline void ReleaseHost() {

@@ -62,10 +62,7 @@ void Ledger::Born(const Thing* thing) {
 
 void Ledger::Died(Thing* thing, std::size_t bytes) {
   --Count(thing->kind);
-  if (!enabled_) {
-    std::free(thing);
-    return;
-  }
+  if (!enabled_) return memory_.GiveBack(thing, bytes);
   live_.erase(thing);
   dead_.emplace(thing, Dead{thing->type, thing->creator, bytes});
   dead_order_.push_back(thing);

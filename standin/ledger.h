@@ -9,12 +9,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <deque>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "abi/records.h"
+#include "standin/thing_memory.h"
 #include "standin/things.h"
 
 namespace zqv::standin {
@@ -39,9 +41,12 @@ class Ledger {
 
   bool enabled() const { return enabled_; }
 
+  // Memory for a thing; null when there is none.
+  void* Allocate(std::size_t bytes) { return enabled_ ? std::malloc(bytes) : memory_.Take(bytes); }
+
   // The thing's head must be filled in.
   void Born(const Thing* thing);
-  // Takes over the thing's memory, an allocation of `bytes` from malloc.
+  // Takes over the thing's memory, for which Allocate was asked for so many bytes.
   void Died(Thing* thing, std::size_t bytes);
 
   // Fatal unless `pointer` is a live thing; `user` names who uses it.
@@ -80,6 +85,7 @@ class Ledger {
   const bool enabled_;
   const std::size_t quarantine_entries_;
   const std::size_t quarantine_bytes_;
+  ThingMemory memory_;  // without the ledger
   LiveCounts counts_;
   std::unordered_map<const void*, const Thing*> live_;
   std::unordered_map<const void*, Dead> dead_;
