@@ -56,9 +56,11 @@ static_assert(kStarts.row[kLongest + 1] == std::size(kNames), "a longer name sta
 }  // namespace
 
 std::optional<FieldName> RecogniseFieldName(std::string_view name) {
-  if (name.size() > kLongest) return std::nullopt;
+  if (name.empty() || name.size() > kLongest) return std::nullopt;
+  const char first = base::LowerAscii(name.front());
   for (std::size_t i = kStarts.row[name.size()]; i < kStarts.row[name.size() + 1]; ++i) {
-    if (base::EqualsIgnoringCase(name, kNames[i].name)) return kNames[i].field;
+    const Row& row = kNames[i];
+    if (row.name.front() == first && base::EqualsIgnoringCase(name, row.name)) return row.field;
   }
   return std::nullopt;
 }

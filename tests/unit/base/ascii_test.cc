@@ -53,5 +53,25 @@ TEST(Ascii, WordsAreEqualWhateverTheirCase) {
   EXPECT_FALSE(base::EqualsIgnoringCase("[", "{")) << "32 apart, and no letters";
 }
 
+// Eight characters are compared at once, so every pair of bytes is tried in every place of words
+// around that length.
+TEST(Ascii, EveryPairOfBytesIsComparedAlikeInEveryPlace) {
+  for (const std::size_t length : {1U, 7U, 8U, 9U, 16U, 17U}) {
+    for (std::size_t place = 0; place < length; ++place) {
+      std::string left(length, 'x');
+      std::string right(length, 'X');
+      for (int a = 0; a < 0x100; ++a) {
+        for (int b = 0; b < 0x100; ++b) {
+          left[place] = static_cast<char>(a);
+          right[place] = static_cast<char>(b);
+          const bool expected = base::LowerAscii(left[place]) == base::LowerAscii(right[place]);
+          ASSERT_EQ(base::EqualsIgnoringCase(left, right), expected)
+              << a << " " << b << " at " << place << " of " << length;
+        }
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace zqv::test
