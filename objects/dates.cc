@@ -69,12 +69,13 @@ void SetProperties(abi::REALobject date, const email::DateFields& fields) {
 // Nothing when the local time cannot be had.
 class LocalOffset {
  public:
-  // Asked once: the C library looks at the zone's file each time.
+  // Asked once. localtime_r looks at the zone's file for the first call in the process alone, and
+  // again only after somebody else has called tzset, localtime or mktime.
   std::optional<long> Get() {
     if (!is_known_) {
       const std::time_t now = std::time(nullptr);
-      const std::tm* local = std::localtime(&now);
-      if (local != nullptr) offset_ = local->tm_gmtoff;
+      std::tm local{};
+      if (localtime_r(&now, &local) != nullptr) offset_ = local.tm_gmtoff;
       is_known_ = true;
     }
     return offset_;

@@ -30,12 +30,12 @@ constexpr char kSummerTime[] = "CET-1CEST,M3.5.0,M10.5.0/3";
 }  // namespace
 }  // namespace zqv::test
 
-// The linker puts these in the places of time and localtime.
+// The linker puts these in the places of time and localtime_r.
 extern "C" {
 std::time_t __real_time(std::time_t* result);
 std::time_t __wrap_time(std::time_t* result);
-std::tm* __real_localtime(const std::time_t* time);
-std::tm* __wrap_localtime(const std::time_t* time);
+std::tm* __real_localtime_r(const std::time_t* time, std::tm* result);
+std::tm* __wrap_localtime_r(const std::time_t* time, std::tm* result);
 }
 
 std::time_t __wrap_time(std::time_t* result) {
@@ -44,8 +44,8 @@ std::time_t __wrap_time(std::time_t* result) {
   return *zqv::test::g_now;
 }
 
-std::tm* __wrap_localtime(const std::time_t* time) {
-  return zqv::test::g_localtime_fails ? nullptr : __real_localtime(time);
+std::tm* __wrap_localtime_r(const std::time_t* time, std::tm* result) {
+  return zqv::test::g_localtime_fails ? nullptr : __real_localtime_r(time, result);
 }
 
 namespace zqv::test {
