@@ -165,6 +165,12 @@ ZQV_LOOKS_UP inline WideBytes LookUp(WideBytes table, WideBytes indexes) {
       _mm256_shuffle_epi8(reinterpret_cast<__m256i>(table), reinterpret_cast<__m256i>(indexes)));
 }
 
+// The upper four bits of each byte.
+ZQV_LOOKS_UP inline WideBytes UpperHalves(WideBytes bytes) {
+  const __m256i shifted = _mm256_srli_epi16(reinterpret_cast<__m256i>(bytes), 4);
+  return reinterpret_cast<WideBytes>(shifted) & 0x0F;
+}
+
 // The 24 bits of each four values of six bits, the first one's highest, in a 32-bit word.
 ZQV_LOOKS_UP inline WideBytes JoinSixBits(WideBytes values) {
   const __m256i twelve =
@@ -200,6 +206,8 @@ inline WideBytes LookUp(WideBytes table, WideBytes indexes) {
   return reinterpret_cast<WideBytes>(
       vqtbl1q_u8(reinterpret_cast<uint8x16_t>(table), reinterpret_cast<uint8x16_t>(indexes)));
 }
+
+inline WideBytes UpperHalves(WideBytes bytes) { return (bytes >> 4) & 0x0F; }
 
 inline WideBytes JoinSixBits(WideBytes values) {
   using Words = std::uint32_t __attribute__((vector_size(sizeof(WideBytes))));

@@ -26,6 +26,7 @@ using base::LookUp;
 using base::StoreBytes16;
 using base::StoreWideBytes;
 using base::TableOf;
+using base::UpperHalves;
 using base::WideBytes;
 
 static_assert(kWideBytes <= kBase64Slack);
@@ -84,13 +85,19 @@ constexpr HalfTables kHalves = MakeHalfTables();
 constexpr std::array<std::int8_t, kBytes16> kByteOrder = {2, 1,  0,  6,  5,  4,  10, 9,
                                                           8, 14, 13, 12, -1, -1, -1, -1};
 
+// A place in a text and in what it gives, which the processor keeps in registers.
+struct Places {
+  const char* at;
+  char* out;
+};
+
 // Where bytes can be looked up, whole lines of the alphabet are read a block at a time: four
 // characters to three bytes, and as many more bytes at the end as fill the block, which count for
 // nothing. Gives a byte that is not 0 where a character is not of the alphabet; then what was
 // written means nothing.
 ZQV_LOOKS_UP inline WideBytes DecodeBlock(const char* in, char* out) {
   const WideBytes c = LoadWideBytes(in);
-  const WideBytes upper = (c >> 4) & 0x0F;
+  const WideBytes upper = UpperHalves(c);
   const WideBytes strange =
       LookUp(TableOf(kHalves.upper), upper) & LookUp(TableOf(kHalves.lower), c & 0x0F);
   const WideBytes values = c + LookUp(TableOf(kHalves.shift), upper + (c == '/'));
@@ -98,16 +105,24 @@ ZQV_LOOKS_UP inline WideBytes DecodeBlock(const char* in, char* out) {
   return strange;
 }
 
-// A line of `length` characters, a block at the least. The last block begins within the one before,
-// where the length asks for it, and gives the same bytes again.
-ZQV_LOOKS_UP bool DecodeLine(const char* in, std::size_t length, char* out) {
+// Lines of `length` characters, a block at the least, each with a line end behind it; up to one
+// that holds another character. A line's last block begins within the one before, where the length
+// asks for it, and gives the same bytes again.
+ZQV_LOOKS_UP Places DecodeLines(Places places, const char* end, std::size_t length) {
   const std::size_t last = length - kWideBytes;
-  WideBytes strange = {};
-  for (std::size_t at = 0; at < last; at += kWideBytes) {
-    strange |= DecodeBlock(in + at, out + at / 4 * 3);
+  while (static_cast<std::size_t>(end - places.at) > length && base::IsLineEnd(places.at[length])) {
+    WideBytes strange = {};
+    std::size_t block = 0;
+    while (true) {
+      strange |= DecodeBlock(places.at + block, places.out + block / 4 * 3);
+      if (block == last) break;
+      block = std::min(block + kWideBytes, last);
+    }
+    if (!IsAllZero(strange)) break;
+    places.at = std::find_if_not(places.at + length, end, base::IsLineEnd);
+    places.out += length / 4 * 3;
   }
-  strange |= DecodeBlock(in + last, out + last / 4 * 3);
-  return IsAllZero(strange);
+  return places;
 }
 
 class Base64Decoder {
@@ -146,11 +161,9 @@ class Base64Decoder {
         std::find_if(at_, longest, [](char c) { return base::IsLineEnd(c); });
     const auto length = static_cast<std::size_t>(line_end - at_);
     if (line_end == longest || length < kWideBytes || length % kGroup != 0) return;
-    while (static_cast<std::size_t>(end_ - at_) > length && base::IsLineEnd(at_[length]) &&
-           DecodeLine(at_, length, out_)) {
-      at_ = std::find_if_not(at_ + length, end_, base::IsLineEnd);
-      out_ += length / kGroup * 3;
-    }
+    const Places rest = DecodeLines({at_, out_}, end_, length);
+    at_ = rest.at;
+    out_ = rest.out;
   }
 
   // Whether the next four characters are all of the alphabet; then what they give.
@@ -247,12 +260,6 @@ class QuotedPrintableDecoder {
     const Bytes16 are_controls = (c & ~(' ' - 1)) == 0;
     return (c == '=') | (are_controls & (c != '\t'));
   }
-
-  // A place in the text and in what it gives, which the processor keeps in registers.
-  struct Places {
-    const char* at;
-    char* out;
-  };
 
   // What ends runs is found for 64 characters at once and then visited, so that the processor need
   // not guess each run's length. Stops at what is no code, soft break or line end of the usual
