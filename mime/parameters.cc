@@ -1,5 +1,7 @@
 #include "mime/parameters.h"
 
+#include <algorithm>
+
 #include "base/ascii.h"
 #include "mime/pieces.h"
 
@@ -19,6 +21,24 @@ Parameter ReadParameter(std::string_view text) {
   return {TrimBlanks(text.substr(0, equals)), RemoveQuotes(TrimBlanks(text.substr(equals + 1)))};
 }
 
+// Writes the texts one after the other. Returns the end of what was written.
+template <class... Texts>
+char* Write(char* out, const Texts&... texts) {
+  for (const std::string_view text : {std::string_view(texts)...}) {
+    out = std::copy(text.begin(), text.end(), out);
+  }
+  return out;
+}
+
+// What `write_front` writes, of so many bytes, and the parameters behind it.
+template <class WriteFront>
+std::string TextOf(std::size_t front, const Parameters& parameters, WriteFront write_front) {
+  std::string text(front + parameters.TextRoom(), '\0');
+  const char* const end = parameters.WriteText(write_front(text.data()));
+  text.resize(static_cast<std::size_t>(end - text.data()));
+  return text;
+}
+
 }  // namespace
 
 std::string_view Parameters::Find(std::string_view name) const {
@@ -35,14 +55,17 @@ std::size_t Parameters::Count() const {
   return count;
 }
 
-void Parameters::AppendText(std::string& text) const {
-  if (list_.empty()) return;
+std::size_t Parameters::TextRoom() const {
   constexpr std::size_t kMostAdded = 5;  // characters for each parameter
-  text.reserve(text.size() + list_.size() + kMostAdded * Count());
+  return list_.size() + kMostAdded * Count();
+}
+
+char* Parameters::WriteText(char* out) const {
   for (std::string_view rest = list_; !rest.empty();) {
     const Parameter parameter = ReadParameter(TakeUpTo(';', rest));
-    text.append("; ").append(parameter.name).append("=\"").append(parameter.value).append("\"");
+    out = Write(out, "; ", parameter.name, "=\"", parameter.value, "\"");
   }
+  return out;
 }
 
 ContentType::ContentType(std::string_view value) {
@@ -53,19 +76,15 @@ ContentType::ContentType(std::string_view value) {
 }
 
 std::string ContentType::Text() const {
-  std::string text;
-  text.append(type_).append("/").append(subtype_);
-  parameters_.AppendText(text);
-  return text;
+  return TextOf(type_.size() + 1 + subtype_.size(), parameters_,
+                [this](char* out) { return Write(out, type_, "/", subtype_); });
 }
 
 ContentDisposition::ContentDisposition(std::string_view value)
     : type_(TakeUpTo(';', value)), parameters_(value) {}
 
 std::string ContentDisposition::Text() const {
-  std::string text(type_);
-  parameters_.AppendText(text);
-  return text;
+  return TextOf(type_.size(), parameters_, [this](char* out) { return Write(out, type_); });
 }
 
 }  // namespace zqv::mime

@@ -27,8 +27,10 @@ class Parameters {
 
   std::size_t Count() const;
 
-  // Appends `; name="value"` for each.
-  void AppendText(std::string& text) const;
+  // What WriteText writes at the most, in bytes.
+  std::size_t TextRoom() const;
+  // Writes `; name="value"` for each. Returns the end of what was written.
+  char* WriteText(char* out) const;
 
  private:
   std::string_view list_;

@@ -18,11 +18,12 @@ using host::BuildDetectedString;
 using mime::FieldName;
 
 void FillTexts(MimeHeaderClassData& record, const mime::Header& header) {
+  // These two have a text even when the header lacks them.
+  record.MimeVersion.Put(BuildDetectedString(header.Text(FieldName::kMimeVersion)));
+  record.ContentType.Put(BuildDetectedString(header.Text(FieldName::kContentType)));
   const auto put = [&](host::StringSlot& slot, FieldName name) {
-    slot.Put(BuildDetectedString(header.Text(name)));
+    if (header.Has(name)) slot.Put(BuildDetectedString(header.Text(name)));
   };
-  put(record.MimeVersion, FieldName::kMimeVersion);
-  put(record.ContentType, FieldName::kContentType);
   put(record.ContentTransferEncoding, FieldName::kContentTransferEncoding);
   put(record.ContentTransferEncodingMechanism, FieldName::kContentTransferEncoding);
   put(record.ContentDisposition, FieldName::kContentDisposition);
