@@ -160,19 +160,30 @@ void TestArrayAccessOnce() {
   ArrayAccessSuccess = PassesTest(array.get());
 }
 
+// The host's procedure that inserts into this array, or null.
+abi::ObjectArrayInsertProc InsertProcedure(abi::REALarray array) {
+  return ProcedureAt<abi::ObjectArrayInsertProc>(entry::PluginObjectArrayInsertProc(array));
+}
+
 }  // namespace
 
 ArrayRef NewObjectArray() {
   return ArrayRef::Adopt(entry::RuntimeArrayCreateSingleDimBoundedArray(abi::kObjectElements, -1));
 }
 
+// QUIRK: without the upper-bound operation the index is 1, which an empty list of the host may
+// refuse. Test: MissingEntryPoints.EveryListSurvives.
 void AppendObject(abi::REALarray array, abi::REALobject object) {
-  // QUIRK: without the upper-bound operation the index is 1, which an empty list of the host may
-  // refuse. Test: MissingEntryPoints.EveryListSurvives.
   const std::int64_t index = UpperBound(array) + 1;
-  const auto insert =
-      ProcedureAt<abi::ObjectArrayInsertProc>(entry::PluginObjectArrayInsertProc(array));
+  const abi::ObjectArrayInsertProc insert = InsertProcedure(array);
   if (insert != nullptr) insert(array, index, object);
+}
+
+void NewListFiller::Append(abi::REALobject object) {
+  if (insert_ == nullptr) insert_ = InsertProcedure(array_);
+  if (insert_ == nullptr) return;
+  insert_(array_, entry::RuntimeUBound.Find() != nullptr ? count_ : 1, object);
+  ++count_;
 }
 
 std::int64_t ArrayCount(abi::REALarray array) {

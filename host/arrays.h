@@ -17,6 +17,20 @@ ArrayRef NewObjectArray();
 // Appends `object` [borrowed: the array adds its own count]. Dropped when the host cannot insert.
 void AppendObject(abi::REALarray array, abi::REALobject object);
 
+// Appends to an array [borrowed] that is new and empty and that nobody else fills meanwhile: the
+// same as AppendObject, but the host is not asked again for what is known.
+class NewListFiller {
+ public:
+  explicit NewListFiller(abi::REALarray array) : array_(array) {}
+
+  void Append(abi::REALobject object);
+
+ private:
+  abi::REALarray array_;
+  abi::ObjectArrayInsertProc insert_ = nullptr;
+  std::int64_t count_ = 0;
+};
+
 // The number of elements: 0 for a nil array, 1 when the host cannot tell the upper bound.
 std::int64_t ArrayCount(abi::REALarray array);
 

@@ -10,9 +10,10 @@ void Set(MimeAddressListClassData& record, const mime::AddressList& list) {
   record.StringValue.Put(host::BuildDetectedText(list.text()));
   record.addresses.Put(host::NewObjectArray());
   if (!record.addresses) return;
+  host::NewListFiller filler(record.addresses.get());
   for (const mime::Address& address : list) {
     const host::ObjectRef object = NewFilled<MimeAddressClassData>(address);
-    if (object) host::AppendObject(record.addresses.get(), object.get());
+    if (object) filler.Append(object.get());
   }
 }
 

@@ -52,9 +52,10 @@ void FillAddresses(MimeHeaderClassData& record, const mime::Header& header) {
 void FillFields(MimeHeaderClassData& record, const mime::Header& header) {
   record.fields.Put(host::NewObjectArray());
   if (!record.fields) return;
+  host::NewListFiller list(record.fields.get());
   for (std::size_t i = 0; i < header.size(); ++i) {
     const host::ObjectRef object = NewFilled<MimeFieldClassData>(header[i].name, header.Value(i));
-    if (object) host::AppendObject(record.fields.get(), object.get());
+    if (object) list.Append(object.get());
   }
 }
 

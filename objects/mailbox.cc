@@ -43,10 +43,11 @@ void Clear(MimeMailboxClassData& record) {
 host::ArrayRef NewMailboxArray(mime::MailboxRange mailboxes) {
   host::ArrayRef array = host::NewObjectArray();
   if (!array) return array;
+  host::NewListFiller filler(array.get());
   for (const mime::Mailbox& mailbox : mailboxes) {
     if (mailbox.local_part.empty()) continue;
     const host::ObjectRef object = NewFilled<MimeMailboxClassData>(mailbox);
-    if (object) host::AppendObject(array.get(), object.get());
+    if (object) filler.Append(object.get());
   }
   return array;
 }

@@ -226,8 +226,11 @@ ClassInfo* ClassTable::Add(std::string_view name, const ClassInfo* super) {
 }
 
 const ClassInfo* ClassTable::Find(std::string_view name) const {
-  const auto place = reinterpret_cast<std::uintptr_t>(name.data());
-  std::atomic<const ClassInfo*>& slot = recent_[(place ^ place >> 4) % recent_.size()];
+  // Multiplied by 2^64 divided by the golden ratio, addresses that are close go to places that are
+  // not.
+  constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15;
+  const auto place = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(name.data()));
+  std::atomic<const ClassInfo*>& slot = recent_[(place * kSpread >> 32) % recent_.size()];
   const ClassInfo* const recent = slot.load(std::memory_order_acquire);
   if (recent != nullptr && recent->name == name) return recent;
   const auto entry = by_name_.find(name);

@@ -124,7 +124,7 @@ class ClassTable {
   std::vector<std::unique_ptr<ClassInfo>> classes_;
   std::unordered_map<std::string_view, const ClassInfo*, NameHash, NameEqual> by_name_;
   // What was found last, by where the name that was asked for lies: who asks again has it there.
-  mutable std::array<std::atomic<const ClassInfo*>, 16> recent_{};
+  mutable std::array<std::atomic<const ClassInfo*>, 64> recent_{};
   std::vector<const ClassInfo*> registered_;
   std::set<std::size_t> used_offsets_;
   std::set<int> announced_;

@@ -124,6 +124,10 @@ TEST_F(MissingEntryPoints, EveryListSurvives) {
   const ArrayRef list = ListOf({NewThing(), NewThing()});
   EXPECT_TRUE(list);
   EXPECT_THAT(g_insertions, ElementsAre(1, 1));
+  NewListFiller filler(list.get());
+  filler.Append(nullptr);
+  filler.Append(nullptr);
+  EXPECT_THAT(g_insertions, ElementsAre(1, 1, 1, 1));
 }
 
 TEST_F(Arrays, NilArrayHasNoElements) {
@@ -178,6 +182,34 @@ TEST_F(Arrays, ElementsAreReadDirectlyFromTheOldLayout) {
   StartVersion(2020.99);
   EXPECT_EQ(LogOfTwoReads(), Logged({"TestArray 2020.990000"}));
   EXPECT_EQ(host().CallCount(kSlowRead), 0u);
+}
+
+TEST_F(Arrays, NewListIsFilledInOrderWithoutAskingTheHostAgain) {
+  Start();
+  const std::vector<standin::Object> things = {NewThing(), NewThing(), NewThing()};
+  const ArrayRef list = NewObjectArray();
+  const std::uint64_t bounds_before = host().CallCount("RuntimeUBound");
+  NewListFiller filler(list.get());
+  for (const standin::Object& thing : things) filler.Append(thing.raw());
+  EXPECT_EQ(host().CallCount("RuntimeUBound"), bounds_before);
+  EXPECT_EQ(host().CallCount("PluginObjectArrayInsertProc"), 1u);
+  ASSERT_EQ(ArrayCount(list.get()), 3);
+  for (std::size_t i = 0; i < things.size(); ++i) {
+    EXPECT_EQ(REALGetArrayObject(list.get(), static_cast<std::int64_t>(i)).get(), things[i].raw());
+  }
+}
+
+TEST_F(Arrays, NewListTakesNothingWithoutAnInsertProcedure) {
+  Start();
+  const auto thing = NewThing();
+  const ArrayRef list = NewObjectArray();
+  host().SetFault("PluginObjectArrayInsertProc", Fault{Fault::Kind::kNothing});
+  NewListFiller filler(list.get());
+  filler.Append(thing.raw());
+  EXPECT_EQ(ArrayCount(list.get()), 0);
+  host().SetFault("PluginObjectArrayInsertProc", std::nullopt);
+  filler.Append(thing.raw());
+  EXPECT_EQ(ArrayCount(list.get()), 1) << "what was not inserted does not count";
 }
 
 TEST_F(Arrays, NilElementIsNil) {

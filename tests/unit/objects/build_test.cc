@@ -221,8 +221,8 @@ TEST_F(ParseMessage, ThatIsBrokenOffDeepInsideIsGivenBackOnASmallStack) {
 }
 
 TEST_F(ParseMessage, KeepsWhatWasSetBeforeTheHostThrew) {
-  StartEmailWithFault("PluginObjectArrayInsertProc", {standin::Fault::Kind::kThrows, 4, 1});
-  // The fields of the part and of its listing come first, then the part itself.
+  StartEmailWithFault("PluginObjectArrayInsertProc", {standin::Fault::Kind::kThrows, 3, 1});
+  // The list of the part's fields and that of attachments come first, then that of parts.
   const auto email = ParseEmail(Mixed({"A: b\nC: d\n\nx"}));
   EXPECT_EQ(TakeRaised(),
             "RuntimeException, 0: C++ Exception: fault of PluginObjectArrayInsertProc");

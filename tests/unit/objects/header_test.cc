@@ -293,10 +293,10 @@ TEST_F(Header, HasNoListWhenTheHostCannotMakeOne) {
 }
 
 TEST_F(Header, KeepsWhatWasFilledWhenTheHostThrows) {
-  StartObjectsWithFault("PluginObjectArrayInsertProc", {standin::Fault::Kind::kThrows, 2, 1});
+  StartObjectsWithFault("PluginNewInstance", {standin::Fault::Kind::kThrows, 3, 1});
+  // The header's own instance and that of the first field come first.
   const auto header = Build("Subject: x\nB: 2\nC: 3\n\n");
-  EXPECT_EQ(TakeRaised(),
-            "RuntimeException, 0: C++ Exception: fault of PluginObjectArrayInsertProc");
+  EXPECT_EQ(TakeRaised(), "RuntimeException, 0: C++ Exception: fault of PluginNewInstance");
   EXPECT_EQ(Show(RecordOf(header).subject), Ascii("x"));
   EXPECT_THAT(Fields(header), ElementsAre(Shown("Subject", "x")));
 }
