@@ -129,7 +129,7 @@ void ParseAndBuild(MimeEntityClassData& record, std::string_view bytes) {
   const mime::Message message(bytes);
   std::optional<email::DecodedBody> decoded = TreeBuilder(message, record).Run();
   const std::size_t parts = message.top().child_count;
-  ZQV_LOG("%s%s %lu", "parts count", static_cast<unsigned long>(parts));
+  ZQV_LOG("%s%s %zu", "parts count", parts);
   if (parts == 0) CompleteSinglePart(record, message, std::move(decoded));
   const mime::Field* const subject =
       message.HeaderOf(message.top()).Find(mime::FieldName::kSubject);
@@ -140,7 +140,7 @@ void ParseAndBuild(MimeEntityClassData& record, std::string_view bytes) {
 
 void MimeEmailConstructor(abi::REALobject self, MessageBytes message, abi::REALstring source) {
   std::string_view bytes = message.bytes();
-  ZQV_LOG("%s%s %lu", "MimeEmailConstructor", static_cast<unsigned long>(bytes.size()));
+  ZQV_LOG("%s%s %zu", "MimeEmailConstructor", bytes.size());
   auto* record = host::RecordOf<MimeEntityClassData>(self);
   if (record == nullptr) return;
   Begin(*record, bytes, source);

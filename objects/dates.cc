@@ -1,7 +1,7 @@
 #include "objects/dates.h"
 
 #include <cstddef>
-#include <ctime>
+#include <cstdint>
 #include <exception>
 #include <optional>
 #include <string>
@@ -10,6 +10,7 @@
 
 #include "base/log.h"
 #include "email/date_text.h"
+#include "host/platform.h"
 #include "mime/field_name.h"
 
 namespace zqv::objects {
@@ -63,25 +64,23 @@ void SetProperties(abi::REALobject date, const email::DateFields& fields) {
   for (const auto& step : steps) host::entry::REALSetPropValueInteger(date, step.name, step.value);
 }
 
-// Seconds that this machine's local time is ahead of UTC now.
+// Seconds that this machine's local time is ahead of UTC.
 // QUIRK: now, not at the message's date, so that across a change of daylight saving time the result
 // is off by the difference. Test: Dates.UsesTheOffsetOfTheMoment.
 // Nothing when the local time cannot be had.
 class LocalOffset {
  public:
   // Asked once: the C library looks at the zone's file each time.
-  std::optional<long> Get() {
+  std::optional<std::int64_t> Get() {
     if (!is_known_) {
-      const std::time_t now = std::time(nullptr);
-      const std::tm* local = std::localtime(&now);
-      if (local != nullptr) offset_ = local->tm_gmtoff;
+      offset_ = host::LocalTimeOffset();
       is_known_ = true;
     }
     return offset_;
   }
 
  private:
-  std::optional<long> offset_;
+  std::optional<std::int64_t> offset_;
   bool is_known_ = false;
 };
 
@@ -100,8 +99,8 @@ ObjectRef ConvertDate(std::string_view text, LocalOffset& local_offset) {
     ZQV_LOG("%s%s %f", "zoneOffset", offset);
     seconds -= offset;
   }
-  if (const std::optional<long> offset = local_offset.Get()) {
-    ZQV_LOG("%s%s %ld", "tm_gmtoff", *offset);
+  if (const std::optional<std::int64_t> offset = local_offset.Get()) {
+    ZQV_LOG("%s%s %lld", "tm_gmtoff", static_cast<long long>(*offset));
     seconds += static_cast<double>(*offset);
   }
   ZQV_LOG("%s%s %f", "seconds", seconds);
