@@ -234,6 +234,45 @@ void AppendUtf16(char32_t c, bool is_little, std::string* bytes) {
   AppendUnit(c, 2, is_little, bytes);
 }
 
+// UTF-7 (RFC 2152), read only: UTF-16 in base64 between "+" and what is no digit of it.
+std::optional<std::u32string> DecodeUtf7(std::string_view bytes) {
+  static constexpr std::string_view kDigits =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::u32string text;
+  while (!bytes.empty()) {
+    const char first = bytes[0];
+    bytes.remove_prefix(1);
+    if (static_cast<unsigned char>(first) >= 0x80 || first == '~' || first == '\\') {
+      return std::nullopt;
+    }
+    if (first != '+') {
+      text += static_cast<unsigned char>(first);
+      continue;
+    }
+    std::string units;
+    std::uint32_t bits = 0;
+    std::size_t count = 0;
+    std::size_t digits = 0;
+    for (; digits < bytes.size() && kDigits.find(bytes[digits]) != std::string_view::npos;
+         ++digits) {
+      bits = bits << 6U | static_cast<std::uint32_t>(kDigits.find(bytes[digits]));
+      for (count += 6; count >= 8;) AppendBytes(bits >> (count -= 8) & 0xFFU, 1, &units);
+      bits &= (1U << count) - 1;
+    }
+    const bool is_plus = digits == 0 && !bytes.empty() && bytes[0] == '-';
+    bytes.remove_prefix(digits);
+    if (!bytes.empty() && bytes[0] == '-') bytes.remove_prefix(1);
+    if (is_plus) text += U'+';
+    if ((digits == 0 && !is_plus) || bits != 0 || units.size() % 2 != 0) return std::nullopt;
+    for (UnicodeBytes rest(units); !rest.IsAtEnd();) {
+      const std::optional<char32_t> c = rest.TakeUtf16(false);
+      if (!c) return std::nullopt;
+      text += *c;
+    }
+  }
+  return text;
+}
+
 // A form of Unicode, or ASCII, by its name.
 struct Form {
   enum class Kind { kAscii, kUtf8, kUtf16, kUtf32 };
@@ -282,6 +321,7 @@ bool Append(const Form& form, char32_t c, std::string* bytes) {
 
 std::optional<std::u32string> DecodeCharset(std::string_view bytes, const char* name) {
   const std::optional<Form> form = FormOf(name);
+  if (name == std::string_view("UTF-7")) return DecodeUtf7(bytes);
   if (!form) return Decoder(CharsetOf(name), bytes).Run();
   std::u32string text;
   for (UnicodeBytes rest(bytes); !rest.IsAtEnd();) {
