@@ -21,18 +21,10 @@ const pthread_key_t* Key() noexcept {
 
 #elif defined(_WIN32)
 
-// The system's own slots, for the same reason. Given back when the library is unloaded: a process
-// has about a thousand, and may load the library again. TLS_OUT_OF_INDEXES when none is left.
-struct Index {
-  const DWORD value = TlsAlloc();
-  ~Index() {
-    if (value != TLS_OUT_OF_INDEXES) TlsFree(value);
-  }
-};
-
+// The system's own slots, for the same reason. TLS_OUT_OF_INDEXES when none is left.
 DWORD GetIndex() noexcept {
-  static const Index index;
-  return index.value;
+  static const DWORD index = TlsAlloc();
+  return index;
 }
 
 #else

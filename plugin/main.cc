@@ -8,6 +8,7 @@
 #include "objects/records.h"
 #include "plugin/classes.h"
 #include "plugin/register.h"
+#include "plugin/unloading.h"
 
 namespace zqv::plugin {
 namespace {
@@ -61,5 +62,6 @@ void Start(abi::Resolver resolver) {
 // Called once by the host after loading, with its resolver, which may be null: then nothing is
 // registered.
 extern "C" ZQV_EXPORTED void REALPluginMain(zqv::abi::Resolver resolver) {
+  zqv::plugin::PrepareForUnloading();
   zqv::host::Guard([=] { zqv::plugin::Start(resolver); });
 }
