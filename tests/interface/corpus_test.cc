@@ -196,7 +196,7 @@ TEST_P(Corpus, GivesWhatWasWorkedOut) {
   const std::string bytes = ReadWholeFile(path + ".eml");
   const Json expected = Json::parse(ReadWholeFile(path + ".json"));
   const Json common = Json::parse(ReadWholeFile(std::string(kCorpus) + "/common.json"));
-  test::SetZone("UTC0");
+  ASSERT_TRUE(test::SetZone("UTC0"));
   // A message of one part asks for its charset twice and so may raise twice in one call.
   const bool raises = expected.value("raise_unknown_formats", false);
   const Session session({}, raises ? Exceptions::kMayBeLost : Exceptions::kNoneLost);

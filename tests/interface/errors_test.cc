@@ -117,16 +117,16 @@ TEST_F(Errors, OldHostsReadTheUrl) {
   const std::string name = "caf%C3%A9%20%25%20a.eml";
   const std::string lower_name = "caf%c3%a9%20%25%20a.eml";
   EXPECT_EQ(RaisedByFile(path), "") << "as the host writes the URL";
-  EXPECT_EQ(RaisedByUrl("file://" + folder.Path(name)), "");
-  EXPECT_EQ(RaisedByUrl("file://" + folder.Path(lower_name)), "");
-  EXPECT_EQ(RaisedByUrl("file://localhost" + folder.Path(name)), "");
-  EXPECT_EQ(RaisedByUrl("file://example.org" + folder.Path(name)), kNotOpened);
-  EXPECT_EQ(RaisedByUrl("http://localhost" + folder.Path(name)), kNotOpened);
+  EXPECT_EQ(RaisedByUrl("file://" + folder.UrlPath(name)), "");
+  EXPECT_EQ(RaisedByUrl("file://" + folder.UrlPath(lower_name)), "");
+  EXPECT_EQ(RaisedByUrl("file://localhost" + folder.UrlPath(name)), "");
+  EXPECT_EQ(RaisedByUrl("file://example.org" + folder.UrlPath(name)), kNotOpened);
+  EXPECT_EQ(RaisedByUrl("http://localhost" + folder.UrlPath(name)), kNotOpened);
   EXPECT_EQ(RaisedByUrl(path), kNotOpened);
   EXPECT_EQ(RaisedByUrl(""), kNotOpened);
-  EXPECT_EQ(RaisedByUrl("file://" + folder.Path("%")), kNotOpened);
-  EXPECT_EQ(RaisedByUrl("file://" + folder.Path("caf%C3%A9%20%2")), kNotOpened);
-  EXPECT_EQ(RaisedByUrl("file://" + folder.Path("caf%C3%A9%00.eml")), kNotOpened);
+  EXPECT_EQ(RaisedByUrl("file://" + folder.UrlPath("%")), kNotOpened);
+  EXPECT_EQ(RaisedByUrl("file://" + folder.UrlPath("caf%C3%A9%20%2")), kNotOpened);
+  EXPECT_EQ(RaisedByUrl("file://" + folder.UrlPath("caf%C3%A9%00.eml")), kNotOpened);
 }
 
 TEST_F(Errors, UrlIsReadBefore2013AndThePathFromThenOn) {
@@ -150,7 +150,7 @@ TEST_F(Errors, UrlIsReadBefore2013AndThePathFromThenOn) {
 TEST_F(Errors, PathsInAnyEncoding) {
   const TemporaryFolder folder;
   const std::string path = folder.Write("caf\xC3\xA9 \xC3\x9C.eml", PlainMessage());
-  const std::string url = "file://" + folder.Path("caf%C3%A9%20%C3%9C.eml");
+  const std::string url = "file://" + folder.UrlPath("caf%C3%A9%20%C3%9C.eml");
   LoadLibraryFile();
   for (const abi::Encoding encoding :
        {abi::kMacRoman, abi::kUtf16, abi::kUtf16BigEndian, abi::kUtf16LittleEndian, abi::kIsoLatin1,

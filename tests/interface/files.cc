@@ -29,6 +29,14 @@ TemporaryFolder::~TemporaryFolder() {
   std::filesystem::remove_all(path_, ignored);
 }
 
+std::string TemporaryFolder::UrlPath(std::string_view name) const {
+#if defined(_WIN32)
+  return "/" + std::filesystem::path(Path(name)).generic_string();
+#else
+  return Path(name);
+#endif
+}
+
 std::string TemporaryFolder::Write(std::string_view name, std::string_view bytes) const {
   // A path and not its text, which would be read in a code page on Windows.
   std::ofstream file(std::filesystem::u8path(Path(name)), std::ios::binary);

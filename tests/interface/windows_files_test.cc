@@ -124,7 +124,11 @@ TEST_F(Files, PathsMayBeLong) {
   CloseHandle(file);
   EXPECT_EQ(RaisedByFile(deep + "\\a.eml"), "");
   EXPECT_EQ(RaisedByFile(deep + "\\b.eml"), kNotOpened);
-  std::filesystem::remove_all("\\\\?\\" + std::filesystem::absolute(folder.path()).string());
+  DeleteFileW((whole / "a.eml").c_str());
+  std::filesystem::path left = whole;
+  for (int level = 0; level < 5; ++level, left = left.parent_path()) {
+    EXPECT_NE(RemoveDirectoryW(left.c_str()), 0);
+  }
 }
 
 TEST_F(Files, PathsMayBeTooLong) {

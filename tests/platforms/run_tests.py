@@ -21,7 +21,7 @@ def main():
     with wine.server(pathlib.Path(build) / "wine"):
         code, text = wine.run(
             ["wine", wine.path(program), f"--gtest_filter={tests}", "--gtest_brief=1"],
-            wine.environment(TZ=zone), 1700)
+            wine.environment(TZ=zone, ZQV_ZONE=zone), 1700)
     # Tests that ran in a process of their own call themselves skipped in the first one.
     print("\n".join(line for line in text.splitlines()
                     if "[  SKIPPED ]" not in line and "ran in a process of its own" not in line))

@@ -2,16 +2,18 @@
 #pragma once
 
 #include <cstdlib>
+#include <string_view>
 
 namespace zqv::test {
 
-// For this process and those it starts from now on. On Windows for the latter alone: there a process
-// learns its zone when it starts.
-inline void SetZone(const char* zone) {
+// Puts this process, and those that it starts, into a zone. A process for Windows has the zone that
+// it was started with, which ZQV_ZONE names; it gives false for any other.
+inline bool SetZone(const char* zone) {
 #if defined(_WIN32)
-  static_cast<void>(_putenv_s("TZ", zone));
+  const char* const own = std::getenv("ZQV_ZONE");
+  return own != nullptr && std::string_view(zone) == own;
 #else
-  setenv("TZ", zone, 1);
+  return setenv("TZ", zone, 1) == 0;
 #endif
 }
 
