@@ -13,8 +13,9 @@ function(zqv_export_only_the_entry_point target)
     target_link_options(${target} PRIVATE -static -s -Wl,--gc-sections)
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
       # The file does not say when it was made, and lies at addresses that nobody can foretell.
+      # plugin/unloading_windows.cc gives back what the runtime allocates.
       target_link_options(${target} PRIVATE
-        -Wl,--exclude-all-symbols -Wl,--no-insert-timestamp
+        -Wl,--exclude-all-symbols -Wl,--no-insert-timestamp -Wl,--wrap=__imp_TlsAlloc
         -Wl,--nxcompat -Wl,--dynamicbase -Wl,--high-entropy-va)
     else()
       # The other linker does the rest of itself, but has no switch for the time.

@@ -78,6 +78,16 @@ class File:
             yield self.text(self.number("<I", at + 12))
             at += 20
 
+    def imported(self):
+        """The functions that other libraries are asked for."""
+        at = self.place(self.directory(IMPORTS))
+        while self.number("<I", at + 12):
+            row = self.place(self.number("<I", at) or self.number("<I", at + 16))
+            while address := self.number("<Q", row):
+                yield f"number {address & 0xFFFF}" if address >> 63 else self.text(address + 2)
+                row += 8
+            at += 20
+
 
 def aligned_moves(data):
     """The instructions that move 32 bytes between memory that must be aligned and a register."""
