@@ -1,5 +1,5 @@
-// One charset by the name that the C library of Linux has for it: the one place where the platform's
-// own tables are asked. Strict in both directions, nothing is replaced.
+// One charset by the name that the C library of Linux has for it: the one place where the
+// platform's own tables are asked. Strict in both directions, nothing is replaced.
 #pragma once
 
 #include <optional>

@@ -123,7 +123,8 @@ class Decoder {
   bool TakeCharacter() {
     for (std::size_t length = std::min(state_->longest(), rest_.size()); length > 0; --length) {
       std::uint32_t key = 0;
-      for (std::size_t i = 0; i < length; ++i) key = key << 8U | static_cast<unsigned char>(rest_[i]);
+      for (std::size_t i = 0; i < length; ++i)
+        key = key << 8U | static_cast<unsigned char>(rest_[i]);
       const zqv::standin::Run* const run = state_->Find(length, key);
       if (run == nullptr) continue;
       for (std::uint32_t i = 0; i < run->size; ++i) {

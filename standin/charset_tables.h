@@ -1,5 +1,5 @@
-// A file of tables that are what the C library of the machine says that made them, for systems whose
-// own library converts otherwise or not at all. standin/make_charset_tables.cc writes it,
+// A file of tables that are what the C library of the machine says that made them, for systems
+// whose own library converts otherwise or not at all. standin/make_charset_tables.cc writes it,
 // standin/charset_tables.cc reads it.
 //
 // The file: kTableMagic, then one table after another, each a Table and its runs, sorted by length

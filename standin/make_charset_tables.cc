@@ -215,8 +215,8 @@ std::vector<Shift> Plain(const std::vector<std::string>& sequences) {
 const std::vector<Stateful>& StatefulCharsets() {
   static const std::vector<Stateful> kAll = {
       {"ISO-2022-JP", Plain({"", "\x1B(B", "\x1B(J", "\x1B$@", "\x1B$B"})},
-      {"ISO-2022-JP-2", Plain({"", "\x1B(B", "\x1B(J", "\x1B$@", "\x1B$B", "\x1B$A", "\x1B$(C",
-                               "\x1B$(D"})},
+      {"ISO-2022-JP-2",
+       Plain({"", "\x1B(B", "\x1B(J", "\x1B$@", "\x1B$B", "\x1B$A", "\x1B$(C", "\x1B$(D"})},
       {"ISO-2022-JP-3", Plain({"", "\x1B(B", "\x1B(J", "\x1B(I", "\x1B$@", "\x1B$B", "\x1B$(O",
                                "\x1B$(P", "\x1B$(Q"})},
       {"ISO-2022-KR",

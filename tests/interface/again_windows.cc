@@ -32,8 +32,8 @@ bool Waits(const PROCESS_INFORMATION& process, unsigned seconds) {
 
 bool PassesAgain(unsigned seconds) {
   const auto* const test = ::testing::UnitTest::GetInstance()->current_test_info();
-  std::string command = "\"" + ThisProgram() + "\" --gtest_filter=" + test->test_suite_name() + "." +
-                        test->name() + " --gtest_output=";
+  std::string command = "\"" + ThisProgram() + "\" --gtest_filter=" + test->test_suite_name() +
+                        "." + test->name() + " --gtest_output=";
   std::fflush(nullptr);
   STARTUPINFOA start = {};
   start.cb = sizeof start;

@@ -1,5 +1,7 @@
 // Files as POSIX systems have them: folders, pipes, devices, files without permission and files of
 // gigabytes. What Windows has in their place: windows_files_test.cc.
+#include "tests/interface/files.h"
+
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -14,7 +16,6 @@
 #include <string>
 
 #include "tests/interface/child.h"
-#include "tests/interface/files.h"
 #include "tests/interface/messages.h"
 #include "tests/interface/refusals.h"
 #include "tests/interface/session.h"

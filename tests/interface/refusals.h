@@ -17,7 +17,8 @@ inline constexpr const char* kHighByte =
     "UnsupportedOperationException, 0: Email must start with an header text. BOM character?";
 inline constexpr const char* kNotOpened = "IOException, 0: Failed to open file for reading.";
 inline constexpr const char* kNotRead = "IOException, 0: Failed to read data from file.";
-inline constexpr const char* kNoMemory = "OutOfMemoryException, 0: Failed to allocate memory for email";
+inline constexpr const char* kNoMemory =
+    "OutOfMemoryException, 0: Failed to allocate memory for email";
 
 Constructed ConstructWith(const char* constructor, const Value& content);
 

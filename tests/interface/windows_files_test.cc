@@ -78,8 +78,8 @@ TEST_F(Files, DevicesAreNone) {
 TEST_F(Files, PipesAreNone) {
   Start();
   constexpr const char* kPipe = "\\\\.\\pipe\\zqv-interface-test";
-  const HANDLE pipe = CreateNamedPipeA(kPipe, PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE | PIPE_NOWAIT, 1, 64,
-                                       64, 0, nullptr);
+  const HANDLE pipe = CreateNamedPipeA(kPipe, PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE | PIPE_NOWAIT, 1,
+                                       64, 64, 0, nullptr);
   ASSERT_NE(pipe, INVALID_HANDLE_VALUE);
   EXPECT_EQ(RaisedByFile(kPipe), kNotOpened);
   DWORD read = 0;
@@ -116,8 +116,8 @@ TEST_F(Files, PathsMayBeLong) {
   const std::filesystem::path whole = "\\\\?\\" + std::filesystem::absolute(deep).string();
   ASSERT_TRUE(std::filesystem::create_directories(whole));
   const std::string bytes = PlainMessage();
-  const HANDLE file = CreateFileW((whole / "a.eml").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0,
-                                  nullptr);
+  const HANDLE file =
+      CreateFileW((whole / "a.eml").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
   ASSERT_NE(file, INVALID_HANDLE_VALUE);
   DWORD written = 0;
   WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
@@ -151,7 +151,8 @@ TEST_F(Files, PathsAreUtf8) {
 TEST_F(Files, PathsComeInManyForms) {
   Start();
   const TemporaryFolder folder;
-  const std::string path = std::filesystem::absolute(folder.Write("a.eml", PlainMessage())).string();
+  const std::string path =
+      std::filesystem::absolute(folder.Write("a.eml", PlainMessage())).string();
   std::string slashes = path;
   for (char& c : slashes) c = c == '\\' ? '/' : c;
   const std::string name = path.substr(path.find_last_of("\\/") + 1);
@@ -217,8 +218,11 @@ DWORD OpenHandles() {
 TEST_F(Files, AreClosed) {
   Start();
   const TemporaryFolder folder;
-  const std::string paths[] = {folder.Write("a.eml", PlainMessage()), folder.Write("b.eml", ""),
-                               folder.Write("c.eml", "\xFF"), folder.path(), "NUL",
+  const std::string paths[] = {folder.Write("a.eml", PlainMessage()),
+                               folder.Write("b.eml", ""),
+                               folder.Write("c.eml", "\xFF"),
+                               folder.path(),
+                               "NUL",
                                folder.Path("absent")};
   static_cast<void>(RaisedByFile(paths[0]));
   const DWORD before = OpenHandles();

@@ -1,7 +1,7 @@
 // Loading and unloading, and exceptions that cross from the host's file into the library's.
 #include <gtest/gtest.h>
-#include <windows.h>
 #include <psapi.h>
+#include <windows.h>
 
 #include <string>
 

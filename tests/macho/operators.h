@@ -1,5 +1,5 @@
-// This program's operators new and delete in the place of those of macOS's C++ library: as a process
-// has them that replaces them, and as the tests of failing allocations want them.
+// This program's operators new and delete in the place of those of macOS's C++ library: as a
+// process has them that replaces them, and as the tests of failing allocations want them.
 #pragma once
 
 #include <string>

@@ -1,8 +1,9 @@
 // Says what the library gives for messages, so that files for different systems can be compared:
 //   describe_messages LIBRARY HOST-VERSION FOLDER LIST OUTPUT [NAME]
-// LIST names a message of the whole path FOLDER a line. OUTPUT gets three lines for each, one for each way in which an
-// application hands it over: name, way, what was raised, and hashes of the JSON in UTF-8, of the
-// JSON with the texts' own bytes, and of the log. For the message NAME it gets all that is hashed.
+// LIST names a message of the whole path FOLDER a line. OUTPUT gets three lines for each, one for
+// each way in which an application hands it over: name, way, what was raised, and hashes of the
+// JSON in UTF-8, of the JSON with the texts' own bytes, and of the log. For the message NAME it
+// gets all that is hashed.
 #include <cstdio>
 #include <exception>
 #include <fstream>
@@ -91,16 +92,14 @@ Description Describe(const Way& way, const std::string& path, const std::string&
   constexpr auto kReplace = nlohmann::ordered_json::error_handler_t::replace;
   description.readable =
       cli::DescribeMessage(message, cli::ReadableText).dump(kIndent, ' ', true, kReplace);
-  description.raw =
-      cli::DescribeMessage(message, cli::RawText).dump(kIndent, ' ', true, kReplace);
+  description.raw = cli::DescribeMessage(message, cli::RawText).dump(kIndent, ' ', true, kReplace);
   description.log = WithoutPlaces(log.Text());
   return description;
 }
 
 std::string Hash(const std::string& text) {
   char digits[17];
-  std::snprintf(digits, sizeof digits, "%016llx",
-                static_cast<unsigned long long>(base::Fnv(text)));
+  std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(base::Fnv(text)));
   return digits;
 }
 
