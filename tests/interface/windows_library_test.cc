@@ -1,6 +1,6 @@
 // Loading and unloading, and exceptions that cross from the host's file into the library's.
 #include <gtest/gtest.h>
-#include <psapi.h>
+#include <psapi.h>  // wants the former
 #include <windows.h>
 
 #include <string>
