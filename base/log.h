@@ -4,6 +4,14 @@
 
 #include <atomic>
 
+// GCC for Windows takes "printf" for that of the system's old library, which lacks %zu; what we
+// call there is the standard's.
+#if defined(_WIN32) && !defined(__clang__)
+#define ZQV_PRINTF gnu_printf
+#else
+#define ZQV_PRINTF printf
+#endif
+
 namespace zqv::base {
 
 // The switch behind the hidden shared property `Debugging`; false at load. Any thread may change it
@@ -17,7 +25,7 @@ inline constexpr char kLogPrefix[] = "ZQV Debug: ";
 
 // Formats as printf does and writes the text, cut after 4095 bytes, as one line to the platform's
 // log, whatever the switch says.
-[[gnu::format(printf, 1, 2)]] void LogMessageX(const char* format, ...);
+[[gnu::format(ZQV_PRINTF, 1, 2)]] void LogMessageX(const char* format, ...);
 
 }  // namespace zqv::base
 

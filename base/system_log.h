@@ -3,8 +3,9 @@
 
 namespace zqv::base {
 
-// Writes one line, adding the line break, to the system log (macOS) or standard error (elsewhere).
-// Failures are ignored.
+// Writes one line, adding the line break, to the system log (macOS), to the debugger (Windows) or
+// to standard error (elsewhere). The text is cut after 4095 bytes at the latest. Failures are
+// ignored.
 void WriteLogLine(const char* text) noexcept;
 
 }  // namespace zqv::base

@@ -65,6 +65,13 @@ std::string Escape(std::string_view text, Lines lines, bool is_utf8) {
   return EscapeAll(WithLineFeeds(text), lines, is_utf8);
 }
 
+#if defined(_WIN32)
+// Only tests show messages there, and none of them in columns.
+struct WidthLocale {
+  WidthLocale() {}
+};
+int wcwidth(wchar_t) { return 1; }
+#else
 // A locale of its own for wcwidth alone: the library must find the process's locale untouched.
 class WidthLocale {
  public:
@@ -82,6 +89,7 @@ class WidthLocale {
 
   const locale_t before_;
 };
+#endif
 
 constexpr std::size_t kAnyWidth = std::numeric_limits<std::size_t>::max();
 

@@ -183,7 +183,7 @@ std::string WriteWithoutFiles(std::string_view source) {
   std::string text = Writer(message, stays).Write();
   ZQV_LOG("%s%s", "FixLineEndings");
   const std::size_t removed = RewriteLineBreaks(text);
-  ZQV_LOG("%s%s %lu", "removed characters", static_cast<unsigned long>(removed));
+  ZQV_LOG("%s%s %zu", "removed characters", removed);
   text.resize(std::min(text.find('\0'), text.size()));
   return text;
 }

@@ -41,8 +41,7 @@ char32_t SwapBytes(char32_t c) {
 }
 
 void LogIllegal(const base::Conversion& conversion) {
-  if (!conversion.legal)
-    ZQV_LOG("%s%s %lu", "Illegal UTF-8 sequence!", static_cast<unsigned long>(conversion.stopped));
+  if (!conversion.legal) ZQV_LOG("%s%s %zu", "Illegal UTF-8 sequence!", conversion.stopped);
 }
 
 bool IsAligned(const void* data, std::size_t alignment) {
@@ -88,10 +87,8 @@ rbText::rbText(abi::REALstring string)
 }
 
 rbText::~rbText() {
-  if (head_guard_ != kGuard)
-    ZQV_LOG("%s%s %lu", "Check1 in rbText invalid", static_cast<unsigned long>(head_guard_));
-  if (tail_guard_ != kGuard)
-    ZQV_LOG("%s%s %lu", "Check2 in rbText invalid", static_cast<unsigned long>(tail_guard_));
+  if (head_guard_ != kGuard) ZQV_LOG("%s%s %u", "Check1 in rbText invalid", head_guard_);
+  if (tail_guard_ != kGuard) ZQV_LOG("%s%s %u", "Check2 in rbText invalid", tail_guard_);
 }
 
 // An empty text: every view at the shared empty buffer of its unit, none of them made.

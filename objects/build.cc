@@ -17,6 +17,7 @@
 #include "host/strings.h"
 #include "mime/message.h"
 #include "objects/body.h"
+#include "objects/dates.h"
 #include "objects/entity.h"
 #include "objects/words.h"
 
@@ -89,7 +90,7 @@ class TreeBuilder {
     entity.record->Body.Put(std::move(entity.body));
     const mime::Part& part = message_.parts()[index];
     const mime::Header header = message_.HeaderOf(part);
-    decoded_ = FillEntity({part, header, *entity.record, email_record_});
+    decoded_ = FillEntity({part, header, *entity.record, email_record_, local_offset_});
     if (!entity.object) return;
     const auto* around = host::RecordOf<MimeBodyClassData>(open_.back().body.get());
     if (around->parts) host::AppendObject(around->parts.get(), entity.object.get());
@@ -97,6 +98,7 @@ class TreeBuilder {
 
   const mime::Message& message_;
   MimeEntityClassData& email_record_;
+  LocalOffset local_offset_;
   std::vector<OpenEntity> open_;
   std::optional<email::DecodedBody> decoded_;  // of the part that was left last
 };
@@ -129,7 +131,7 @@ void ParseAndBuild(MimeEntityClassData& record, std::string_view bytes) {
   const mime::Message message(bytes);
   std::optional<email::DecodedBody> decoded = TreeBuilder(message, record).Run();
   const std::size_t parts = message.top().child_count;
-  ZQV_LOG("%s%s %lu", "parts count", static_cast<unsigned long>(parts));
+  ZQV_LOG("%s%s %zu", "parts count", parts);
   if (parts == 0) CompleteSinglePart(record, message, std::move(decoded));
   const mime::Field* const subject =
       message.HeaderOf(message.top()).Find(mime::FieldName::kSubject);
@@ -140,7 +142,7 @@ void ParseAndBuild(MimeEntityClassData& record, std::string_view bytes) {
 
 void MimeEmailConstructor(abi::REALobject self, MessageBytes message, abi::REALstring source) {
   std::string_view bytes = message.bytes();
-  ZQV_LOG("%s%s %lu", "MimeEmailConstructor", static_cast<unsigned long>(bytes.size()));
+  ZQV_LOG("%s%s %zu", "MimeEmailConstructor", bytes.size());
   auto* record = host::RecordOf<MimeEntityClassData>(self);
   if (record == nullptr) return;
   Begin(*record, bytes, source);

@@ -1,7 +1,7 @@
 #include "objects/dates.h"
 
 #include <cstddef>
-#include <ctime>
+#include <cstdint>
 #include <exception>
 #include <optional>
 #include <string>
@@ -10,6 +10,7 @@
 
 #include "base/log.h"
 #include "email/date_text.h"
+#include "host/platform.h"
 #include "mime/field_name.h"
 
 namespace zqv::objects {
@@ -63,29 +64,6 @@ void SetProperties(abi::REALobject date, const email::DateFields& fields) {
   for (const auto& step : steps) host::entry::REALSetPropValueInteger(date, step.name, step.value);
 }
 
-// Seconds that this machine's local time is ahead of UTC now.
-// QUIRK: now, not at the message's date, so that across a change of daylight saving time the result
-// is off by the difference. Test: Dates.UsesTheOffsetOfTheMoment.
-// Nothing when the local time cannot be had.
-class LocalOffset {
- public:
-  // Asked once. localtime_r looks at the zone's file for the first call in the process alone, and
-  // again only after somebody else has called tzset, localtime or mktime.
-  std::optional<long> Get() {
-    if (!is_known_) {
-      const std::time_t now = std::time(nullptr);
-      std::tm local{};
-      if (localtime_r(&now, &local) != nullptr) offset_ = local.tm_gmtoff;
-      is_known_ = true;
-    }
-    return offset_;
-  }
-
- private:
-  std::optional<long> offset_;
-  bool is_known_ = false;
-};
-
 // The message's instant in local time: the fields are taken as local, moved by the message's own
 // zone to UTC and by the machine's offset to local time.
 ObjectRef ConvertDate(std::string_view text, LocalOffset& local_offset) {
@@ -101,8 +79,8 @@ ObjectRef ConvertDate(std::string_view text, LocalOffset& local_offset) {
     ZQV_LOG("%s%s %f", "zoneOffset", offset);
     seconds -= offset;
   }
-  if (const std::optional<long> offset = local_offset.Get()) {
-    ZQV_LOG("%s%s %ld", "tm_gmtoff", *offset);
+  if (const std::optional<std::int64_t> offset = local_offset.Get()) {
+    ZQV_LOG("%s%s %lld", "tm_gmtoff", static_cast<long long>(*offset));
     seconds += static_cast<double>(*offset);
   }
   ZQV_LOG("%s%s %f", "seconds", seconds);
@@ -123,6 +101,14 @@ void ParseField(MimeEntityClassData& record, const mime::Header& header, std::si
 }
 
 }  // namespace
+
+std::optional<std::int64_t> LocalOffset::Get() {
+  if (!is_known_) {
+    offset_ = host::LocalTimeOffset();
+    is_known_ = true;
+  }
+  return offset_;
+}
 
 double ZoneOffset(int zone) {
   const int hours = zone / 100;
@@ -155,9 +141,8 @@ ObjectRef NewDate(std::int64_t year, std::int64_t month, std::int64_t day, std::
   return date;
 }
 
-void ParseDate(MimeEntityClassData& record, const mime::Header& header) {
+void ParseDate(MimeEntityClassData& record, const mime::Header& header, LocalOffset& local_offset) {
   if (!header.Has(mime::FieldName::kDate) && !header.Has(mime::FieldName::kReceived)) return;
-  LocalOffset local_offset;
   for (std::size_t i = 0; i < header.size(); ++i) {
     try {
       ParseField(record, header, i, local_offset);

@@ -44,7 +44,7 @@ std::optional<email::DecodedBody> DecodeEntity(const PartContext& context) {
 std::optional<email::DecodedBody> FillEntity(const PartContext& context) {
   context.record.Header.Put(NewMimeHeaderZQV(context.header));
   std::optional<email::DecodedBody> decoded = DecodeEntity(context);
-  ParseDate(context.record, context.header);
+  ParseDate(context.record, context.header, context.local_offset);
   return decoded;
 }
 

@@ -10,13 +10,16 @@
 
 namespace zqv::objects {
 
-// A part whose objects are being made, and the message's own record, which is the same for the
-// message itself.
+class LocalOffset;
+
+// A part whose objects are being made, and what is the same for all parts: the message's own
+// record, which for the message itself is that of the part, and the machine's time.
 struct PartContext {
   const mime::Part& part;
   const mime::Header& header;
   MimeEntityClassData& record;
   MimeEntityClassData& email_record;
+  LocalOffset& local_offset;
 };
 
 // Makes the header object of a part whose body object is there, decodes and routes the part, and

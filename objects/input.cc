@@ -1,8 +1,6 @@
 #include "objects/input.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
+#include <cstdint>
 #include <cstdio>
 #include <limits>
 #include <memory>
@@ -16,27 +14,12 @@ namespace zqv::objects {
 namespace {
 
 constexpr std::size_t kStreamBuffer = 0x100000;  // 1 MiB
-constexpr long kSlack = 4;                       // zero bytes after the last
+constexpr std::int64_t kSlack = 4;               // zero bytes after the last
 
 struct CloseFile {
   void operator()(std::FILE* stream) const { static_cast<void>(std::fclose(stream)); }
 };
 using Stream = std::unique_ptr<std::FILE, CloseFile>;
-
-// Opened without blocking: a pipe would wait for somebody to write into it. What cannot be
-// positioned is no file to read whole.
-Stream OpenForReading(const std::string& path) {
-  const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  if (descriptor < 0) return nullptr;
-  Stream stream;
-  if (lseek(descriptor, 0, SEEK_CUR) >= 0) stream.reset(fdopen(descriptor, "rb"));
-  if (stream == nullptr) {
-    close(descriptor);
-    return nullptr;
-  }
-  static_cast<void>(std::setvbuf(stream.get(), nullptr, _IOFBF, kStreamBuffer));
-  return stream;
-}
 
 Stream OpenFile(abi::REALobject file) {
   if (file == nullptr) {
@@ -46,7 +29,9 @@ Stream OpenFile(abi::REALobject file) {
   Stream stream;
   const std::string path = host::FilePath(file);
   if (!path.empty()) {
-    stream = OpenForReading(path);
+    stream.reset(host::OpenForReading(path));
+    if (stream != nullptr)
+      static_cast<void>(std::setvbuf(stream.get(), nullptr, _IOFBF, kStreamBuffer));
     ZQV_LOG("%s%s %p", "result", static_cast<void*>(stream.get()));
   }
   ZQV_LOG("%s%s %p", "f", static_cast<void*>(stream.get()));
@@ -68,13 +53,13 @@ std::optional<MessageBytes> ReadFile(abi::REALobject file) {
     host::RaiseException(host::kIOException, "Failed to open file for reading.");
     return std::nullopt;
   }
-  const long length = std::fseek(stream.get(), 0, SEEK_END) == 0 ? std::ftell(stream.get()) : -1;
-  ZQV_LOG("%s%s %lu", "fileLen", static_cast<unsigned long>(length));
+  const std::int64_t length = host::LengthOf(stream.get());
+  ZQV_LOG("%s%s %llu", "fileLen", static_cast<unsigned long long>(length));
   std::rewind(stream.get());
 
   // A directory claims the greatest length of all, a file that cannot be positioned a negative one.
   const std::size_t wanted = length > 0 ? static_cast<std::size_t>(length) : 0;
-  auto memory = length <= std::numeric_limits<long>::max() - kSlack
+  auto memory = length <= std::numeric_limits<std::int64_t>::max() - kSlack
                     ? base::AllocateZeroed<char>(wanted + kSlack)
                     : nullptr;
   if (memory == nullptr) {
@@ -82,7 +67,7 @@ std::optional<MessageBytes> ReadFile(abi::REALobject file) {
     return std::nullopt;
   }
   const std::size_t got = std::fread(memory.get(), 1, wanted, stream.get());
-  ZQV_LOG("%s%s %lu", "r", static_cast<unsigned long>(got));
+  ZQV_LOG("%s%s %zu", "r", got);
   if (got != wanted || length < 0) {
     host::RaiseException(host::kIOException, "Failed to read data from file.");
     return std::nullopt;

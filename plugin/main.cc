@@ -1,13 +1,14 @@
 // The library's one exported function.
 #include <iterator>
 
-#include "objects/attachment.h"
 #include "host/entry_points.h"
 #include "host/errors.h"
 #include "host/record.h"
+#include "objects/attachment.h"
 #include "objects/records.h"
 #include "plugin/classes.h"
 #include "plugin/register.h"
+#include "plugin/unloading.h"
 
 namespace zqv::plugin {
 namespace {
@@ -52,8 +53,15 @@ void Start(abi::Resolver resolver) {
 }  // namespace
 }  // namespace zqv::plugin
 
+#if defined(_WIN32)
+#define ZQV_EXPORTED __declspec(dllexport)
+#else
+#define ZQV_EXPORTED __attribute__((visibility("default")))
+#endif
+
 // Called once by the host after loading, with its resolver, which may be null: then nothing is
 // registered.
-extern "C" __attribute__((visibility("default"))) void REALPluginMain(zqv::abi::Resolver resolver) {
+extern "C" ZQV_EXPORTED void REALPluginMain(zqv::abi::Resolver resolver) {
+  zqv::plugin::PrepareForUnloading();
   zqv::host::Guard([=] { zqv::plugin::Start(resolver); });
 }

@@ -48,7 +48,11 @@ install_cross_packages() {
   if [ -z "$reason" ] && ! "$root/scripts/macos-sdk" "$root/build/cache/macos-sdk" >&2; then
     reason="the headers of macOS could not be had"
   fi
-  [ -z "$reason" ] || say "== Without macOS and arm64: $reason"
+  if [ -z "$reason" ] &&
+    ! "$root/scripts/windows-arm64-compiler" "$root/build/cache/windows-arm64" >&2; then
+    reason="the compiler for Windows on arm64 could not be had"
+  fi
+  [ -z "$reason" ] || say "== Without macOS, Windows and arm64: $reason"
   [ -z "$reason" ]
 }
 

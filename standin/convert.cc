@@ -3,30 +3,18 @@
 // encoding that the host numbers but cannot convert.
 #include "standin/convert.h"
 
-#include <iconv.h>
-#include <locale.h>
-#include <wctype.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <map>
-#include <memory>
-#include <utility>
 
 #include "base/ascii.h"
 #include "base/unicode.h"
-#include "standin/fatal.h"
+#include "standin/charset.h"
 
 namespace zqv::standin {
 namespace {
-
-constexpr bool kLittleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
-constexpr const char* kUtf16Here = kLittleEndian ? "UTF-16LE" : "UTF-16BE";
-constexpr const char* kUtf32Here = kLittleEndian ? "UTF-32LE" : "UTF-32BE";
 
 struct Row {
   abi::Encoding encoding;
@@ -136,55 +124,6 @@ const Row* FindRow(abi::Encoding encoding) {
   return row != kRows.end() && row->encoding == encoding ? &*row : nullptr;
 }
 
-struct CloseIconv {
-  void operator()(iconv_t descriptor) const { iconv_close(descriptor); }
-};
-using IconvHandle = std::unique_ptr<std::remove_pointer_t<iconv_t>, CloseIconv>;
-
-// An open converter, kept for the life of the thread, since two threads cannot use one; the names
-// are literals of the table.
-iconv_t Converter(const char* from, const char* to) {
-  thread_local std::map<std::pair<const char*, const char*>, IconvHandle> open;
-  IconvHandle& handle = open[{from, to}];
-  if (handle == nullptr) {
-    iconv_t made = iconv_open(to, from);
-    if (made == reinterpret_cast<iconv_t>(-1)) {
-      Fatal(std::string("this machine cannot convert from ") + from + " to " + to);
-    }
-    handle.reset(made);
-  }
-  return handle.get();
-}
-
-// The whole input converted, or nothing. An inexact conversion counts as failed.
-std::optional<std::string> RunIconv(std::string_view bytes, const char* from, const char* to) {
-  iconv_t converter = Converter(from, to);
-  iconv(converter, nullptr, nullptr, nullptr, nullptr);
-  char* in = const_cast<char*>(bytes.data());
-  std::size_t in_left = bytes.size();
-  std::string result(bytes.size() + 16, '\0');
-  std::size_t used = 0;
-  bool flushing = false;
-  while (true) {
-    char* out = &result[used];
-    std::size_t out_left = result.size() - used;
-    const std::size_t inexact = flushing ? iconv(converter, nullptr, nullptr, &out, &out_left)
-                                         : iconv(converter, &in, &in_left, &out, &out_left);
-    used = result.size() - out_left;
-    if (inexact == static_cast<std::size_t>(-1)) {
-      if (errno != E2BIG) return std::nullopt;
-      result.resize(result.size() * 2);
-    } else if (inexact != 0) {
-      return std::nullopt;
-    } else if (flushing) {
-      result.resize(used);
-      return result;
-    } else {
-      flushing = true;
-    }
-  }
-}
-
 // What iconv gives, without its two passes: hosts convert between their own encodings fast, and
 // every text made from HTML comes this way.
 std::optional<std::string> Utf32ToUtf8(std::string_view bytes) {
@@ -219,21 +158,7 @@ std::optional<std::string> Utf32ToUtf8(std::string_view bytes) {
 
 std::optional<std::u32string> CodePointsByRow(std::string_view bytes, const Row& row) {
   if (row.has_ascii && base::IsAscii(bytes)) return std::u32string(bytes.begin(), bytes.end());
-  const std::optional<std::string> raw = RunIconv(bytes, row.name, kUtf32Here);
-  if (!raw) return std::nullopt;
-  std::u32string text(raw->size() / sizeof(char32_t), U'\0');
-  if (!text.empty()) std::memcpy(text.data(), raw->data(), raw->size());
-  return text;
-}
-
-// The locale whose tables fold case, whatever locale the process runs in.
-locale_t FoldingLocale() {
-  static locale_t const made = [] {
-    locale_t const locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-    if (locale == nullptr) Fatal("this machine lacks the locale C.UTF-8");
-    return locale;
-  }();
-  return made;
+  return DecodeCharset(bytes, row.name);
 }
 
 template <typename Text, typename Fold>
@@ -277,9 +202,7 @@ std::optional<std::string> Convert(std::string_view bytes, abi::Encoding from, a
   const std::optional<std::u32string> text = CodePointsByRow(bytes, *source);
   if (!text) return std::nullopt;
   if (from == to) return std::string(bytes);
-  const std::string_view raw(static_cast<const char*>(static_cast<const void*>(text->data())),
-                             text->size() * sizeof(char32_t));
-  return RunIconv(raw, kUtf32Here, target->name);
+  return EncodeCharset(*text, target->name);
 }
 
 std::string EncodingName(abi::Encoding encoding) {
@@ -301,9 +224,7 @@ int CompareText(std::string_view left, abi::Encoding left_encoding, std::string_
   const auto left_text = CodePoints(left, left_encoding);
   const auto right_text = CodePoints(right, right_encoding);
   if (!left_text || !right_text) return CompareBytes(left, right);
-  return CompareFolded(*left_text, *right_text, [](char32_t c) {
-    return static_cast<char32_t>(towlower_l(static_cast<wint_t>(c), FoldingLocale()));
-  });
+  return CompareFolded(*left_text, *right_text, FoldCase);
 }
 
 }  // namespace zqv::standin

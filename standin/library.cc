@@ -1,10 +1,9 @@
 #include "standin/library.h"
 
-#include <dlfcn.h>
-
 #include <stdexcept>
 
 #include "standin/invoke.h"
+#include "standin/loader.h"
 
 namespace zqv::standin {
 namespace {
@@ -13,22 +12,10 @@ namespace {
 constexpr const char* kMainName = "REALPluginMain";
 
 [[noreturn]] void FailToLoad(const std::string& path) {
-  const char* const reason = dlerror();
-  throw std::runtime_error("cannot load " + path + ": " +
-                           (reason == nullptr ? "no reason given" : reason));
+  throw std::runtime_error("cannot load " + path + ": " + WhyNotLoaded());
 }
 
-// A path without a slash would be searched for in the system's folders.
-std::string AsPath(const std::string& path) {
-  return path.find('/') == std::string::npos ? "./" + path : path;
-}
-
-abi::REALproc OpenBySystem(const std::string& path) {
-  void* const file = dlopen(AsPath(path).c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (file == nullptr) return nullptr;
-  dlerror();
-  return reinterpret_cast<abi::REALproc>(dlsym(file, kMainName));
-}
+abi::REALproc OpenBySystem(const std::string& path) { return LoadFunction(path, kMainName); }
 
 Opener g_opener = &OpenBySystem;
 

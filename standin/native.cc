@@ -43,6 +43,12 @@ bool IsPlainInUrl(char c) {
          std::string_view("/-._~!$&'()*+,;=:@").find(c) != std::string_view::npos;
 }
 
+#if defined(_WIN32)
+constexpr char kOtherSlash = '\\';
+#else
+constexpr char kOtherSlash = '/';
+#endif
+
 }  // namespace
 
 std::unique_ptr<NativeState> NewState(NativeKind kind) {
@@ -64,9 +70,13 @@ std::unique_ptr<NativeState> NewState(NativeKind kind) {
 std::string FileUrl(std::string_view path) {
   static constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string url = "file://";
+  // A path that begins with a drive, as on Windows.
+  if (path.size() > 1 && path[1] == ':') url += '/';
   for (const char c : path) {
     if (IsPlainInUrl(c)) {
       url += c;
+    } else if (c == kOtherSlash) {
+      url += '/';
     } else {
       const auto byte = static_cast<unsigned char>(c);
       url += '%';

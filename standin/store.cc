@@ -5,7 +5,11 @@
 // again at its end, because nobody may write to them.
 #include "standin/store.h"
 
+#if defined(_WIN32)
+#include <malloc.h>  // alloca
+#else
 #include <alloca.h>
+#endif
 
 #include <algorithm>
 #include <cstdlib>

@@ -4,14 +4,15 @@
   macho.py [--universal] LIBRARY [FOLDER...]   checks a file of one processor, or of both
   macho.py --self-test LIBRARY                 breaks each rule in a copy and demands a complaint
 
-One exported name; the system's four libraries at their places and no other; an identity and no
-search path; the oldest system it runs on; on Apple silicon a signature whose hashes are right; at
-most 1.5 MB; no mention of FOLDER.
+One exported name; the system's four libraries at their places and no other; an identity with the
+project's version and no search path; the oldest system it runs on; a signature whose hashes are
+right; operators new and delete as the process has them; at most 1.5 MB; no mention of FOLDER.
 """
 
 import argparse
 import hashlib
 import pathlib
+import re
 import struct
 import sys
 
@@ -26,6 +27,9 @@ LIBRARIES = {
 PROCESSORS = {0x01000007: "x86_64", 0x0100000C: "arm64"}
 OLDEST = {"x86_64": (10, 13), "arm64": (11, 0)}
 LARGEST = 1_500_000
+PROJECT = pathlib.Path(__file__).parents[2] / "CMakeLists.txt"
+VERSION = re.search(r"^project\(.* VERSION (\d+)\.(\d+)\.(\d+) ", PROJECT.read_text(), re.M)
+BINDS_TO_WEAK = 0x10000  # asks the loader for the process's own where it has any
 
 UNIVERSAL, THIN = 0xCAFEBABE, 0xFEEDFACF
 DYNAMIC_LIBRARY = 6
@@ -43,7 +47,7 @@ class Slice:
 
     def __init__(self, data):
         self.data = data
-        magic, processor, _, self.type, count, _, _, _ = struct.unpack_from("<8I", data)
+        magic, processor, _, self.type, count, _, self.flags, _ = struct.unpack_from("<8I", data)
         self.is_thin = magic == THIN
         self.processor = PROCESSORS.get(processor, hex(processor))
         self.commands = list(self._commands(count)) if self.is_thin else []
@@ -62,6 +66,11 @@ class Slice:
         """The paths that load commands of that kind hold."""
         return [text_at(self.data, at + struct.unpack_from("<I", self.data, at + 8)[0])
                 for at in self.places(wanted)]
+
+    def versions(self):
+        """As the library's identity has them."""
+        numbers = [struct.unpack_from("<I", self.data, at + 16)[0] for at in self.places(IDENTIFY)]
+        return [(number >> 16, number >> 8 & 0xFF, number & 0xFF) for number in numbers]
 
     def exported(self):
         names = []
@@ -132,13 +141,15 @@ def slice_faults(part):
         faults.append(f"loads {sorted(set(loaded) ^ LIBRARIES)} besides or not")
     if part.names(IDENTIFY) != [IDENTITY]:
         faults.append(f"calls itself {part.names(IDENTIFY)}")
+    if part.versions() != [tuple(int(number) for number in VERSION.groups())]:
+        faults.append(f"has the version {part.versions()}")
+    if not part.flags & BINDS_TO_WEAK:
+        faults.append("does not take the process's operators new and delete")
     if part.places(RPATH):
         faults.append("has a search path")
     if part.oldest() != OLDEST.get(part.processor):
         faults.append(f"runs on {part.oldest()} and later")
-    if part.processor == "arm64" or part.places(SIGNATURE):
-        faults += signature_faults(part)
-    return faults
+    return faults + signature_faults(part)
 
 
 def split(data):
@@ -180,9 +191,11 @@ def self_test(data):
         "and later": changed(at.get(NEW_VERSION, at.get(OLD_VERSION)) + 8,
                              struct.pack("<2I", 0x000F0000, 0x000F0000)),
     }
-    if part.processor == "arm64":
-        plants["another hash of page"] = changed(0x8000, b"\xFF\xFE")
-        plants["is not signed"] = changed(at[SIGNATURE], struct.pack("<I", 0x26))
+    plants["another hash of page"] = changed(0x8000, b"\xFF\xFE")
+    plants["is not signed"] = changed(at[SIGNATURE], struct.pack("<I", 0x26))
+    plants["has the version"] = changed(at[IDENTIFY] + 16, struct.pack("<I", 0))
+    plants["operators new and delete"] = changed(
+        24, struct.pack("<I", part.flags & ~BINDS_TO_WEAK))
     folders = ["/somewhere/project"]
     missed = [wanted for wanted, planted in plants.items()
               if not any(wanted in fault for fault in faults_of(planted, False, folders))]

@@ -2,7 +2,9 @@
 // names the configuration, and the library's state in this process stays as it was.
 #pragma once
 
+#if !defined(_WIN32)
 #include <sys/mman.h>
+#endif
 
 #include <functional>
 #include <new>
@@ -45,6 +47,7 @@ constexpr int Repetitions(int plain, int sanitized) { return kSanitized ? saniti
 void InChild(const std::string& configuration, const std::function<void()>& body,
              unsigned seconds = 60);
 
+#if !defined(_WIN32)
 // Plain data that a child writes and its parent reads.
 template <typename T>
 class SharedWithChild {
@@ -65,5 +68,6 @@ class SharedWithChild {
  private:
   T* value_;
 };
+#endif
 
 }  // namespace zqv::interface_test

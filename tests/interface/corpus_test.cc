@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -15,6 +14,7 @@
 #include "tests/interface/files.h"
 #include "tests/interface/reading.h"
 #include "tests/interface/session.h"
+#include "tests/support/zone.h"
 
 namespace zqv::interface_test {
 namespace {
@@ -196,7 +196,7 @@ TEST_P(Corpus, GivesWhatWasWorkedOut) {
   const std::string bytes = ReadWholeFile(path + ".eml");
   const Json expected = Json::parse(ReadWholeFile(path + ".json"));
   const Json common = Json::parse(ReadWholeFile(std::string(kCorpus) + "/common.json"));
-  setenv("TZ", "UTC0", 1);
+  ASSERT_TRUE(test::SetZone("UTC0"));
   // A message of one part asks for its charset twice and so may raise twice in one call.
   const bool raises = expected.value("raise_unknown_formats", false);
   const Session session({}, raises ? Exceptions::kMayBeLost : Exceptions::kNoneLost);

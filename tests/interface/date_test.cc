@@ -7,12 +7,12 @@
 
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 
 #include "tests/interface/child.h"
 #include "tests/interface/reading.h"
 #include "tests/interface/session.h"
+#include "tests/support/zone.h"
 
 namespace zqv::interface_test {
 namespace {
@@ -30,8 +30,8 @@ class Dates : public InterfaceTest {};
 template <typename Body>
 void InZone(const char* zone, Body body, const Capabilities& capabilities = {}) {
   LoadLibraryFile();
+  if (!test::SetZone(zone)) return;
   InChild(zone, [&] {
-    setenv("TZ", zone, 1);
     Session session(capabilities);
     body(session.host());
   });

@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#if defined(_WIN32)
+#include <direct.h>
+#include <io.h>
+#endif
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -11,7 +16,12 @@ namespace zqv::interface_test {
 
 TemporaryFolder::TemporaryFolder()
     : path_((std::filesystem::temp_directory_path() / "zqv-interface-XXXXXX").string()) {
-  if (mkdtemp(path_.data()) == nullptr) ADD_FAILURE() << "no temporary folder " << path_;
+#if defined(_WIN32)
+  const bool is_made = _mktemp(path_.data()) != nullptr && _mkdir(path_.c_str()) == 0;
+#else
+  const bool is_made = mkdtemp(path_.data()) != nullptr;
+#endif
+  if (!is_made) ADD_FAILURE() << "no temporary folder " << path_;
 }
 
 TemporaryFolder::~TemporaryFolder() {
@@ -19,8 +29,17 @@ TemporaryFolder::~TemporaryFolder() {
   std::filesystem::remove_all(path_, ignored);
 }
 
+std::string TemporaryFolder::UrlPath(std::string_view name) const {
+#if defined(_WIN32)
+  return "/" + std::filesystem::path(Path(name)).generic_string();
+#else
+  return Path(name);
+#endif
+}
+
 std::string TemporaryFolder::Write(std::string_view name, std::string_view bytes) const {
-  std::ofstream file(Path(name), std::ios::binary);
+  // A path and not its text, which would be read in a code page on Windows.
+  std::ofstream file(std::filesystem::u8path(Path(name)), std::ios::binary);
   file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   file.close();
   EXPECT_TRUE(file.good()) << name;
@@ -28,7 +47,7 @@ std::string TemporaryFolder::Write(std::string_view name, std::string_view bytes
 }
 
 std::string ReadWholeFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(std::filesystem::u8path(path), std::ios::binary);
   EXPECT_TRUE(file.good()) << path;
   return {std::istreambuf_iterator<char>(file), {}};
 }

@@ -17,6 +17,8 @@ class TemporaryFolder {
   const std::string& path() const { return path_; }
   // The path of `name` in it, whether there is such a file or not.
   std::string Path(std::string_view name) const { return path_ + "/" + std::string(name); }
+  // The same as in a URL of a file, before anything is escaped.
+  std::string UrlPath(std::string_view name) const;
   // Writes a file and gives its path.
   std::string Write(std::string_view name, std::string_view bytes) const;
 

@@ -1,12 +1,7 @@
 #include "tests/interface/reading.h"
 
-#include <unistd.h>
-
 #include <array>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 #include "standin/mirror.h"
 
@@ -16,16 +11,6 @@ namespace {
 constexpr std::string_view kConstructors[] = {"Constructor(Content as string)",
                                               "Constructor(Content as MemoryBlock)",
                                               "Constructor(File as FolderItem)"};
-
-std::string WriteTemporaryFile(std::string_view bytes) {
-  std::string path = (std::filesystem::temp_directory_path() / "zqv-input-XXXXXX").string();
-  const int file = mkstemp(path.data());
-  if (file < 0) ADD_FAILURE() << "no temporary file " << path;
-  close(file);
-  std::ofstream(path, std::ios::binary)
-      .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  return path;
-}
 
 // Reads all there is below an object, one kind of member at a time. No recursion: applications
 // have small stacks too.
@@ -113,13 +98,9 @@ Input::Input(Way way, std::string_view bytes) {
       value_ = MakeMemoryBlock(bytes);
       break;
     case Way::kFile:
-      path_ = WriteTemporaryFile(bytes);
-      value_ = MakeFolderItem(path_);
+      folder_ = std::make_unique<TemporaryFolder>();
+      value_ = MakeFolderItem(folder_->Write("input.eml", bytes));
   }
-}
-
-Input::~Input() {
-  if (!path_.empty()) std::remove(path_.c_str());
 }
 
 Constructed ConstructOn(const Object& message, std::string_view constructor, const Value& content) {

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "tests/interface/files.h"
 #include "tests/interface/session.h"
 
 namespace zqv::interface_test {
@@ -19,14 +21,13 @@ const char* NameOf(Way way);
 class Input {
  public:
   Input(Way way, std::string_view bytes);
-  ~Input();
   Input(const Input&) = delete;
   Input& operator=(const Input&) = delete;
 
   const Value& value() const { return value_; }
 
  private:
-  std::string path_;  // of the file, or empty
+  std::unique_ptr<TemporaryFolder> folder_;  // of the file; null for the other ways
   Value value_;
 };
 

@@ -113,7 +113,8 @@ constexpr std::size_t kPointer = sizeof(void*);
 
 }  // namespace
 
-Image::Image(const std::string& path, const Resolve& resolve) : path_(path), file_(ReadFile(path)) {
+Image::Image(const std::string& path, const Resolve& resolve, const Resolve& resolve_weak)
+    : path_(path), file_(ReadFile(path)) {
   ReadCommands();
   Map();
   Rebase(binding_[0], binding_[1]);
@@ -122,7 +123,10 @@ Image::Image(const std::string& path, const Resolve& resolve) : path_(path), fil
     return own != nullptr ? own : resolve(name);
   };
   Bind(binding_[2], binding_[3], false, own_first);
-  Bind(binding_[4], binding_[5], false, own_first);
+  Bind(binding_[4], binding_[5], false, [&](const std::string& name) {
+    void* const of_process = resolve_weak(name);
+    return of_process != nullptr ? of_process : own_first(name);
+  });
   Bind(binding_[6], binding_[7], true, own_first);
   Protect();
   unwind_tables_ = {base_, frames_.size != 0 ? base_ + frames_.address : nullptr, frames_.size,

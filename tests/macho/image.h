@@ -29,7 +29,9 @@ class Image {
 
   // Loads the file, which stays for the life of the process. Throws std::runtime_error for what is
   // not understood.
-  Image(const std::string& path, const Resolve& resolve);
+  // Symbols that the process may define in the library's place are bound by `resolve_weak`, which
+  // gives null for those that it does not.
+  Image(const std::string& path, const Resolve& resolve, const Resolve& resolve_weak);
 
   // Runs the library's initialisers: once, and when exceptions in them can find its tables.
   void Initialise() const;

@@ -11,6 +11,7 @@
 #include "standin/library.h"
 #include "tests/macho/core_foundation.h"
 #include "tests/macho/image.h"
+#include "tests/macho/operators.h"
 #include "tests/macho/system.h"
 
 namespace zqv::macho {
@@ -28,7 +29,7 @@ void* FindForRuntime(const std::string& name) {
 }
 
 const Image& TheRuntime() {
-  static const Image kRuntime(ZQV_MACHO_RUNTIME, &FindForRuntime);
+  static const Image kRuntime(ZQV_MACHO_RUNTIME, &FindForRuntime, &FindOperator);
   return kRuntime;
 }
 
@@ -42,7 +43,8 @@ void* FindForPlugin(const std::string& name) {
 abi::REALproc OpenPlugin(const std::string&) {
   AddImage(TheRuntime());
   TheRuntime().Initialise();
-  static const Image kPlugin(ZQV_MACHO_LIBRARY, &FindForPlugin);
+  ThrowBadAllocBy(TheRuntime().Find("__ZSt17__throw_bad_allocv"));
+  static const Image kPlugin(ZQV_MACHO_LIBRARY, &FindForPlugin, &FindOperator);
   AddImage(kPlugin);
   kPlugin.Initialise();
   return reinterpret_cast<abi::REALproc>(kPlugin.Find("_REALPluginMain"));

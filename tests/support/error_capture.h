@@ -1,4 +1,4 @@
-// Standard error of a test as text.
+// Standard error of a test as text; on Windows, what it says to debuggers. One lives at a time.
 #pragma once
 
 #include <string>
@@ -18,8 +18,12 @@ class ErrorCapture {
   std::string Text() const;
 
  private:
+#if defined(_WIN32)
+  void* const handler_;  // of the system's exceptions
+#else
   const int standard_error_;  // the descriptor it had before
   const int file_;
+#endif
 };
 
 }  // namespace zqv::test

@@ -94,7 +94,8 @@ class Dates : public EmailTest {
   // The record of an entity with these header lines.
   const MimeEntityClassData& ParseHeader(const std::string& lines) {
     email_ = NewEmail();
-    objects::ParseDate(RecordOf(email_), Parse(lines + "\n")->Header());
+    objects::LocalOffset local_offset;
+    objects::ParseDate(RecordOf(email_), Parse(lines + "\n")->Header(), local_offset);
     return RecordOf(email_);
   }
   std::string Sent(const std::string& date) {

@@ -1,0 +1,87 @@
+// Loading and unloading, and exceptions that cross from the host's file into the library's.
+#include <gtest/gtest.h>
+#include <psapi.h>  // wants the former
+#include <windows.h>
+
+#include <string>
+
+#include "standin/library.h"
+#include "tests/interface/messages.h"
+#include "tests/interface/reading.h"
+#include "tests/interface/session.h"
+
+namespace zqv::interface_test {
+namespace {
+
+class LibraryFile : public InterfaceTest {};
+
+HMODULE g_loaded = nullptr;
+
+abi::REALproc Open(const std::string& path) {
+  g_loaded = LoadLibraryA(path.c_str());
+  return g_loaded == nullptr
+             ? nullptr
+             : reinterpret_cast<abi::REALproc>(GetProcAddress(g_loaded, "REALPluginMain"));
+}
+
+// What a process does that loads a library, reads mail with it and lets it go again.
+void LoadUseAndFree() {
+  {
+    Capabilities capabilities;
+    // Reading a message throws and catches inside, and the host throws into the library.
+    capabilities.faults["RuntimeUBound"] = {Fault::Kind::kThrows, 1, 1};
+    const auto host = Host::Start(capabilities);
+    standin::UseOpener(&Open);
+    standin::Library(ZQV_LIBRARY).Enter(*host);
+    EXPECT_EQ(Construct(Way::kBlock, "").raised.empty(), false);
+    static_cast<void>(Construct(Way::kString, RichMessage()));
+    host->DropAllStrays();
+  }
+  EXPECT_NE(FreeLibrary(g_loaded), 0);
+}
+
+std::size_t PrivateBytes() {
+  PROCESS_MEMORY_COUNTERS_EX counters = {};
+  GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters),
+                       sizeof counters);
+  return counters.PrivateUsage;
+}
+
+// Each thousandth part of what a process has of handles, memory and slots for threads would be
+// gone.
+TEST_F(LibraryFile, IsLoadedAndFreedAThousandTimes) {
+  constexpr int kTimes = 1000;
+  for (int i = 0; i < 50; ++i) LoadUseAndFree();
+  DWORD handles_before = 0;
+  GetProcessHandleCount(GetCurrentProcess(), &handles_before);
+  const std::size_t memory_before = PrivateBytes();
+  const DWORD slot_before = TlsAlloc();
+  TlsFree(slot_before);
+  for (int i = 0; i < kTimes && !HasFailure(); ++i) LoadUseAndFree();
+  const DWORD slot = TlsAlloc();
+  EXPECT_EQ(slot, slot_before) << "slots for threads are used up";
+  TlsFree(slot);
+  DWORD handles = 0;
+  GetProcessHandleCount(GetCurrentProcess(), &handles);
+  EXPECT_EQ(handles, handles_before);
+  EXPECT_LT(PrivateBytes(), memory_before + 1'000 * kTimes) << "a kilobyte each time";
+}
+
+TEST_F(LibraryFile, KeepsExceptionsOfTheHostInside) {
+  Capabilities capabilities;
+  capabilities.faults["REALBuildStringWithEncoding"] = {Fault::Kind::kThrows, 1, 1'000'000};
+  Session session(capabilities, Exceptions::kMayBeLost);
+  const Constructed constructed = ConstructFromString(RichMessage());
+  EXPECT_NE(constructed.raised.find("RuntimeException"), std::string::npos) << constructed.raised;
+}
+
+TEST_F(LibraryFile, KeepsThrownNumbersOfTheHostInside) {
+  Capabilities capabilities;
+  capabilities.faults["PluginNewInstance"] = {Fault::Kind::kThrowsInt, 5, 1};
+  Session session(capabilities, Exceptions::kMayBeLost);
+  const Constructed constructed = ConstructFromString(RichMessage());
+  EXPECT_NE(constructed.raised, "");
+}
+
+}  // namespace
+}  // namespace zqv::interface_test

@@ -1,0 +1,75 @@
+"""Wine in a folder of its own, with one server for many programs."""
+
+import contextlib
+import os
+import pathlib
+import subprocess
+import tempfile
+import time
+
+
+def environment(prefix=None, **more):
+    """The environment of a program; Wine's folder is kept once `server` has named it."""
+    values = dict(os.environ, WINEDEBUG="-all", LC_ALL="C.UTF-8", **more)
+    if prefix is not None:
+        values["WINEPREFIX"] = str(prefix)
+    return values
+
+
+def run(command, variables, seconds):
+    """Runs a program; gives its exit code and what it wrote. Not through a pipe: what Wine starts
+    besides keeps it open after the program has ended."""
+    with tempfile.TemporaryFile() as output:
+        code = subprocess.run(command, env=variables, timeout=seconds, check=False, stdout=output,
+                              stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL).returncode
+        output.seek(0)
+        return code, output.read().decode("utf-8", "replace")
+
+
+def path(place):
+    """A whole path of this system as programs for Windows write it."""
+    return "Z:" + str(pathlib.Path(place).resolve())
+
+
+def find_server(prefix):
+    """The id of the server that runs for this folder, or nothing."""
+    for process in pathlib.Path("/proc").iterdir():
+        try:
+            name = (process / "comm").read_text()
+            variables = (process / "environ").read_bytes().split(b"\0")
+        except OSError:
+            continue
+        if name.startswith("wineserver") and f"WINEPREFIX={prefix}".encode() in variables:
+            return int(process.name)
+    return None
+
+
+@contextlib.contextmanager
+def server(prefix):
+    """Makes the folder if need be and keeps its server running, which makes each start fast."""
+    prefix = pathlib.Path(prefix).resolve()
+    os.environ["WINEPREFIX"] = str(prefix)
+    if not (prefix / "system.reg").exists():
+        prefix.parent.mkdir(parents=True, exist_ok=True)
+        run(["wineboot", "--init"], environment(), 600)
+        wait_for_end(prefix)
+    run(["wineserver", "--persistent"], environment(), 60)
+    try:
+        yield
+    finally:
+        stop(prefix)
+
+
+def wait_for_end(prefix):
+    """The first server ends of itself once all that it has is written."""
+    for _ in range(300):
+        if find_server(prefix) is None:
+            return
+        time.sleep(0.1)
+
+
+def stop(prefix):
+    found = find_server(prefix)
+    if found is not None:
+        os.kill(found, 15)
+        wait_for_end(prefix)

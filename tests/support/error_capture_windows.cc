@@ -1,0 +1,34 @@
+// There the library writes its log for debuggers: each line is an exception that a process sees
+// first and may call dealt with.
+#include <windows.h>
+
+#include <string>
+
+#include "tests/support/error_capture.h"
+
+namespace zqv::test {
+namespace {
+
+constexpr DWORD kPrinted = 0x40010006;  // DBG_PRINTEXCEPTION_C: length with the NUL, address
+std::string g_text;
+
+LONG CALLBACK KeepText(EXCEPTION_POINTERS* raised) {
+  const EXCEPTION_RECORD& record = *raised->ExceptionRecord;
+  if (record.ExceptionCode != kPrinted || record.NumberParameters < 2) {
+    return EXCEPTION_CONTINUE_SEARCH;
+  }
+  g_text += reinterpret_cast<const char*>(record.ExceptionInformation[1]);
+  return EXCEPTION_CONTINUE_EXECUTION;
+}
+
+}  // namespace
+
+ErrorCapture::ErrorCapture() : handler_(AddVectoredExceptionHandler(1, &KeepText)) {
+  g_text.clear();
+}
+
+ErrorCapture::~ErrorCapture() { RemoveVectoredExceptionHandler(handler_); }
+
+std::string ErrorCapture::Text() const { return g_text; }
+
+}  // namespace zqv::test
