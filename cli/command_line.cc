@@ -197,6 +197,11 @@ class CommandLine {
     command->add_flag("--force", request_->force, "Replace files that are there already");
   }
 
+  void AddAll(CLI::App* command) {
+    command->add_flag("--all", request_->all,
+                      "Also what the library lists and nobody calls a file, such as multiparts");
+  }
+
   void AddFolder(CLI::App* command, const char* name) {
     command->add_option(name, request_->folder, "The folder, made when it is missing")
         ->type_name("FOLDER")
@@ -220,10 +225,11 @@ class CommandLine {
 
     AddJson(AddVerbOnMessages("tree", "Show the parts of messages: number, type, bytes, name",
                               "tree letter.eml", Tree));
-    AddJson(AddVerbOnMessages("list",
-                              "List what is attached: part, kind, type, bytes, file name, "
-                              "Content-ID",
-                              "list letter.eml", List));
+    CLI::App* const list = AddVerbOnMessages(
+        "list", "List the files in messages: part, kind, type, bytes, file name, Content-ID",
+        "list letter.eml", List);
+    AddJson(list);
+    AddAll(list);
     AddJson(AddVerbOnMessages("addresses", "List the addresses: field, address, name, group",
                               "addresses --recursive Mail", Addresses));
     AddJson(AddVerbOnMessages("check",
@@ -267,6 +273,7 @@ class CommandLine {
                           "extract letter.eml --dir letter", Extract, Inputs::kOne);
     AddFolder(extract, "--dir");
     AddForce(extract);
+    AddAll(extract);
     CLI::Option* const part =
         extract
             ->add_option("--stdout", request_->sent_part,
@@ -319,6 +326,7 @@ class CommandLine {
     command->add_flag("--skip-existing", request_->skip_existing,
                       "Leave out what is there already");
     AddForce(command);
+    AddAll(command);
     command->get_option("--force")->excludes("--skip-existing");
     AddRaw(command, "In JSON give each text as its bytes, as json --raw does");
     command->add_option("-j,--jobs", request_->jobs, "So many processes side by side")

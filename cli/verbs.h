@@ -31,6 +31,7 @@ struct Request {
   std::optional<std::string> sent_part;  // extract: whose bytes go to standard output
   std::string folder;                    // extract, export: where the files go
   std::string page;                      // report: the file to write, "-" for standard output
+  bool all = false;                      // list, extract, export: what nobody calls files, too
   bool force = false;                    // extract, export, report: replaces files
   bool raw = false;                      // bytes as the library has them
   std::vector<ExportForm> forms;         // export; none: JSON

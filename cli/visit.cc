@@ -100,12 +100,15 @@ int ForEachMessage(const Session& session, const Request& request, Output* outpu
   return all_good ? code : 1;
 }
 
-int ForOneMessage(const Session& session, const Request& request, const Visit& visit) {
+int ForOneMessage(const Session& session, const Request& request, const Visit& visit,
+                  const char* advice) {
   bool all_good = true;
   const auto handle = [&](const Item& item, bool several) {
     const bool is_good = Guarded(item, [&] {
-      if (several)
-        throw std::runtime_error("is not the only message; --message NUMBER chooses one");
+      if (several) {
+        throw std::runtime_error(
+            std::string("is not the only message; --message NUMBER chooses one") + advice);
+      }
       return visit(item.name, session.Open(item));
     });
     all_good = all_good && is_good;

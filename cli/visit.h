@@ -30,7 +30,9 @@ enum class Headings { kAlways, kAboveSomething };
 int ForEachMessage(const Session& session, const Request& request, Output* output,
                    const Visit& visit, Headings headings = Headings::kAlways);
 
-// For what is done with one message: refuses several before anything is done.
-int ForOneMessage(const Session& session, const Request& request, const Visit& visit);
+// For what is done with one message: refuses several before anything is done, and says `advice`
+// then, too.
+int ForOneMessage(const Session& session, const Request& request, const Visit& visit,
+                  const char* advice = "");
 
 }  // namespace zqv::cli

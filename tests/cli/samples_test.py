@@ -424,9 +424,7 @@ class ListTest(program.TestCase):
         self.assertEqual(rows, [
             ["1.2", "inline", "image/gif", str(size("nested.eml", 0, 1)), "logo.gif",
              "<logo.881@desk.example.org>"],
-            ["2", "attachment", "message/rfc822", "0", "your message.eml", "-"],
-            ["2.1.1", "attachment", "text/plain", str(size("nested.eml", 1, 0, 0)), "attachment",
-             "-"],
+            ["2", "attachment", "message/rfc822", "533", "your message.eml", "-"],
             ["2.1.2", "attachment", "text/csv", str(size("nested.eml", 1, 0, 1)), "pages.csv",
              "-"],
         ])
