@@ -197,6 +197,13 @@ class CommandLine {
     command->add_flag("--force", request_->force, "Replace files that are there already");
   }
 
+  void AddFileForm(CLI::App* command, const char* about) {
+    AddChoice<std::optional<FileForm>>(
+        command, "--attachments", &request_->files,
+        {{"none", FileForm::kNone}, {"base64", FileForm::kBase64}, {"text", FileForm::kText}},
+        about);
+  }
+
   void AddAll(CLI::App* command) {
     command->add_flag("--all", request_->all,
                       "Also what the library lists and nobody calls a file, such as multiparts");
@@ -222,6 +229,10 @@ class CommandLine {
     headers->add_option("--part", request_->part, "The header of this part, as tree counts")
         ->type_name("PART")
         ->check(CheckPart);
+    AddRaw(headers, "Print the bytes of the fields as they stand in the message");
+    headers->add_flag("--classes", request_->classes, "Print the fields as the classes give them")
+        ->excludes("--raw");
+    headers->get_option("--json")->excludes("--raw");
 
     AddJson(AddVerbOnMessages("tree", "Show the parts of messages: number, type, bytes, name",
                               "tree letter.eml", Tree));
@@ -260,6 +271,8 @@ class CommandLine {
     CLI::App* const json = AddVerbOnMessages("json", "Print all that the classes give, as JSON",
                                              "json letter.eml", Json);
     AddRaw(json, "Give each text as its bytes in base64 and the number of its encoding");
+    AddFileForm(json, "How the bytes of files and of the source are given; at first text");
+    json->add_flag("--lines", request_->lines, "Print each document on one line");
     json->callback([arguments = arguments_] {
       arguments->verb = Json;
       arguments->request.json = true;
@@ -329,6 +342,7 @@ class CommandLine {
     AddAll(command);
     command->get_option("--force")->excludes("--skip-existing");
     AddRaw(command, "In JSON give each text as its bytes, as json --raw does");
+    AddFileForm(command, "In JSON how the bytes of files and the source are given; at first none");
     command->add_option("-j,--jobs", request_->jobs, "So many processes side by side")
         ->type_name("NUMBER")
         ->check(UpTo(kMostJobs));

@@ -18,9 +18,9 @@
 
 #include "base/fnv.h"
 #include "cli/attached_files.h"
-#include "cli/document.h"
 #include "cli/folder.h"
 #include "cli/message.h"
+#include "cli/message_document.h"
 #include "cli/output.h"
 #include "cli/print_json.h"
 #include "cli/progress.h"
@@ -115,7 +115,8 @@ class Exporter {
       case ExportForm::kJson:
         folder.Write(file,
                      DocumentText(item.name, "message",
-                                  DescribeMessage(email, request_.raw ? RawText : ReadableText)) +
+                                  MessageDocument(email, request_,
+                                                  request_.files.value_or(FileForm::kNone))) +
                          "\n",
                      request_.force);
         return true;

@@ -80,7 +80,12 @@ std::string WrittenFileName(const WrittenParameters& disposition, const WrittenP
 FoundFiles::FoundFiles(const MessageSource& source) : FoundFiles(source, 0) {}
 
 FoundFiles::FoundFiles(const MessageSource& source, std::size_t depth)
-    : source_(source), depth_(depth) {
+    : source_(source), depth_(depth), messages_around_(source.parts().size(), 0) {
+  for (PartIndex i = 1; i < source.parts().size(); ++i) {
+    const PartIndex parent = source.parts()[i].parent;
+    const bool is_message = source.parts()[parent].kind == PartKind::kMessage;
+    messages_around_[i] = messages_around_[parent] + (is_message ? 1 : 0);
+  }
   for (PartIndex i = 0; i < source.parts().size(); ++i) {
     switch (source.parts()[i].kind) {
       case PartKind::kLeaf:
@@ -148,7 +153,7 @@ bool FoundFiles::IsText(const Header& header, FoundFile* file) {
                             type.type == "text" &&
                             (type.subtype == "plain" || type.subtype == "html");
   file->is_inline = file->is_inline || is_plain || is_html || is_more_text;
-  file->is_frame = is_more_text && IsInMessage(source_.parts()[file->part]);
+  file->is_frame = is_more_text && messages_around_[file->part] > 0;
   return is_plain || is_html;
 }
 
@@ -249,19 +254,12 @@ void FoundFiles::AddMessage(PartIndex index) {
   const mime::Part& part = source_.parts()[index];
   const Header header = ReadHeader(part);
   FoundFile file = FileOf(index, header);
-  file.is_frame = IsBlank(BodyOf(part));
+  // Of those that nest deeper each would be written once for each that is around it.
+  file.is_frame = IsBlank(BodyOf(part)) || messages_around_[index] > kMostDepth;
   ReadTransferOf(header, &file);
   const Transfer transfer = ReadTransfer(header.transfer);
   const bool is_encoded = transfer == Transfer::kBase64 || transfer == Transfer::kQuotedPrintable;
   AddMessage(std::move(file), is_encoded ? mime::kNoPart : part.first_child);
-}
-
-bool FoundFiles::IsInMessage(const mime::Part& part) const {
-  PartIndex parent = part.parent;
-  while (parent != mime::kNoPart && source_.parts()[parent].kind != PartKind::kMessage) {
-    parent = source_.parts()[parent].parent;
-  }
-  return parent != mime::kNoPart;
 }
 
 bool FoundFiles::IsInDigest(const mime::Part& part) const {
@@ -277,7 +275,7 @@ void FoundFiles::AddMultipart(PartIndex index) {
   const Type type = SplitType(header.type.main());
   FoundFile file = FileOf(index, header);
   const bool is_lost = part.first_child == mime::kNoPart && !IsBlank(BodyOf(part)) &&
-                       !IsInMessage(part);  // such as a letter that came back cut short
+                       messages_around_[index] == 0;  // such as a letter that came back cut short
   if (email::IsContainer(type.type, type.subtype) && !is_lost) return;
   file.is_frame = !is_lost;
   if (is_lost) file.problem = "no boundary divides the multipart: the bytes are as they stand";

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -74,8 +75,6 @@ class FoundFiles {
   // `read_as` is what the parser made of the attached message, if anything.
   void AddMessage(FoundFile file, mime::PartIndex read_as);
   void AddNested(mime::PartIndex index, const FoundFiles& nested);
-  // Whether the part is in an attached message, whose bytes are a file as a whole.
-  bool IsInMessage(const mime::Part& part) const;
   // A part of a digest is a message unless it says otherwise (RFC 2046, section 5.1.5).
   bool IsInDigest(const mime::Part& part) const;
   void AddMultipart(mime::PartIndex index);
@@ -87,6 +86,7 @@ class FoundFiles {
 
   const MessageSource& source_;
   const std::size_t depth_;  // how many messages around this one were read by themselves
+  std::vector<std::uint32_t> messages_around_;  // by part: how many attached messages it is in
   std::vector<FoundFile> list_;
   mime::PartIndex plain_text_ = mime::kNoPart;
   mime::PartIndex html_text_ = mime::kNoPart;

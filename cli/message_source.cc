@@ -64,6 +64,20 @@ mime::PartIndex MessageSource::FindPart(std::string_view number) const {
   return part;
 }
 
+std::string_view HeaderOf(std::string_view message) {
+  for (std::size_t at = 0; (at = message.find_first_of("\r\n", at)) != std::string_view::npos;) {
+    const std::string_view rest = message.substr(at);
+    const std::size_t end = rest.substr(0, 2) == "\r\n" ? 2 : 1;
+    const std::string_view next = rest.substr(end);
+    if (next.empty() || !base::IsLineEnd(next.front())) {
+      at += end;
+      continue;
+    }
+    return message.substr(0, at + end + (next.substr(0, 2) == "\r\n" ? 2 : 1));
+  }
+  return message;
+}
+
 std::string PartNumber(const std::vector<std::size_t>& ordinals) {
   if (ordinals.empty()) return "0";
   std::string number;

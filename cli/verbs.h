@@ -15,6 +15,9 @@ namespace zqv::cli {
 
 enum class ExportForm { kJson, kText, kHtml, kFiles };
 
+// How JSON gives the bytes of files.
+enum class FileForm { kNone, kBase64, kText };
+
 // The share of the messages that is exported: those whose places fall to `number` of `count`.
 struct Shard {
   std::size_t number = 1;
@@ -28,12 +31,15 @@ struct Request {
   bool json = false;                     // data as JSON documents instead of lines
   std::string field;                     // headers: only fields of this name; empty: all
   std::string part = "0";                // headers: whose
+  bool classes = false;                  // headers: as the library gives them
   std::optional<std::string> sent_part;  // extract: whose bytes go to standard output
   std::string folder;                    // extract, export: where the files go
   std::string page;                      // report: the file to write, "-" for standard output
   bool all = false;                      // list, extract, export: what nobody calls files, too
   bool force = false;                    // extract, export, report: replaces files
   bool raw = false;                      // bytes as the library has them
+  std::optional<FileForm> files;         // json, export; nothing: as usual for the verb
+  bool lines = false;                    // json: each document on one line
   std::vector<ExportForm> forms;         // export; none: JSON
   bool skip_existing = false;            // export
   std::size_t jobs = 1;                  // export: worker processes
