@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "cli/completion.h"
+#include "cli/findings.h"
+#include "cli/written_date.h"
 
 namespace zqv::cli {
 namespace {
@@ -69,6 +71,10 @@ std::optional<Shard> ReadShard(std::string_view text) {
 
 std::string CheckShard(const std::string& text) {
   return ReadShard(text) ? std::string() : "no share such as 3/8: " + text;
+}
+
+std::string CheckDate(const std::string& text) {
+  return ReadPeriod(text) ? std::string() : "no date such as 2024, 2024-01 or 2024-01-20: " + text;
 }
 
 // A word that stands for a value. In the order in which help lists them.
@@ -215,8 +221,67 @@ class CommandLine {
         ->check(CheckNotEmpty);
   }
 
+  // `--to` is a folder for export.
+  void AddFilter(CLI::App* command, const char* to = "--to,--recipient") {
+    Filter* const filter = &request_->filter;
+    const auto add_text = [&](const char* names, std::string* text, const char* about) {
+      command->add_option(names, *text, about)->type_name("TEXT")->check(CheckNotEmpty);
+    };
+    add_text("--from", &filter->from, "Only messages with this text in From");
+    add_text(to, &filter->to, "Only messages with this text in To, Cc or Bcc");
+    add_text("--subject", &filter->subject, "Only messages with this text in the subject");
+    AddDay(command, "--since", "Only messages of this day, month or year, or later", [filter](Period p) {
+      filter->since = p.first;
+    });
+    AddDay(command, "--until", "Only messages of this day, month or year, or earlier",
+           [filter](Period p) { filter->until = p.last; });
+    command->add_flag("--has-attachment", filter->has_attachment,
+                      "Only messages with a file that is not shown within the text");
+    command->add_option("--has-finding", filter->finding, "Only messages about which check says this")
+        ->type_name("CODE")
+        ->check(CLI::IsMember(FindingCodes()));
+    command
+        ->add_option("--include", request_->source.include,
+                     "In folders and archives only files whose names match, such as '*.eml'")
+        ->type_name("PATTERN")
+        ->allow_extra_args(false)
+        ->check(CheckNotEmpty);
+  }
+
+  template <typename Take>
+  void AddDay(CLI::App* command, const char* name, const char* about, Take take) {
+    command
+        ->add_option_function<std::string>(
+            name, [take](const std::string& text) { take(*ReadPeriod(text)); }, about)
+        ->type_name("DATE")
+        ->check(CheckDate);
+  }
+
+  void AddJobs(CLI::App* command) {
+    command->add_option("-j,--jobs", request_->jobs, "So many processes side by side")
+        ->type_name("NUMBER")
+        ->check(UpTo(kMostJobs));
+  }
+
+  void AddScan() {
+    CLI::App* const scan = AddVerbOnMessages(
+        "scan", "Show one line a message: file, date, from, subject, bytes, attachments, findings",
+        "scan --recursive Mail", Scan);
+    const auto add_form = [&](const char* name, ScanForm form, const char* about) {
+      return scan->add_flag_callback(
+          name, [request = request_, form] { request->scan_form = form; }, about);
+    };
+    CLI::Option* const csv = add_form("--csv", ScanForm::kCsv, "Print comma-separated values");
+    add_form("--jsonl", ScanForm::kJsonLines,
+             "Print a line of JSON for each message, with its files and SHA-256 sums")
+        ->excludes(csv);
+    AddFilter(scan);
+    AddJobs(scan);
+  }
+
   void AddVerbsThatShow() {
     group_ = "Verbs that show";
+    AddScan();
     AddJson(AddVerbOnMessages("show", "Show messages: who, when, what about, what is in them",
                               "show letter.eml", Show));
 
@@ -241,6 +306,7 @@ class CommandLine {
         "list letter.eml", List);
     AddJson(list);
     AddAll(list);
+    AddFilter(list);
     AddJson(AddVerbOnMessages("addresses", "List the addresses: field, address, name, group",
                               "addresses --recursive Mail", Addresses));
     AddJson(AddVerbOnMessages("check",
@@ -287,6 +353,7 @@ class CommandLine {
     AddFolder(extract, "--dir");
     AddForce(extract);
     AddAll(extract);
+    AddFilter(extract);
     CLI::Option* const part =
         extract
             ->add_option("--stdout", request_->sent_part,
@@ -343,9 +410,8 @@ class CommandLine {
     command->get_option("--force")->excludes("--skip-existing");
     AddRaw(command, "In JSON give each text as its bytes, as json --raw does");
     AddFileForm(command, "In JSON how the bytes of files and the source are given; at first none");
-    command->add_option("-j,--jobs", request_->jobs, "So many processes side by side")
-        ->type_name("NUMBER")
-        ->check(UpTo(kMostJobs));
+    AddJobs(command);
+    AddFilter(command, "--recipient");
     command
         ->add_option_function<std::string>(
             "--shard",

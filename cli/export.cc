@@ -191,18 +191,6 @@ std::size_t SizeOf(const Item& item) {
   return stat(item.path.c_str(), &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
 }
 
-Parcel ParcelOf(const Item& item) {
-  Parcel parcel = {item.name, item.place, item.path};
-  if (item.bytes) parcel.push_back(*item.bytes);
-  return parcel;
-}
-
-Item ItemOf(const Parcel& parcel) {
-  Item item = {parcel[0], parcel[1], parcel[2], std::nullopt};
-  if (parcel.size() > 3) item.bytes = parcel[3];
-  return item;
-}
-
 // What became of the messages.
 class Tally {
  public:
@@ -278,7 +266,7 @@ int Export(const Session& session, const Request& request, Output*) {
   Exporter exporter(session, request);
   Tally tally(Progress::IsWanted() ? TotalBytes(request.source) / request.shard.count : 0);
   const auto hand_to = [&](const std::function<void(const Item&)>& use) {
-    return ForEachChosen(request, [&](Item&& item) {
+    return ForEachChosen(session, request, [&](Item&& item) {
       if (IsInShard(item.place, request.shard)) use(item);
       return true;
     });

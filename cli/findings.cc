@@ -104,6 +104,14 @@ std::vector<Finding> Findings::Take() {
   return std::move(list_);
 }
 
+std::vector<std::string> FindingCodes() {
+  std::vector<std::string> codes;
+  for (const Row& row : kRows) {
+    if (codes.empty() || codes.back() != row.code) codes.emplace_back(row.code);
+  }
+  return codes;
+}
+
 std::string PartText(const Place& place, const PartTree& tree) {
   if (!place.part) return {};
   return *place.part == 0 ? "message" : "part " + tree.Number(*place.part);

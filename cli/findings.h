@@ -67,6 +67,9 @@ class Findings {
   std::vector<Finding> list_;
 };
 
+// All codes, each once, in the order of the documents.
+std::vector<std::string> FindingCodes();
+
 // For a reader: "message", "part 5.2", "line 14"; empty when it is not known.
 std::string PartText(const Place& place, const PartTree& tree);
 std::string LineText(const Place& place);

@@ -58,6 +58,8 @@ void PrintDocument(const char* key, JsonValue value, Output* output) {
   output->PrintLine(DocumentText(key, std::move(value)));
 }
 
+std::string JsonLine(const JsonValue& value) { return EscapeControls(value.dump()); }
+
 JsonValue TextOrNull(const std::string& text) {
   return text.empty() ? JsonValue() : JsonValue(text);
 }

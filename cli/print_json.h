@@ -27,6 +27,9 @@ std::string DocumentText(const char* key, JsonValue value);
 void PrintDocument(const std::string& name, const char* key, JsonValue value, Output* output);
 void PrintDocument(const char* key, JsonValue value, Output* output);
 
+// One value on one line, escaped as documents are.
+std::string JsonLine(const JsonValue& value);
+
 // null for an empty text.
 JsonValue TextOrNull(const std::string& text);
 // A host's text in UTF-8, without the blanks around it; null when nothing is left.

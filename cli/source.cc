@@ -1,6 +1,7 @@
 #include "cli/source.h"
 
 #include <fcntl.h>
+#include <fnmatch.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -121,6 +122,13 @@ bool IsMaildir(const std::string& path) {
          fs::is_directory(fs::path(path) / "new", error);
 }
 
+bool IsIncluded(const std::vector<std::string>& patterns, const std::string& name) {
+  return patterns.empty() ||
+         std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
+           return fnmatch(pattern.c_str(), name.c_str(), 0) == 0;
+         });
+}
+
 struct Listing {
   std::vector<std::string> files;
   std::vector<std::string> folders;
@@ -200,6 +208,7 @@ class Walk {
                  const std::vector<std::string>& names) {
     for (const std::string& name : names) {
       if (!goes_on_) return;
+      if (!IsIncluded(options_.include, name)) continue;
       goes_on_ = visit_(Join(path, name), Join(place, name));
     }
   }

@@ -27,6 +27,8 @@ struct SourceOptions {
   std::vector<std::string> inputs;  // paths, "-" being standard input
   bool recursive = false;
   InputForm form = InputForm::kAuto;
+  std::vector<std::string> include;  // patterns such as "*.eml", one of which the names of files
+                                     // in folders must match; none: all files
 };
 
 // Gets each message in turn; false ends the walk.

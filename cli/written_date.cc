@@ -256,22 +256,32 @@ std::int64_t SecondsOf(const WrittenDate& date) {
   return (DaysOf(date.year, date.month, date.day) * 24 * 60 + minutes) * 60 + date.second;
 }
 
-std::optional<std::int64_t> ReadInstant(std::string_view text) {
+std::optional<Period> ReadPeriod(std::string_view text) {
   WrittenDate date;
   date.month = date.day = 1;
   const std::optional<int> year = TakeDigits(4, &text);
   if (!year) return std::nullopt;
   date.year = *year;
-  for (int* const field : {&date.month, &date.day}) {
-    if (text.empty()) return SecondsOf(date);
+  WrittenDate next = date;  // what begins behind it
+  int* const fields[] = {&date.year, &date.month, &date.day};
+  int* const next_fields[] = {&next.year, &next.month, &next.day};
+  std::size_t known = 0;
+  for (; known < 2 && !text.empty(); ++known) {
     const std::optional<int> number = TakeOne('-', &text) ? TakeDigits(2, &text) : std::nullopt;
-    if (!number || *number < 1 || *number > (field == &date.month ? 12 : 31)) return std::nullopt;
-    *field = *number;
+    if (!number || *number < 1 || *number > (known == 0 ? 12 : 31)) return std::nullopt;
+    *fields[known + 1] = *next_fields[known + 1] = *number;
   }
-  if (text.empty()) return SecondsOf(date);
+  if (text.empty()) {
+    ++*next_fields[known];
+    if (next.month > 12) {
+      next.month = 1;
+      ++next.year;
+    }
+    return Period{SecondsOf(date), SecondsOf(next) - 1};
+  }
   if (!TakeTime(&date, &text)) return std::nullopt;
-  if (!text.empty() && !TakeZone(&date, &text)) return std::nullopt;
-  return text.empty() ? std::optional(SecondsOf(date)) : std::nullopt;
+  if ((!text.empty() && !TakeZone(&date, &text)) || !text.empty()) return std::nullopt;
+  return Period{SecondsOf(date), SecondsOf(date)};
 }
 
 }  // namespace zqv::cli

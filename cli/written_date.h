@@ -34,8 +34,14 @@ std::string Rfc3339(const WrittenDate& date);
 std::string Rfc3339Utc(const WrittenDate& date);
 // Seconds from 1970-01-01 00:00:00 UTC on.
 std::int64_t SecondsOf(const WrittenDate& date);
-// The first second of a day or the one that is named: "2024", "2024-01", "2024-01-20",
-// "2024-01-20T18:00:00" in UTC or with a zone; nothing for any other text.
-std::optional<std::int64_t> ReadInstant(std::string_view text);
+
+// The first and the last second of what a text names: "2024", "2024-01", "2024-01-20",
+// "2024-01-20T18:00:00", in UTC unless a zone such as "Z" or "+02:00" follows the time; nothing for
+// any other text.
+struct Period {
+  std::int64_t first;
+  std::int64_t last;
+};
+std::optional<Period> ReadPeriod(std::string_view text);
 
 }  // namespace zqv::cli
