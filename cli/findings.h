@@ -39,9 +39,18 @@ enum class Oddity {
   kEncodedMessage,
   kForeignInBase64,
   kCutBase64,
+  kMoreBase64,
   kEncodedName,
   kUnreadName,
   kUnlistedPart,
+  kNoSender,
+  kNoContentType,
+  kPackedFile,
+  kEmptyFile,
+  kNamedText,
+  kFrame,
+  kRepeatedParameter,
+  kPiece,
 };
 
 struct Place {

@@ -135,17 +135,22 @@ std::string Unescaped(std::string_view text) {
 Base64Fault FindBase64Fault(std::string_view text) {
   constexpr std::size_t kGroup = 4;
   std::size_t digits = 0;  // since the last padding: texts may be joined
+  bool is_padded = false;
+  bool goes_on = false;
   for (const char c : text) {
     if (kBase64Digits[static_cast<unsigned char>(c)]) {
       ++digits;
+      goes_on = goes_on || is_padded;
     } else if (c == '=') {
       if (digits % kGroup == 1) return Base64Fault::kCut;
       digits = 0;
+      is_padded = true;
     } else if (!base::IsBlank(c) && !base::IsLineEnd(c)) {
       return Base64Fault::kForeign;
     }
   }
-  return digits % kGroup == 1 ? Base64Fault::kCut : Base64Fault::kNone;
+  if (digits % kGroup == 1) return Base64Fault::kCut;
+  return goes_on ? Base64Fault::kMore : Base64Fault::kNone;
 }
 
 }  // namespace zqv::cli

@@ -39,8 +39,8 @@ bool HasPercentEscape(std::string_view text);
 std::string Unescaped(std::string_view text);
 
 // What is wrong with a body in base64 (RFC 4648, section 4; RFC 2045, section 6.8): characters that
-// do not belong there, or one digit alone of a group of four.
-enum class Base64Fault { kNone, kForeign, kCut };
+// do not belong there, one digit alone of a group of four, or more of it behind the padding.
+enum class Base64Fault { kNone, kForeign, kCut, kMore };
 Base64Fault FindBase64Fault(std::string_view text);
 
 }  // namespace zqv::cli

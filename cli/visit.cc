@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "cli/filter.h"
+#include "cli/partial.h"
 #include "cli/text.h"
 
 namespace zqv::cli {
@@ -67,13 +69,20 @@ bool ForEachChosen(const Session& session, const Request& request, const VisitIt
   const std::size_t wanted = request.message;
   std::size_t count = 0;
   bool is_there = wanted == 0;
+  const VisitItem hand_on = [&](Item&& item) {
+    if (!Passes(request.filter, session, item)) return wanted == 0;
+    return visit(std::move(item)) && wanted == 0;
+  };
+  PieceJoiner joiner(hand_on);
+  bool goes_on = true;
   const bool all_read = ForEachItem(request.source, [&](Item&& item) {
     ++count;
     if (wanted != 0 && count != wanted) return true;
     is_there = true;
-    if (!Passes(request.filter, session, item)) return wanted == 0;
-    return visit(std::move(item)) && wanted == 0;
+    goes_on = wanted == 0 ? joiner.Add(std::move(item)) : hand_on(std::move(item));
+    return goes_on;
   });
+  if (goes_on) joiner.Finish();
   if (!is_there) Complain("there is no message " + std::to_string(wanted));
   return all_read && is_there;
 }
