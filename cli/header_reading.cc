@@ -127,7 +127,7 @@ std::vector<std::string> ReadAddresses(std::string_view value) {
 std::string MailboxOf(std::string_view entry) {
   const auto is_mailbox = [](std::string_view text) {
     const std::size_t at = text.rfind('@');
-    return at != kNowhere && at > 0 && at + 1 < text.size() &&
+    return at != kNowhere && at > 0 && at + 1 < text.size() && text.back() != '"' &&
            text.find_first_of(" \t<>,;()") == kNowhere;
   };
   const std::size_t open = entry.rfind('<');

@@ -31,8 +31,8 @@ struct Row {
 constexpr Row kRows[] = {
     {"base64", Transfer::kBase64},          {"quotedprint", Transfer::kQuotedPrintable},
     {"7bit", Transfer::kIdentity},          {"8bit", Transfer::kIdentity},
-    {"binary", Transfer::kIdentity},        {"7bits", Transfer::kIdentity},
-    {"xuue", Transfer::kUuencode},          {"uue", Transfer::kUuencode},
+    {"binary", Transfer::kIdentity},        {"xuue", Transfer::kUuencode},
+    {"uue", Transfer::kUuencode},
 };
 
 }  // namespace

@@ -130,7 +130,7 @@ CASES = {
                 "From: ada@example.com\n\nhi\n--cut--\n",
         ("1", 10, "the attached message is in base64: it is read without decoding")),
     "base64 with other characters": (
-        "bad-base64", DATA + "aGVsbG8=\n-- \nThe list\n", DATA + "aGVs\n bG8=\naGk=\n",
+        "bad-base64", DATA + "aGVsbG8=\n-- \nThe list\n", DATA + "aGVs\n bG8=\n",
         ("0", 7, "the part's base64 has other characters in it: its data are damaged")),
     "base64 that is cut off": (
         "bad-base64", DATA + "aGVsb\n", DATA + "aGVsbG8\n",
@@ -323,7 +323,7 @@ class OddityTest(CheckCase):
         self.assertEqual(self.findings(b"\xEF\xBB\xBF" + (HEAD + "\nx\n").encode()), [])
 
     def test_samples(self):
-        odd = {"mac-roman.eml": ["guessed-charset"],
+        odd = {"signed.eml": ["frame-attachment"], "mac-roman.eml": ["guessed-charset"],
                "malformed.eml": ["bad-date", "unknown-word-charset", "unterminated-multipart",
                                  "unknown-charset", "unknown-charset", "no-blank-line",
                                  "lost-parts"]}
@@ -412,14 +412,14 @@ class OutputTest(CheckCase):
 
     def test_several_messages(self):
         clean = SAMPLES / "plain.eml"
-        odd = self.write("a.eml", HEAD + "hello\n")
+        odd = self.write("a.eml", HEAD + "Content-Type: text/plain\nhello\n")
         line = 'no blank line ends the header: "hello" is taken for text of the body'
         self.expect(zqv("check", clean, odd), 1,
-                    f"==> {odd} <==\nmessage  line 6  {line}\n")
+                    f"==> {odd} <==\nmessage  line 7  {line}\n")
         self.expect(zqv("check", clean, clean), 0, CLEAN)
         self.expect(zqv("check", odd, clean, odd), 1,
-                    f"==> {odd} <==\nmessage  line 6  {line}\n\n"
-                    f"==> {odd} <==\nmessage  line 6  {line}\n")
+                    f"==> {odd} <==\nmessage  line 7  {line}\n\n"
+                    f"==> {odd} <==\nmessage  line 7  {line}\n")
 
     def test_one_that_cannot_be_read_is_not_good(self):
         gone = self.folder / "gone.eml"

@@ -126,7 +126,7 @@ class FilterTest(program.TestCase):
                      cwd=self.folder)
         self.assertEqual(result.code, 0, result)
         self.assertEqual(sorted(path.name for path in (self.folder / "made").rglob("*.txt")),
-                         ["3.txt.txt"])
+                         ["2.eml.txt", "3.txt.txt"])
 
     def test_mistakes(self):
         for options in (["--since", "soon"], ["--until", "2024-13"], ["--has-finding", "nothing"],
