@@ -1,4 +1,5 @@
-// Bytes in some charset as UTF-8, for people: nothing is refused, and what cannot be read is marked.
+// Bytes in some charset as UTF-8, for people: nothing is refused, and what cannot be read is
+// marked.
 #pragma once
 
 #include <optional>

@@ -230,14 +230,14 @@ class CommandLine {
     add_text("--from", &filter->from, "Only messages with this text in From");
     add_text(to, &filter->to, "Only messages with this text in To, Cc or Bcc");
     add_text("--subject", &filter->subject, "Only messages with this text in the subject");
-    AddDay(command, "--since", "Only messages of this day, month or year, or later", [filter](Period p) {
-      filter->since = p.first;
-    });
+    AddDay(command, "--since", "Only messages of this day, month or year, or later",
+           [filter](Period p) { filter->since = p.first; });
     AddDay(command, "--until", "Only messages of this day, month or year, or earlier",
            [filter](Period p) { filter->until = p.last; });
     command->add_flag("--has-attachment", filter->has_attachment,
                       "Only messages with a file that is not shown within the text");
-    command->add_option("--has-finding", filter->finding, "Only messages about which check says this")
+    command
+        ->add_option("--has-finding", filter->finding, "Only messages about which check says this")
         ->type_name("CODE")
         ->check(CLI::IsMember(FindingCodes()));
     command

@@ -14,8 +14,10 @@ namespace {
 
 constexpr std::size_t kTarMagicAt = 257;
 constexpr std::string_view kTarMagic = "ustar";
-constexpr std::array<std::string_view, 5> kMagics = {
-    "\x1F\x8B", "BZh", "\xFD" "7zXZ", "\x28\xB5\x2F\xFD", "PK\x03\x04"};
+constexpr std::array<std::string_view, 5> kMagics = {"\x1F\x8B", "BZh",
+                                                     "\xFD"
+                                                     "7zXZ",
+                                                     "\x28\xB5\x2F\xFD", "PK\x03\x04"};
 
 struct FreeArchive {
   void operator()(archive* opened) const { archive_read_free(opened); }

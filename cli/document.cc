@@ -152,8 +152,12 @@ constexpr Entry kAttachmentEntries[] = {
 constexpr Shape kAttachment = ShapeOf(kAttachmentEntries);
 
 constexpr Entry kMessageEntries[] = {
-    {"subject", "Subject"},      {"date", "Date"},          {"received_date", "ReceivedDate"},
-    {"plain_text", "PlainText"}, {"html_text", "HTMLText"}, {"source", "Source", nullptr, false, true},
+    {"subject", "Subject"},
+    {"date", "Date"},
+    {"received_date", "ReceivedDate"},
+    {"plain_text", "PlainText"},
+    {"html_text", "HTMLText"},
+    {"source", "Source", nullptr, false, true},
 };
 constexpr Shape kMessage = ShapeOf(kMessageEntries);
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "cli/charset_text.h"
 #include "cli/findings.h"
 #include "cli/header_reading.h"
 #include "cli/mail_text.h"
@@ -122,7 +123,8 @@ FoundFiles::Header FoundFiles::ReadHeader(const mime::Part& part) const {
   return {WrittenParameters(FieldBytes(header, FieldName::kContentType)),
           WrittenParameters(FieldBytes(header, FieldName::kContentDisposition)),
           FieldBytes(header, FieldName::kContentTransferEncoding),
-          ReadHeaderText(FieldBytes(header, FieldName::kContentId)), header.Has(FieldName::kContentType)};
+          ReadHeaderText(FieldBytes(header, FieldName::kContentId)),
+          header.Has(FieldName::kContentType)};
 }
 
 FoundFile FoundFiles::FileOf(PartIndex index, const Header& header) const {
@@ -131,11 +133,11 @@ FoundFile FoundFiles::FileOf(PartIndex index, const Header& header) const {
   file.packing = Packing::kNone;
   file.name = WrittenFileName(header.disposition, header.type);
   file.is_named = !file.name.empty();
-  file.mime_type = header.type.main();
+  file.mime_type = GuessedUtf8(header.type.main());
   file.content_id = header.content_id;
   const bool is_attached = header.disposition.main() == "attachment";
-  file.is_inline = header.disposition.main() == "inline" ||
-                   (!is_attached && !header.content_id.empty());
+  file.is_inline =
+      header.disposition.main() == "inline" || (!is_attached && !header.content_id.empty());
   return file;
 }
 
@@ -312,8 +314,8 @@ void FoundFiles::AddTnef(PartIndex part, std::string_view bytes, std::size_t dep
     file.packing = Packing::kTnef;
     file.is_named = !packed.name.empty();
     file.content_id = packed.content_id;
-    file.name = file.is_named ? packed.name
-                              : email::MakeUpFileName(packed.content_id, packed.bytes);
+    file.name =
+        file.is_named ? packed.name : email::MakeUpFileName(packed.content_id, packed.bytes);
     file.mime_type = packed.mime_type;
     file.unpacked = packed.bytes;
     file.is_unpacked = true;

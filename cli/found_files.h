@@ -27,7 +27,7 @@ struct FoundFile {
   // What the library lists and nobody calls a file: a multipart, an empty part without a name, a
   // text without a Content-Type that is the message's own, the texts of an attached message.
   bool is_frame = false;
-  bool is_named = false;  // whether the name is the message's, not made up
+  bool is_named = false;   // whether the name is the message's, not made up
   std::string name;        // in UTF-8, as it is written: see CleanFileName
   std::string mime_type;   // in lower case; empty when none is known
   std::string content_id;  // as it is written, in UTF-8

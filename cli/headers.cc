@@ -74,9 +74,8 @@ JsonValue DescribeFields(const std::vector<FieldText>& fields) {
 int Headers(const Session& session, const Request& request, Output* output) {
   const auto visit = [&](const std::string& file, const Object& email) {
     const MailReading reading(email);
-    std::vector<FieldText> fields = request.classes
-                                        ? GivenFields(FindPart(email, request.part))
-                                        : WrittenFields(reading.source(), request.part);
+    std::vector<FieldText> fields = request.classes ? GivenFields(FindPart(email, request.part))
+                                                    : WrittenFields(reading.source(), request.part);
     const auto is_other = [&](const FieldText& field) {
       return !request.field.empty() && !base::EqualsIgnoringCase(field.name, request.field);
     };

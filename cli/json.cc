@@ -10,10 +10,9 @@ namespace zqv::cli {
 
 int Json(const Session& session, const Request& request, Output* output) {
   const auto visit = [&](const std::string& name, const standin::Object& email) {
-    output->PrintLine(
-        DocumentText(name, "message",
-                     MessageDocument(email, request, request.files.value_or(FileForm::kText)),
-                     request.lines ? DocumentForm::kLine : DocumentForm::kIndented));
+    output->PrintLine(DocumentText(
+        name, "message", MessageDocument(email, request, request.files.value_or(FileForm::kText)),
+        request.lines ? DocumentForm::kLine : DocumentForm::kIndented));
     return true;
   };
   return ForEachMessage(session, request, output, visit);

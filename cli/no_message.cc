@@ -17,7 +17,9 @@ struct Kind {
   const char* words;
 };
 constexpr Kind kKinds[] = {
-    {"\x7F" "ELF", "a program"},
+    {"\x7F"
+     "ELF",
+     "a program"},
     {"MZ", "a program"},
     {"#!", "a script"},
     {"\xD0\xCF\x11\xE0", "an OLE file, such as .msg, .doc or Thumbs.db"},

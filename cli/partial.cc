@@ -31,9 +31,8 @@ bool IsOfTheWhole(std::string_view name) {
                                                 "MIME-Version"};
   constexpr std::string_view kContent = "Content-";
   return base::EqualsIgnoringCase(name.substr(0, kContent.size()), kContent) ||
-         std::any_of(std::begin(kNames), std::end(kNames), [&](std::string_view known) {
-           return base::EqualsIgnoringCase(name, known);
-         });
+         std::any_of(std::begin(kNames), std::end(kNames),
+                     [&](std::string_view known) { return base::EqualsIgnoringCase(name, known); });
 }
 
 void AppendFields(const MessageSource& source, bool of_the_whole, std::string* text) {
@@ -92,8 +91,8 @@ bool PieceJoiner::Add(Item&& item) {
 }
 
 bool PieceJoiner::HandOn(Pieces pieces) {
-  const bool is_whole = pieces.by_number.size() == pieces.total &&
-                        pieces.by_number.rbegin()->first == pieces.total;
+  const bool is_whole =
+      pieces.by_number.size() == pieces.total && pieces.by_number.rbegin()->first == pieces.total;
   if (is_whole) {
     std::vector<std::string> bytes;
     for (const auto& [number, item] : pieces.by_number) {

@@ -247,8 +247,7 @@ class PageWriter {
     const std::vector<mime::Part>& parts = reading_.source().parts();
     const std::size_t count = index < parts.size() ? parts[index].field_count : 0;
     for (std::size_t i = 0; i < count; ++i) {
-      const mime::Field& field =
-          reading_.source().message().fields()[parts[index].first_field + i];
+      const mime::Field& field = reading_.source().message().fields()[parts[index].first_field + i];
       page_.Markup("<dt>").Text(SafeText(field.name, Lines::kOne)).Markup("</dt><dd>");
       const std::string value = ReadHeaderText(ValueBytes(field));
       page_.Text(SafeText(std::string_view(value), Lines::kOne)).Markup("</dd>\n");

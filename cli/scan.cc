@@ -35,8 +35,8 @@ using standin::Object;
 
 constexpr std::size_t kColumns = 7;
 using Cells = std::array<std::string, kColumns>;
-constexpr std::array<const char*, kColumns> kNames = {
-    "file", "date", "from", "subject", "bytes", "attachments", "findings"};
+constexpr std::array<const char*, kColumns> kNames = {"file",  "date",        "from",    "subject",
+                                                      "bytes", "attachments", "findings"};
 
 // What is found in one message.
 class Scanned {
@@ -105,9 +105,8 @@ class Scanned {
 
   std::size_t CountAttachments() const {
     const std::vector<FoundFile>& files = reading_.files().list();
-    return static_cast<std::size_t>(
-        std::count_if(files.begin(), files.end(),
-                      [](const FoundFile& file) { return IsListed(file, false); }));
+    return static_cast<std::size_t>(std::count_if(
+        files.begin(), files.end(), [](const FoundFile& file) { return IsListed(file, false); }));
   }
 
   JsonValue DescribeFiles() const {
@@ -152,7 +151,7 @@ class Layout {
     const std::size_t width = Output::Width().value_or(kUsual);
     const std::size_t left = width > fixed ? width - fixed : 0;
     const std::size_t third = std::max(kNarrowest, left * 3 / 10);
-    widths_ = {third,   kDate,  third,  std::max(kNarrowest, left - std::min(left, 2 * third)),
+    widths_ = {third,   kDate,  third, std::max(kNarrowest, left - std::min(left, 2 * third)),
                kNumber, kCount, kCount};
   }
 
@@ -243,7 +242,10 @@ std::string Attempt(const Session& session, const Layout& layout, const Item& it
 class Run {
  public:
   Run(const Session& session, const Request& request, Output* output)
-      : session_(session), request_(request), layout_(request.scan_form), output_(*output),
+      : session_(session),
+        request_(request),
+        layout_(request.scan_form),
+        output_(*output),
         rows_(output) {}
 
   int Go() {

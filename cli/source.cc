@@ -249,8 +249,7 @@ struct Contents {
 // What may be skipped over: no message at all.
 class NoMessage : public std::runtime_error {
  public:
-  explicit NoMessage(const std::string& what)
-      : std::runtime_error("is no message but " + what) {}
+  explicit NoMessage(const std::string& what) : std::runtime_error("is no message but " + what) {}
 };
 
 // Names in archives become places: of each folder and file what is fit for one.
@@ -281,8 +280,7 @@ bool IsHiddenThere(const std::string& name) {
 // Gives the messages of a file.
 class Reader {
  public:
-  Reader(const SourceOptions& options, const VisitItem& visit)
-      : options_(options), visit_(visit) {}
+  Reader(const SourceOptions& options, const VisitItem& visit) : options_(options), visit_(visit) {}
 
   bool all_good() const { return all_good_; }
   // How many files were no messages.
@@ -409,8 +407,8 @@ class Reader {
         all_good_ = false;
         return true;
       }
-      return visit_({name, contents.place + "/" + Padded(number), contents.path,
-                     std::move(message)});
+      return visit_(
+          {name, contents.place + "/" + Padded(number), contents.path, std::move(message)});
     });
     bool goes_on = splitter.Add(contents.start);
     while (goes_on) {

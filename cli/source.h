@@ -43,8 +43,8 @@ using VisitItem = std::function<bool(Item&& item)>;
 // set: plain files, then subfolders. There hidden names are left out, but for Maildirs, and links
 // to folders are not followed. What cannot be read is said on standard error and does not end the
 // walk; nor do files in folders and archives that are no messages, which are said and counted.
-// False when there was something that cannot be read, or an input that is no message. Memory holds one message, one list of a folder's names
-// and one mailbox's message at a time.
+// False when there was something that cannot be read, or an input that is no message. Memory holds
+// one message, one list of a folder's names and one mailbox's message at a time.
 bool ForEachItem(const SourceOptions& options, const VisitItem& visit);
 
 // The bytes of the inputs' files as far as that can be told without reading them; for progress.

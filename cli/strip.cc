@@ -2,6 +2,8 @@
 //
 // What goes is what goes for applications (email/strip.h). They get the result as text, in which
 // bytes that are not UTF-8 would not come through; so it is made from the message's bytes here.
+#include "email/strip.h"
+
 #include <algorithm>
 #include <string>
 
@@ -10,7 +12,6 @@
 #include "cli/text.h"
 #include "cli/verbs.h"
 #include "cli/visit.h"
-#include "email/strip.h"
 
 namespace zqv::cli {
 namespace {

@@ -39,7 +39,6 @@ std::string DateText(const standin::Object& date);
 
 // The plain text, which is made from HTML when there is none. Nil also when it is nothing but the
 // bytes of something attached: a message that is one picture, say, has those for its plain text.
-standin::String ReadablePlainText(const standin::Object& email,
-                                  const MailReading& reading);
+standin::String ReadablePlainText(const standin::Object& email, const MailReading& reading);
 
 }  // namespace zqv::cli

@@ -90,8 +90,8 @@ std::string TrimmedUtf16(std::string_view bytes) {
 std::size_t FixedSize(std::uint16_t type) {
   constexpr std::uint16_t kLargest[] = {0x0005, 0x0006, 0x0007, 0x0014, 0x0040};
   if (type == kClassId) return 16;
-  const bool is_large = std::find(std::begin(kLargest), std::end(kLargest), type) !=
-                        std::end(kLargest);
+  const bool is_large =
+      std::find(std::begin(kLargest), std::end(kLargest), type) != std::end(kLargest);
   return is_large ? 8 : 4;
 }
 
@@ -206,9 +206,7 @@ class Reader {
 
 }  // namespace
 
-bool IsTnef(std::string_view bytes) {
-  return bytes.substr(0, kSignature.size()) == kSignature;
-}
+bool IsTnef(std::string_view bytes) { return bytes.substr(0, kSignature.size()) == kSignature; }
 
 TnefContent ReadTnef(std::string_view bytes) { return Reader(bytes).Run(); }
 

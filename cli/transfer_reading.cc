@@ -29,9 +29,9 @@ struct Row {
   Transfer transfer;
 };
 constexpr Row kRows[] = {
-    {"base64", Transfer::kBase64},          {"quotedprint", Transfer::kQuotedPrintable},
-    {"7bit", Transfer::kIdentity},          {"8bit", Transfer::kIdentity},
-    {"binary", Transfer::kIdentity},        {"xuue", Transfer::kUuencode},
+    {"base64", Transfer::kBase64},   {"quotedprint", Transfer::kQuotedPrintable},
+    {"7bit", Transfer::kIdentity},   {"8bit", Transfer::kIdentity},
+    {"binary", Transfer::kIdentity}, {"xuue", Transfer::kUuencode},
     {"uue", Transfer::kUuencode},
 };
 

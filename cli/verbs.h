@@ -48,9 +48,9 @@ struct Request {
   std::vector<ExportForm> forms;         // export; none: JSON
   bool skip_existing = false;            // export
   ScanForm scan_form = ScanForm::kTable;
-  std::size_t jobs = 1;                  // export, scan: worker processes
-  Shard shard;                           // export
-  std::size_t rounds = 5;                // bench
+  std::size_t jobs = 1;    // export, scan: worker processes
+  Shard shard;             // export
+  std::size_t rounds = 5;  // bench
 };
 
 using Verb = int(const Session& session, const Request& request, Output* output);

@@ -138,7 +138,6 @@ class DateReader {
   WrittenDate date_;
 };
 
-
 // Days from 1970-01-01 on, of the Gregorian calendar whatever the year.
 std::int64_t DaysOf(std::int64_t year, int month, int day) {
   // Years begin in March here, so that the day that comes and goes is the last one.

@@ -161,7 +161,8 @@ std::optional<std::string> WrittenParameters::ExtendedText(std::string_view name
       bytes += piece->value;
       continue;
     }
-    const Extended extended = number == 0 ? SplitExtended(piece->value) : Extended{{}, piece->value};
+    const Extended extended =
+        number == 0 ? SplitExtended(piece->value) : Extended{{}, piece->value};
     if (number == 0) charset = extended.charset;
     bytes += Unescaped(extended.text);
   }
