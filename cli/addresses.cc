@@ -1,84 +1,35 @@
 #include "cli/addresses.h"
 
 #include "base/ascii.h"
-#include "cli/message.h"
+#include "cli/header_reading.h"
 #include "cli/text.h"
 
 namespace zqv::cli {
 namespace {
 
-using standin::Object;
-
-// Quoted when it would otherwise read as something else than a name.
-std::string DisplayName(const std::string& name) {
-  if (name.find_first_of(",;:<>@()\"") == std::string::npos) return name;
-  std::string quoted = "\"";
-  for (const char c : name) {
-    if (c == '"') quoted += '\\';
-    quoted += c;
-  }
-  return quoted + '"';
-}
-
-std::string MailboxText(const Object& mailbox) {
-  std::string email = SafeLine(TextMember(mailbox, "Email"));
-  const std::string name = SafeLine(TextMember(mailbox, "LabelDecoded"));
-  if (name.empty()) return email;
-  return DisplayName(name) + " <" + email + ">";
-}
-
-// Empty for a group without name and members.
-std::string GroupText(const Object& group) {
-  std::string members;
-  for (const Object& mailbox : ListMember(group, "Mailboxes as MimeMailboxZQV()")) {
-    members += (members.empty() ? " " : ", ") + MailboxText(mailbox);
-  }
-  const std::string name = DisplayName(SafeLine(TextMember(group, "NameDecoded")));
-  return name.empty() && members.empty() ? name : name + ":" + members + ";";
-}
-
-// Empty for an entry of which nothing was understood.
-std::string AddressText(const Object& address) {
-  const Object group = ObjectMember(address, "Group");
-  if (!group.IsNil()) return GroupText(group);
-  const Object mailbox = ObjectMember(address, "Mailbox");
-  return mailbox.IsNil() ? std::string() : MailboxText(mailbox);
-}
-
-std::vector<std::string> LinesOf(const Object& value) {
-  std::vector<std::string> lines;
-  if (value.IsNil()) return lines;
-  if (value.IsA("MimeMailboxZQV")) lines.push_back(MailboxText(value));
-  for (const Object& mailbox : ListMember(value, "Mailboxes as MimeMailboxZQV()")) {
-    lines.push_back(MailboxText(mailbox));
-  }
-  for (const Object& address : ListMember(value, "Addresses as MimeAddressZQV()")) {
-    const std::string text = AddressText(address);
-    if (!text.empty()) lines.push_back(text);
-  }
-  return lines;
-}
-
-// The field's own text. Of what the library did not understand as an address it leaves the signs
-// between addresses alone, which say nothing to a reader.
-std::string FieldText(const Object& header, std::string_view name) {
-  for (const Object& field : FieldsOf(header)) {
-    if (!base::EqualsIgnoringCase(TextMember(field, "Name").bytes(), name)) continue;
-    std::string text = SafeLine(TextMember(field, "Value"));
-    if (text.find_first_not_of("@,:; ") == std::string::npos) text.clear();
-    return text;
-  }
-  return {};
+// Without the quotes around a name that reads the same without them, and without the brackets
+// around an address that stands alone.
+std::string Bare(const std::string& entry) {
+  const std::string mailbox = MailboxOf(entry);
+  if (entry == "<" + mailbox + ">") return mailbox;
+  const std::size_t close = entry.find('"', 1);
+  if (entry.front() != '"' || close == std::string::npos) return entry;
+  const std::string_view name = std::string_view(entry).substr(1, close - 1);
+  const std::string_view rest = Trim(std::string_view(entry).substr(close + 1));
+  const bool is_bare = !Trim(name).empty() && rest.substr(0, 1) == "<" &&
+                       name.find_first_of(",;:<>@()\\\"") == std::string_view::npos;
+  return is_bare ? std::string(Trim(name)).append(" ").append(rest) : entry;
 }
 
 }  // namespace
 
-std::vector<std::string> AddressLines(const Object& header, std::string_view property,
-                                      std::string_view field) {
-  std::vector<std::string> lines = LinesOf(ObjectMember(header, property));
-  if (lines.empty()) {
-    const std::string text = FieldText(header, field);
-    if (!text.empty()) lines.push_back(text);
+std::vector<std::string> AddressLines(const MessageSource& source, std::string_view name) {
+  std::vector<std::string> lines;
+  const mime::Part& message = source.parts().front();
+  for (std::size_t i = 0; i < message.field_count; ++i) {
+    const mime::Field& field = source.message().fields()[message.first_field + i];
+    if (!base::EqualsIgnoringCase(field.name, name)) continue;
+    for (const std::string& entry : ReadAddresses(ValueBytes(field))) lines.push_back(Bare(entry));
   }
   return lines;
 }

@@ -1,4 +1,4 @@
-// The addresses of a header, as a reader expects to see them.
+// The addresses of a header, as they are written.
 #pragma once
 
 #include <array>
@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "standin/handles.h"
+#include "cli/message_source.h"
 
 namespace zqv::cli {
 
@@ -27,10 +27,8 @@ inline constexpr std::array<AddressField, 6> kAddressFields = {{
     {"Reply-To", "replyto", "reply_to"},
 }};
 
-// One safe line for each mailbox or group: `Ada Moss <ada@example.com>`, `Crew: ada@example.com;`.
-// `property` names the header object's list or mailbox. When that gives nothing, the text of the
-// field `field` serves; empty when the header has none either.
-std::vector<std::string> AddressLines(const standin::Object& header, std::string_view property,
-                                      std::string_view field);
+// One line for each entry of the message's fields of that name, as it is written and decoded for
+// reading: `Ada Moss <ada@example.com>`, `Crew: ada@example.com;`. Not made safe yet.
+std::vector<std::string> AddressLines(const MessageSource& source, std::string_view name);
 
 }  // namespace zqv::cli

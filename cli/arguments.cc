@@ -2,10 +2,12 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <iostream>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -47,11 +49,27 @@ void RemoveMarks(Arguments* arguments) {
 std::string Explain(const CLI::App& app, const CLI::ParseError& error) {
   const bool lacks_something =
       error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError);
+  if (lacks_something && !app.get_subcommands().empty()) {
+    for (const std::string& word : app.remaining(true)) {
+      if (word.size() > 1 && word.front() == '-') {
+        return "there is no option " + word + "; behind -- it is a file";
+      }
+    }
+  }
   if (!lacks_something || !app.get_subcommands().empty()) return error.what();
   const std::vector<std::string> words = app.remaining();
   if (words.empty()) return "a verb is missing";
   const bool is_option = words.front().compare(0, 1, "-") == 0;
   return (is_option ? "there is no option " : "there is no verb ") + words.front();
+}
+
+// The exit code for what was printed through the stream: 1 when it could not be written, which is
+// said.
+int Flushed(int code) {
+  std::cout.flush();
+  if (std::cout) return code;
+  Complain("standard output: " + std::generic_category().message(errno));
+  return 1;
 }
 
 }  // namespace
@@ -70,14 +88,14 @@ std::variant<Arguments, int> ParseArguments(int count, const char* const* values
     app.parse(std::move(words));
     RemoveMarks(holder.get());
   } catch (const CLI::Success& help) {
-    return app.exit(help, std::cout, std::cerr);
+    return Flushed(app.exit(help, std::cout, std::cerr));
   } catch (const CLI::ParseError& error) {
     Complain(Explain(app, error) + " (zqv --help tells more)");
     return kUsageError;
   }
   if (holder->shell.empty()) return std::move(*holder);
   std::cout << CompletionScript(app, holder->shell);
-  return 0;
+  return Flushed(0);
 }
 
 }  // namespace zqv::cli

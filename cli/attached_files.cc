@@ -1,20 +1,40 @@
 #include "cli/attached_files.h"
 
+#include "base/ascii.h"
+#include "cli/file_name.h"
+#include "cli/message.h"
+
 namespace zqv::cli {
 
-AttachedFiles::AttachedFiles(const standin::Object& email) {
-  const PartTree tree(email);
+MailReading::MailReading(const standin::Object& email)
+    : bytes_(TextMember(email, "Source")), source_(bytes_.bytes()), files_(source_) {}
+
+std::string_view WrittenField(const MessageSource& source, mime::PartIndex index,
+                              std::string_view name) {
+  const mime::Part& part = source.parts()[index];
+  for (std::size_t i = 0; i < part.field_count; ++i) {
+    const mime::Field& field = source.message().fields()[part.first_field + i];
+    if (base::EqualsIgnoringCase(field.name, name)) return ValueBytes(field);
+  }
+  return {};
+}
+
+AttachedFiles::AttachedFiles(const MailReading& reading, bool all) : reading_(reading) {
   FileNames names;
-  for (const Attached& attached : ListAttached(email, tree)) {
-    // A name that the host cannot convert is taken by its bytes.
-    const standin::String name = TextMember(attached.record, "Filename");
-    const std::string clean = CleanFileName(name.Utf8().value_or(std::string(name.bytes())));
-    files_.push_back({names.Take(clean), attached.record});
+  for (const FoundFile& file : reading.files().list()) {
+    if (all || !file.is_frame) files_.push_back({names.Take(CleanFileName(file.name)), &file});
   }
 }
 
-standin::String AttachedFiles::Data(std::size_t index) const {
-  return TextMember(files_[index].record, "Data");
+email::DecodedBody AttachedFiles::Data(std::size_t index) const {
+  return reading_.files().Data(*files_[index].found);
+}
+
+std::string AttachedFiles::Problem(std::size_t index) const {
+  const FoundFile& file = *files_[index].found;
+  if (file.problem.empty()) return {};
+  return "part " + reading_.source().NumberOf(file.part) + ", " + files_[index].name + ": " +
+         file.problem;
 }
 
 }  // namespace zqv::cli

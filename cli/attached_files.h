@@ -1,33 +1,59 @@
-// What is attached to a message, as files.
+// What is found in a message, as files with names that are fit for a folder.
 #pragma once
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "cli/file_name.h"
-#include "cli/message.h"
+#include "cli/found_files.h"
+#include "cli/message_source.h"
 #include "standin/handles.h"
 
 namespace zqv::cli {
 
-// Attachments and inline parts in the order of the parts that they describe.
+// A message as people read it: its bytes, where its parts lie, and the files in it.
+class MailReading {
+ public:
+  // Of a MimeEmailZQV. Throws std::runtime_error for a message beyond the limits.
+  explicit MailReading(const standin::Object& email);
+  // `bytes` must outlive this.
+  explicit MailReading(std::string_view bytes) : source_(bytes), files_(source_) {}
+
+  const MessageSource& source() const { return source_; }
+  const FoundFiles& files() const { return files_; }
+
+ private:
+  const standin::String bytes_;
+  const MessageSource source_;
+  const FoundFiles files_;
+};
+
+// The value of a part's first field of that name as it is written, its bytes behind the colon;
+// empty when there is none.
+std::string_view WrittenField(const MessageSource& source, mime::PartIndex part,
+                              std::string_view name);
+
+// The files, each with a clean name that no other of them has.
 class AttachedFiles {
  public:
-  explicit AttachedFiles(const standin::Object& email);
+  // `reading` must outlive this. With `all` those, too, that nobody calls files.
+  AttachedFiles(const MailReading& reading, bool all);
 
   std::size_t count() const { return files_.size(); }
-  // A clean name that no other of them has.
   const std::string& Name(std::size_t index) const { return files_[index].name; }
-  // The file's bytes; nil stands for none.
-  standin::String Data(std::size_t index) const;
+  email::DecodedBody Data(std::size_t index) const;
+  // What keeps it from being the file that was sent, with its number and name; empty when nothing
+  // does.
+  std::string Problem(std::size_t index) const;
 
  private:
   struct File {
     std::string name;
-    standin::Object record;
+    const FoundFile* found;
   };
 
+  const MailReading& reading_;
   std::vector<File> files_;
 };
 

@@ -93,7 +93,7 @@ void PrintSpeeds(const Load& load, const std::vector<Seconds>& rounds, bool json
 int Bench(const Session& session, const Request& request, Output* output) {
   Load load;
   bool all_good = true;
-  const bool all_read = ForEachChosen(request, [&](Item&& item) {
+  const bool all_read = ForEachChosen(session, request, [&](Item&& item) {
     if (!AddTo(&load, std::move(item), session)) all_good = false;
     return true;
   });

@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "cli/completion.h"
+#include "cli/findings.h"
+#include "cli/written_date.h"
 
 namespace zqv::cli {
 namespace {
@@ -69,6 +71,10 @@ std::optional<Shard> ReadShard(std::string_view text) {
 
 std::string CheckShard(const std::string& text) {
   return ReadShard(text) ? std::string() : "no share such as 3/8: " + text;
+}
+
+std::string CheckDate(const std::string& text) {
+  return ReadPeriod(text) ? std::string() : "no date such as 2024, 2024-01 or 2024-01-20: " + text;
 }
 
 // A word that stands for a value. In the order in which help lists them.
@@ -197,14 +203,85 @@ class CommandLine {
     command->add_flag("--force", request_->force, "Replace files that are there already");
   }
 
+  void AddFileForm(CLI::App* command, const char* about) {
+    AddChoice<std::optional<FileForm>>(
+        command, "--attachments", &request_->files,
+        {{"none", FileForm::kNone}, {"base64", FileForm::kBase64}, {"text", FileForm::kText}},
+        about);
+  }
+
+  void AddAll(CLI::App* command) {
+    command->add_flag("--all", request_->all,
+                      "Also what the library lists and nobody calls a file, such as multiparts");
+  }
+
   void AddFolder(CLI::App* command, const char* name) {
     command->add_option(name, request_->folder, "The folder, made when it is missing")
         ->type_name("FOLDER")
         ->check(CheckNotEmpty);
   }
 
+  // `--to` is a folder for export.
+  void AddFilter(CLI::App* command, const char* to = "--to,--recipient") {
+    Filter* const filter = &request_->filter;
+    const auto add_text = [&](const char* names, std::string* text, const char* about) {
+      command->add_option(names, *text, about)->type_name("TEXT")->check(CheckNotEmpty);
+    };
+    add_text("--from", &filter->from, "Only messages with this text in From");
+    add_text(to, &filter->to, "Only messages with this text in To, Cc or Bcc");
+    add_text("--subject", &filter->subject, "Only messages with this text in the subject");
+    AddDay(command, "--since", "Only messages of this day, month or year, or later",
+           [filter](Period p) { filter->since = p.first; });
+    AddDay(command, "--until", "Only messages of this day, month or year, or earlier",
+           [filter](Period p) { filter->until = p.last; });
+    command->add_flag("--has-attachment", filter->has_attachment,
+                      "Only messages with a file that is not shown within the text");
+    command
+        ->add_option("--has-finding", filter->finding, "Only messages about which check says this")
+        ->type_name("CODE")
+        ->check(CLI::IsMember(FindingCodes()));
+    command
+        ->add_option("--include", request_->source.include,
+                     "In folders and archives only files whose names match, such as '*.eml'")
+        ->type_name("PATTERN")
+        ->allow_extra_args(false)
+        ->check(CheckNotEmpty);
+  }
+
+  template <typename Take>
+  void AddDay(CLI::App* command, const char* name, const char* about, Take take) {
+    command
+        ->add_option_function<std::string>(
+            name, [take](const std::string& text) { take(*ReadPeriod(text)); }, about)
+        ->type_name("DATE")
+        ->check(CheckDate);
+  }
+
+  void AddJobs(CLI::App* command) {
+    command->add_option("-j,--jobs", request_->jobs, "So many processes side by side")
+        ->type_name("NUMBER")
+        ->check(UpTo(kMostJobs));
+  }
+
+  void AddScan() {
+    CLI::App* const scan = AddVerbOnMessages(
+        "scan", "Show one line a message: file, date, from, subject, bytes, attachments, findings",
+        "scan --recursive Mail", Scan);
+    const auto add_form = [&](const char* name, ScanForm form, const char* about) {
+      return scan->add_flag_callback(
+          name, [request = request_, form] { request->scan_form = form; }, about);
+    };
+    CLI::Option* const csv = add_form("--csv", ScanForm::kCsv, "Print comma-separated values");
+    add_form("--jsonl", ScanForm::kJsonLines,
+             "Print a line of JSON for each message, with its files and SHA-256 sums")
+        ->excludes(csv);
+    AddFilter(scan);
+    AddJobs(scan);
+  }
+
   void AddVerbsThatShow() {
     group_ = "Verbs that show";
+    AddScan();
     AddJson(AddVerbOnMessages("show", "Show messages: who, when, what about, what is in them",
                               "show letter.eml", Show));
 
@@ -217,13 +294,19 @@ class CommandLine {
     headers->add_option("--part", request_->part, "The header of this part, as tree counts")
         ->type_name("PART")
         ->check(CheckPart);
+    AddRaw(headers, "Print the bytes of the fields as they stand in the message");
+    headers->add_flag("--classes", request_->classes, "Print the fields as the classes give them")
+        ->excludes("--raw");
+    headers->get_option("--json")->excludes("--raw");
 
     AddJson(AddVerbOnMessages("tree", "Show the parts of messages: number, type, bytes, name",
                               "tree letter.eml", Tree));
-    AddJson(AddVerbOnMessages("list",
-                              "List what is attached: part, kind, type, bytes, file name, "
-                              "Content-ID",
-                              "list letter.eml", List));
+    CLI::App* const list = AddVerbOnMessages(
+        "list", "List the files in messages: part, kind, type, bytes, file name, Content-ID",
+        "list letter.eml", List);
+    AddJson(list);
+    AddAll(list);
+    AddFilter(list);
     AddJson(AddVerbOnMessages("addresses", "List the addresses: field, address, name, group",
                               "addresses --recursive Mail", Addresses));
     AddJson(AddVerbOnMessages("check",
@@ -254,6 +337,8 @@ class CommandLine {
     CLI::App* const json = AddVerbOnMessages("json", "Print all that the classes give, as JSON",
                                              "json letter.eml", Json);
     AddRaw(json, "Give each text as its bytes in base64 and the number of its encoding");
+    AddFileForm(json, "How the bytes of files and of the source are given; at first text");
+    json->add_flag("--lines", request_->lines, "Print each document on one line");
     json->callback([arguments = arguments_] {
       arguments->verb = Json;
       arguments->request.json = true;
@@ -267,6 +352,8 @@ class CommandLine {
                           "extract letter.eml --dir letter", Extract, Inputs::kOne);
     AddFolder(extract, "--dir");
     AddForce(extract);
+    AddAll(extract);
+    AddFilter(extract);
     CLI::Option* const part =
         extract
             ->add_option("--stdout", request_->sent_part,
@@ -319,11 +406,12 @@ class CommandLine {
     command->add_flag("--skip-existing", request_->skip_existing,
                       "Leave out what is there already");
     AddForce(command);
+    AddAll(command);
     command->get_option("--force")->excludes("--skip-existing");
     AddRaw(command, "In JSON give each text as its bytes, as json --raw does");
-    command->add_option("-j,--jobs", request_->jobs, "So many processes side by side")
-        ->type_name("NUMBER")
-        ->check(UpTo(kMostJobs));
+    AddFileForm(command, "In JSON how the bytes of files and the source are given; at first none");
+    AddJobs(command);
+    AddFilter(command, "--recipient");
     command
         ->add_option_function<std::string>(
             "--shard",

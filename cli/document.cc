@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -31,6 +32,7 @@ struct Entry {
   const char* member;            // a property, or the declaration of an array method
   const Shape* shape = nullptr;  // of the object or of the array's elements
   bool is_list = false;
+  bool is_file = false;  // holds a file's bytes
 };
 struct Shape {
   const Entry* first;
@@ -122,6 +124,20 @@ constexpr Entry kPartEntries[] = {
 };
 constexpr Shape kPart = ShapeOf(kPartEntries);
 
+// The same of a part that is a file.
+constexpr Entry kFileBodyEntries[] = {
+    {"preamble", "preamble"},
+    {"epilogue", "epilogue"},
+    {"string_value", "StringValue", nullptr, false, true},
+};
+constexpr Shape kFileBody = ShapeOf(kFileBodyEntries);
+constexpr Entry kFilePartEntries[] = {
+    {"header", "Header", &kHeader},
+    {"body", "Body", &kFileBody},
+    {"body_decoded", "BodyDecoded", nullptr, false, true},
+};
+constexpr Shape kFilePart = ShapeOf(kFilePartEntries);
+
 constexpr Entry kAttachmentEntries[] = {
     {"filename", "Filename"},
     {"mime_type", "MimeType"},
@@ -131,21 +147,25 @@ constexpr Entry kAttachmentEntries[] = {
     {"content_disposition", "ContentDisposition"},
     {"content_description", "ContentDescription"},
     {"content_id", "contentId"},
-    {"data", "Data"},
+    {"data", "Data", nullptr, false, true},
 };
 constexpr Shape kAttachment = ShapeOf(kAttachmentEntries);
 
 constexpr Entry kMessageEntries[] = {
-    {"subject", "Subject"},      {"date", "Date"},          {"received_date", "ReceivedDate"},
-    {"plain_text", "PlainText"}, {"html_text", "HTMLText"}, {"source", "Source"},
+    {"subject", "Subject"},
+    {"date", "Date"},
+    {"received_date", "ReceivedDate"},
+    {"plain_text", "PlainText"},
+    {"html_text", "HTMLText"},
+    {"source", "Source", nullptr, false, true},
 };
 constexpr Shape kMessage = ShapeOf(kMessageEntries);
 
 class Writer {
  public:
-  explicit Writer(const TextForm& text) : text_(text) {}
+  Writer(const TextForm& text, const TextForm& files) : text_(text), files_(files) {}
 
-  Json DescribeEmail(const Object& email) const {
+  Json DescribeEmail(const Object& email) {
     const PartTree tree(email);
     const PartFinder finder(tree);
     Json json = Json::object();
@@ -155,7 +175,7 @@ class Writer {
     Json& parts = json["parts"] = Json::array();
     for (std::size_t i = 0; i < tree.parts().size(); ++i) {
       Json part = {{"number", tree.Number(i)}};
-      Describe(tree.parts()[i].entity, kPart, &part);
+      Describe(tree.parts()[i].entity, file_parts_.count(i) > 0 ? kFilePart : kPart, &part);
       parts.push_back(std::move(part));
     }
     return json;
@@ -163,10 +183,11 @@ class Writer {
 
  private:
   Json DescribeAttached(const std::vector<Object>& list, const PartTree& tree,
-                        const PartFinder& finder) const {
+                        const PartFinder& finder) {
     Json json = Json::array();
     for (const Object& record : list) {
       const std::optional<std::size_t> part = finder.Find(record);
+      if (part) file_parts_.insert(*part);
       Json attached = {{"part", part ? Json(tree.Number(*part)) : Json()}};
       Describe(record, kAttachment, &attached);
       json.push_back(std::move(attached));
@@ -180,7 +201,7 @@ class Writer {
       const Entry& entry = shape.first[i];
       (*json)[entry.key] = entry.is_list
                                ? DescribeList(ListMember(object, entry.member), *entry.shape)
-                               : DescribeValue(Member(object, entry.member), entry.shape);
+                               : DescribeValue(Member(object, entry.member), entry);
     }
   }
 
@@ -190,9 +211,11 @@ class Writer {
     return json;
   }
 
-  Json DescribeValue(const Value& value, const Shape* shape) const {
+  Json DescribeValue(const Value& value, const Entry& entry) const {
+    const Shape* const shape = entry.shape;
     if (const auto* const string = std::get_if<String>(&value)) {
-      return string->IsNil() ? Json() : text_(*string);
+      if (string->IsNil()) return {};
+      return entry.is_file ? files_(*string) : text_(*string);
     }
     if (const auto* const boolean = std::get_if<bool>(&value)) return *boolean;
     if (const auto* const number = std::get_if<std::int64_t>(&value)) return *number;
@@ -205,6 +228,8 @@ class Writer {
   }
 
   const TextForm& text_;
+  const TextForm& files_;
+  std::set<std::size_t> file_parts_;  // that attachments and inline parts describe
 };
 
 }  // namespace
@@ -222,8 +247,14 @@ Json RawText(const String& string) {
   return {{"base64", Base64(string.bytes())}, {"encoding", string.encoding()}};
 }
 
+Json NoText(const String&) { return {}; }
+
 Json DescribeMessage(const Object& email, const TextForm& text) {
-  return Writer(text).DescribeEmail(email);
+  return DescribeMessage(email, text, text);
+}
+
+Json DescribeMessage(const Object& email, const TextForm& text, const TextForm& files) {
+  return Writer(text, files).DescribeEmail(email);
 }
 
 }  // namespace zqv::cli

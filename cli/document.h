@@ -28,7 +28,14 @@ nlohmann::ordered_json ReadableText(const standin::String& string);
 // {"base64": the string's bytes, "encoding": number}
 nlohmann::ordered_json RawText(const standin::String& string);
 
+// null, for files that are left out.
+nlohmann::ordered_json NoText(const standin::String& string);
+
 // `email` is a MimeEmailZQV.
 nlohmann::ordered_json DescribeMessage(const standin::Object& email, const TextForm& text);
+// The same, but `files` writes what holds the bytes of files: the data of attachments and inline
+// parts, the bodies of the parts that they describe, and the message's source.
+nlohmann::ordered_json DescribeMessage(const standin::Object& email, const TextForm& text,
+                                       const TextForm& files);
 
 }  // namespace zqv::cli

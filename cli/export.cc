@@ -18,9 +18,9 @@
 
 #include "base/fnv.h"
 #include "cli/attached_files.h"
-#include "cli/document.h"
 #include "cli/folder.h"
 #include "cli/message.h"
+#include "cli/message_document.h"
 #include "cli/output.h"
 #include "cli/print_json.h"
 #include "cli/progress.h"
@@ -65,6 +65,7 @@ class Exporter {
   // False when everything that there is to write was there already. Throws what says why it cannot
   // be done.
   bool Write(const Item& item) {
+    problems_.clear();
     const std::size_t slash = item.place.rfind('/');
     const std::string name = item.place.substr(slash == std::string::npos ? 0 : slash + 1);
     const Folder& folder = Open(item.place.substr(0, slash == std::string::npos ? 0 : slash));
@@ -86,6 +87,9 @@ class Exporter {
     return is_new;
   }
 
+  // Of the last message: what keeps files of it from being those that were sent, a line each.
+  const std::vector<std::string>& problems() const { return problems_; }
+
  private:
   // The folder below the top. One at a time is kept: messages come folder by folder.
   const Folder& Open(const std::string& place) {
@@ -105,13 +109,14 @@ class Exporter {
 
   // False when the message has nothing of this form.
   bool WriteForm(ExportForm form, const Item& item, const Object& email, const Folder& folder,
-                 const std::string& name) const {
+                 const std::string& name) {
     const std::string file = name + SuffixOf(form);
     switch (form) {
       case ExportForm::kJson:
         folder.Write(file,
                      DocumentText(item.name, "message",
-                                  DescribeMessage(email, request_.raw ? RawText : ReadableText)) +
+                                  MessageDocument(email, request_,
+                                                  request_.files.value_or(FileForm::kNone))) +
                          "\n",
                      request_.force);
         return true;
@@ -131,17 +136,18 @@ class Exporter {
     return true;
   }
 
-  bool WriteFiles(const Object& email, const Folder& folder, const std::string& name) const {
-    AttachedFiles files(email);
+  bool WriteFiles(const Object& email, const Folder& folder, const std::string& name) {
+    const MailReading reading(email);
+    const AttachedFiles files(reading, request_.all);
     if (files.count() == 0) return false;
     if (folder.Has(name)) {  // replaced one by one: whatever else is in there stays
-      WriteAll(&files, folder.Sub(name));
+      WriteAll(files, folder.Sub(name));
       return true;
     }
     const std::string unfinished = UnfinishedName(name);
     folder.Remove(unfinished);  // of a run that was killed
     try {
-      WriteAll(&files, folder.Sub(unfinished));
+      WriteAll(files, folder.Sub(unfinished));
       folder.Rename(unfinished, name);
     } catch (...) {
       RemoveQuietly(folder, unfinished);
@@ -150,9 +156,11 @@ class Exporter {
     return true;
   }
 
-  void WriteAll(AttachedFiles* files, const Folder& folder) const {
-    for (std::size_t i = 0; i < files->count(); ++i) {
-      folder.Write(files->Name(i), files->Data(i).bytes(), request_.force);
+  void WriteAll(const AttachedFiles& files, const Folder& folder) {
+    for (std::size_t i = 0; i < files.count(); ++i) {
+      folder.Write(files.Name(i), files.Data(i).bytes(), request_.force);
+      const std::string problem = files.Problem(i);
+      if (!problem.empty()) problems_.push_back(problem);
     }
   }
 
@@ -169,6 +177,7 @@ class Exporter {
   std::vector<ExportForm> forms_;
   std::optional<Folder> current_;
   std::string current_place_;
+  std::vector<std::string> problems_;
 };
 
 // The hash of a place is the same on every machine.
@@ -182,18 +191,6 @@ std::size_t SizeOf(const Item& item) {
   return stat(item.path.c_str(), &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
 }
 
-Parcel ParcelOf(const Item& item) {
-  Parcel parcel = {item.name, item.place, item.path};
-  if (item.bytes) parcel.push_back(*item.bytes);
-  return parcel;
-}
-
-Item ItemOf(const Parcel& parcel) {
-  Item item = {parcel[0], parcel[1], parcel[2], std::nullopt};
-  if (parcel.size() > 3) item.bytes = parcel[3];
-  return item;
-}
-
 // What became of the messages.
 class Tally {
  public:
@@ -203,6 +200,9 @@ class Tally {
   void Add(const Item& item, const std::string& outcome) {
     if (outcome == kWritten) {
       ++written_;
+    } else if (outcome.substr(0, kProblems.size()) == kProblems) {
+      ++written_;
+      AddProblems(item, std::string_view(outcome).substr(kProblems.size()));
     } else if (outcome == kSkipped) {
       ++skipped_;
     } else {
@@ -224,22 +224,37 @@ class Tally {
              Grouped(static_cast<std::size_t>(rate)) + " a second)");
   }
 
-  bool all_good() const { return failed_ == 0; }
+  bool all_good() const { return failed_ == 0 && !has_problems_; }
 
   static constexpr const char* kWritten = "";
   static constexpr const char* kSkipped = "-";
+  static constexpr std::string_view kProblems = "!";  // then a line for each
 
  private:
+  void AddProblems(const Item& item, std::string_view lines) {
+    has_problems_ = true;
+    while (!lines.empty()) {
+      const std::string_view line = lines.substr(0, lines.find('\n'));
+      Complain(item.name + ": " + std::string(line));
+      lines.remove_prefix(std::min(lines.size(), line.size() + 1));
+    }
+  }
+
   Progress progress_;
   std::size_t written_ = 0;
   std::size_t skipped_ = 0;
   std::size_t failed_ = 0;
+  bool has_problems_ = false;
 };
 
-// Tally::kWritten, Tally::kSkipped, or what went wrong.
+// Tally::kWritten, Tally::kSkipped, Tally::kProblems with them, or what went wrong.
 std::string Attempt(Exporter* exporter, const Item& item) {
   try {
-    return exporter->Write(item) ? Tally::kWritten : Tally::kSkipped;
+    const bool is_written = exporter->Write(item);
+    std::string problems;
+    for (const std::string& problem : exporter->problems()) problems += problem + "\n";
+    if (!problems.empty()) return std::string(Tally::kProblems) + problems;
+    return is_written ? Tally::kWritten : Tally::kSkipped;
   } catch (const std::exception& error) {
     return error.what();
   }
@@ -251,7 +266,7 @@ int Export(const Session& session, const Request& request, Output*) {
   Exporter exporter(session, request);
   Tally tally(Progress::IsWanted() ? TotalBytes(request.source) / request.shard.count : 0);
   const auto hand_to = [&](const std::function<void(const Item&)>& use) {
-    return ForEachChosen(request, [&](Item&& item) {
+    return ForEachChosen(session, request, [&](Item&& item) {
       if (IsInShard(item.place, request.shard)) use(item);
       return true;
     });

@@ -1,13 +1,11 @@
-// `zqv extract`: writes the data of every attachment and inline part into a folder, or the bytes of
-// one part to standard output.
-//
-// The data are the bytes of the library's strings as they are; nil gives an empty file.
+// `zqv extract`: writes the files that are found in a message into a folder, or the bytes of one
+// part to standard output.
 #include <exception>
+#include <stdexcept>
 #include <string>
 
 #include "cli/attached_files.h"
 #include "cli/folder.h"
-#include "cli/message.h"
 #include "cli/verbs.h"
 #include "cli/visit.h"
 
@@ -16,14 +14,20 @@ namespace {
 
 using standin::Object;
 
-// False when a part could not be written.
-bool WriteAll(const Object& email, const Request& request, Output* output) {
+// False when a file could not be written, or not as it was sent.
+bool WriteAll(const std::string& name, const MailReading& reading, const Request& request,
+              Output* output) {
   const Folder folder(request.folder);
-  const AttachedFiles files(email);
+  const AttachedFiles files(reading, request.all);
   bool all_good = true;
   for (std::size_t i = 0; i < files.count() && output->IsGood(); ++i) {
     try {
       output->PrintLine(folder.Write(files.Name(i), files.Data(i).bytes(), request.force));
+      const std::string problem = files.Problem(i);
+      if (!problem.empty()) {
+        Complain(name + ": " + problem);
+        all_good = false;
+      }
     } catch (const std::exception& error) {
       Complain(error.what());
       all_good = false;
@@ -32,15 +36,29 @@ bool WriteAll(const Object& email, const Request& request, Output* output) {
   return all_good;
 }
 
+// A multipart has no bytes of its own.
+bool PrintPart(const std::string& name, const MailReading& reading, const std::string& number,
+               Output* output) {
+  const mime::PartIndex part = reading.source().FindPart(number);
+  if (part == mime::kNoPart) throw std::runtime_error("there is no part " + number);
+  if (reading.source().parts()[part].kind == mime::PartKind::kMultipart) return true;
+  const FoundFile file = reading.files().Describe(part);
+  output->Print(reading.files().Data(file).bytes());
+  if (file.problem.empty()) return true;
+  Complain(name + ": part " + number + ": " + file.problem);
+  return false;
+}
+
 }  // namespace
 
 int Extract(const Session& session, const Request& request, Output* output) {
-  const auto visit = [&](const std::string&, const Object& email) {
-    if (!request.sent_part) return WriteAll(email, request, output);
-    output->Print(TextMember(FindPart(email, *request.sent_part), "BodyDecoded").bytes());
-    return true;
+  const auto visit = [&](const std::string& name, const Object& email) {
+    const MailReading reading(email);
+    if (!request.sent_part) return WriteAll(name, reading, request, output);
+    return PrintPart(name, reading, *request.sent_part, output);
   };
-  return ForOneMessage(session, request, visit);
+  return ForOneMessage(session, request, visit,
+                       "; export --form attachments writes the files of all");
 }
 
 }  // namespace zqv::cli

@@ -15,7 +15,7 @@ constexpr std::size_t kMostExtensionBytes = 20;
 constexpr std::string_view kNameless = "attachment";
 constexpr std::string_view kTrimmed = ". ";
 
-bool IsHidden(char32_t c) { return IsControl(c) || IsDirectionMark(c) || IsDirectionOverride(c); }
+bool IsHidden(char32_t c) { return IsControl(c) || IsInvisible(c) || c == 0x200C || c == 0x200D; }
 
 // Bytes that are no text become underscores, what cannot be seen goes.
 std::string Visible(std::string_view name) {

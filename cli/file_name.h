@@ -13,8 +13,8 @@ namespace zqv::cli {
 // The longest name that CleanFileName gives.
 inline constexpr std::size_t kMostNameBytes = 200;
 
-// A name without folders and drive letters, control characters and direction marks, dots and
-// blanks at its ends, that no system takes for a device, of well-formed UTF-8 and at most
+// A name without folders and drive letters, control characters and those that show nothing, dots
+// and blanks at its ends, that no system takes for a device, of well-formed UTF-8 and at most
 // kMostNameBytes bytes; its extension outlives the cut. "attachment" when nothing is left.
 std::string CleanFileName(std::string_view name);
 

@@ -61,10 +61,26 @@ constexpr Row kRows[] = {
     {Oddity::kForeignInBase64, "bad-base64",
      "the part's base64 has other characters in it: its data are damaged"},
     {Oddity::kCutBase64, "bad-base64", "the part's base64 is cut off: its data are not whole"},
+    {Oddity::kMoreBase64, "bad-base64",
+     "the part's base64 goes on after its padding: some readers stop there"},
     {Oddity::kEncodedName, "encoded-name", "the file name stays encoded: {}"},
     {Oddity::kUnreadName, "unread-name", "the file name in {} is not read"},
     {Oddity::kUnlistedPart, "unlisted-part",
      "the part is in no list: no attachment, no inline part, not the message's text"},
+    {Oddity::kNoSender, "no-sender", "no address is in From: {}"},
+    {Oddity::kNoContentType, "no-content-type",
+     "the message has no Content-Type: the library gives it no type and lists its text as a file"},
+    {Oddity::kPackedFile, "packed-file",
+     "the file {} is packed in {}: the library does not see it"},
+    {Oddity::kEmptyFile, "empty-file", "the file {} has no bytes"},
+    {Oddity::kNamedText, "named-text",
+     "the message's own text is called {}: the library shows the name nowhere"},
+    {Oddity::kFrame, "frame-attachment",
+     "the library lists the {} as a file, which has no bytes of its own"},
+    {Oddity::kRepeatedParameter, "repeated-parameter",
+     "the parameter {} stands several times in {}, with different values"},
+    {Oddity::kPiece, "message-piece",
+     "the message is a piece of one: only with the others it can be read"},
 };
 
 constexpr bool IsInOrder() {
@@ -73,7 +89,7 @@ constexpr bool IsInOrder() {
     if (static_cast<std::size_t>(row.oddity) != index) return false;
     ++index;
   }
-  return index == static_cast<std::size_t>(Oddity::kUnlistedPart) + 1;
+  return index == static_cast<std::size_t>(Oddity::kPiece) + 1;
 }
 static_assert(IsInOrder());
 
@@ -102,6 +118,14 @@ std::vector<Finding> Findings::Take() {
     return a.place.line - 1 < b.place.line - 1;  // kNoLine becomes the greatest
   });
   return std::move(list_);
+}
+
+std::vector<std::string> FindingCodes() {
+  std::vector<std::string> codes;
+  for (const Row& row : kRows) {
+    if (codes.empty() || codes.back() != row.code) codes.emplace_back(row.code);
+  }
+  return codes;
 }
 
 std::string PartText(const Place& place, const PartTree& tree) {

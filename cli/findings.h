@@ -39,9 +39,18 @@ enum class Oddity {
   kEncodedMessage,
   kForeignInBase64,
   kCutBase64,
+  kMoreBase64,
   kEncodedName,
   kUnreadName,
   kUnlistedPart,
+  kNoSender,
+  kNoContentType,
+  kPackedFile,
+  kEmptyFile,
+  kNamedText,
+  kFrame,
+  kRepeatedParameter,
+  kPiece,
 };
 
 struct Place {
@@ -66,6 +75,9 @@ class Findings {
  private:
   std::vector<Finding> list_;
 };
+
+// All codes, each once, in the order of the documents.
+std::vector<std::string> FindingCodes();
 
 // For a reader: "message", "part 5.2", "line 14"; empty when it is not known.
 std::string PartText(const Place& place, const PartTree& tree);

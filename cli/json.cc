@@ -1,7 +1,7 @@
 // `zqv json`: everything that the classes give about a message.
 #include <string>
 
-#include "cli/document.h"
+#include "cli/message_document.h"
 #include "cli/print_json.h"
 #include "cli/verbs.h"
 #include "cli/visit.h"
@@ -10,8 +10,9 @@ namespace zqv::cli {
 
 int Json(const Session& session, const Request& request, Output* output) {
   const auto visit = [&](const std::string& name, const standin::Object& email) {
-    PrintDocument(name, "message", DescribeMessage(email, request.raw ? RawText : ReadableText),
-                  output);
+    output->PrintLine(DocumentText(
+        name, "message", MessageDocument(email, request, request.files.value_or(FileForm::kText)),
+        request.lines ? DocumentForm::kLine : DocumentForm::kIndented));
     return true;
   };
   return ForEachMessage(session, request, output, visit);

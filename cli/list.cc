@@ -1,12 +1,11 @@
-// `zqv list`: what is attached to a message.
+// `zqv list`: the files that are found in a message.
 //
-// Columns: part number, kind, MIME type, bytes, file name, Content-ID.
+// Columns: part number, kind, MIME type, bytes, file name, Content-ID, what it is packed in.
 #include <string>
 #include <vector>
 
-#include "cli/message.h"
+#include "cli/attached_files.h"
 #include "cli/print_table.h"
-#include "cli/text.h"
 #include "cli/verbs.h"
 #include "cli/visit.h"
 
@@ -15,20 +14,21 @@ namespace {
 
 using standin::Object;
 
-void PrintList(const std::string& name, const Object& email, bool json, Output* output) {
-  const PartTree tree(email);
-  const std::vector<Attached> list = ListAttached(email, tree);
+void PrintList(const std::string& name, const MailReading& reading, const Request& request,
+               Output* output) {
+  std::vector<const FoundFile*> list;
+  for (const FoundFile& file : reading.files().list()) {
+    if (request.all || !file.is_frame) list.push_back(&file);
+  }
   const auto row = [&](std::size_t i) {
-    const Attached& attached = list[i];
-    const auto text = [&](std::string_view property) {
-      return PlainLine(TextMember(attached.record, property));
-    };
-    return Row{attached.part ? tree.Number(*attached.part) : std::string(),
-               attached.is_inline ? "inline" : "attachment",
-               text("MimeType"),
-               std::to_string(TextMember(attached.record, "Data").bytes().size()),
-               text("Filename"),
-               text("contentId")};
+    const FoundFile& file = *list[i];
+    return Row{reading.source().NumberOf(file.part),
+               file.is_inline ? "inline" : "attachment",
+               file.mime_type,
+               std::to_string(reading.files().Data(file).bytes().size()),
+               file.name,
+               file.content_id,
+               std::string(PackingName(file.packing))};
   };
   PrintTable(name,
              {"attached",
@@ -37,17 +37,18 @@ void PrintList(const std::string& name, const Object& email, bool json, Output* 
                {"mime_type", ColumnKind::kOptional},
                {"bytes", ColumnKind::kNumber},
                {"filename", ColumnKind::kOptional},
-               {"content_id", ColumnKind::kOptional}},
+               {"content_id", ColumnKind::kOptional},
+               {"packed_in", ColumnKind::kText}},
               list.size(),
               row},
-             json, output);
+             request.json, output);
 }
 
 }  // namespace
 
 int List(const Session& session, const Request& request, Output* output) {
   const auto visit = [&](const std::string& name, const Object& email) {
-    PrintList(name, email, request.json, output);
+    PrintList(name, MailReading(email), request, output);
     return true;
   };
   return ForEachMessage(session, request, output, visit);

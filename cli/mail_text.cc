@@ -13,7 +13,6 @@ namespace zqv::cli {
 namespace {
 
 constexpr std::size_t kNowhere = std::string_view::npos;
-constexpr std::string_view kDigits = "0123456789";
 
 // What "%41" at the front of a text stands for; nothing when there is no such escape.
 std::optional<char> ByteOfEscape(std::string_view text) {
@@ -59,89 +58,6 @@ std::optional<EncodedWord> WordAtFront(std::string_view text) {
   if (rest.substr(length, 2) != "?=") return std::nullopt;
   return EncodedWord{text.substr(0, at + length + 2), text.substr(2, at - 2), rest[1]};
 }
-
-constexpr std::string_view kDays[] = {"mon", "tue", "wed", "thu", "fri", "sat", "sun"};
-constexpr std::string_view kMonths[] = {"jan", "feb", "mar", "apr", "may", "jun",
-                                        "jul", "aug", "sep", "oct", "nov", "dec"};
-constexpr std::array<int, 12> kDaysOfMonths = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-
-// Reads a date from its front; nothing where it does not fit.
-class DateReader {
- public:
-  explicit DateReader(std::string_view text) : rest_(text) {}
-
-  DateFault Run() {
-    SkipDayName();
-    const std::optional<int> day = Number(2);
-    const std::optional<std::size_t> month = Name(kMonths);
-    const std::optional<int> year = Number(4);
-    const bool is_day = day && month && year && IsDay(*day, *month, *year);
-    if (!is_day || !SkipTime() || SkipHalf()) return DateFault::kNoDate;
-    constexpr int kFirstOfFourDigits = 1000;
-    return *year < kFirstOfFourDigits ? DateFault::kEarlyYear : DateFault::kNone;
-  }
-
- private:
-  static bool IsDay(int day, std::size_t month, int year) {
-    const bool is_leap = month == 1 && year % 4 == 0;
-    return day >= 1 && day <= kDaysOfMonths[month] + (is_leap ? 1 : 0);
-  }
-
-  bool SkipTime() {
-    const std::optional<int> hour = Number(2);
-    if (!Skip(':')) return false;
-    const std::optional<int> minute = Number(2);
-    const std::optional<int> second = Skip(':') ? Number(2) : 0;
-    return hour && minute && second && *hour < 24 && *minute < 60 && *second <= 60;
-  }
-
-  // "AM" or "PM", which no mail has.
-  bool SkipHalf() {
-    SkipBlanks();
-    const std::string_view word = rest_.substr(0, 2);
-    return base::EqualsIgnoringCase(word, "am") || base::EqualsIgnoringCase(word, "pm");
-  }
-
-  void SkipBlanks() { rest_.remove_prefix(std::min(rest_.find_first_not_of(" \t"), rest_.size())); }
-
-  bool Skip(char c) {
-    SkipBlanks();
-    if (rest_.empty() || rest_.front() != c) return false;
-    rest_.remove_prefix(1);
-    return true;
-  }
-
-  void SkipDayName() {
-    if (Name(kDays)) Skip(',');
-  }
-
-  // Of one digit or more.
-  std::optional<int> Number(std::size_t most) {
-    SkipBlanks();
-    const std::size_t length = std::min(rest_.find_first_not_of(kDigits), rest_.size());
-    if (length == 0 || length > most) return std::nullopt;
-    int value = 0;
-    for (const char c : rest_.substr(0, length)) value = value * 10 + (c - '0');
-    rest_.remove_prefix(length);
-    return value;
-  }
-
-  // The index of a name that begins with one of three letters.
-  template <std::size_t kCount>
-  std::optional<std::size_t> Name(const std::string_view (&names)[kCount]) {
-    SkipBlanks();
-    const auto end = std::find_if_not(rest_.begin(), rest_.end(), base::IsLetter);
-    const std::string_view word = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
-    const auto found = std::find_if(std::begin(names), std::end(names), [&](std::string_view name) {
-      return base::EqualsIgnoringCase(word.substr(0, name.size()), name);
-    });
-    if (found == std::end(names)) return std::nullopt;
-    rest_.remove_prefix(word.size());
-    return static_cast<std::size_t>(found - std::begin(names));
-  }
-
-  std::string_view rest_;
-};
 
 constexpr std::array<bool, 256> MakeBase64Digits() {
   std::array<bool, 256> table{};
@@ -199,8 +115,6 @@ std::vector<EncodedWord> EncodedWordsOf(std::string_view value) {
   return words;
 }
 
-DateFault FindDateFault(std::string_view value) { return DateReader(value).Run(); }
-
 bool HasPercentEscape(std::string_view text) {
   for (std::size_t at = 0; (at = text.find('%', at)) != kNowhere; ++at) {
     if (ByteOfEscape(text.substr(at))) return true;
@@ -221,17 +135,22 @@ std::string Unescaped(std::string_view text) {
 Base64Fault FindBase64Fault(std::string_view text) {
   constexpr std::size_t kGroup = 4;
   std::size_t digits = 0;  // since the last padding: texts may be joined
+  bool is_padded = false;
+  bool goes_on = false;
   for (const char c : text) {
     if (kBase64Digits[static_cast<unsigned char>(c)]) {
       ++digits;
+      goes_on = goes_on || is_padded;
     } else if (c == '=') {
       if (digits % kGroup == 1) return Base64Fault::kCut;
       digits = 0;
+      is_padded = true;
     } else if (!base::IsBlank(c) && !base::IsLineEnd(c)) {
       return Base64Fault::kForeign;
     }
   }
-  return digits % kGroup == 1 ? Base64Fault::kCut : Base64Fault::kNone;
+  if (digits % kGroup == 1) return Base64Fault::kCut;
+  return goes_on ? Base64Fault::kMore : Base64Fault::kNone;
 }
 
 }  // namespace zqv::cli

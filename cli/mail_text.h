@@ -32,12 +32,6 @@ struct EncodedWord {
 };
 std::vector<EncodedWord> EncodedWordsOf(std::string_view value);
 
-// What is wrong with the value of a Date field: it should be a day of the calendar and a time of
-// day as in "Sat, 20 Jan 2024 18:00:00 +0000" (RFC 5322, section 3.3), where day name, seconds and
-// zone may be missing, in a year from 1000 on. What follows is not looked at.
-enum class DateFault { kNone, kNoDate, kEarlyYear };
-DateFault FindDateFault(std::string_view value);
-
 // Whether a percent sign and two hexadecimal digits stand in a text.
 bool HasPercentEscape(std::string_view text);
 
@@ -45,8 +39,8 @@ bool HasPercentEscape(std::string_view text);
 std::string Unescaped(std::string_view text);
 
 // What is wrong with a body in base64 (RFC 4648, section 4; RFC 2045, section 6.8): characters that
-// do not belong there, or one digit alone of a group of four.
-enum class Base64Fault { kNone, kForeign, kCut };
+// do not belong there, one digit alone of a group of four, or more of it behind the padding.
+enum class Base64Fault { kNone, kForeign, kCut, kMore };
 Base64Fault FindBase64Fault(std::string_view text);
 
 }  // namespace zqv::cli

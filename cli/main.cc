@@ -2,19 +2,32 @@
 //
 // Exit codes: 0 done; 1 a message, the library or a file could not be read or written, or what was
 // asked for is not there, or `check` found something; 2 the command line is wrong.
+#include <unistd.h>
+
 #include <exception>
+#include <string>
+#include <string_view>
 #include <variant>
 
 #include "cli/arguments.h"
 #include "cli/output.h"
 #include "cli/session.h"
 #include "cli/verbs.h"
+#include "standin/fatal.h"
 
 namespace zqv::cli {
 namespace {
 
+// In the middle of a call of the library there is no way back.
+[[noreturn]] void EndWithoutMemory(const std::string&) {
+  constexpr std::string_view kLine = "zqv: memory ran out\n";
+  static_cast<void>(write(STDERR_FILENO, kLine.data(), kLine.size()) == 0);
+  _exit(1);
+}
+
 int Main(int count, const char* const* values) {
   EndOnClosedPipe();
+  standin::SetOutOfMemoryHandler(EndWithoutMemory);
   const std::variant<Arguments, int> parsed = ParseArguments(count, values);
   const auto* const arguments = std::get_if<Arguments>(&parsed);
   Output output(arguments == nullptr ? Colour::kNever : arguments->colour);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <utility>
 
 #include "base/ascii.h"
@@ -79,15 +80,90 @@ bool MboxSplitter::Add(std::string_view bytes) {
 bool MboxSplitter::Finish() {
   if (goes_on_ && !held_.empty()) goes_on_ = AddLine(held_);
   held_.clear();
+  if (goes_on_ && length_ == Length::kCounting) goes_on_ = ForgetLength();
   if (goes_on_ && is_inside_) goes_on_ = GiveMessage();
   return goes_on_;
 }
 
 bool MboxSplitter::AddLine(std::string_view line) {
+  if (length_ == Length::kUnknown) return AddLineByLook(line);
+  if (AddLineByLength(line)) return goes_on_;
+  return ForgetLength() && AddLineByLook(line);
+}
+
+bool MboxSplitter::AddLineByLength(std::string_view line) {
+  const std::string_view text = WithoutEnd(line);
+  if (length_ == Length::kReached) {
+    if (text.empty() && !is_after_empty_counted_) {  // in front of a separator
+      is_after_empty_counted_ = true;
+      return true;
+    }
+    if (!IsMboxSeparator(text)) return false;
+    goes_on_ = GiveMessage();
+    is_in_header_ = true;
+    return true;
+  }
+  has_separator_in_it_ = has_separator_in_it_ || (is_after_empty_ && IsMboxSeparator(text));
+  is_after_empty_ = text.empty();
+  if (counted_.size() + line.size() > said_length_) return false;
+  counted_ += line;
+  if (counted_.size() == said_length_) length_ = Length::kReached;
+  return true;
+}
+
+bool MboxSplitter::ForgetLength() {
+  believes_lengths_ = false;
+  length_ = Length::kUnknown;
+  said_length_ = 0;
+  std::string counted = std::exchange(counted_, {});
+  if (std::exchange(is_after_empty_counted_, false)) counted += '\n';
+  is_after_empty_ = true;  // the line that ended the header
+  has_separator_in_it_ = false;
+  bool goes_on = true;
+  for (std::string_view rest = counted; goes_on && !rest.empty();) {
+    const std::string_view line = rest.substr(0, rest.find('\n') + 1);
+    const std::string_view whole = line.empty() ? rest : line;
+    goes_on = AddLineByLook(whole);
+    rest.remove_prefix(whole.size());
+  }
+  return goes_on;
+}
+
+// Where such lines stand as they are, none was marked with a ">".
+void MboxSplitter::AppendCounted() {
+  if (std::exchange(has_separator_in_it_, false)) {
+    message_ += std::exchange(counted_, {});
+    return;
+  }
+  const std::string counted = std::exchange(counted_, {});
+  for (std::string_view rest = counted; !rest.empty();) {
+    const std::string_view line = rest.substr(0, std::min(rest.find('\n'), rest.size() - 1) + 1);
+    message_ += IsQuotedFrom(line) ? line.substr(1) : line;
+    rest.remove_prefix(line.size());
+  }
+}
+
+void MboxSplitter::NoteHeaderLine(std::string_view text) {
+  constexpr std::string_view kName = "content-length:";
+  // More is kept in memory for nobody.
+  constexpr std::size_t kMostBelieved = std::size_t{64} << 20U;
+  if (text.empty()) {
+    is_in_header_ = false;
+    const bool is_good = believes_lengths_ && said_length_ > 0 && said_length_ <= kMostBelieved;
+    if (is_good) length_ = Length::kCounting;
+  } else if (base::EqualsIgnoringCase(text.substr(0, kName.size()), kName)) {
+    text.remove_prefix(kName.size());
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    std::from_chars(text.data(), text.data() + text.size(), said_length_);
+  }
+}
+
+bool MboxSplitter::AddLineByLook(std::string_view line) {
   const std::string_view text = WithoutEnd(line);
   const bool is_separator = is_after_empty_ && IsMboxSeparator(text);
   const bool is_first_separator = is_separator && !is_inside_;
   is_after_empty_ = text.empty();
+  if (is_separator) is_in_header_ = true;
   if (is_first_separator) {
     is_inside_ = true;
     return true;
@@ -97,12 +173,20 @@ bool MboxSplitter::AddLine(std::string_view line) {
   if (IsQuotedFrom(text)) line.remove_prefix(1);
   AppendWithinLimit(line, &message_);
   last_line_size_ = is_after_empty_ ? line.size() : 0;
+  if (is_in_header_) NoteHeaderLine(text);
   return true;
 }
 
 // The empty line before the separator, or before the end of the file, is no part of the message.
 bool MboxSplitter::GiveMessage() {
-  message_.resize(message_.size() - std::min(message_.size(), last_line_size_));
+  if (length_ == Length::kReached) {
+    AppendCounted();
+  } else {
+    message_.resize(message_.size() - std::min(message_.size(), last_line_size_));
+  }
+  length_ = Length::kUnknown;
+  said_length_ = 0;
+  is_after_empty_counted_ = false;
   last_line_size_ = 0;
   return give_(std::exchange(message_, {}));
 }

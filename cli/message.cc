@@ -8,6 +8,7 @@
 #include <utility>
 #include <variant>
 
+#include "cli/message_source.h"
 #include "cli/text.h"
 
 namespace zqv::cli {
@@ -88,15 +89,9 @@ PartTree::PartTree(const Object& email) {
 }
 
 std::string PartTree::Number(std::size_t index) const {
-  if (index == 0) return "0";
   std::vector<std::size_t> ordinals;
   for (; index != 0; index = parts_[index].parent) ordinals.push_back(parts_[index].ordinal);
-  std::string number;
-  for (auto ordinal = ordinals.rbegin(); ordinal != ordinals.rend(); ++ordinal) {
-    if (!number.empty()) number += '.';
-    number += std::to_string(*ordinal);
-  }
-  return number;
+  return PartNumber(ordinals);
 }
 
 Object FindPart(const Object& email, const std::string& number) {

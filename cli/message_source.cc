@@ -1,5 +1,7 @@
 #include "cli/message_source.h"
 
+#include <algorithm>
+
 #include "base/ascii.h"
 #include "base/unicode.h"
 #include "mime/open_boundaries.h"
@@ -28,7 +30,63 @@ MessageSource::MessageSource(std::string_view bytes)
     : completed_(Completed(base::WithoutByteOrderMark(bytes))),
       bytes_(completed_.empty() ? base::WithoutByteOrderMark(bytes) : completed_),
       lines_(bytes_),
-      message_(bytes_, mime::OuterBoundary::kEndsInner) {}
+      message_(bytes_, mime::OuterBoundary::kEndsInner),
+      ordinals_(message_.parts().size(), 0) {
+  for (const mime::Part& part : parts()) {
+    mime::PartIndex ordinal = 0;
+    for (mime::PartIndex child = part.first_child; child != mime::kNoPart;
+         child = parts()[child].next_sibling) {
+      ordinals_[child] = ++ordinal;
+    }
+  }
+}
+
+std::string MessageSource::NumberOf(mime::PartIndex part) const {
+  std::vector<std::size_t> ordinals;
+  for (; parts()[part].parent != mime::kNoPart; part = parts()[part].parent) {
+    ordinals.push_back(ordinals_[part]);
+  }
+  return PartNumber(ordinals);
+}
+
+mime::PartIndex MessageSource::FindPart(std::string_view number) const {
+  mime::PartIndex part = 0;
+  if (number == "0") return part;
+  while (part != mime::kNoPart && !number.empty()) {
+    const std::string_view digits = number.substr(0, number.find('.'));
+    number.remove_prefix(std::min(number.size(), digits.size() + 1));
+    mime::PartIndex child = parts()[part].first_child;
+    while (child != mime::kNoPart && std::to_string(ordinals_[child]) != digits) {
+      child = parts()[child].next_sibling;
+    }
+    part = child;
+  }
+  return part;
+}
+
+std::string_view HeaderOf(std::string_view message) {
+  for (std::size_t at = 0; (at = message.find_first_of("\r\n", at)) != std::string_view::npos;) {
+    const std::string_view rest = message.substr(at);
+    const std::size_t end = rest.substr(0, 2) == "\r\n" ? 2 : 1;
+    const std::string_view next = rest.substr(end);
+    if (next.empty() || !base::IsLineEnd(next.front())) {
+      at += end;
+      continue;
+    }
+    return message.substr(0, at + end + (next.substr(0, 2) == "\r\n" ? 2 : 1));
+  }
+  return message;
+}
+
+std::string PartNumber(const std::vector<std::size_t>& ordinals) {
+  if (ordinals.empty()) return "0";
+  std::string number;
+  for (auto ordinal = ordinals.rbegin(); ordinal != ordinals.rend(); ++ordinal) {
+    if (!number.empty()) number += '.';
+    number += std::to_string(*ordinal);
+  }
+  return number;
+}
 
 std::size_t MessageSource::LineAfter(const mime::Part& multipart) const {
   const char* const end = multipart.whole.data() + multipart.whole.size();

@@ -29,6 +29,11 @@ class MessageSource {
   // So many of the first parts are the library's.
   std::size_t known() const { return message_.parts_before_outer(); }
 
+  // The part's number, as PartTree has it: "2.1", "0" for the message itself.
+  std::string NumberOf(mime::PartIndex part) const;
+  // The part with this number; kNoPart when there is none.
+  mime::PartIndex FindPart(std::string_view number) const;
+
   const LineNumbers& lines() const { return lines_; }
   // The first line of the part's header.
   std::size_t LineOf(const mime::Part& part) const { return lines_.At(part.header.data()); }
@@ -42,7 +47,15 @@ class MessageSource {
   std::string_view bytes_;
   LineNumbers lines_;
   mime::Message message_;
+  std::vector<mime::PartIndex> ordinals_;  // of each part among its siblings, from 1
 };
+
+// A message up to the first empty line, that included.
+std::string_view HeaderOf(std::string_view message);
+
+// "2.1" of a part that is the first in the second of a message: its ordinal and those of the parts
+// around it, the innermost first. "0" for none.
+std::string PartNumber(const std::vector<std::size_t>& ordinals);
 
 // A field's value as it stands in the message, with its line ends.
 std::string_view ValueBytes(const mime::Field& field);

@@ -51,6 +51,19 @@ bool IsExtendedValue(std::string_view name) {
   return std::count(name.begin(), name.end(), '\'') >= 2;
 }
 
+Oddity OddityOf(Base64Fault fault) {
+  switch (fault) {
+    case Base64Fault::kForeign:
+      return Oddity::kForeignInBase64;
+    case Base64Fault::kMore:
+      return Oddity::kMoreBase64;
+    case Base64Fault::kCut:
+    case Base64Fault::kNone:
+      break;
+  }
+  return Oddity::kCutBase64;
+}
+
 class Search {
  public:
   Search(const PartsToCheck& parts, Findings* findings)
@@ -74,6 +87,7 @@ class Search {
       if (part.IsOfType("text") || part.content_type == "/") CheckText(part);
       CheckName(part);
       CheckLists(part);
+      CheckFrame(part);
     }
   }
 
@@ -152,8 +166,7 @@ class Search {
     if (!is("base64")) return;
     const Base64Fault fault = FindBase64Fault(part.body.bytes());
     if (fault == Base64Fault::kNone) return;
-    findings_.Add(fault == Base64Fault::kForeign ? Oddity::kForeignInBase64 : Oddity::kCutBase64,
-                  At(part, kField));
+    findings_.Add(OddityOf(fault), At(part, kField));
   }
 
   void CheckText(const Part& part) {
@@ -205,6 +218,13 @@ class Search {
     if (found == parameters.end()) return false;
     findings_.Add(Oddity::kUnreadName, At(part, field), {SafeText(found->name, Lines::kOne)});
     return true;
+  }
+
+  // Containers that are listed besides the parts in them.
+  void CheckFrame(const Part& part) {
+    if (records_.find(part.index) == records_.end()) return;
+    if (!part.has_parts || !part.IsOfType("multipart")) return;
+    findings_.Add(Oddity::kFrame, At(part), {Quoted(TypeOf(part.content_type))});
   }
 
   // An empty leaf is nothing that could be listed.

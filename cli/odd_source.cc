@@ -13,6 +13,7 @@
 #include "cli/mail_text.h"
 #include "cli/odd_words.h"
 #include "cli/text.h"
+#include "cli/written_date.h"
 
 namespace zqv::cli {
 namespace {

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "cli/message_source.h"
+#include "cli/odd_files.h"
 #include "cli/odd_parts.h"
 #include "cli/odd_source.h"
 
@@ -20,7 +21,10 @@ std::vector<Finding> FindOddities(const standin::Object& email, const PartTree& 
   }
   const bool fits = source && source->known() == tree.parts().size();
   Findings findings;
-  if (source) FindInSource(*source, fits, &findings);
+  if (source) {
+    FindInSource(*source, fits, &findings);
+    FindInFiles(*source, FoundFiles(*source), fits, &findings);
+  }
   FindInParts({email, tree, attached, fits ? &*source : nullptr}, &findings);
   return findings.Take();
 }

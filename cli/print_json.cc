@@ -31,17 +31,19 @@ std::string EscapeControls(const std::string& json) {
   return escaped;
 }
 
-std::string Finished(JsonValue document, const char* key, JsonValue value) {
+std::string Finished(JsonValue document, const char* key, JsonValue value,
+                     DocumentForm form = DocumentForm::kIndented) {
   document[key] = std::move(value);
-  return EscapeControls(document.dump(kIndent));
+  return EscapeControls(document.dump(form == DocumentForm::kLine ? -1 : kIndent));
 }
 
 }  // namespace
 
-std::string DocumentText(const std::string& name, const char* key, JsonValue value) {
+std::string DocumentText(const std::string& name, const char* key, JsonValue value,
+                         DocumentForm form) {
   JsonValue document = {{"format_version", kDocumentVersion},
                         {"file", SafeText(name, Lines::kOne)}};
-  return Finished(std::move(document), key, std::move(value));
+  return Finished(std::move(document), key, std::move(value), form);
 }
 
 std::string DocumentText(const char* key, JsonValue value) {
@@ -55,6 +57,8 @@ void PrintDocument(const std::string& name, const char* key, JsonValue value, Ou
 void PrintDocument(const char* key, JsonValue value, Output* output) {
   output->PrintLine(DocumentText(key, std::move(value)));
 }
+
+std::string JsonLine(const JsonValue& value) { return EscapeControls(value.dump()); }
 
 JsonValue TextOrNull(const std::string& text) {
   return text.empty() ? JsonValue() : JsonValue(text);

@@ -17,12 +17,18 @@ inline constexpr int kDocumentVersion = 1;
 
 // A document's text without a line end. A JSON text holds control characters as escapes; those that
 // steer terminals beside them are escaped too.
-std::string DocumentText(const std::string& name, const char* key, JsonValue value);
+// `form` kLine leaves out line ends and indents.
+enum class DocumentForm { kIndented, kLine };
+std::string DocumentText(const std::string& name, const char* key, JsonValue value,
+                         DocumentForm form = DocumentForm::kIndented);
 // Of a document that is about no message.
 std::string DocumentText(const char* key, JsonValue value);
 
 void PrintDocument(const std::string& name, const char* key, JsonValue value, Output* output);
 void PrintDocument(const char* key, JsonValue value, Output* output);
+
+// One value on one line, escaped as documents are.
+std::string JsonLine(const JsonValue& value);
 
 // null for an empty text.
 JsonValue TextOrNull(const std::string& text);

@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "base/ascii.h"
+#include "cli/attached_files.h"
 #include "cli/findings.h"
+#include "cli/header_reading.h"
 #include "cli/html_writer.h"
 #include "cli/message.h"
 #include "cli/oddities.h"
@@ -69,18 +71,20 @@ class PageWriter {
       : name_(SafeText(name, Lines::kOne)),
         email_(email),
         tree_(email),
-        attached_(ListAttached(email, tree_)),
-        plain_text_(ReadablePlainText(email, attached_)),
+        reading_(email),
+        plain_text_(ReadablePlainText(email, reading_)),
         html_text_(TextMember(email, "HTMLText")) {
-    for (std::size_t i = 0; i < attached_.size(); ++i) {
-      if (attached_[i].part) by_part_.emplace(*attached_[i].part, i);
-      const std::string id = PlainLine(TextMember(attached_[i].record, "contentId"));
-      if (!id.empty()) by_id_.emplace(BareId(id), i);
+    for (const FoundFile& file : reading_.files().list()) {
+      if (file.is_frame) continue;
+      files_.push_back(&file);
+      if (file.packing == Packing::kNone) by_part_.emplace(file.part, &file);
+      if (!file.content_id.empty()) by_id_.emplace(BareId(file.content_id), &file);
     }
   }
 
   std::string Run() {
-    const std::string subject = SafeLine(TextMember(email_, "Subject"));
+    const std::string subject =
+        SafeText(std::string_view(WrittenText(reading_.source(), "Subject")), Lines::kOne);
     const std::string title = subject.empty() ? "(no subject)" : subject;
     page_.Markup(kPageStart);
     page_.Markup("<title>").Text(title).Markup("</title>\n</head>\n<body>\n<main>\n<header>\n");
@@ -99,7 +103,7 @@ class PageWriter {
  private:
   void WriteSummary() {
     page_.Markup("<section id=\"summary\">\n<dl>\n");
-    for (const SummaryEntry& entry : SummaryOf(email_, tree_, attached_)) {
+    for (const SummaryEntry& entry : SummaryOf(email_, tree_, reading_)) {
       if (entry.label == "Subject") continue;
       // Of what is attached the first line is the number; the rest is shown further down.
       const bool is_list = entry.label == "Attachments" || entry.label == "Inline parts";
@@ -114,7 +118,7 @@ class PageWriter {
   }
 
   void WriteFindings() {
-    const std::vector<Finding> findings = FindOddities(email_, tree_, attached_);
+    const std::vector<Finding> findings = FindOddities(email_, tree_, ListAttached(email_, tree_));
     if (findings.empty()) return;
     page_.Markup("<section id=\"findings\" class=\"odd\">\n<h2>Odd about this message</h2>\n");
     page_.Markup("<ul class=\"findings\">\n");
@@ -154,7 +158,7 @@ class PageWriter {
   std::string PictureOfId(std::string_view id) {
     const auto found = by_id_.find(std::string(BareId(id)));
     if (found == by_id_.end()) return {};
-    return pictures_.DataUri(TextMember(attached_[found->second].record, "Data").bytes());
+    return pictures_.DataUri(reading_.files().Data(*found->second).bytes());
   }
 
   void WriteHtml() {
@@ -174,27 +178,36 @@ class PageWriter {
   }
 
   void WriteAttached() {
-    if (attached_.empty()) return;
+    if (files_.empty()) return;
     page_.Markup("<section id=\"files\">\n<h2>Attachments and inline parts<small>");
-    page_.Text(std::to_string(attached_.size())).Markup("</small></h2>\n<ul class=\"files\">\n");
-    for (const Attached& attached : attached_) {
-      const String data = TextMember(attached.record, "Data");
-      const std::string name = SafeLine(TextMember(attached.record, "Filename"));
-      page_.Markup("<li>");
-      const std::string uri = pictures_.DataUri(data.bytes());
-      if (!uri.empty()) {
-        page_.Markup("<div class=\"picture\"><img alt=\"").Text(name).Markup("\" src=\"");
-        page_.Text(uri).Markup("\"></div>");
-      }
-      page_.Markup("<div class=\"words\"><span class=\"name\">").Text(name);
-      page_.Markup("</span><span class=\"about\">");
-      page_.Text(SafeLine(TextMember(attached.record, "MimeType"))).Markup("</span>");
-      page_.Markup("<span class=\"about\">").Text(SizeText(data.bytes().size())).Markup(", ");
-      page_.Text(attached.is_inline ? "inline" : "attachment");
-      if (attached.part) page_.Markup(", part ").Text(tree_.Number(*attached.part));
-      page_.Markup("</span></div></li>\n");
-    }
+    page_.Text(std::to_string(files_.size())).Markup("</small></h2>\n<ul class=\"files\">\n");
+    for (const FoundFile* file : files_) WriteFile(*file);
     page_.Markup("</ul>\n</section>\n");
+  }
+
+  void WriteFile(const FoundFile& file) {
+    const email::DecodedBody data = reading_.files().Data(file);
+    const std::string name = SafeText(std::string_view(file.name), Lines::kOne);
+    const std::string type = SafeText(std::string_view(file.mime_type), Lines::kOne);
+    page_.Markup("<li>");
+    const std::string uri = pictures_.DataUri(data.bytes());
+    if (!uri.empty()) {
+      page_.Markup("<div class=\"picture\"><img alt=\"").Text(name).Markup("\" src=\"");
+      page_.Text(uri).Markup("\"></div>");
+    }
+    page_.Markup("<div class=\"words\"><span class=\"name\">").Text(name);
+    page_.Markup("</span><span class=\"about\">").Text(type).Markup("</span>");
+    page_.Markup("<span class=\"about\">").Text(SizeText(data.bytes().size())).Markup(", ");
+    page_.Text(file.is_inline ? "inline" : "attachment").Markup(", part ");
+    page_.Text(reading_.source().NumberOf(file.part));
+    if (file.packing != Packing::kNone) {
+      page_.Markup(", packed in ").Text(PackingName(file.packing));
+    }
+    page_.Markup("</span>");
+    if (!file.problem.empty()) {
+      page_.Markup("<span class=\"about\">").Text(file.problem).Markup("</span>");
+    }
+    page_.Markup("</div></li>\n");
   }
 
   void WriteParts() {
@@ -217,23 +230,27 @@ class PageWriter {
     page_.Markup("</span>");
     if (file != by_part_.end()) {
       page_.Markup(" <span class=\"name\">");
-      page_.Text(SafeLine(TextMember(attached_[file->second].record, "Filename")))
-          .Markup("</span>");
+      page_.Text(SafeText(std::string_view(file->second->name), Lines::kOne)).Markup("</span>");
     }
     if (!body.IsNil() || !part.has_parts) {
       page_.Markup(" <span class=\"size\">").Text(SizeText(body.bytes().size())).Markup("</span>");
     }
     page_.Markup("</summary>\n<div class=\"within\">\n");
-    WriteFields(header);
+    WriteFields(index);
     WritePartText(type, body);
     page_.Markup("</div></details></li>\n");
   }
 
-  void WriteFields(const Object& header) {
+  // As they are written. The library has no other parts than those that come first in the source.
+  void WriteFields(std::size_t index) {
     page_.Markup("<dl class=\"fields\">\n");
-    for (const Object& field : FieldsOf(header)) {
-      page_.Markup("<dt>").Text(SafeLine(TextMember(field, "Name"))).Markup("</dt><dd>");
-      page_.Text(SafeLine(TextMember(field, "Value"))).Markup("</dd>\n");
+    const std::vector<mime::Part>& parts = reading_.source().parts();
+    const std::size_t count = index < parts.size() ? parts[index].field_count : 0;
+    for (std::size_t i = 0; i < count; ++i) {
+      const mime::Field& field = reading_.source().message().fields()[parts[index].first_field + i];
+      page_.Markup("<dt>").Text(SafeText(field.name, Lines::kOne)).Markup("</dt><dd>");
+      const std::string value = ReadHeaderText(ValueBytes(field));
+      page_.Text(SafeText(std::string_view(value), Lines::kOne)).Markup("</dd>\n");
     }
     page_.Markup("</dl>\n");
   }
@@ -255,11 +272,12 @@ class PageWriter {
   const std::string name_;
   const Object email_;
   const PartTree tree_;
-  const std::vector<Attached> attached_;
+  const MailReading reading_;
   const String plain_text_;
   const String html_text_;
-  std::unordered_map<std::size_t, std::size_t> by_part_;  // indexes of what is attached
-  std::unordered_map<std::string, std::size_t> by_id_;
+  std::vector<const FoundFile*> files_;  // without frames
+  std::unordered_map<std::size_t, const FoundFile*> by_part_;
+  std::unordered_map<std::string, const FoundFile*> by_id_;
   Pictures pictures_;
   std::size_t part_text_left_ = kMostPartTexts;
   HtmlWriter page_;

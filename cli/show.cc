@@ -2,10 +2,12 @@
 //
 // Labelled lines first, then an empty line and the plain text.
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/addresses.h"
+#include "cli/attached_files.h"
 #include "cli/message.h"
 #include "cli/print_json.h"
 #include "cli/summary.h"
@@ -32,46 +34,47 @@ void PrintEntries(const std::vector<SummaryEntry>& entries, Output* output) {
 }
 
 void ShowMessage(const Object& email, Output* output) {
-  const PartTree tree(email);
-  const std::vector<Attached> attached = ListAttached(email, tree);
-  PrintEntries(SummaryOf(email, tree, attached), output);
-  const std::string text = SafeText(ReadablePlainText(email, attached), Lines::kMany);
+  const MailReading reading(email);
+  PrintEntries(SummaryOf(email, PartTree(email), reading), output);
+  const std::string text = SafeText(ReadablePlainText(email, reading), Lines::kMany);
   if (text.empty()) return;
   output->PrintLine("");
   output->Print(text);
   if (text.back() != '\n') output->PrintLine("");
 }
 
-JsonValue DescribeAttached(const std::vector<Attached>& all, bool is_inline, const PartTree& tree) {
+JsonValue DescribeFiles(const MailReading& reading, bool is_inline) {
   JsonValue list = JsonValue::array();
-  for (const Attached& attached : all) {
-    if (attached.is_inline != is_inline) continue;
-    list.push_back({{"part", attached.part ? JsonValue(tree.Number(*attached.part)) : JsonValue()},
-                    {"filename", LineOrNull(TextMember(attached.record, "Filename"))},
-                    {"mime_type", LineOrNull(TextMember(attached.record, "MimeType"))},
-                    {"bytes", TextMember(attached.record, "Data").bytes().size()}});
+  for (const FoundFile& file : reading.files().list()) {
+    if (!IsListed(file, is_inline)) continue;
+    list.push_back({{"part", reading.source().NumberOf(file.part)},
+                    {"filename", TextOrNull(file.name)},
+                    {"mime_type", TextOrNull(file.mime_type)},
+                    {"bytes", reading.files().Data(file).bytes().size()}});
   }
   return list;
 }
 
 JsonValue DescribeSummary(const Object& email) {
   const PartTree tree(email);
-  const std::vector<Attached> attached = ListAttached(email, tree);
-  const Object header = ObjectMember(email, "Header");
+  const MailReading reading(email);
   const standin::String html = TextMember(email, "HTMLText");
-  const standin::String plain = ReadablePlainText(email, attached);
+  const standin::String plain = ReadablePlainText(email, reading);
+  const std::optional<WrittenDate> date = DateOf(reading.source());
   JsonValue summary = {
-      {"subject", LineOrNull(TextMember(email, "Subject"))},
+      {"subject", TextOrNull(WrittenText(reading.source(), "Subject"))},
       {"date", TextOrNull(DateText(ObjectMember(email, "Date")))},
+      {"date_written", date ? JsonValue(Rfc3339(*date)) : JsonValue()},
+      {"date_utc", date ? JsonValue(Rfc3339Utc(*date)) : JsonValue()},
       {"received_date", TextOrNull(DateText(ObjectMember(email, "ReceivedDate")))},
   };
   for (const AddressField& row : kAddressFields) {
-    summary[row.key] = AddressLines(header, row.property, row.field);
+    summary[row.key] = AddressLines(reading.source(), row.field);
   }
   summary["html_bytes"] = html.IsNil() ? JsonValue() : JsonValue(html.bytes().size());
   summary["parts"] = tree.parts().size() - 1;
-  summary["attachments"] = DescribeAttached(attached, false, tree);
-  summary["inlines"] = DescribeAttached(attached, true, tree);
+  summary["attachments"] = DescribeFiles(reading, false);
+  summary["inlines"] = DescribeFiles(reading, true);
   summary["plain_text"] = plain.IsNil() ? JsonValue() : JsonValue(DataText(plain));
   return summary;
 }

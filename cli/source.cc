@@ -1,6 +1,7 @@
 #include "cli/source.h"
 
 #include <fcntl.h>
+#include <fnmatch.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,9 +15,11 @@
 #include <system_error>
 #include <utility>
 
+#include "cli/containers.h"
 #include "cli/descriptor.h"
 #include "cli/file_name.h"
 #include "cli/mbox.h"
+#include "cli/no_message.h"
 #include "cli/output.h"
 
 namespace zqv::cli {
@@ -121,6 +124,13 @@ bool IsMaildir(const std::string& path) {
          fs::is_directory(fs::path(path) / "new", error);
 }
 
+bool IsIncluded(const std::vector<std::string>& patterns, const std::string& name) {
+  return patterns.empty() ||
+         std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
+           return fnmatch(pattern.c_str(), name.c_str(), 0) == 0;
+         });
+}
+
 struct Listing {
   std::vector<std::string> files;
   std::vector<std::string> folders;
@@ -200,6 +210,7 @@ class Walk {
                  const std::vector<std::string>& names) {
     for (const std::string& name : names) {
       if (!goes_on_) return;
+      if (!IsIncluded(options_.include, name)) continue;
       goes_on_ = visit_(Join(path, name), Join(place, name));
     }
   }
@@ -225,25 +236,79 @@ class Walk {
   bool all_good_ = true;
 };
 
+// A file that is read from its beginning: its first bytes, and what gives the rest.
+struct Contents {
+  std::string name;   // for people
+  std::string place;  // as an item's
+  std::string path;   // the file that holds it
+  std::string_view start;
+  NextBlock rest;
+  bool is_plain_file = false;  // which the library itself can read
+};
+
+// What may be skipped over: no message at all.
+class NoMessage : public std::runtime_error {
+ public:
+  explicit NoMessage(const std::string& what) : std::runtime_error("is no message but " + what) {}
+};
+
+// Names in archives become places: of each folder and file what is fit for one.
+std::string PlaceOf(const std::string& name) {
+  std::string place;
+  for (std::string_view rest = name; !rest.empty();) {
+    const std::string_view part = rest.substr(0, rest.find('/'));
+    rest.remove_prefix(std::min(rest.size(), part.size() + 1));
+    if (!part.empty() && part != "." && part != "..") {
+      place += (place.empty() ? "" : "/") + CleanFileName(part);
+    }
+  }
+  return place.empty() ? "file" : place;
+}
+
+// Whether a file in an archive is one that its system put beside the others.
+bool IsHiddenThere(const std::string& name) {
+  constexpr std::string_view kOfTheSystem = "__MACOSX/";
+  if (name.compare(0, kOfTheSystem.size(), kOfTheSystem) == 0) return true;
+  for (std::string_view rest = name; !rest.empty();) {
+    const std::string_view part = rest.substr(0, rest.find('/'));
+    rest.remove_prefix(std::min(rest.size(), part.size() + 1));
+    if (part.substr(0, 1) == "." && part != "." && part != "..") return true;
+  }
+  return false;
+}
+
 // Gives the messages of a file.
 class Reader {
  public:
-  Reader(InputForm form, const VisitItem& visit) : form_(form), visit_(visit) {}
+  Reader(const SourceOptions& options, const VisitItem& visit) : options_(options), visit_(visit) {}
 
   bool all_good() const { return all_good_; }
+  // How many files were no messages.
+  std::size_t refused() const { return refused_; }
 
   // False when the visitor wants no more.
   bool Read(const std::string& path, const std::string& place) {
-    try {
-      return ReadFile(path, place);
-    } catch (const std::runtime_error& error) {
-      Complain(path + ": " + error.what());
-      all_good_ = false;
-      return true;
-    }
+    return Guarded(path, place, [&] { return ReadFile(path, place); });
   }
 
  private:
+  // What `read` gives; what it throws is said, and does not end the walk. Among the files of a
+  // folder or of an archive those that are no messages are no fault.
+  template <typename ReadOne>
+  bool Guarded(const std::string& name, const std::string& place, ReadOne read) {
+    try {
+      return read();
+    } catch (const NoMessage& error) {
+      Complain(name + ": " + error.what());
+      ++refused_;
+      if (place.find('/') != std::string::npos) return true;
+    } catch (const std::runtime_error& error) {
+      Complain(name + ": " + error.what());
+    }
+    all_good_ = false;
+    return true;
+  }
+
   bool ReadFile(const std::string& path, const std::string& place) {
     struct stat status = {};
     const bool is_input = path == kStandardInput;
@@ -256,51 +321,121 @@ class Reader {
     const File file(path);
     FirstBytes first{};
     const std::string_view start = file.Read(&first);
-    const bool is_mailbox = IsMboxSeparator(FirstLine(start));
-    if (form_ == InputForm::kMbox && !is_mailbox) {
-      throw std::runtime_error("does not begin with the From line of an mbox file");
-    }
-    if (form_ != InputForm::kMessage && is_mailbox) return ReadMailbox(file, start, path, place);
-    if (is_pipe) return visit_({path, place, path, ReadRest(file, start)});
-    file.RefuseTooLarge();
-    return visit_({path, place, path, std::nullopt});
+    Block buffer{};
+    const NextBlock rest = [&]() -> std::string_view { return file.Read(&buffer); };
+    const bool is_container = options_.form == InputForm::kAuto && IsContainer(start);
+    if (is_container) return ReadContainer({path, place, path, start, rest, false});
+    if (!is_pipe && !IsMboxSeparator(FirstLine(start))) file.RefuseTooLarge();
+    return ReadContents({path, place, path, start, rest, !is_pipe});
   }
 
-  bool ReadMailbox(const File& file, std::string_view start, const std::string& path,
-                   const std::string& place) {
+  bool ReadContents(const Contents& contents) {
+    const bool is_mailbox = IsMboxSeparator(FirstLine(contents.start));
+    if (options_.form == InputForm::kMbox && !is_mailbox) {
+      throw std::runtime_error("does not begin with the From line of an mbox file");
+    }
+    if (options_.form != InputForm::kMessage && is_mailbox) return ReadMailbox(contents);
+    const std::string_view emlx_start = MessageInEmlx(contents.start);
+    if (options_.form == InputForm::kAuto && emlx_start.data() != nullptr &&
+        WhyNoMessage(emlx_start).empty()) {
+      const std::string file = ReadAll(contents);
+      return Visit(contents, std::string(MessageInEmlx(file)));
+    }
+    if (options_.form == InputForm::kAuto) {
+      const std::string why = WhyNoMessage(contents.start);
+      if (!why.empty()) throw NoMessage(why);
+    }
+    if (contents.is_plain_file) {
+      return visit_({contents.name, contents.place, contents.path, std::nullopt});
+    }
+    return Visit(contents, ReadAll(contents));
+  }
+
+  bool Visit(const Contents& contents, std::string bytes) {
+    return visit_({contents.name, contents.place, contents.path, std::move(bytes)});
+  }
+
+  static std::string ReadAll(const Contents& contents) {
+    std::string bytes(contents.start);
+    while (true) {
+      const std::string_view block = contents.rest();
+      if (block.empty()) return bytes;
+      if (bytes.size() + block.size() > kMostMessageBytes) throw std::runtime_error(kTooLarge);
+      bytes += block;
+    }
+  }
+
+  bool ReadContainer(const Contents& outer) {
+    std::string_view start = outer.start;
+    Container container([&] { return start.empty() ? outer.rest() : std::exchange(start, {}); });
+    FileNames places;
+    bool goes_on = true;
+    while (goes_on && container.Next()) {
+      Contents inner = outer;
+      if (!container.name().empty()) {
+        const std::string place = PlaceOf(container.name());
+        const std::string base = place.substr(place.rfind('/') + 1);
+        if (IsHiddenThere(container.name()) || !IsIncluded(options_.include, base)) continue;
+        inner.name += "/" + container.name();
+        inner.place += "/" + places.Take(place);
+      }
+      goes_on = Guarded(inner.name, inner.place, [&] { return ReadInner(&container, inner); });
+    }
+    return goes_on;
+  }
+
+  bool ReadInner(Container* container, Contents contents) {
+    const std::size_t wanted = FirstBytes().size();
+    std::string start;
+    while (start.size() < wanted) {
+      const std::string_view block = container->Block();
+      if (block.empty()) break;
+      start += block;
+    }
+    if (IsContainer(start)) throw NoMessage("an archive within another file");
+    contents.start = start;
+    contents.rest = [container] { return container->Block(); };
+    return ReadContents(contents);
+  }
+
+  bool ReadMailbox(const Contents& contents) {
     std::size_t number = 0;
     MboxSplitter splitter([&](std::string&& message) {
-      const std::string name = path + "#" + std::to_string(++number);
+      const std::string name = contents.name + "#" + std::to_string(++number);
       if (message.size() > kMostMessageBytes) {
         Complain(name + ": " + kTooLarge);
         all_good_ = false;
         return true;
       }
-      return visit_({name, place + "/" + Padded(number), path, std::move(message)});
+      return visit_(
+          {name, contents.place + "/" + Padded(number), contents.path, std::move(message)});
     });
-    Block buffer{};
-    bool goes_on = splitter.Add(start);
+    bool goes_on = splitter.Add(contents.start);
     while (goes_on) {
-      const std::string_view block = file.Read(&buffer);
+      const std::string_view block = contents.rest();
       if (block.empty()) break;
       goes_on = splitter.Add(block);
     }
     return goes_on && splitter.Finish();
   }
 
-  const InputForm form_;
+  const SourceOptions& options_;
   const VisitItem& visit_;
   bool all_good_ = true;
+  std::size_t refused_ = 0;
 };
 
 }  // namespace
 
 bool ForEachItem(const SourceOptions& options, const VisitItem& visit) {
-  Reader reader(options.form, visit);
+  Reader reader(options, visit);
   const VisitFile read = [&](const std::string& path, const std::string& place) {
     return reader.Read(path, place);
   };
   const bool walked = Walk(options, read, false).Run();
+  if (reader.refused() > 1) {
+    Complain(std::to_string(reader.refused()) + " files are no messages");
+  }
   return walked && reader.all_good();
 }
 
@@ -315,6 +450,19 @@ std::size_t TotalBytes(const SourceOptions& options) {
   };
   Walk(options, add, true).Run();
   return total;
+}
+
+std::string ReadStart(const std::string& file, std::size_t most) {
+  const Descriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  std::string bytes(opened.number() < 0 ? 0 : most, '\0');
+  std::size_t size = 0;
+  while (size < bytes.size()) {
+    const ssize_t got = read(opened.number(), bytes.data() + size, bytes.size() - size);
+    if (got <= 0) break;
+    size += static_cast<std::size_t>(got);
+  }
+  bytes.resize(size);
+  return bytes;
 }
 
 std::string ReadBytes(const std::string& file) {

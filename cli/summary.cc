@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "cli/addresses.h"
+#include "cli/header_reading.h"
 #include "cli/table.h"
 #include "cli/text.h"
 
@@ -26,20 +27,36 @@ std::string DateField(const Object& date, std::string_view property, std::size_t
 }
 
 // The number, then a line for each: name, type, size.
-std::vector<std::string> AttachedLines(const std::vector<Attached>& all, bool is_inline) {
-  std::vector<const Attached*> chosen;
-  for (const Attached& attached : all) {
-    if (attached.is_inline == is_inline) chosen.push_back(&attached);
+std::vector<std::string> AttachedLines(const MailReading& reading, bool is_inline) {
+  std::vector<const FoundFile*> chosen;
+  for (const FoundFile& file : reading.files().list()) {
+    if (IsListed(file, is_inline)) chosen.push_back(&file);
   }
   if (chosen.empty()) return {};
   std::vector<std::string> lines = {std::to_string(chosen.size())};
   const auto row = [&](std::size_t i) {
-    const Object& record = chosen[i]->record;
-    return Row{SafeLine(TextMember(record, "Filename")), SafeLine(TextMember(record, "MimeType")),
-               ByteCount(TextMember(record, "Data").bytes().size())};
+    const FoundFile& file = *chosen[i];
+    const std::string_view type =
+        file.mime_type.empty() ? PackingName(file.packing) : std::string_view(file.mime_type);
+    return Row{SafeText(std::string_view(file.name), Lines::kOne), SafeText(type, Lines::kOne),
+               ByteCount(reading.files().Data(file).bytes().size())};
   };
   FormatTable({Align::kLeft, Align::kLeft, Align::kRight}, chosen.size(), row,
               [&](std::string_view line) { lines.emplace_back(line); });
+  return lines;
+}
+
+std::vector<std::string> Safe(std::vector<std::string> lines) {
+  for (std::string& line : lines) line = SafeText(std::string_view(line), Lines::kOne);
+  return lines;
+}
+
+// As the message has it, and as the classes give it.
+std::vector<std::string> DateLines(const Object& email, const MessageSource& source) {
+  std::vector<std::string> lines;
+  if (const std::optional<WrittenDate> date = DateOf(source)) lines.push_back(Rfc3339(*date));
+  const std::string given = DateText(ObjectMember(email, "Date"));
+  if (!given.empty()) lines.push_back(given + " as the classes give it");
   return lines;
 }
 
@@ -67,31 +84,44 @@ std::string DateText(const Object& date) {
 }
 
 std::vector<SummaryEntry> SummaryOf(const Object& email, const PartTree& tree,
-                                    const std::vector<Attached>& attached) {
-  const Object header = ObjectMember(email, "Header");
+                                    const MailReading& reading) {
+  const MessageSource& source = reading.source();
   const String html = TextMember(email, "HTMLText");
   const std::size_t part_count = tree.parts().size() - 1;
   Entries entries;
-  entries.Add("Subject", SafeLine(TextMember(email, "Subject")));
-  entries.Add("Date", DateText(ObjectMember(email, "Date")));
+  entries.Add("Subject", SafeText(std::string_view(WrittenText(source, "Subject")), Lines::kOne));
+  entries.Add("Date", DateLines(email, source));
   entries.Add("Received", DateText(ObjectMember(email, "ReceivedDate")));
   for (const AddressField& row : kAddressFields) {
-    entries.Add(row.field, AddressLines(header, row.property, row.field));
+    entries.Add(row.field, Safe(AddressLines(source, row.field)));
   }
   if (!html.IsNil()) entries.Add("HTML", ByteCount(html.bytes().size()));
   if (part_count > 0) entries.Add("Parts", std::to_string(part_count));
-  entries.Add("Attachments", AttachedLines(attached, false));
-  entries.Add("Inline parts", AttachedLines(attached, true));
+  entries.Add("Attachments", AttachedLines(reading, false));
+  entries.Add("Inline parts", AttachedLines(reading, true));
   return entries.Take();
 }
 
-String ReadablePlainText(const Object& email, const std::vector<Attached>& attached) {
+std::string WrittenText(const MessageSource& source, std::string_view name) {
+  return ReadHeaderText(WrittenField(source, 0, name));
+}
+
+std::optional<WrittenDate> DateOf(const MessageSource& source) {
+  return ReadWrittenDate(WrittenField(source, 0, "Date"));
+}
+
+bool IsListed(const FoundFile& file, bool is_inline) {
+  return !file.is_frame && file.is_inline == is_inline;
+}
+
+String ReadablePlainText(const Object& email, const MailReading& reading) {
   String text = TextMember(email, "PlainText");
   if (text.bytes().find('\0') == std::string_view::npos) return text;
-  const bool is_attached = std::any_of(attached.begin(), attached.end(), [&](const Attached& a) {
-    return TextMember(a.record, "Data").bytes() == text.bytes();
+  const std::vector<FoundFile>& files = reading.files().list();
+  const bool is_file = std::any_of(files.begin(), files.end(), [&](const FoundFile& file) {
+    return !file.is_frame && reading.files().Data(file).bytes() == text.bytes();
   });
-  return is_attached ? String() : text;
+  return is_file ? String() : text;
 }
 
 }  // namespace zqv::cli

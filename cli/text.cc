@@ -46,7 +46,8 @@ std::string EscapeAll(std::string_view text, Lines lines, bool is_utf8) {
     const bool kept = c.value == '\t' || (c.value == '\n' && lines == Lines::kMany);
     if (!kept && (!c.valid || IsControl(c.value))) {
       safe += EscapedByte(c.value);
-    } else if (IsDirectionOverride(c.value)) {
+    } else if (IsDirectionOverride(c.value) ||
+               (lines == Lines::kOne && c.valid && IsInvisible(c.value))) {
       safe += "\\u{" + Hex(c.value, 4) + "}";
     } else if (c.bytes > 1 && !is_utf8) {
       for (const char byte : text.substr(0, c.bytes)) {

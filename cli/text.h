@@ -1,7 +1,8 @@
 // Text from a message, made fit for a terminal: whoever wrote the message must not be able to move
 // the cursor, recolour the screen or turn the reading direction.
 //
-// Control characters become \xHH, direction overrides \u{202E}, bytes that are no text \xHH. What
+// Control characters become \xHH, direction overrides \u{202E} and in single lines all characters
+// that show nothing, bytes that are no text \xHH. What
 // remains is well-formed UTF-8. A backslash stays as it is: the result is for reading only.
 #pragma once
 

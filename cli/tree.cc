@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "cli/attached_files.h"
 #include "cli/message.h"
 #include "cli/print_table.h"
 #include "cli/text.h"
@@ -21,12 +22,11 @@ constexpr std::size_t kIndent = 2;
 // thousands deep.
 constexpr std::size_t kDeepestIndent = 20;
 
-std::unordered_map<std::size_t, std::string> NamesByPart(const Object& email,
-                                                         const PartTree& tree) {
+std::unordered_map<std::size_t, std::string> NamesByPart(const Object& email) {
   std::unordered_map<std::size_t, std::string> names;
-  for (const Attached& attached : ListAttached(email, tree)) {
-    if (!attached.part) continue;
-    names.emplace(*attached.part, PlainLine(TextMember(attached.record, "Filename")));
+  const MailReading reading(email);
+  for (const FoundFile& file : reading.files().list()) {
+    if (file.packing == Packing::kNone && !file.is_frame) names.emplace(file.part, file.name);
   }
   return names;
 }
@@ -45,7 +45,7 @@ std::string IndentedType(const PartTree::Part& part, const std::string& type) {
 
 void PrintTree(const std::string& message, const Object& email, bool json, Output* output) {
   const PartTree tree(email);
-  const auto names = NamesByPart(email, tree);
+  const auto names = NamesByPart(email);
   const auto row = [&](std::size_t i) {
     const PartTree::Part& part = tree.parts()[i];
     const auto name = names.find(i);

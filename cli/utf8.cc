@@ -1,5 +1,8 @@
 #include "cli/utf8.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace zqv::cli {
 namespace {
 
@@ -59,6 +62,24 @@ bool IsDirectionMark(char32_t c) { return c == 0x061C || c == 0x200E || c == 0x2
 
 bool IsDirectionOverride(char32_t c) {
   return (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+}
+
+bool IsInvisible(char32_t c) {
+  struct Range {
+    char32_t first;
+    char32_t last;
+  };
+  // Category Cf, Zl and Zp of the Unicode Character Database without signs that are drawn, and the
+  // fillers of Hangul.
+  static constexpr Range kRanges[] = {
+      {0x00AD, 0x00AD},   {0x034F, 0x034F}, {0x061C, 0x061C},   {0x115F, 0x1160},
+      {0x17B4, 0x17B5},   {0x180E, 0x180E}, {0x200B, 0x200B},   {0x200E, 0x200F},
+      {0x2028, 0x202E},   {0x2060, 0x206F}, {0x3164, 0x3164},   {0xFEFF, 0xFEFF},
+      {0xFFA0, 0xFFA0},   {0xFFF9, 0xFFFB}, {0x1BCA0, 0x1BCA3}, {0x1D173, 0x1D17A},
+      {0xE0000, 0xE0FFF},
+  };
+  return std::any_of(std::begin(kRanges), std::end(kRanges),
+                     [&](const Range& range) { return c >= range.first && c <= range.last; });
 }
 
 bool IsControl(char32_t c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }

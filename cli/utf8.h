@@ -23,6 +23,10 @@ std::size_t WholeSequences(std::string_view text, std::size_t most);
 bool IsDirectionMark(char32_t c);
 // U+202A to U+202E, U+2066 to U+2069: they turn the direction of everything that follows.
 bool IsDirectionOverride(char32_t c);
+// Characters that show nothing and take no room, such as U+200B, U+2028, U+FEFF and U+E0001, all of
+// the above among them. Not those that join or part letters of scripts and pictures, U+200C and
+// U+200D, nor the variation selectors.
+bool IsInvisible(char32_t c);
 // U+0000 to U+001F and U+007F to U+009F.
 bool IsControl(char32_t c);
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/filter.h"
 #include "cli/output.h"
 #include "cli/session.h"
 #include "cli/source.h"
@@ -14,6 +15,12 @@
 namespace zqv::cli {
 
 enum class ExportForm { kJson, kText, kHtml, kFiles };
+
+// What scan prints.
+enum class ScanForm { kTable, kCsv, kJsonLines };
+
+// How JSON gives the bytes of files.
+enum class FileForm { kNone, kBase64, kText };
 
 // The share of the messages that is exported: those whose places fall to `number` of `count`.
 struct Shard {
@@ -24,20 +31,26 @@ struct Shard {
 // What a verb is to work on; each looks at what concerns it.
 struct Request {
   SourceOptions source;                  // the messages; for decode the texts
+  Filter filter;                         // scan, list, extract, export: which messages
   std::size_t message = 0;               // only this one of all messages, from 1; 0: all
   bool json = false;                     // data as JSON documents instead of lines
   std::string field;                     // headers: only fields of this name; empty: all
   std::string part = "0";                // headers: whose
+  bool classes = false;                  // headers: as the library gives them
   std::optional<std::string> sent_part;  // extract: whose bytes go to standard output
   std::string folder;                    // extract, export: where the files go
   std::string page;                      // report: the file to write, "-" for standard output
+  bool all = false;                      // list, extract, export: what nobody calls files, too
   bool force = false;                    // extract, export, report: replaces files
   bool raw = false;                      // bytes as the library has them
+  std::optional<FileForm> files;         // json, export; nothing: as usual for the verb
+  bool lines = false;                    // json: each document on one line
   std::vector<ExportForm> forms;         // export; none: JSON
   bool skip_existing = false;            // export
-  std::size_t jobs = 1;                  // export: worker processes
-  Shard shard;                           // export
-  std::size_t rounds = 5;                // bench
+  ScanForm scan_form = ScanForm::kTable;
+  std::size_t jobs = 1;    // export, scan: worker processes
+  Shard shard;             // export
+  std::size_t rounds = 5;  // bench
 };
 
 using Verb = int(const Session& session, const Request& request, Output* output);
@@ -50,9 +63,11 @@ Verb Tree;
 Verb Headers;
 // One line for each mailbox of the address fields.
 Verb Addresses;
-// One line for each attachment and inline part.
+// One line for each file that is found in messages.
 Verb List;
-// Writes the attachments and inline parts of one message and prints the paths; or prints one part.
+// One row for each message.
+Verb Scan;
+// Writes the files of one message and prints the paths; or prints one part.
 Verb Extract;
 // The plain text of messages, or their HTML; 1 also when there is none.
 Verb Text;

@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "cli/filter.h"
+#include "cli/partial.h"
 #include "cli/text.h"
 
 namespace zqv::cli {
@@ -42,10 +44,10 @@ class Ahead {
   bool goes_on_ = true;
 };
 
-int HandleEach(const Request& request, const Ahead::Handle& handle) {
+int HandleEach(const Session& session, const Request& request, const Ahead::Handle& handle) {
   Ahead ahead(handle);
   const bool all_good =
-      ForEachChosen(request, [&](Item&& item) { return ahead.Add(std::move(item)); });
+      ForEachChosen(session, request, [&](Item&& item) { return ahead.Add(std::move(item)); });
   ahead.Finish();
   return all_good ? 0 : 1;
 }
@@ -63,23 +65,44 @@ bool Guarded(const Item& item, const Work& work) {
 
 }  // namespace
 
-bool ForEachChosen(const Request& request, const VisitItem& visit) {
+bool ForEachChosen(const Session& session, const Request& request, const VisitItem& visit) {
   const std::size_t wanted = request.message;
   std::size_t count = 0;
   bool is_there = wanted == 0;
+  const VisitItem hand_on = [&](Item&& item) {
+    if (!Passes(request.filter, session, item)) return wanted == 0;
+    return visit(std::move(item)) && wanted == 0;
+  };
+  PieceJoiner joiner(hand_on);
+  bool goes_on = true;
   const bool all_read = ForEachItem(request.source, [&](Item&& item) {
     ++count;
     if (wanted != 0 && count != wanted) return true;
     is_there = true;
-    return visit(std::move(item)) && wanted == 0;
+    goes_on = wanted == 0 ? joiner.Add(std::move(item)) : hand_on(std::move(item));
+    return goes_on;
   });
+  if (goes_on) joiner.Finish();
   if (!is_there) Complain("there is no message " + std::to_string(wanted));
   return all_read && is_there;
 }
 
+Parcel ParcelOf(const Item& item) {
+  Parcel parcel = {item.name, item.place, item.path};
+  if (item.bytes) parcel.push_back(*item.bytes);
+  return parcel;
+}
+
+Item ItemOf(const Parcel& parcel) {
+  Item item = {parcel[0], parcel[1], parcel[2], std::nullopt};
+  if (parcel.size() > 3) item.bytes = parcel[3];
+  return item;
+}
+
 int ForEachMessage(const Session& session, const Request& request, Output* output,
                    const Visit& visit, Headings headings) {
-  const bool several_inputs = request.source.inputs.size() > 1 && request.message == 0;
+  const bool several_inputs =
+      request.source.inputs.size() > 1 && request.message == 0 && request.filter.IsEmpty();
   const auto announce = [&](const std::string& name) {
     const std::string line = output->Strong("==> " + SafeText(name, Lines::kOne) + " <==");
     output->PrintBeforeNext((output->HasPrinted() ? "\n" : "") + line + "\n");
@@ -95,23 +118,26 @@ int ForEachMessage(const Session& session, const Request& request, Output* outpu
     all_good = all_good && is_good;
     return output->IsGood();
   };
-  const int code = HandleEach(request, handle);
+  const int code = HandleEach(session, request, handle);
   output->PrintBeforeNext({});  // whose message had nothing to print
   return all_good ? code : 1;
 }
 
-int ForOneMessage(const Session& session, const Request& request, const Visit& visit) {
+int ForOneMessage(const Session& session, const Request& request, const Visit& visit,
+                  const char* advice) {
   bool all_good = true;
   const auto handle = [&](const Item& item, bool several) {
     const bool is_good = Guarded(item, [&] {
-      if (several)
-        throw std::runtime_error("is not the only message; --message NUMBER chooses one");
+      if (several) {
+        throw std::runtime_error(
+            std::string("is not the only message; --message NUMBER chooses one") + advice);
+      }
       return visit(item.name, session.Open(item));
     });
     all_good = all_good && is_good;
     return !several;
   };
-  const int code = HandleEach(request, handle);
+  const int code = HandleEach(session, request, handle);
   return all_good ? code : 1;
 }
 

@@ -7,13 +7,19 @@
 #include "cli/output.h"
 #include "cli/session.h"
 #include "cli/verbs.h"
+#include "cli/workers.h"
 
 namespace zqv::cli {
 
-// Hands out the messages of a request, or the one that it chooses by its number. `visit` gives
+// Hands out the messages of a request that pass its filter, or the one that it chooses by its
+// number. `visit` gives
 // false to end it. False when an input could not be read or the message is not there, which has
 // been said.
-bool ForEachChosen(const Request& request, const VisitItem& visit);
+bool ForEachChosen(const Session& session, const Request& request, const VisitItem& visit);
+
+// A message that has not been parsed yet as work for another process, and back.
+Parcel ParcelOf(const Item& item);
+Item ItemOf(const Parcel& parcel);
 
 // What a verb does with one message; false when it could not do all of it, having said why. `name`
 // is the message's for people.
@@ -30,7 +36,9 @@ enum class Headings { kAlways, kAboveSomething };
 int ForEachMessage(const Session& session, const Request& request, Output* output,
                    const Visit& visit, Headings headings = Headings::kAlways);
 
-// For what is done with one message: refuses several before anything is done.
-int ForOneMessage(const Session& session, const Request& request, const Visit& visit);
+// For what is done with one message: refuses several before anything is done, and says `advice`
+// then, too.
+int ForOneMessage(const Session& session, const Request& request, const Visit& visit,
+                  const char* advice = "");
 
 }  // namespace zqv::cli

@@ -61,7 +61,7 @@ std::string SwapUtf32(std::string_view text) {
 void Lend(std::string_view text, abi::Encoding encoding, bool terminated,
           abi::REALstringData* data) {
   char* const buffer = static_cast<char*>(std::malloc(text.size() + kTailSize));
-  if (buffer == nullptr) Fatal("PluginGetStringData: out of memory");
+  if (buffer == nullptr) OutOfMemory("PluginGetStringData");
   if (!text.empty()) std::memcpy(buffer, text.data(), text.size());
   std::memset(buffer + text.size(), terminated ? 0 : 'A', kTailSize);
   *data = {buffer, text.size(), encoding, buffer, kRecordMark};

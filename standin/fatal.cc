@@ -12,4 +12,15 @@ void Fatal(const std::string& message) {
   std::abort();
 }
 
+namespace {
+OutOfMemoryHandler g_out_of_memory = nullptr;
+}  // namespace
+
+void SetOutOfMemoryHandler(OutOfMemoryHandler handler) { g_out_of_memory = handler; }
+
+void OutOfMemory(const std::string& creator) {
+  if (g_out_of_memory != nullptr) g_out_of_memory(creator);
+  Fatal(creator + ": out of memory");
+}
+
 }  // namespace zqv::standin

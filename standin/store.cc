@@ -120,7 +120,7 @@ template <typename T>
 T* Store::Begin(std::size_t size, std::size_t zeroed, const TypeInfo& type, ThingKind kind,
                 const char* creator) {
   void* const memory = ledger_.Allocate(size);
-  if (memory == nullptr) Fatal(std::string(creator) + ": out of memory");
+  if (memory == nullptr) OutOfMemory(creator);
   std::memset(memory, 0, zeroed);
   T* const thing = static_cast<T*>(memory);
   thing->type = &type;

@@ -130,7 +130,7 @@ CASES = {
                 "From: ada@example.com\n\nhi\n--cut--\n",
         ("1", 10, "the attached message is in base64: it is read without decoding")),
     "base64 with other characters": (
-        "bad-base64", DATA + "aGVsbG8=\n-- \nThe list\n", DATA + "aGVs\n bG8=\naGk=\n",
+        "bad-base64", DATA + "aGVsbG8=\n-- \nThe list\n", DATA + "aGVs\n bG8=\n",
         ("0", 7, "the part's base64 has other characters in it: its data are damaged")),
     "base64 that is cut off": (
         "bad-base64", DATA + "aGVsb\n", DATA + "aGVsbG8\n",
@@ -187,7 +187,9 @@ class CheckCase(program.TestCase):
         self.assertEqual(code, 1 if findings else 0)
         for finding in findings:
             self.assertEqual(list(finding), ["code", "part", "line", "text"])
-        return [tuple(finding.values()) for finding in findings]
+        # Most messages here are kept short: see LackingTest.
+        return [tuple(finding.values()) for finding in findings
+                if finding["code"] != "no-content-type"]
 
     def codes(self, message):
         return [finding[0] for finding in self.findings(message)]
@@ -321,7 +323,7 @@ class OddityTest(CheckCase):
         self.assertEqual(self.findings(b"\xEF\xBB\xBF" + (HEAD + "\nx\n").encode()), [])
 
     def test_samples(self):
-        odd = {"mac-roman.eml": ["guessed-charset"],
+        odd = {"signed.eml": ["frame-attachment"], "mac-roman.eml": ["guessed-charset"],
                "malformed.eml": ["bad-date", "unknown-word-charset", "unterminated-multipart",
                                  "unknown-charset", "unknown-charset", "no-blank-line",
                                  "lost-parts"]}
@@ -331,6 +333,68 @@ class OddityTest(CheckCase):
         for path, findings in zip(paths, found, strict=True):
             self.assertEqual([finding["code"] for finding in findings], odd.get(path.name, []),
                              path.name)
+
+
+class LackingTest(CheckCase):
+    """What stands in messages that the library passes over."""
+
+    PLAIN = HEAD + "Content-Type: text/plain\n\n"
+
+    def check(self, message, *expected):
+        _, (findings,) = self.documents(self.write("letter.eml", message))
+        self.assertEqual([(finding["code"], finding["part"], finding["line"], finding["text"])
+                          for finding in findings], list(expected))
+
+    def test_no_type(self):
+        self.check(HEAD + "\nx\n",
+                   ("no-content-type", "0", 1, "the message has no Content-Type: the library gives "
+                                               "it no type and lists its text as a file"))
+        self.check(self.PLAIN + "x\n")
+
+    def test_no_sender(self):
+        for value in ("Ada", '"ada@example.com"', "<>", "", "@example.com"):
+            odd = self.PLAIN.replace("From: ada@example.com", f"From: {value}")
+            with self.subTest(value):
+                self.assertEqual([code for code, _, line, _ in self.findings(odd + "x\n")
+                                  if line == 1], ["no-sender"])
+        self.check(self.PLAIN.replace("ada@example.com", '"x" (<c@d.org>) , <ada@example.com>'))
+
+    def test_packed_files(self):
+        self.check(self.PLAIN + "begin 644 a.txt\n#86)C\n`\nend\n",
+                   ("packed-file", "0", 1,
+                    'the file "a.txt" is packed in uuencode: the library does not see it'))
+
+    def test_empty_files(self):
+        part = "--cut\nContent-Type: image/png; name=a.png\n\n"
+        self.check(MIXED + f"{part}--cut--\n",
+                   ("empty-file", "1", 9, 'the file "a.png" has no bytes'))
+        self.check(MIXED + f"{part}x\n--cut--\n")
+
+    def test_names_of_texts(self):
+        self.check(HEAD + "Content-Type: text/plain; name=a.txt\n\nx\n",
+                   ("named-text", "0", 1, 'the message\'s own text is called "a.txt": the library '
+                                          "shows the name nowhere"))
+
+    def test_frames(self):
+        self.check(MIXED.replace("mixed", "signed") + f"--cut\n{LETTER}--cut--\n",
+                   ("frame-attachment", "0", 1, 'the library lists the "multipart/signed" as a '
+                                                "file, which has no bytes of its own"))
+
+    def test_repeated_parameters(self):
+        self.check(MIXED.replace("=cut", "=cut; boundary=b") + f"--cut\n{LETTER}--cut--\n",
+                   ("repeated-parameter", "0", 6, "the parameter boundary stands several times in "
+                                                  "Content-Type, with different values"))
+        self.check(MIXED.replace("=cut", "=cut; boundary=cut") + f"--cut\n{LETTER}--cut--\n")
+
+    def test_pieces(self):
+        odd = HEAD + "Content-Type: message/partial; id=a; number=1; total=2\n\nx\n"
+        self.check(odd, ("message-piece", "0", 6, "the message is a piece of one: only with the "
+                                                  "others it can be read"))
+
+    def test_base64_behind_its_padding(self):
+        self.check(DATA + "eA==eA==\n", (
+            "bad-base64", "0", 7,
+            "the part's base64 goes on after its padding: some readers stop there"))
 
 
 class OutputTest(CheckCase):
@@ -348,14 +412,14 @@ class OutputTest(CheckCase):
 
     def test_several_messages(self):
         clean = SAMPLES / "plain.eml"
-        odd = self.write("a.eml", HEAD + "hello\n")
+        odd = self.write("a.eml", HEAD + "Content-Type: text/plain\nhello\n")
         line = 'no blank line ends the header: "hello" is taken for text of the body'
         self.expect(zqv("check", clean, odd), 1,
-                    f"==> {odd} <==\nmessage  line 6  {line}\n")
+                    f"==> {odd} <==\nmessage  line 7  {line}\n")
         self.expect(zqv("check", clean, clean), 0, CLEAN)
         self.expect(zqv("check", odd, clean, odd), 1,
-                    f"==> {odd} <==\nmessage  line 6  {line}\n\n"
-                    f"==> {odd} <==\nmessage  line 6  {line}\n")
+                    f"==> {odd} <==\nmessage  line 7  {line}\n\n"
+                    f"==> {odd} <==\nmessage  line 7  {line}\n")
 
     def test_one_that_cannot_be_read_is_not_good(self):
         gone = self.folder / "gone.eml"

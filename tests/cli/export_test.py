@@ -43,15 +43,21 @@ class ExportCase(program.TestCase):
 class FormTest(ExportCase):
     def test_json_is_what_the_verb_json_prints(self):
         summary, _ = self.export("-r", SAMPLES)
-        self.assertEqual(summary, f"exported {len(SAMPLE_NAMES) + 1} messages")
+        self.assertEqual(summary, f"exported {len(SAMPLE_NAMES)} messages")
         for name in SAMPLE_NAMES:
             self.assertEqual((self.folder / "out/samples" / f"{name}.json").read_text("utf-8"),
-                             zqv("json", SAMPLES / name).out)
+                             zqv("json", "--attachments", "none", SAMPLES / name).out)
+
+    def test_json_with_files(self):
+        self.export("--attachments", "base64", SAMPLES / "attachments.eml")
+        self.assertEqual((self.folder / "out/attachments.eml.json").read_text("utf-8"),
+                         zqv("json", "--attachments", "base64", SAMPLES / "attachments.eml").out)
 
     def test_raw_json(self):
         self.export("--raw", SAMPLES / "plain.eml")
         self.assertEqual((self.folder / "out/plain.eml.json").read_text("utf-8"),
-                         zqv("json", "--raw", SAMPLES / "plain.eml").out)
+                         zqv("json", "--raw", "--attachments", "none",
+                             SAMPLES / "plain.eml").out)
 
     def test_texts_and_files(self):
         self.export("--form", "text,html", "--form", "attachments", SAMPLES / "attachments.eml")

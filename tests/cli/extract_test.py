@@ -65,10 +65,13 @@ class DataTest(ExtractTest):
     def test_samples(self):
         self.expect(zqv("extract", SAMPLES / "nested.eml", "--dir", self.target), 0, "".join(
             f"{self.target}/{name}\n"
-            for name in ("logo.gif", "your message.eml", "attachment", "pages.csv")))
+            for name in ("logo.gif", "your message.eml", "pages.csv")))
         self.assertEqual((self.target / "pages.csv").read_bytes(),
                          b"page,printed\n1,yes\n2,no\n3,yes\n4,no")
-        self.assertEqual((self.target / "your message.eml").read_bytes(), b"")
+        source = (SAMPLES / "nested.eml").read_bytes()
+        attached = source.partition(b'filename="your message.eml"\n\n')[2]
+        self.assertEqual((self.target / "your message.eml").read_bytes(),
+                         attached.partition(b"\n--level-1--")[0])
         gif = (self.target / "logo.gif").read_bytes()
         self.assertEqual((gif[:6], gif[-1:], len(gif)), (b"GIF89a", b";", 121))
 
@@ -131,8 +134,12 @@ class HostileNamesTest(ExtractTest):
                                  encoded_word("\u200F\u061C\u2066q.txt\u2069")),
                          ["annexegpj.exe", "q.txt"])
 
-    def test_high_bytes_without_charset_are_mac_roman(self):
-        self.check_names(message(b"caf\x8E.txt"), ["café.txt"])
+    def test_high_bytes_without_charset_are_windows_1252(self):
+        self.check_names(message(b"caf\xE9 \x80.txt"), ["café €.txt"])
+
+    def test_invisible_characters(self):
+        self.check_names(message("a\u200Bb\uFEFFc\u2028d\U000E0001e\u200Df\u00ADg.txt"),
+                         ["abcdefg.txt"])
 
     def test_equal_names(self):
         self.check_names(message("a.txt", "a.txt", "A.TXT", "a (2).txt", "b"),
@@ -238,6 +245,11 @@ class PartTest(program.TestCase):
 
     def test_a_part_that_holds_others_has_no_bytes(self):
         self.expect(zqv("extract", SAMPLES / "attachments.eml", "--stdout", "1"), 0, "")
+
+    def test_attached_message(self):
+        result = self.expect(zqv("extract", SAMPLES / "nested.eml", "--stdout", "2"))
+        self.assertTrue(result.out.startswith("Date: Fri, 13 Sep 2024 09:12:00 +0200\nFrom: Petra"))
+        self.assertTrue(result.out.endswith("4,no\n--inside--\n"))
 
     def test_no_such_part(self):
         path = SAMPLES / "attachments.eml"

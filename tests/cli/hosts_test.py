@@ -44,13 +44,13 @@ class HostsTest(program.TestCase):
         result = self.expect(zqv("show", SAMPLES / "attachments.eml", "--without",
                                  "RuntimeArrayCreateSingleDimBoundedArray"))
         self.assertRegex(result.out, "(?m)^Subject: +Quarterly figures and the chart$")
-        self.assertNotRegex(result.out, "(?m)^(From|To|Cc|Parts|Attachments):")
+        self.assertNotRegex(result.out, "(?m)^Parts:")
 
     def test_host_without_several(self):
         result = self.expect(zqv("show", "--without", "REALSetPropValueDouble", "--without",
                                  "REALGetPropValueDouble", SAMPLES / "attachments.eml"))
         # The fields of the Date line as they stand: nobody could move them to UTC.
-        self.assertRegex(result.out, r"(?m)^Date: +2024-04-16 16:02:05$")
+        self.assertRegex(result.out, r"(?m)^ +2024-04-16 16:02:05 as the classes give it$")
 
     def test_host_without_any_one_entry_point(self):
         source = (pathlib.Path(os.environ["ZQV_SOURCE"]) / "abi/entry_points.def").read_text()

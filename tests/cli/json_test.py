@@ -1,6 +1,7 @@
 """zqv json: one document for each message, with all that the classes give."""
 
 import base64
+import email
 import json
 import re
 import unittest
@@ -56,7 +57,7 @@ class JsonTest(program.TestCase):
     def test_texts_and_lists(self):
         message = self.read(self.write("a.eml", MESSAGE))
         self.assertEqual(list(message), ["subject", "date", "received_date", "plain_text",
-                                         "html_text", "source", "attachments", "inlines", "parts"])
+                                         "html_text", "source", "attachments", "inlines", "parts", "date_utc"])
         self.assertEqual(message["subject"], "Caf\u00E9")
         self.assertIsNone(message["date"])
         self.assertEqual(message["plain_text"], "caf\u00E9")
@@ -146,6 +147,53 @@ class JsonTest(program.TestCase):
         self.assertEqual(parts[-1]["number"], ".".join(["1"] * depth))
 
 
+class FilesTest(program.TestCase):
+    """How the bytes of files are given."""
+
+    def read(self, *arguments):
+        return json.loads(zqv("json", *arguments, SAMPLES / "attachments.eml").out)["message"]
+
+    def test_none(self):
+        message = self.read("--attachments", "none")
+        self.assertEqual([file["data"] for file in message["attachments"]], [None, None])
+        self.assertIsNone(message["source"])
+        by_number = {part["number"]: part for part in message["parts"]}
+        self.assertEqual((by_number["2"]["body_decoded"], by_number["2"]["body"]["string_value"]),
+                         (None, None))
+        self.assertTrue(by_number["1.1"]["body_decoded"].startswith("Dear all,"))
+
+    def test_base64(self):
+        source = (SAMPLES / "attachments.eml").read_bytes()
+        parts = email.message_from_bytes(source).get_payload()
+        message = self.read("--attachments", "base64")
+        self.assertEqual([base64.b64decode(file["data"]["base64"])
+                          for file in message["attachments"]],
+                         [part.get_payload(decode=True) for part in parts[1:]])
+        self.assertEqual(base64.b64decode(message["source"]["base64"]), source)
+        self.assertEqual(message["subject"], "Quarterly figures and the chart")
+
+    def test_text_is_what_the_classes_give(self):
+        self.assertEqual(self.read("--attachments", "text"), self.read())
+
+    def test_one_document_a_line(self):
+        result = zqv("json", "--lines", SAMPLES / "plain.eml", SAMPLES / "nested.eml")
+        lines = result.out.splitlines()
+        self.assertEqual([json.loads(line)["message"]["subject"] for line in lines],
+                         ["Keys", "Your ticket 881 was answered"])
+        self.assertEqual(json.loads(lines[0]), json.loads(zqv("json", SAMPLES / "plain.eml").out))
+
+    def test_the_instant_of_the_date_field(self):
+        self.assertEqual(self.read()["date_utc"], "2024-04-16T14:02:05Z")
+        for value, instant in {"Mon, 1 Jan 2024 00:30:00 +0100": "2023-12-31T23:30:00Z",
+                               "1 Mar 2024 00:30:00 +0100": "2024-02-29T23:30:00Z",
+                               "31 Dec 1969 23:00:00 -0100": "1970-01-01T00:00:00Z",
+                               "1 Jan 1960 12:00 PST": "1960-01-01T20:00:00Z",
+                               "soon": None}.items():
+            with self.subTest(value):
+                result = zqv("json", "-", stdin=f"Date: {value}\n\nx".encode())
+                self.assertEqual(json.loads(result.out)["message"]["date_utc"], instant)
+
+
 class VerbsTest(program.TestCase):
     """--json of the verbs that print lines."""
 
@@ -180,7 +228,7 @@ class VerbsTest(program.TestCase):
         self.assertEqual(summary["sender"], ["Olu Banjo <olu@example.org>"])
         self.assertEqual((summary["cc"], summary["html_bytes"], summary["parts"]), ([], 206, 9))
         self.assertEqual([(file["part"], file["filename"]) for file in summary["attachments"]],
-                         [("2", "your message.eml"), ("2.1.1", "attachment"), ("2.1.2", "pages.csv")])
+                         [("2", "your message.eml"), ("2.1.2", "pages.csv")])
         self.assertEqual(summary["inlines"], [{"part": "1.2", "filename": "logo.gif",
                                                "mime_type": "image/gif", "bytes": 121}])
         self.assertTrue(summary["plain_text"].startswith("Hello Petra,\n"))

@@ -3,6 +3,7 @@
 import os
 import pathlib
 import pty
+import resource
 import shutil
 import subprocess
 import tempfile
@@ -42,6 +43,11 @@ def as_nobody():
     if os.getuid() != 0:
         return {}
     return {"user": NOBODY, "group": NOBODY, "extra_groups": []}
+
+
+def limit_memory(megabytes):
+    """For a process that is started: takes away what is more than so much memory."""
+    resource.setrlimit(resource.RLIMIT_AS, (megabytes << 20, megabytes << 20))
 
 
 def zqv(*arguments, stdin=b"", program=ZQV, **options):

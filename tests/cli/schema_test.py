@@ -17,7 +17,8 @@ SCHEMA = json.loads((SOURCE / "docs/schema.json").read_text())
 VALIDATOR = jsonschema.Draft202012Validator(SCHEMA)
 ON_MESSAGES = (["json"], ["json", "--raw"], ["show", "--json"], ["headers", "--json"],
                ["tree", "--json"], ["list", "--json"], ["addresses", "--json"],
-               ["check", "--json"])
+               ["check", "--json"], ["scan", "--jsonl"], ["json", "--attachments", "base64"],
+               ["json", "--attachments", "none", "--lines"], ["headers", "--classes", "--json"])
 OTHERS = (["decode", "--json", "a", "=?utf-8?Q?b?="], ["classes", "--json"],
           ["bench", "--json", "--rounds", "1", SAMPLES / "plain.eml"])
 # Poor hosts, and texts of unknown encodings.
@@ -63,7 +64,7 @@ class SchemaTest(program.TestCase):
                 for host in ([], ["--without", "RuntimeArrayCreateSingleDimBoundedArray"],
                              ["--without", "PluginNewInstance"]):
                     with self.subTest(verb=verb, data=data, host=host):
-                        self.check(*verb, path, *host, count=1)
+                        self.check(*verb, "--input", "message", path, *host, count=1)
 
     def test_what_is_about_no_message(self):
         for verb in OTHERS:
@@ -72,7 +73,8 @@ class SchemaTest(program.TestCase):
 
     def test_the_codes_of_findings_are_those_of_program_and_document(self):
         finding = next(document for document in SCHEMA["oneOf"]
-                       if "findings" in document["properties"])["properties"]["findings"]["items"]
+                       if document["title"] == "zqv check --json"
+                       )["properties"]["findings"]["items"]
         codes = finding["properties"]["code"]["enum"]
         source = (SOURCE / "cli/findings.cc").read_text()
         in_program = re.findall(r'\{Oddity::\w+,\s*"([a-z0-9-]+)"', source)

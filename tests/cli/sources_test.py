@@ -1,9 +1,17 @@
 """Where messages come from: files, mailboxes, Maildirs, folders, pipes."""
 
+import bz2
+import gzip
+import io
+import json
+import lzma
 import os
+import re
 import subprocess
+import tarfile
 import threading
 import unittest
+import zipfile
 
 import program
 from program import TIMEOUT, ZQV, environment, zqv
@@ -213,12 +221,171 @@ class ChoiceTest(SourceTest):
         for verb in (["strip"], ["extract", "--dir", "out"], ["extract", "--stdout", "0"],
                      ["report", "-o", "out"]):
             with self.subTest(verb):
+                advice = "; export --form attachments writes the files of all"
                 self.expect(zqv(*verb, "a.mbox", cwd=self.folder), 1, "",
-                            "zqv: a.mbox#1: is not the only message; "
-                            "--message NUMBER chooses one\n")
+                            "zqv: a.mbox#1: is not the only message; --message NUMBER chooses one" +
+                            (advice if verb[0] == "extract" else "") + "\n")
         self.assertFalse((self.folder / "out").exists())
         result = self.expect(zqv("strip", "a.mbox", "--message", "2", cwd=self.folder))
         self.assertIn("Subject: two\n", result.out)
+
+
+class ContainersTest(program.TestCase):
+    """Compressed files and archives, each told by its first bytes."""
+
+    DATA = (b"From: a@example.com\nSubject: one\nContent-Type: text/plain\n\nhello\n")
+
+    def texts(self, path, **options):
+        return zqv("headers", "--name", "Subject", path, cwd=self.folder, **options)
+
+    def test_compressed_messages(self):
+        zstd = subprocess.run(["zstd", "-q"], input=self.DATA, stdout=subprocess.PIPE, check=True)
+        for name, data in {"a.eml.gz": gzip.compress(self.DATA), "b": bz2.compress(self.DATA),
+                           "c.xz": lzma.compress(self.DATA), "d": zstd.stdout}.items():
+            with self.subTest(name):
+                self.expect(self.texts(self.write(name, data)), out="Subject: one\n")
+                self.expect(self.texts("-", stdin=data), out="Subject: one\n")
+
+    def test_compressed_mailbox(self):
+        mailbox = (from_line() + message("one") + "\n" + from_line() + message("two")).encode()
+        self.write("a.mbox.gz", gzip.compress(mailbox))
+        result = self.expect(self.texts("a.mbox.gz"))
+        self.assertEqual(result.out, "==> a.mbox.gz#1 <==\nSubject: one\n\n"
+                                     "==> a.mbox.gz#2 <==\nSubject: two\n")
+
+    def archive(self):
+        with zipfile.ZipFile(self.folder / "a.zip", "w") as archive:
+            archive.writestr("../../up/1.eml", self.DATA)
+            archive.writestr("d/2.eml", self.DATA.replace(b"one", b"two"))
+            archive.writestr("d/3.mbox", from_line() + message("three"))
+            archive.writestr("d/notes.txt", "no message at all\n")
+            archive.writestr("d/.hidden", self.DATA)
+            archive.writestr("__MACOSX/2.eml", self.DATA)
+
+    def test_zip(self):
+        self.archive()
+        result = self.texts("a.zip")
+        self.assertEqual(result.err,
+                         "zqv: a.zip/d/notes.txt: is no message but a text without header fields\n")
+        self.assertEqual(re.findall("==> (.*) <==\nSubject: (.*)", result.out),
+                         [("a.zip/../../up/1.eml", "one"), ("a.zip/d/2.eml", "two"),
+                          ("a.zip/d/3.mbox#1", "three")])
+
+    def test_names_in_archives_lead_nowhere(self):
+        self.archive()
+        result = zqv("export", "a.zip", "--to", "in/out", "--form", "text", cwd=self.folder)
+        self.assertEqual(result.code, 0, result)
+        files = sorted(str(path.relative_to(self.folder)) for path in self.folder.rglob("*.txt"))
+        self.assertEqual(files, ["in/out/a.zip/d/2.eml.txt", "in/out/a.zip/d/3.mbox/000001.txt",
+                                 "in/out/a.zip/up/1.eml.txt"])
+
+    def test_tar(self):
+        with tarfile.open(self.folder / "a.tgz", "w:gz") as archive:
+            for name in ("1.eml", "2.eml"):
+                entry = tarfile.TarInfo(name)
+                entry.size = len(self.DATA)
+                archive.addfile(entry, io.BytesIO(self.DATA))
+            link = tarfile.TarInfo("link")
+            link.type, link.linkname = tarfile.SYMTYPE, "/etc/passwd"
+            archive.addfile(link)
+        result = self.expect(self.texts("a.tgz"))
+        self.assertEqual(result.out.count("Subject: one\n"), 2)
+
+    def test_damaged(self):
+        path = self.write("a.gz", gzip.compress(self.DATA * 1000)[:60])
+        result = self.expect(self.texts(path), 1, "", None)
+        self.assertRegex(result.err, "^zqv: .*a.gz: cannot be unpacked: ")
+
+    def test_archive_in_an_archive(self):
+        self.archive()
+        with zipfile.ZipFile(self.folder / "b.zip", "w") as archive:
+            archive.write(self.folder / "a.zip", "a.zip")
+        self.expect(self.texts("b.zip"), 0, "",
+                    "zqv: b.zip/a.zip: is no message but an archive within another file\n")
+
+    def test_emlx(self):
+        self.write("1.emlx", b"%-10d\n" % len(self.DATA) + self.DATA + b"<?xml version='1.0'?>")
+        self.assertEqual(zqv("json", "1.emlx", cwd=self.folder).out.count("xml version"), 0)
+        self.expect(self.texts("1.emlx"), out="Subject: one\n")
+
+    def test_what_is_no_message(self):
+        folder = self.folder / "mail"
+        folder.mkdir()
+        rows = {b"\x7FELF\x02\x01": "a program", b"MZ\x90\0": "a program", b"#!/bin/sh\n": "a script",
+                b"\xD0\xCF\x11\xE0": "an OLE file, such as .msg, .doc or Thumbs.db",
+                b"%PDF-1.7\n": "a PDF document", b"hello\nworld: x y\n"[:6]: "a text without header fields",
+                b"\0\1\2\n": "a file of bytes"}
+        for i, (data, what) in enumerate(rows.items()):
+            path = self.write(f"mail/{i}", data)
+            with self.subTest(what):
+                self.expect(self.texts(path), 1, "", f"zqv: {path}: is no message but {what}\n")
+        self.write("mail/good.eml", self.DATA)
+        result = self.expect(zqv("headers", "--name", "Subject", "-r", "mail", cwd=self.folder), 0,
+                             "Subject: one\n", None)
+        self.assertEqual(result.err.splitlines()[-1], f"zqv: {len(rows)} files are no messages")
+        self.assertIn("hello", zqv("text", "--input", "message", "mail/5", cwd=self.folder).out)
+
+
+class LengthTest(program.TestCase):
+    """Mailboxes whose messages say how long they are."""
+
+    def subjects(self, data):
+        result = self.expect(zqv("json", "--lines", self.write("a.mbox", data)))
+        return [(row["message"]["subject"], row["message"]["plain_text"])
+                for row in map(json.loads, result.out.splitlines())]
+
+    def mail(self, subject, body, length=None):
+        length = len(body) if length is None else length
+        return (from_line() + f"Subject: {subject}\nContent-Type: text/plain\n"
+                f"Content-Length: {length}\n\n{body}")
+
+    def test_separators_in_a_body(self):
+        body = "first\n\n" + from_line() + "still\n>From the first\n"
+        self.assertEqual(self.subjects(self.mail("1", body) + "\n" + self.mail("2", "x\n") + "\n"),
+                         [("1", body), ("2", "x\n")])
+        self.assertEqual(self.subjects(self.mail("1", body) + self.mail("2", body)),
+                         [("1", body), ("2", body)])
+
+    def test_lines_that_were_marked(self):
+        self.assertEqual(self.subjects(self.mail("1", "a\n>From b\n") + "\n"), [("1", "a\nFrom b\n")])
+
+    def test_lengths_that_are_wrong(self):
+        for length in (1, 3, 7, 100, 100000, 99999999999999999999):
+            with self.subTest(length):
+                self.assertEqual(
+                    self.subjects(self.mail("1", "a\nb\n", length) + "\n" + self.mail("2", "c\n")),
+                    [("1", "a\nb\n"), ("2", "c\n")])
+
+
+class PiecesTest(program.TestCase):
+    """Messages that were sent in pieces."""
+
+    BODY = "line one\nline two\nline three\nline four\n"
+
+    def piece(self, number, body, total="; total=3"):
+        return (f"From: a@example.com\nSubject: piece {number}\nMessage-ID: <{number}@x>\n"
+                f"Content-Type: message/partial; id=\"abc\"; number={number}{total}\n\n{body}")
+
+    def write_all(self, numbers=(1, 2, 3)):
+        inner = "Subject: whole\nContent-Type: text/plain\nMessage-ID: <w@x>\nX-Lost: x\n\n"
+        lines = self.BODY.splitlines(keepends=True)
+        bodies = {1: inner + lines[0], 2: lines[1] + lines[2], 3: lines[3]}
+        return [self.write(f"{number}.eml", self.piece(number, bodies[number],
+                                                       "; total=3" if number == 3 else ""))
+                for number in numbers]
+
+    def test_joined_in_any_order(self):
+        for order in ((1, 2, 3), (3, 1, 2)):
+            result = self.expect(zqv("text", *self.write_all(order)))
+            self.assertEqual(result.out.partition("\n")[2], self.BODY)
+        result = self.expect(zqv("headers", *self.write_all()))
+        self.assertEqual(result.out.splitlines()[1:],
+                         ["From: a@example.com", "Subject: whole", "Content-Type: text/plain",
+                          "Message-ID: <w@x>"])
+
+    def test_pieces_that_are_missing(self):
+        result = self.expect(zqv("headers", "--name", "Subject", *self.write_all((1, 3))))
+        self.assertEqual(re.findall("Subject: (.*)", result.out), ["piece 1", "piece 3"])
 
 
 if __name__ == "__main__":

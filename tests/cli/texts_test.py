@@ -16,7 +16,7 @@ class DateTest(program.TestCase):
     def test_a_year_before_the_first(self):
         # What the library makes of a date that is none.
         path = self.write("a.eml", "Date: no date at all\nSubject: x\n\nx\n")
-        self.assertIn("Date:        -001-11-30 00:00:00\n", self.expect(zqv("show", path)).out)
+        self.assertIn("Date:    -001-11-30 00:00:00 as the classes give it\n", self.expect(zqv("show", path)).out)
 
 
 class TextTest(program.TestCase):
@@ -132,6 +132,21 @@ class StripTest(program.TestCase):
     def test_bytes_of_no_encoding_stay(self):
         path = self.write("a.eml", b"Subject: x\n\ncaf\xE9\n")
         self.assertEqual(zqv("strip", "--raw", path).out_bytes, b"Subject: x\r\rcaf\xE9\r")
+
+    def test_bytes_are_not_converted(self):
+        source = (SAMPLES / "russian-koi8.eml").read_bytes()
+        result = self.expect(zqv("strip", SAMPLES / "russian-koi8.eml"), 0, None)
+        self.assertEqual(result.out_bytes.partition(b"\n\n")[2].rstrip(),
+                         source.replace(b"\r\n", b"\n").partition(b"\n\n")[2].rstrip())
+        self.expect(zqv("text", "-", stdin=result.out_bytes), 0,
+                    zqv("text", SAMPLES / "russian-koi8.eml").out)
+
+    def test_text_that_goes_with_the_files(self):
+        data = (b"Content-Type: multipart/mixed; boundary=b\n\n--b\nContent-Type: text/plain\n"
+                b"Content-Disposition: inline\n\nhello\n--b--\n")
+        path = self.write("a.eml", data)
+        self.expect(zqv("strip", path), 0, None, f"zqv: {path}: its text was left out, too: it is "
+                                                 "marked as inline or attachment\n")
 
     def test_zero_byte(self):
         path = self.write("a.eml", b"Subject: x\n\nkept\x00lost\n")

@@ -2,6 +2,7 @@
 
 import re
 import shlex
+import subprocess
 import unittest
 
 import program
@@ -118,6 +119,21 @@ class UsageTest(program.TestCase):
                     "==> tree <==\nSubject: tree\n\n==> ./- <==\nSubject: -\n"
                     "\n==> ./--help <==\nSubject: --help\n\n==> ./-- <==\nSubject: --\n"
                     "\n==> tree <==\nSubject: tree\n\n==> - <==\nSubject: input\n")
+
+
+class ExitCodeTest(program.TestCase):
+    def test_what_the_program_says_of_itself_on_a_full_disk(self):
+        for arguments in (["--version"], ["--help"], ["completion", "bash"]):
+            with self.subTest(arguments), open("/dev/full", "wb") as full:
+                run = subprocess.run([program.ZQV, *arguments], stdout=full,
+                                     stderr=subprocess.PIPE, env=program.environment(), check=False)
+                self.assertEqual((run.returncode, run.stderr),
+                                 (1, b"zqv: standard output: No space left on device\n"))
+
+    def test_a_file_that_looks_like_an_option(self):
+        self.expect(zqv("show", "-dash.eml"), 2, "",
+                    "zqv: there is no option -dash.eml; behind -- it is a file (zqv --help tells "
+                    "more)\n")
 
 
 if __name__ == "__main__":

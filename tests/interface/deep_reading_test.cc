@@ -62,7 +62,7 @@ constexpr ReaderRow kReaders[] = {
      [](const Object& message) {
        const cli::PartTree tree(message);
        const auto attached = cli::ListAttached(message, tree);
-       EXPECT_FALSE(cli::SummaryOf(message, tree, attached).empty());
+       EXPECT_FALSE(cli::SummaryOf(message, tree, cli::MailReading(message)).empty());
        cli::FindOddities(message, tree, attached);
      }},
 };

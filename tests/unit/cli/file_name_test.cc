@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(
         {"RightToLeftOverride", "annexe\u202Egpj.exe", "annexegpj.exe"},
         {"EveryOverride", "a\u202A\u202B\u202C\u202D\u202E\u2066\u2067\u2068\u2069z", "az"},
         {"Marks", "a\u061C\u200E\u200Fz.txt", "az.txt"},
-        {"NeighboursOfTheOverrides", "a\u2029\u202F\u2065\u206Az", "a\u2029\u202F\u2065\u206Az"},
+        {"NeighboursOfTheOverrides", "a\u2027\u202F\u205Fz", "a\u2027\u202F\u205Fz"},
         {"NoText", "caf\xE9.txt", "caf_.txt"},
         {"CutSequence", "a\xE2\x82", "a__"},
         {"DotsAndBlanksAtTheEnds", " . .x.y. . ", "x.y"},

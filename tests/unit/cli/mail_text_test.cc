@@ -63,27 +63,6 @@ TEST(EncodedWordsTest, AreNothingElse) {
   EXPECT_EQ(Words("=?=?utf-8?X?=?utf-8?Q?b?="), "=?utf-8?Q?b?=,utf-8,Q");
 }
 
-TEST(DateTest, MayLackDayNameSecondsAndZone) {
-  for (const std::string_view text :
-       {"Sat, 20 Jan 2024 18:00:00 +0000"sv, "20 Jan 2024 18:00"sv, "sat 1 january 2024 8:0:60 Z"sv,
-        "29 Feb 2024 0:00 (leap \\) (year))"sv, " Sat,20\tJan 2024 18:00:00"sv}) {
-    EXPECT_EQ(FindDateFault(text), DateFault::kNone) << text;
-  }
-}
-
-TEST(DateTest, IsOfTheCalendar) {
-  for (const std::string_view text :
-       {""sv, "soon"sv, "20 Jan 2024"sv, "20 Jan 2024 18"sv, "30 Feb 2024 18:00"sv,
-        "29 Feb 2023 18:00"sv, "0 Jan 2024 18:00"sv, "32 Jan 2024 18:00"sv, "20 Jax 2024 18:00"sv,
-        "20 Jan 2024 24:00"sv, "20 Jan 2024 18:60"sv, "20 Jan 2024 18:00:61"sv,
-        "20 Jan 2024 6:00:00 PM"sv, "2024-01-20 18:00"sv, "20 Jan 20240 18:00"sv, "(20 Jan"sv,
-        "20 Jan 2024 (x) 18:00"sv}) {
-    EXPECT_EQ(FindDateFault(text), DateFault::kNoDate) << text;
-  }
-  EXPECT_EQ(FindDateFault("20 Jan 24 18:00"), DateFault::kEarlyYear);
-  EXPECT_EQ(FindDateFault("20 Jan 0102 18:00"), DateFault::kEarlyYear);
-}
-
 TEST(PercentEscapeTest, IsTwoDigits) {
   EXPECT_TRUE(HasPercentEscape("a%2Fb"));
   EXPECT_TRUE(HasPercentEscape("100%%e4"));
@@ -96,12 +75,13 @@ TEST(PercentEscapeTest, IsTwoDigits) {
 
 TEST(Base64Test, HasWholeGroupsOfItsOwnDigits) {
   for (const std::string_view text :
-       {""sv, "eA=="sv, "eHg=\r\n"sv, "eHh4"sv, "eA"sv, "eA==eA=="sv, "e H\th\r\n4"sv}) {
+       {""sv, "eA=="sv, "eHg=\r\n"sv, "eHh4"sv, "eA"sv, "e H\th\r\n4"sv}) {
     EXPECT_EQ(FindBase64Fault(text), Base64Fault::kNone) << text;
   }
   for (const std::string_view text : {"e"sv, "eHh4e"sv, "e==="sv, "eA==e"sv}) {
     EXPECT_EQ(FindBase64Fault(text), Base64Fault::kCut) << text;
   }
+  EXPECT_EQ(FindBase64Fault("eA==eA=="), Base64Fault::kMore);
   for (const std::string_view text : {"eA-_"sv, "eA==.\n"sv, "\0"sv, "\xE9"sv}) {
     EXPECT_EQ(FindBase64Fault(text), Base64Fault::kForeign) << text;
   }

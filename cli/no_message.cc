@@ -1,0 +1,77 @@
+#include "cli/no_message.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <system_error>
+
+#include "base/ascii.h"
+#include "base/unicode.h"
+#include "cli/text.h"
+
+namespace zqv::cli {
+namespace {
+
+struct Kind {
+  std::string_view start;
+  const char* words;
+};
+constexpr Kind kKinds[] = {
+    {"\x7F"
+     "ELF",
+     "a program"},
+    {"MZ", "a program"},
+    {"#!", "a script"},
+    {"\xD0\xCF\x11\xE0", "an OLE file, such as .msg, .doc or Thumbs.db"},
+    {"PK\x05\x06", "an empty archive"},
+    {"7z\xBC\xAF", "an archive of a kind that is not read"},
+    {"Rar!", "an archive of a kind that is not read"},
+    {"%PDF", "a PDF document"},
+    {"\x89PNG", "a picture"},
+    {"GIF8", "a picture"},
+    {"\xFF\xD8\xFF", "a picture"},
+    {"SQLite format 3", "a database"},
+};
+
+// What the name of a field is made of (RFC 5322, section 2.2).
+bool IsNameCharacter(char c) { return c > ' ' && c < '\x7F' && c != ':'; }
+
+// Whether a line is a field such as "Subject: x", with or without blanks before the colon.
+bool IsField(std::string_view line) {
+  const auto end = std::find_if_not(line.begin(), line.end(), IsNameCharacter);
+  const auto length = static_cast<std::size_t>(end - line.begin());
+  const std::string_view rest = Trim(line.substr(length));
+  return length > 0 && !rest.empty() && rest.front() == ':';
+}
+
+}  // namespace
+
+std::string_view MessageInEmlx(std::string_view file) {
+  const std::size_t line_end = file.find('\n');
+  const std::string_view digits = Trim(file.substr(0, line_end));
+  std::size_t size = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), size);
+  const bool is_one = line_end != std::string_view::npos && !digits.empty() &&
+                      error == std::errc() && end == digits.data() + digits.size();
+  return is_one ? file.substr(line_end + 1, size) : std::string_view();
+}
+
+std::string WhyNoMessage(std::string_view start) {
+  start = base::WithoutByteOrderMark(start);
+  for (const Kind& kind : kKinds) {
+    if (start.substr(0, kind.start.size()) == kind.start) return kind.words;
+  }
+  // The library says itself what is wrong with an empty file and with a first byte that is high.
+  if (start.empty() || static_cast<unsigned char>(start.front()) >= 0x80) return {};
+  bool has_zero = false;
+  while (!start.empty()) {
+    const std::size_t end = std::min(start.find_first_of("\r\n"), start.size());
+    const std::string_view line = start.substr(0, end);
+    if (IsField(line)) return {};
+    has_zero = has_zero || line.find('\0') != std::string_view::npos;
+    start.remove_prefix(std::min(start.size(), end + 1));
+  }
+  return has_zero ? "a file of bytes" : "a text without header fields";
+}
+
+}  // namespace zqv::cli
