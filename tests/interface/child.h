@@ -39,8 +39,15 @@ inline constexpr bool kShips = false;
 inline constexpr bool kShips = true;
 #endif
 
-// What a sanitizer's slowness leaves of a number of repetitions.
-constexpr int Repetitions(int plain, int sanitized) { return kSanitized ? sanitized : plain; }
+// Whether programs for Windows are run by Wine, where a lock goes slowly from thread to thread.
+#if defined(_WIN32)
+inline constexpr bool kWine = true;
+#else
+inline constexpr bool kWine = false;
+#endif
+
+// What the slowness of a sanitizer or of Wine leaves of a number of repetitions.
+constexpr int Repetitions(int plain, int slow) { return kSanitized || kWine ? slow : plain; }
 
 // Runs `body` in a child; expects it to end within `seconds`, with no failed expectation, no C++
 // exception and, where a leak checker runs, without a leak.

@@ -4,7 +4,9 @@
 
 #if defined(_WIN32)
 #include <direct.h>
-#include <io.h>
+#include <process.h>
+
+#include <atomic>
 #endif
 
 #include <cstdlib>
@@ -17,7 +19,9 @@ namespace zqv::interface_test {
 TemporaryFolder::TemporaryFolder()
     : path_((std::filesystem::temp_directory_path() / "zqv-interface-XXXXXX").string()) {
 #if defined(_WIN32)
-  const bool is_made = _mktemp(path_.data()) != nullptr && _mkdir(path_.c_str()) == 0;
+  static std::atomic<int> number{0};  // several threads make some at once
+  path_ += std::to_string(_getpid()) + "-" + std::to_string(++number);
+  const bool is_made = _mkdir(path_.c_str()) == 0;
 #else
   const bool is_made = mkdtemp(path_.data()) != nullptr;
 #endif

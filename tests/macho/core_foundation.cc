@@ -16,6 +16,7 @@
 
 #include "abi/encodings.h"
 #include "base/ascii.h"
+#include "standin/invoke.h"
 #include "tests/macho/variadic.h"
 
 namespace zqv::macho {
@@ -240,9 +241,21 @@ const Object* CopyPath(const Object* url, Index style) {
   return Make(std::move(path));
 }
 
-template <class Function>
-void* At(Function* function) {
-  return reinterpret_cast<void*>(function);
+// The system's function, in which no code of the library runs: tests that let the library's
+// allocations fail spare it.
+template <auto function>
+struct Outside;
+template <class Result, class... Arguments, Result (*function)(Arguments...)>
+struct Outside<function> {
+  static Result Call(Arguments... arguments) {
+    const standin::PluginScope scope(false);
+    return function(arguments...);
+  }
+};
+
+template <auto function>
+void* At() {
+  return reinterpret_cast<void*>(&Outside<function>::Call);
 }
 
 struct Row {
@@ -251,16 +264,16 @@ struct Row {
 };
 const Row kRows[] = {
     {"___CFConstantStringClassReference", static_cast<void*>(g_constant_class)},
-    {"_CFRelease", At(&Release)},
-    {"_CFStringCreateWithBytes", At(&CreateWithBytes)},
-    {"_CFStringCreateWithCharacters", At(&CreateWithCharacters)},
-    {"_CFStringCreateMutableCopy", At(&CreateMutableCopy)},
-    {"_CFStringGetLength", At(&GetLength)},
-    {"_CFStringGetCString", At(&GetCString)},
-    {"_CFStringNormalize", At(&Normalize)},
-    {"_CFURLCreateWithFileSystemPath", At(&CreateUrlWithPath)},
-    {"_CFURLCreateWithString", At(&CreateUrlWithString)},
-    {"_CFURLCopyFileSystemPath", At(&CopyPath)},
+    {"_CFRelease", At<&Release>()},
+    {"_CFStringCreateWithBytes", At<&CreateWithBytes>()},
+    {"_CFStringCreateWithCharacters", At<&CreateWithCharacters>()},
+    {"_CFStringCreateMutableCopy", At<&CreateMutableCopy>()},
+    {"_CFStringGetLength", At<&GetLength>()},
+    {"_CFStringGetCString", At<&GetCString>()},
+    {"_CFStringNormalize", At<&Normalize>()},
+    {"_CFURLCreateWithFileSystemPath", At<&CreateUrlWithPath>()},
+    {"_CFURLCreateWithString", At<&CreateUrlWithString>()},
+    {"_CFURLCopyFileSystemPath", At<&CopyPath>()},
 };
 
 }  // namespace
@@ -284,6 +297,7 @@ std::string ComposedPath(const std::string& path) {
 std::size_t LiveCoreFoundationObjects() { return g_live.size(); }
 
 void WriteLog(const void* format, VariadicPointers arguments) {
+  const standin::PluginScope scope(false);
   const auto* const string = static_cast<const Object*>(format);
   if (!IsConstant(string)) Fail("a format that is no constant");
   const std::string_view text(string->constant, static_cast<std::size_t>(string->length));

@@ -1,6 +1,8 @@
 #include "tests/macho/operators.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <new>
 
@@ -10,22 +12,56 @@ namespace {
 using Thrower = void* (*)();
 Thrower g_throw = nullptr;
 
+// Stands before each block that these operators made: one of another operator is not freed by them,
+// and no other operator can free theirs, whose address is none of its own.
+struct Mark {
+  std::uint64_t value;
+  std::uint64_t filler;
+};
+constexpr std::uint64_t kMark = 0x6D61726B6F666F70;
+
+void* WithMark(void* memory) {
+  if (memory == nullptr) return nullptr;
+  auto* const mark = static_cast<Mark*>(memory);
+  mark->value = kMark;
+  return mark + 1;
+}
+
+void* NewOrNull(std::size_t size, const void*) {
+  return WithMark(::operator new(size + sizeof(Mark), std::nothrow));
+}
+void* NewArrayOrNull(std::size_t size, const void*) {
+  return WithMark(::operator new[](size + sizeof(Mark), std::nothrow));
+}
+
+Mark* MarkOf(void* memory) {
+  Mark* const mark = static_cast<Mark*>(memory) - 1;
+  if (mark->value != kMark) {
+    std::fputs("a block is freed by another operator than made it\n", stderr);
+    std::abort();
+  }
+  mark->value = 0;
+  return mark;
+}
+void Delete(void* memory) {
+  if (memory != nullptr) ::operator delete(MarkOf(memory));
+}
+void DeleteArray(void* memory) {
+  if (memory != nullptr) ::operator delete[](MarkOf(memory));
+}
+
 // The throwing function is jumped to and not called, so that exception handling finds the caller
 // of operator new, whose tables it knows, where this function's frame would have been.
 [[gnu::optimize("O2", "no-stack-protector")]] void* New(std::size_t size) {
-  void* const memory = ::operator new(size, std::nothrow);
+  void* const memory = NewOrNull(size, nullptr);
   if (memory != nullptr) return memory;
   return g_throw();
 }
 [[gnu::optimize("O2", "no-stack-protector")]] void* NewArray(std::size_t size) {
-  void* const memory = ::operator new[](size, std::nothrow);
+  void* const memory = NewArrayOrNull(size, nullptr);
   if (memory != nullptr) return memory;
   return g_throw();
 }
-void* NewOrNull(std::size_t size, const void*) { return ::operator new(size, std::nothrow); }
-void* NewArrayOrNull(std::size_t size, const void*) { return ::operator new[](size, std::nothrow); }
-void Delete(void* memory) { ::operator delete(memory); }
-void DeleteArray(void* memory) { ::operator delete[](memory); }
 
 struct Row {
   const char* name;

@@ -16,6 +16,7 @@
 #include <cwchar>
 #include <vector>
 
+#include "standin/invoke.h"
 #include "tests/macho/core_foundation.h"
 #include "tests/macho/image.h"
 #include "tests/macho/variadic.h"
@@ -107,6 +108,7 @@ int Open(const char* path, int flags) {
   int own = O_RDONLY;
   if ((flags & kNonBlocking) != 0) own |= O_NONBLOCK;
   if ((flags & kCloseOnExec) != 0) own |= O_CLOEXEC;
+  const standin::PluginScope scope(false);
   return open(ComposedPath(path).c_str(), own);
 }
 
