@@ -8,7 +8,6 @@
 #include <utility>
 #include <variant>
 
-#include "cli/message_source.h"
 #include "cli/text.h"
 
 namespace zqv::cli {
@@ -86,6 +85,16 @@ PartTree::PartTree(const Object& email) {
       waiting.push_back({children[ordinal - 1], index, ordinal, parts_[index].depth + 1, false});
     }
   }
+}
+
+std::string PartNumber(const std::vector<std::size_t>& ordinals) {
+  if (ordinals.empty()) return "0";
+  std::string number;
+  for (auto ordinal = ordinals.rbegin(); ordinal != ordinals.rend(); ++ordinal) {
+    if (!number.empty()) number += '.';
+    number += std::to_string(*ordinal);
+  }
+  return number;
 }
 
 std::string PartTree::Number(std::size_t index) const {

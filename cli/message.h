@@ -37,6 +37,10 @@ std::vector<standin::Object> FieldsOf(const standin::Object& header);
 // "text/plain" of "text/plain; charset=utf-8"; empty when a header names no type.
 std::string MimeTypeOf(const standin::Object& header);
 
+// "2.1" of a part that is the first in the second of a message: its ordinal and those of the parts
+// around it, the innermost first. "0" for none.
+std::string PartNumber(const std::vector<std::size_t>& ordinals);
+
 // All entities of a message, parents first.
 //
 // The message itself has number 0, its children 1, 2, 3, the children of 2 have 2.1, 2.2 and so on;

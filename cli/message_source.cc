@@ -4,6 +4,7 @@
 
 #include "base/ascii.h"
 #include "base/unicode.h"
+#include "cli/message.h"
 #include "mime/open_boundaries.h"
 
 namespace zqv::cli {
@@ -76,16 +77,6 @@ std::string_view HeaderOf(std::string_view message) {
     return message.substr(0, at + end + (next.substr(0, 2) == "\r\n" ? 2 : 1));
   }
   return message;
-}
-
-std::string PartNumber(const std::vector<std::size_t>& ordinals) {
-  if (ordinals.empty()) return "0";
-  std::string number;
-  for (auto ordinal = ordinals.rbegin(); ordinal != ordinals.rend(); ++ordinal) {
-    if (!number.empty()) number += '.';
-    number += std::to_string(*ordinal);
-  }
-  return number;
 }
 
 std::size_t MessageSource::LineAfter(const mime::Part& multipart) const {

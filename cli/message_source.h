@@ -53,10 +53,6 @@ class MessageSource {
 // A message up to the first empty line, that included.
 std::string_view HeaderOf(std::string_view message);
 
-// "2.1" of a part that is the first in the second of a message: its ordinal and those of the parts
-// around it, the innermost first. "0" for none.
-std::string PartNumber(const std::vector<std::size_t>& ordinals);
-
 // A field's value as it stands in the message, with its line ends.
 std::string_view ValueBytes(const mime::Field& field);
 

@@ -26,9 +26,10 @@ become_root() {
   echo sudo
 }
 
-# Installs the packages for other platforms; fails, having said why, where that cannot be.
+# install_cross_packages [SCOPE...]: installs the packages for other platforms, those of the given scopes
+# too; fails, having said why, where that cannot be.
 install_cross_packages() {
-  local reason='' scopes=(cross)
+  local reason='' scopes=(cross "$@")
   command -v npm >/dev/null || scopes+=(npm)
   if ! command -v dpkg-query >/dev/null || [ "$(dpkg --print-architecture)" != amd64 ]; then
     reason="it needs Debian on x86-64"
@@ -48,11 +49,11 @@ install_cross_packages() {
   if [ -z "$reason" ] && ! "$root/scripts/macos-sdk" "$root/build/cache/macos-sdk" >&2; then
     reason="the headers of macOS could not be had"
   fi
-  if [ -z "$reason" ] &&
+  if [ -z "$reason" ] && [[ " $* " = *" windows "* ]] &&
     ! "$root/scripts/windows-arm64-compiler" "$root/build/cache/windows-arm64" >&2; then
     reason="the compiler for Windows on arm64 could not be had"
   fi
-  [ -z "$reason" ] || say "== Without macOS, Windows and arm64: $reason"
+  [ -z "$reason" ] || say "== Without other platforms: $reason"
   [ -z "$reason" ]
 }
 

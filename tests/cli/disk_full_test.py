@@ -50,7 +50,7 @@ class DiskFullTest(program.TestCase):
                    r"\Azqv: \./large\.bin: No space left on device\n\Z")
 
     def test_export_of_json(self):
-        self.check('"$0" export "$1" --to .', "",
+        self.check('"$0" export "$1" --to . --attachments base64', "",
                    r"\Azqv: .*/large\.eml: \./large\.eml\.json: No space left on device\n"
                    r"zqv: exported 0 messages, 1 failed, .*\n\Z")
 
@@ -60,7 +60,7 @@ class DiskFullTest(program.TestCase):
                    r"No space left on device\nzqv: exported 0 messages, 1 failed, .*\n\Z")
 
     def test_export_in_several_processes(self):
-        self.check('"$0" export "$1" --to . --jobs 2', "",
+        self.check('"$0" export "$1" --to . --jobs 2 --attachments base64', "",
                    r"\Azqv: .*/large\.eml: \./large\.eml\.json: No space left on device\n"
                    r"zqv: exported 0 messages, 1 failed, .*\n\Z")
 
