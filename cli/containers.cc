@@ -92,8 +92,8 @@ bool Container::Next() {
       return true;
     }
     if (archive_entry_filetype(entry) != AE_IFREG) continue;
-    const char* const name = archive_entry_pathname(entry);
-    state_->name = name == nullptr ? kNoName : name;
+    const char* const path = archive_entry_pathname(entry);
+    state_->name = path == nullptr ? kNoName : path;
     return true;
   }
 }
