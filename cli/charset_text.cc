@@ -11,6 +11,7 @@
 
 #include "base/ascii.h"
 #include "base/unicode.h"
+#include "cli/text.h"
 #include "cli/utf8.h"
 
 namespace zqv::cli {
@@ -80,8 +81,7 @@ std::string Converted(iconv_t converter, std::string_view bytes) {
 
 std::optional<std::string> Utf8Of(std::string_view bytes, std::string_view charset) {
   if (!IsName(charset)) return std::nullopt;
-  std::string name(charset);
-  std::transform(name.begin(), name.end(), name.begin(), base::LowerAscii);
+  const std::string name = Lowered(charset);
   if (name == "us-ascii" || name == "ascii") return GuessedUtf8(bytes);
   if ((name == "utf-8" || name == "utf8") && IsWellFormedUtf8(bytes)) return std::string(bytes);
   const iconv_t converter = ConverterFrom(name);

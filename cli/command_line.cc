@@ -1,16 +1,15 @@
 #include "cli/command_line.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 #include <optional>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
 #include "cli/completion.h"
 #include "cli/findings.h"
+#include "cli/text.h"
 #include "cli/written_date.h"
 
 namespace zqv::cli {
@@ -19,13 +18,6 @@ namespace {
 // Of host versions and part numbers.
 constexpr std::string_view kNumberCharacters = "0123456789.";
 constexpr std::size_t kMostJobs = 1024;
-
-std::optional<std::size_t> ReadNumber(std::string_view text) {
-  std::size_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return number;
-}
 
 std::string CheckVersion(const std::string& text) {
   const bool is_number =

@@ -1,8 +1,5 @@
 #include "cli/filter.h"
 
-#include <locale.h>
-#include <wctype.h>
-
 #include <algorithm>
 #include <initializer_list>
 #include <stdexcept>
@@ -14,19 +11,17 @@
 #include "cli/oddities.h"
 #include "cli/summary.h"
 #include "cli/utf8.h"
+#include "standin/charset.h"
 
 namespace zqv::cli {
 namespace {
 
 // In lower case, where two characters that differ in case alone are equal.
 std::u32string LowerCase(std::string_view text) {
-  static const locale_t kLocale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
   std::u32string lower;
   while (!text.empty()) {
     const CodePoint c = FirstCodePoint(text);
-    lower += kLocale == nullptr
-                 ? c.value
-                 : static_cast<char32_t>(towlower_l(static_cast<wint_t>(c.value), kLocale));
+    lower += standin::FoldCase(c.value);
     text.remove_prefix(c.bytes);
   }
   return lower;

@@ -1,9 +1,8 @@
 #include "cli/no_message.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
-#include <system_error>
+#include <optional>
 
 #include "base/ascii.h"
 #include "base/unicode.h"
@@ -48,12 +47,9 @@ bool IsField(std::string_view line) {
 
 std::string_view MessageInEmlx(std::string_view file) {
   const std::size_t line_end = file.find('\n');
-  const std::string_view digits = Trim(file.substr(0, line_end));
-  std::size_t size = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), size);
-  const bool is_one = line_end != std::string_view::npos && !digits.empty() &&
-                      error == std::errc() && end == digits.data() + digits.size();
-  return is_one ? file.substr(line_end + 1, size) : std::string_view();
+  const std::optional<std::size_t> size = ReadNumber(Trim(file.substr(0, line_end)));
+  const bool is_one = line_end != std::string_view::npos && size.has_value();
+  return is_one ? file.substr(line_end + 1, *size) : std::string_view();
 }
 
 std::string WhyNoMessage(std::string_view start) {

@@ -7,6 +7,7 @@
 
 #include "base/ascii.h"
 #include "cli/text.h"
+#include "mime/line_ends.h"
 #include "text/transfer_codes.h"
 
 namespace zqv::cli {
@@ -27,14 +28,16 @@ class LineReader {
 
   // The line without its end, left where it is.
   std::string_view Peek() const {
-    const std::size_t end = text_.find_first_of("\r\n", at_);
-    return text_.substr(at_, end == kNowhere ? kNowhere : end - at_);
+    const char* const begin = text_.data() + at_;
+    const char* const end = mime::FindLineEnd(begin, text_.data() + text_.size());
+    return {begin, static_cast<std::size_t>(end - begin)};
   }
   std::string_view Next() {
     const std::string_view line = Peek();
-    at_ += line.size();
-    if (at_ + 1 < text_.size() && text_[at_] == '\r' && text_[at_ + 1] == '\n') ++at_;
-    at_ = std::min(at_ + 1, text_.size());
+    const char* const end = text_.data() + text_.size();
+    const char* const line_end = line.data() + line.size();
+    const char* const next = line_end == end ? end : mime::SkipLineEnd(line_end, end);
+    at_ = static_cast<std::size_t>(next - text_.data());
     return line;
   }
 

@@ -1,9 +1,7 @@
 #include "cli/partial.h"
 
 #include <algorithm>
-#include <charconv>
 #include <iterator>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -19,10 +17,7 @@ namespace {
 constexpr std::size_t kMostPieces = 10000;
 
 std::size_t NumberOf(const WrittenParameters& type, std::string_view name) {
-  const std::string text = type.Text(name).value_or(std::string());
-  std::size_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  return error == std::errc() && end == text.data() + text.size() ? number : 0;
+  return ReadNumber(type.Text(name).value_or(std::string())).value_or(0);
 }
 
 // Whether a field belongs to the message that was cut, and not to what carries its pieces.

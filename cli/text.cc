@@ -4,10 +4,13 @@
 #include <wchar.h>
 
 #include <algorithm>
+#include <charconv>
 #include <limits>
 #include <optional>
+#include <system_error>
 
 #include "abi/encodings.h"
+#include "base/ascii.h"
 #include "cli/utf8.h"
 
 namespace zqv::cli {
@@ -136,6 +139,19 @@ std::string SafeLine(const standin::String& string) {
 std::string PlainLine(const standin::String& string) {
   const std::optional<std::string> utf8 = string.Utf8();
   return std::string(Trim(utf8 ? *utf8 : SafeText(string, Lines::kOne)));
+}
+
+std::optional<std::size_t> ReadNumber(std::string_view text) {
+  std::size_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+std::string Lowered(std::string_view text) {
+  std::string lower(text);
+  std::transform(lower.begin(), lower.end(), lower.begin(), base::LowerAscii);
+  return lower;
 }
 
 std::size_t DisplayWidth(std::string_view text) { return Fit(text, kAnyWidth).columns; }

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -37,6 +38,12 @@ std::string PlainLine(const standin::String& string);
 
 // Columns that a terminal needs for safe text of one line.
 std::size_t DisplayWidth(std::string_view text);
+
+// The number that `text` is in decimal digits; nothing when it is anything else.
+std::optional<std::size_t> ReadNumber(std::string_view text);
+
+// `text` with its ASCII letters in lower case.
+std::string Lowered(std::string_view text);
 
 // `text` without spaces and tabs at both ends.
 std::string_view Trim(std::string_view text);

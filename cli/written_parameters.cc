@@ -1,10 +1,8 @@
 #include "cli/written_parameters.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <map>
-#include <system_error>
 
 #include "base/ascii.h"
 #include "cli/charset_text.h"
@@ -16,11 +14,6 @@ namespace zqv::cli {
 namespace {
 
 constexpr std::size_t kNowhere = std::string_view::npos;
-std::string Lower(std::string_view text) {
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(), base::LowerAscii);
-  return lower;
-}
 
 // Takes a quoted string off the front of a text (RFC 5322, section 3.2.4). A backslash stands
 // before quotes and backslashes only: Windows paths are written without doubling it.
@@ -88,10 +81,7 @@ std::optional<std::size_t> PieceNumber(std::string_view name, std::string_view s
   if (name.substr(0, star.size()) != star) return std::nullopt;
   std::string_view digits = name.substr(star.size());
   if (!digits.empty() && digits.back() == '*') digits.remove_suffix(1);
-  std::size_t number = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  const bool is_number = error == std::errc() && end == digits.data() + digits.size();
-  return is_number ? std::optional(number) : std::nullopt;
+  return ReadNumber(digits);
 }
 
 std::string Decoded(const std::string& bytes, const std::string& charset) {
@@ -104,7 +94,7 @@ WrittenParameters::WrittenParameters(std::string_view value) {
   const std::string line = Unfolded(value);
   std::string_view rest = line;
   SkipBlanksAndComments(&rest);
-  main_ = Lower(TakeUpTo(";(", &rest));
+  main_ = Lowered(TakeUpTo(";(", &rest));
   while (!rest.empty()) {
     SkipBlanksAndComments(&rest);
     if (rest.empty()) break;
@@ -123,7 +113,7 @@ WrittenParameters::WrittenParameters(std::string_view value) {
     } else {
       text = TakeUpTo(";", &rest);
     }
-    list_.push_back({Lower(name), std::move(text)});
+    list_.push_back({Lowered(name), std::move(text)});
   }
 }
 

@@ -173,8 +173,9 @@ std::string MadeUpName(std::string name, const std::string& extension) {
     if (!name.empty() && name.back() == '>') name.pop_back();
   }
   if (name.empty()) name = "attachment";
-  const bool has_it = name.size() > extension.size() &&
-                      base::EqualsIgnoringCase(name.substr(name.size() - extension.size()), extension);
+  const bool has_it =
+      name.size() > extension.size() &&
+      base::EqualsIgnoringCase(name.substr(name.size() - extension.size()), extension);
   return has_it ? name : name + extension;
 }
 

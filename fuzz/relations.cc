@@ -150,7 +150,7 @@ void ExpectFieldsFound(const Object& header) {
     const Value name = Get(ObjectOf(fields.At(i)), "Name");
     std::int64_t first = 0;
     while (!base::EqualsIgnoringCase(standin::BytesOf(Get(ObjectOf(fields.At(first)), "Name")),
-                              standin::BytesOf(name)))
+                                     standin::BytesOf(name)))
       ++first;
     Expect(std::get<bool>(Call(header, "hasField", name)), "a header has each of its fields");
     Expect(ObjectOf(Call(header, "FieldByName", name)) == ObjectOf(fields.At(first)),

@@ -39,7 +39,8 @@ std::string Lower(std::string name) {
   return name;
 }
 
-// The table of charsets as it was typed in, by the rules: the name in its normal form, any case.
+// What tests/data/tables/charsets.tsv says of a name, brought into its normal form; case counts for
+// nothing.
 abi::Encoding ExpectedEncoding(const std::string& name) {
   static const auto kRows = test::ReadTable("charsets.tsv", 16);
   const std::string normal = reference::NormaliseCharset(name);
@@ -60,7 +61,7 @@ abi::Encoding DetectedByTwin(const std::string& text) {
   return reference::IsUtf8(text) ? abi::kUtf8 : abi::kMacRoman;
 }
 
-// What the twin and the rules of charsets make of a header text.
+// What the twin and the table of charsets make of a header text.
 std::string ExpectedWords(const std::string& text, bool unquote) {
   reference::DecodedWords words;
   if (text.size() >= 7) words = reference::DecodeWords(text);

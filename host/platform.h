@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -15,10 +16,16 @@ namespace zqv::host {
 // none: the property cannot be read, is no file URL, or does not convert.
 std::string FilePath(abi::REALobject file);
 
-// The file at that path, which is not empty, opened for reading its bytes as they are; the caller
-// closes it. Null when it cannot be opened and when it is nothing to read whole, such as a pipe or
-// a device. Never waits for anybody.
-std::FILE* OpenForReading(const std::string& path);
+struct CloseFile {
+  void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
+};
+// An owner of an open file, or of nothing.
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+// The file at that path, which is not empty, opened for reading its bytes as they are. Null when it
+// cannot be opened and when it is nothing to read whole, such as a pipe or a device. Never waits
+// for anybody.
+File OpenForReading(const std::string& path);
 
 // The length of an open file in bytes; negative when it has none. Moves the position.
 std::int64_t LengthOf(std::FILE* file);

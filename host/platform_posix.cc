@@ -10,10 +10,10 @@ namespace zqv::host {
 
 // Opened without blocking: a pipe would wait for somebody to write into it. What cannot be
 // positioned is no file to read whole.
-std::FILE* OpenForReading(const std::string& path) {
+File OpenForReading(const std::string& path) {
   const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   if (descriptor < 0) return nullptr;
-  std::FILE* const file = lseek(descriptor, 0, SEEK_CUR) >= 0 ? fdopen(descriptor, "rb") : nullptr;
+  File file(lseek(descriptor, 0, SEEK_CUR) >= 0 ? fdopen(descriptor, "rb") : nullptr);
   if (file == nullptr) close(descriptor);
   return file;
 }

@@ -89,14 +89,14 @@ bool IsFileOnDisk(HANDLE handle) {
 }
 
 // Takes the handle over, also when it fails.
-std::FILE* AsFile(HANDLE handle) {
+File AsFile(HANDLE handle) {
   const int descriptor = _open_osfhandle(reinterpret_cast<std::intptr_t>(handle),
                                          _O_RDONLY | _O_BINARY | _O_NOINHERIT);
   if (descriptor < 0) {
     CloseHandle(handle);
     return nullptr;
   }
-  std::FILE* const file = _fdopen(descriptor, "rb");
+  File file(_fdopen(descriptor, "rb"));
   if (file == nullptr) _close(descriptor);
   return file;
 }
@@ -112,7 +112,7 @@ std::string PathOfUrl(const FileUrl& url) {
   return has_drive ? path.substr(1) : std::string();
 }
 
-std::FILE* OpenForReading(const std::string& path) {
+File OpenForReading(const std::string& path) {
   const std::wstring openable = OpenableForm(path);
   if (openable.empty()) return nullptr;
   const HANDLE handle = OpenHandle(openable);

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <limits>
-#include <memory>
 #include <string>
 
 #include "base/log.h"
@@ -16,20 +15,15 @@ namespace {
 constexpr std::size_t kStreamBuffer = 0x100000;  // 1 MiB
 constexpr std::int64_t kSlack = 4;               // zero bytes after the last
 
-struct CloseFile {
-  void operator()(std::FILE* stream) const { static_cast<void>(std::fclose(stream)); }
-};
-using Stream = std::unique_ptr<std::FILE, CloseFile>;
-
-Stream OpenFile(abi::REALobject file) {
+host::File OpenFile(abi::REALobject file) {
   if (file == nullptr) {
     ZQV_LOG("%s%s", "folderitem is nil");
     return nullptr;
   }
-  Stream stream;
+  host::File stream;
   const std::string path = host::FilePath(file);
   if (!path.empty()) {
-    stream.reset(host::OpenForReading(path));
+    stream = host::OpenForReading(path);
     if (stream != nullptr)
       static_cast<void>(std::setvbuf(stream.get(), nullptr, _IOFBF, kStreamBuffer));
     ZQV_LOG("%s%s %p", "result", static_cast<void*>(stream.get()));
@@ -48,7 +42,7 @@ BlockBytes::BlockBytes(abi::REALobject block) : hold_(host::ObjectRef::Share(blo
 }
 
 std::optional<MessageBytes> ReadFile(abi::REALobject file) {
-  const Stream stream = OpenFile(file);
+  const host::File stream = OpenFile(file);
   if (stream == nullptr) {
     host::RaiseException(host::kIOException, "Failed to open file for reading.");
     return std::nullopt;

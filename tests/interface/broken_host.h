@@ -32,8 +32,8 @@ Capabilities CapabilitiesOf(const HostKind& kind);
 // What is wrong with a host, by entry point name.
 using Faults = std::map<std::string, Fault, std::less<>>;
 
-// The session of a host with these faults. Some leave a library that keeps to the rules no choice
-// but to do what the stand-in ends the process for; there the host is made to bear it.
+// The session of a host with these faults. Some leave a library that uses its host as documented no
+// choice but to do what the stand-in ends the process for; there the host is made to bear it.
 std::unique_ptr<Session> StartBroken(const HostKind& kind, const Faults& faults);
 
 // For tests that start such a host themselves.

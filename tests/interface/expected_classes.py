@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """The classes that a host must be given, as tables, and the listings that follow from them.
 
-The tables are typed in by hand from the library's definition and know nothing of its code. For each
-host version of HOSTS a file classes-<version>.txt holds what the stand-in host's listing must then
-be, to the letter.
+The tables are typed in by hand, one row for each member that docs/reference.md documents, and know
+nothing of the library's code. For each host version of HOSTS a file classes-<version>.txt holds what
+the stand-in host's listing must then be, to the letter.
 
 Usage: expected_classes.py FOLDER            writes the listings into FOLDER
        expected_classes.py --check FOLDER    ends with 1 when one of them differs or is missing

@@ -17,6 +17,7 @@
 #include "abi/encodings.h"
 #include "base/ascii.h"
 #include "standin/invoke.h"
+#include "tests/macho/symbols.h"
 #include "tests/macho/variadic.h"
 
 namespace zqv::macho {
@@ -258,11 +259,7 @@ void* At() {
   return reinterpret_cast<void*>(&Outside<function>::Call);
 }
 
-struct Row {
-  const char* name;
-  void* address;
-};
-const Row kRows[] = {
+const Symbol kRows[] = {
     {"___CFConstantStringClassReference", static_cast<void*>(g_constant_class)},
     {"_CFRelease", At<&Release>()},
     {"_CFStringCreateWithBytes", At<&CreateWithBytes>()},
@@ -278,12 +275,7 @@ const Row kRows[] = {
 
 }  // namespace
 
-void* FindCoreFoundationSymbol(const std::string& name) {
-  for (const Row& row : kRows) {
-    if (name == row.name) return row.address;
-  }
-  return nullptr;
-}
+void* FindCoreFoundationSymbol(const std::string& name) { return FindSymbol(kRows, name); }
 
 std::string ComposedPath(const std::string& path) {
   const std::optional<std::string> bytes = Convert(path, "UTF-8", "UTF-16LE");

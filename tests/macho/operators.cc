@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <new>
 
+#include "tests/macho/symbols.h"
+
 namespace zqv::macho {
 namespace {
 
@@ -63,18 +65,8 @@ void DeleteArray(void* memory) {
   return g_throw();
 }
 
-struct Row {
-  const char* name;
-  void* address;
-};
-
-template <class Function>
-void* At(Function* function) {
-  return reinterpret_cast<void*>(function);
-}
-
 // Those of a size free as the plain ones do, and pay no heed to it.
-const Row kRows[] = {
+const Symbol kRows[] = {
     {"__Znwm", At(&New)},
     {"__Znam", At(&NewArray)},
     {"__ZnwmRKSt9nothrow_t", At(&NewOrNull)},
@@ -89,12 +81,7 @@ const Row kRows[] = {
 
 }  // namespace
 
-void* FindOperator(const std::string& name) {
-  for (const Row& row : kRows) {
-    if (name == row.name) return row.address;
-  }
-  return nullptr;
-}
+void* FindOperator(const std::string& name) { return FindSymbol(kRows, name); }
 
 void ThrowBadAllocBy(void* function) { g_throw = reinterpret_cast<Thrower>(function); }
 

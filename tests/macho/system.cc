@@ -19,6 +19,7 @@
 #include "standin/invoke.h"
 #include "tests/macho/core_foundation.h"
 #include "tests/macho/image.h"
+#include "tests/macho/symbols.h"
 #include "tests/macho/variadic.h"
 
 namespace zqv::macho {
@@ -179,17 +180,7 @@ int DescribeError(int number, char* text, std::size_t size) {
   return std::snprintf(text, size, "error %d", number) < 0 ? EINVAL : 0;
 }
 
-struct Row {
-  const char* name;
-  void* address;
-};
-
-template <class Function>
-void* At(Function* function) {
-  return reinterpret_cast<void*>(function);
-}
-
-const Row kRows[] = {
+const Symbol kRows[] = {
     {"___stack_chk_guard", &g_stack_guard},
     {"___stack_chk_fail", At(&std::abort)},
     {"___stdinp", &g_standard_input},
@@ -257,9 +248,7 @@ void AddImage(const Image& image) { g_images.push_back(&image); }
 void* FindSystemSymbol(const std::string& name) {
   if (void* const function = FindVariadicFunction(name)) return function;
   if (void* const function = FindCoreFoundationSymbol(name)) return function;
-  for (const Row& row : kRows) {
-    if (name == row.name) return row.address;
-  }
+  if (void* const address = FindSymbol(kRows, name)) return address;
   return name.front() == '_' ? dlsym(RTLD_DEFAULT, name.c_str() + 1) : nullptr;
 }
 

@@ -6,14 +6,10 @@
 #include <cstring>
 
 #include "tests/macho/core_foundation.h"
+#include "tests/macho/symbols.h"
 
 namespace zqv::macho {
 namespace {
-
-struct Row {
-  const char* name;
-  void* address;
-};
 
 #if defined(__aarch64__)
 
@@ -91,7 +87,7 @@ int FormatToFile(std::FILE* file, const char* format, void* list) {
 // Numbers of the largest kind are no larger than doubles there.
 double ToLargest(const char* text, char** end, void*) { return std::strtod(text, end); }
 
-const Row kRows[] = {
+const Symbol kRows[] = {
     {"_snprintf", reinterpret_cast<void*>(&ZqvPassSnprintf)},
     {"_snprintf_l", reinterpret_cast<void*>(&ZqvPassSnprintfL)},
     {"_asprintf_l", reinterpret_cast<void*>(&ZqvPassAsprintfL)},
@@ -135,7 +131,7 @@ void NSLog(const void* format, ...) {
 }
 long double ToLargest(const char* text, char** end, void*) { return std::strtold(text, end); }
 
-const Row kRows[] = {
+const Symbol kRows[] = {
     {"_snprintf_l", reinterpret_cast<void*>(&SnprintfL)},
     {"_asprintf_l", reinterpret_cast<void*>(&AsprintfL)},
     {"_sscanf_l", reinterpret_cast<void*>(&SscanfL)},
@@ -147,11 +143,6 @@ const Row kRows[] = {
 
 }  // namespace
 
-void* FindVariadicFunction(const std::string& name) {
-  for (const Row& row : kRows) {
-    if (name == row.name) return row.address;
-  }
-  return nullptr;
-}
+void* FindVariadicFunction(const std::string& name) { return FindSymbol(kRows, name); }
 
 }  // namespace zqv::macho

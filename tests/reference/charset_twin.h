@@ -1,4 +1,5 @@
-// The normal form of charset names, by the rules one after the other.
+// The normal form of charset names, each of its steps by itself: what text/charset.cc makes in one
+// pass.
 #pragma once
 
 #include <string>
