@@ -44,7 +44,7 @@ inline bool IsSingleThreaded() {
 }
 
 // Where there are, or may be, several threads, and where it is held already.
-__attribute__((noinline)) inline void AcquireAmongThreads() {
+__attribute__((noinline)) inline void AcquireAmongThreads() noexcept {
   if (g_hold != Hold::kNone) Fatal("the host's lock is taken twice by one thread");
   g_host_mutex.lock();
   g_hold = Hold::kWithMutex;
@@ -53,12 +53,12 @@ __attribute__((noinline)) inline void AcquireAmongThreads() {
   ++g_handovers;
 }
 
-inline void AcquireHost() {
+inline void AcquireHost() noexcept {
   if (!IsSingleThreaded() || g_hold != Hold::kNone) return AcquireAmongThreads();
   g_hold = Hold::kWithoutMutex;
 }
 
-inline void ReleaseHost() {
+inline void ReleaseHost() noexcept {
   const bool has_mutex = g_hold == Hold::kWithMutex;
   g_hold = Hold::kNone;
   if (has_mutex) g_host_mutex.unlock();

@@ -61,7 +61,7 @@ class PluginScope {
   PluginScope& operator=(const PluginScope&) = delete;
 
  private:
-  static void Set(bool in_plugin) {
+  static void Set(bool in_plugin) noexcept {
     if (internal::g_side_observer != nullptr && in_plugin != internal::in_plugin) {
       internal::g_side_observer(in_plugin);
     }

@@ -43,26 +43,15 @@ Ledger::Ledger(bool enabled, std::size_t quarantine_entries, std::size_t quarant
 
 Ledger::~Ledger() { Trim(0, 0); }
 
-std::int64_t& Ledger::Count(ThingKind kind) {
-  switch (kind) {
-    case ThingKind::kString:
-      return counts_.strings;
-    case ThingKind::kArray:
-      return counts_.arrays;
-    case ThingKind::kObject:
-      break;
-  }
-  return counts_.objects;
+LiveCounts Ledger::Live() const {
+  const auto count = [this](ThingKind kind) { return counts_[static_cast<std::size_t>(kind)]; };
+  return {count(ThingKind::kString), count(ThingKind::kObject), count(ThingKind::kArray),
+          lent_count_};
 }
 
-void Ledger::Born(const Thing* thing) {
-  ++Count(thing->kind);
-  if (enabled_) live_.emplace(thing, thing);
-}
+void Ledger::Enter(const Thing* thing) { live_.emplace(thing, thing); }
 
-void Ledger::Died(Thing* thing, std::size_t bytes) {
-  --Count(thing->kind);
-  if (!enabled_) return memory_.GiveBack(thing, bytes);
+void Ledger::Bury(Thing* thing, std::size_t bytes) {
   live_.erase(thing);
   dead_.emplace(thing, Dead{thing->type, thing->creator, bytes});
   dead_order_.push_back(thing);
@@ -97,7 +86,7 @@ void Ledger::Look(const void* pointer, const char* user) const {
 }
 
 void Ledger::Lent(const abi::REALstringData* record, const char* user) {
-  ++counts_.string_data;
+  ++lent_count_;
   if (!enabled_) return;
   if (!lent_.emplace(record, *record).second) {
     Fatal(std::string(user) + ": the record still holds string data that was not given back");
@@ -105,7 +94,7 @@ void Ledger::Lent(const abi::REALstringData* record, const char* user) {
 }
 
 void Ledger::GivenBack(const abi::REALstringData* record, const char* user) {
-  --counts_.string_data;
+  --lent_count_;
   if (!enabled_) return;
   const auto entry = lent_.find(record);
   if (entry == lent_.end()) {

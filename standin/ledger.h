@@ -7,6 +7,7 @@
 // The host's lock must be held for every call when there are several threads.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -45,9 +46,19 @@ class Ledger {
   void* Allocate(std::size_t bytes) { return enabled_ ? std::malloc(bytes) : memory_.Take(bytes); }
 
   // The thing's head must be filled in.
-  void Born(const Thing* thing);
+  void Born(const Thing* thing) {
+    ++Count(thing->kind);
+    if (enabled_) Enter(thing);
+  }
   // Takes over the thing's memory, for which Allocate was asked for so many bytes.
-  void Died(Thing* thing, std::size_t bytes);
+  void Died(Thing* thing, std::size_t bytes) {
+    --Count(thing->kind);
+    if (enabled_) {
+      Bury(thing, bytes);
+    } else {
+      memory_.GiveBack(thing, bytes);
+    }
+  }
 
   // Fatal unless `pointer` is a live thing; `user` names who uses it.
   void CheckAlive(const void* pointer, const char* user) const {
@@ -60,7 +71,7 @@ class Ledger {
   void GivenBack(const abi::REALstringData* record, const char* user);
 
   // Kept with the ledger off, too.
-  LiveCounts Live() const { return counts_; }
+  LiveCounts Live() const;
 
   // One line for each class and creator with the number of things and of locks, sorted; empty
   // when nothing is outstanding. A test's fixture expects it to equal "".
@@ -78,15 +89,18 @@ class Ledger {
     std::size_t bytes;
   };
 
+  std::int64_t& Count(ThingKind kind) { return counts_[static_cast<std::size_t>(kind)]; }
+  void Enter(const Thing* thing);
+  void Bury(Thing* thing, std::size_t bytes);
   void Look(const void* pointer, const char* user) const;
   void Trim(std::size_t max_entries, std::size_t max_bytes);
-  std::int64_t& Count(ThingKind kind);
 
   const bool enabled_;
   const std::size_t quarantine_entries_;
   const std::size_t quarantine_bytes_;
-  ThingMemory memory_;  // without the ledger
-  LiveCounts counts_;
+  ThingMemory memory_;                    // without the ledger
+  std::array<std::int64_t, 3> counts_{};  // of living things, by their kind
+  std::int64_t lent_count_ = 0;
   std::unordered_map<const void*, const Thing*> live_;
   std::unordered_map<const void*, Dead> dead_;
   std::deque<void*> dead_order_;

@@ -90,10 +90,6 @@ void RunConstructors(const CallArguments& object, const ClassInfo& info) {
 
 }  // namespace
 
-const ClassInfo* ClassOf(const Thing& thing) {
-  return thing.kind == ThingKind::kObject ? static_cast<const ClassInfo*>(thing.type) : nullptr;
-}
-
 Store::Store(const Capabilities& capabilities)
     : layout_(LayoutOf(capabilities)),
       release_stack_(capabilities.release_stack),
@@ -110,10 +106,6 @@ Store::~Store() {
 
 void Store::MakeImmortal(ThingKind kind) {
   (kind == ThingKind::kString ? strings_are_immortal_ : objects_are_immortal_) = true;
-}
-
-bool Store::IsImmortal(ThingKind kind) const {
-  return kind == ThingKind::kString ? strings_are_immortal_ : objects_are_immortal_;
 }
 
 template <typename T>
@@ -210,28 +202,9 @@ void Store::ShowFields(ArrayThing* array) const {
   }
 }
 
-Thing* Store::Checked(const void* raw, const char* user) const {
-  if (raw == nullptr) Fatal(std::string(user) + ": nil is not allowed here");
-  ledger_.CheckAlive(raw, user);
-  return static_cast<Thing*>(const_cast<void*>(raw));
-}
-
-StringThing* Store::String(const void* raw, const char* user) const {
-  Thing* const thing = Checked(raw, user);
-  if (thing->kind == ThingKind::kString) return static_cast<StringThing*>(thing);
-  Fatal(std::string(user) + ": a string is wanted, not " + Describe(*thing));
-}
-
-Thing* Store::Object(const void* raw, const char* user) const {
-  Thing* const thing = Checked(raw, user);
-  if (thing->kind != ThingKind::kString) return thing;
-  Fatal(std::string(user) + ": an object is wanted, not " + Describe(*thing));
-}
-
-ArrayThing* Store::Array(const void* raw, const char* user) const {
-  Thing* const thing = Checked(raw, user);
-  if (thing->kind == ThingKind::kArray) return static_cast<ArrayThing*>(thing);
-  Fatal(std::string(user) + ": an array is wanted, not " + Describe(*thing));
+void Store::Refuse(const Thing* thing, const char* user, const char* wanted) {
+  if (thing == nullptr) Fatal(std::string(user) + ": nil is not allowed here");
+  Fatal(std::string(user) + ": " + wanted + " is wanted, not " + Describe(*thing));
 }
 
 NativeThing* Store::Native(const void* raw, NativeKind kind, const char* user) const {
@@ -241,17 +214,15 @@ NativeThing* Store::Native(const void* raw, NativeKind kind, const char* user) c
   Fatal(std::string(user) + ": an object of another class is wanted, not " + Describe(*thing));
 }
 
-void Store::Lock(Thing* thing, const char* user) {
-  if (thing->dying) Fatal(std::string(user) + ": lock in its own destructor: " + Describe(*thing));
-  ++thing->locks;
+void Store::RefuseLock(const Thing& thing, const char* user) {
+  Fatal(std::string(user) + ": lock in its own destructor: " + Describe(thing));
 }
 
-void Store::Unlock(Thing* thing, const char* user) {
-  if (IsImmortal(thing->kind)) return;
-  if (thing->LockCount() <= 0) {
-    Fatal(std::string(user) + ": unlock below zero: " + Describe(*thing));
-  }
-  if (--thing->locks != thing->lock_bias) return;
+void Store::RefuseUnlock(const Thing& thing, const char* user) {
+  Fatal(std::string(user) + ": unlock below zero: " + Describe(thing));
+}
+
+void Store::End(Thing* thing) {
   if (release_stack_ > 0 && thing->kind != ThingKind::kString) {
     DestroyOnStack(release_stack_, thing);
   } else {
@@ -278,14 +249,17 @@ void Store::Destroy(Thing* thing) {
     RunDestructors(thing, *info);
     if (ledger_.enabled()) CheckGaps(thing, *info);
   }
-  if (thing->kind == ThingKind::kString && ledger_.enabled()) {
-    const auto* const string = static_cast<const StringThing*>(thing);
-    if (Checksum(string->bytes()) != string->checksum || string->data()[string->length] != '\0') {
-      Fatal("the bytes were written to: " + Describe(*thing));
-    }
+  if (thing->kind == ThingKind::kString) {
+    if (ledger_.enabled()) CheckBytes(*static_cast<const StringThing*>(thing));
+  } else {
+    Release(thing, true);
   }
-  Release(thing, true);
   ledger_.Died(thing, SizeOf(*thing));
+}
+
+void Store::CheckBytes(const StringThing& string) {
+  if (Checksum(string.bytes()) == string.checksum && string.data()[string.length] == '\0') return;
+  Fatal("the bytes were written to: " + Describe(string));
 }
 
 void Store::RunDestructors(Thing* object, const ClassInfo& info) const {
@@ -301,21 +275,27 @@ void Store::RunDestructors(Thing* object, const ClassInfo& info) const {
 void Store::Release(Thing* thing, bool unlock) {
   const ClassInfo* const info = ClassOf(*thing);
   if (info != nullptr && info->native != NativeKind::kNone) {
-    const std::unique_ptr<NativeState> state(static_cast<NativeThing*>(thing)->state);
-    const auto* const exception = std::get_if<ExceptionState>(state.get());
-    if (unlock && exception != nullptr && exception->message != nullptr) {
-      Unlock(exception->message, "the end of an exception");
-    }
+    ReleaseState(static_cast<NativeThing*>(thing), unlock);
   } else if (thing->kind == ThingKind::kArray) {
-    ArrayBody* const in_place = static_cast<ArrayThing*>(thing)->body;
-    const ArrayBody body = std::move(*in_place);
-    in_place->~ArrayBody();
-    if (!unlock || body.element_type != abi::kObjectElements) return;
-    for (const std::int64_t slot : body.slots) {
-      if (slot == 0) continue;
-      Unlock(Object(reinterpret_cast<const void*>(slot), "the end of an array"),
-             "the end of an array");
-    }
+    ReleaseBody(static_cast<ArrayThing*>(thing), unlock);
+  }
+}
+
+void Store::ReleaseState(NativeThing* thing, bool unlock) {
+  const std::unique_ptr<NativeState> state(thing->state);
+  const auto* const exception = std::get_if<ExceptionState>(state.get());
+  if (unlock && exception != nullptr && exception->message != nullptr) {
+    Unlock(exception->message, "the end of an exception");
+  }
+}
+
+void Store::ReleaseBody(ArrayThing* array, bool unlock) {
+  static constexpr const char* kUser = "the end of an array";
+  const ArrayBody body = std::move(*array->body);
+  array->body->~ArrayBody();
+  if (!unlock || body.element_type != abi::kObjectElements) return;
+  for (const std::int64_t slot : body.slots) {
+    if (slot != 0) Unlock(Object(reinterpret_cast<const void*>(slot), kUser), kUser);
   }
 }
 

@@ -48,8 +48,15 @@ class Store {
   NativeThing* Native(const void* raw, NativeKind kind, const char* user) const;
 
   // The thing must be alive. Unlock may free it, and whatever it alone held.
-  void Lock(Thing* thing, const char* user);
-  void Unlock(Thing* thing, const char* user);
+  void Lock(Thing* thing, const char* user) {
+    if (thing->dying) RefuseLock(*thing, user);
+    ++thing->locks;
+  }
+  void Unlock(Thing* thing, const char* user) {
+    if (IsImmortal(thing->kind)) return;
+    if (thing->LockCount() <= 0) RefuseUnlock(*thing, user);
+    if (--thing->locks == thing->lock_bias) End(thing);
+  }
   // From now on things of that kind are not freed. Objects include arrays.
   void MakeImmortal(ThingKind kind);
 
@@ -66,15 +73,28 @@ class Store {
   template <typename T>
   T* Begin(std::size_t size, std::size_t zeroed, const TypeInfo& type, ThingKind kind,
            const char* creator);
-  Thing* Checked(const void* raw, const char* user) const;
+  // The thing behind a pointer; fatal unless it lives and `is_wanted` is true of its kind, which
+  // `wanted` names.
+  template <typename IsWanted>
+  Thing* Checked(const void* raw, const char* user, const char* wanted, IsWanted is_wanted) const;
+  [[noreturn]] static void RefuseLock(const Thing& thing, const char* user);
+  [[noreturn]] static void RefuseUnlock(const Thing& thing, const char* user);
+  [[noreturn]] static void Refuse(const Thing* thing, const char* user, const char* wanted);
   void ShowFields(ArrayThing* array) const;
-  bool IsImmortal(ThingKind kind) const;
+  bool IsImmortal(ThingKind kind) const {
+    return kind == ThingKind::kString ? strings_are_immortal_ : objects_are_immortal_;
+  }
+  // Its last lock is gone.
+  void End(Thing* thing);
   // On so much more stack than it takes itself.
   void DestroyOnStack(std::size_t bytes, Thing* thing);
   void Destroy(Thing* thing);
   void RunDestructors(Thing* object, const ClassInfo& info) const;
-  // Gives up what the thing holds apart from its own memory. `unlock`: locks on other things too.
+  static void CheckBytes(const StringThing& string);
+  // Give up what the thing holds apart from its own memory. `unlock`: locks on other things too.
   void Release(Thing* thing, bool unlock);
+  void ReleaseState(NativeThing* thing, bool unlock);
+  void ReleaseBody(ArrayThing* array, bool unlock);
   static std::size_t SizeOf(const Thing& thing);
 
   const ArrayLayout layout_;
@@ -85,6 +105,32 @@ class Store {
 };
 
 // The class of an object; null for strings and arrays.
-const ClassInfo* ClassOf(const Thing& thing);
+inline const ClassInfo* ClassOf(const Thing& thing) {
+  return thing.kind == ThingKind::kObject ? static_cast<const ClassInfo*>(thing.type) : nullptr;
+}
+
+template <typename IsWanted>
+Thing* Store::Checked(const void* raw, const char* user, const char* wanted,
+                      IsWanted is_wanted) const {
+  Thing* const thing = static_cast<Thing*>(const_cast<void*>(raw));
+  if (raw == nullptr) Refuse(nullptr, user, wanted);
+  ledger_.CheckAlive(raw, user);
+  if (!is_wanted(thing->kind)) Refuse(thing, user, wanted);
+  return thing;
+}
+
+inline StringThing* Store::String(const void* raw, const char* user) const {
+  return static_cast<StringThing*>(
+      Checked(raw, user, "a string", [](ThingKind kind) { return kind == ThingKind::kString; }));
+}
+
+inline Thing* Store::Object(const void* raw, const char* user) const {
+  return Checked(raw, user, "an object", [](ThingKind kind) { return kind != ThingKind::kString; });
+}
+
+inline ArrayThing* Store::Array(const void* raw, const char* user) const {
+  return static_cast<ArrayThing*>(
+      Checked(raw, user, "an array", [](ThingKind kind) { return kind == ThingKind::kArray; }));
+}
 
 }  // namespace zqv::standin
