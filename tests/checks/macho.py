@@ -16,8 +16,8 @@ import re
 import struct
 import sys
 
-sys.path.insert(0, str(pathlib.Path(__file__).parent))
-import planted  # noqa: E402: beside this file
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+import planted
 
 ENTRY_POINT = "_REALPluginMain"
 IDENTITY = "@rpath/MimeEmailZQV.dylib"
@@ -201,7 +201,7 @@ def self_test(data):
         24, struct.pack("<I", part.flags & ~BINDS_TO_WEAK))
     folders = ["/somewhere/project"]
     found = {wanted: faults_of(copy, False, folders) for wanted, copy in plants.items()}
-    return planted.report(found, faults_of(data, False, folders))
+    return planted.report_copies(found, faults_of(data, False, folders))
 
 
 def main():

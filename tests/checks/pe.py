@@ -17,8 +17,8 @@ import subprocess
 import sys
 import tempfile
 
-sys.path.insert(0, str(pathlib.Path(__file__).parent))
-import planted  # noqa: E402: beside this file
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+import planted
 
 ENTRY_POINT = "REALPluginMain"
 PROCESSORS = {0x8664: "x86-64", 0xAA64: "arm64"}
@@ -159,7 +159,7 @@ def self_test(data):
         plants["must be aligned"] = moving_aligned(data)
     folders = ["/somewhere/project"]
     found = {wanted: faults_of(copy, folders) for wanted, copy in plants.items()}
-    return planted.report(found, faults_of(data, folders))
+    return planted.report_copies(found, faults_of(data, folders))
 
 
 def main():

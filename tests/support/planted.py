@@ -32,6 +32,16 @@ def self_test(check, good, planted):
     return failures
 
 
+def report_copies(found, clean):
+    """The self-test of a check of built files. `found` has the faults seen in each copy of a file in
+    which one was planted, by words that one of them must have; `clean` those of the file itself.
+    Prints what was not seen, and gives the exit code."""
+    missed = [expected for expected, faults in found.items()
+              if not any(expected in fault for fault in faults)]
+    print("\n".join([f"not seen: {expected}" for expected in missed] + clean) or "all was seen")
+    return 1 if missed or clean else 0
+
+
 def report(faults):
     """Prints the faults; gives the exit code."""
     for fault in faults:
