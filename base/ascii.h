@@ -1,6 +1,5 @@
-// Protocol text is ASCII, whatever the process's locale says: its letters, digits, blanks and line
-// ends. Words are compared without regard to the case of ASCII letters, the only ones that have
-// case here.
+// ASCII character classes and case-insensitive comparison, independent of the process's locale
+// (unlike <cctype>). Bytes of 0x80 and above belong to no class and have no case.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +9,7 @@
 
 namespace zqv::base {
 
-// `c` in lower case when it is an ASCII letter; any other character unchanged.
+// Converts 'A' to 'Z' to lower case; returns any other byte unchanged.
 constexpr char LowerAscii(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
@@ -20,7 +19,7 @@ constexpr bool IsLineEnd(char c) { return c == '\r' || c == '\n'; }
 constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool IsLetter(char c) { return LowerAscii(c) >= 'a' && LowerAscii(c) <= 'z'; }
 
-// The value of a hexadecimal digit of either case, -1 for any other character.
+// The value, 0 to 15, of a hexadecimal digit of either case; -1 for any other character.
 constexpr int HexadecimalValue(char c) {
   if (IsDigit(c)) return c - '0';
   const char lower = LowerAscii(c);
@@ -29,13 +28,14 @@ constexpr int HexadecimalValue(char c) {
 
 namespace internal {
 
-// Eight bytes, the ASCII letters among them in lower case.
+// Loads eight bytes, with the ASCII letters among them converted to lower case.
 inline std::uint64_t LoadLower8(const char* from) {
   constexpr std::uint64_t kEachByte = 0x0101010101010101U;
   std::uint64_t word;
   std::memcpy(&word, from, sizeof word);
   const std::uint64_t low = word & 0x7F * kEachByte;
-  // The high bit of each byte that is at least 'A', and of each that is above 'Z'.
+  // Set the high bit of each byte that is at least 'A', and of each that is above 'Z'. No addition
+  // carries into the next byte, because every byte of `low` is below 0x80.
   const std::uint64_t from_a = low + (0x80 - 'A') * kEachByte;
   const std::uint64_t beyond_z = low + (0x80 - 'Z' - 1) * kEachByte;
   return word | ((from_a & ~beyond_z & ~word & 0x80 * kEachByte) >> 2U);
@@ -43,7 +43,7 @@ inline std::uint64_t LoadLower8(const char* from) {
 
 }  // namespace internal
 
-// True when the two are equal but for the case of ASCII letters.
+// Whether both texts are equal when the case of ASCII letters is ignored.
 inline bool EqualsIgnoringCase(std::string_view left, std::string_view right) {
   constexpr std::size_t kStep = sizeof(std::uint64_t);
   const std::size_t size = left.size();

@@ -1,5 +1,8 @@
-// Sixteen characters at once, in the vector types that GCC and Clang share, so that one source
-// serves every processor. Comparisons give a mask: each byte 0 or -1.
+// SIMD on vectors of 16 bytes ("lanes"), and of 32 on x86-64 processors with AVX2. Written with the
+// vector extensions that GCC and Clang share, so that most code is the same for x86-64 and arm64.
+//
+// A comparison of vectors gives a mask: 0xFF (-1) in each lane where it holds, 0 in the others.
+// Functions named `test` take sixteen bytes and return such a mask.
 #pragma once
 
 #include <algorithm>
@@ -28,8 +31,8 @@ inline Bytes16 LoadBytes16(const char* from) {
   return bytes;
 }
 
-// Sixteen bytes that are those of a text of 1 to 15 bytes, some of them more than once: for asking
-// whether all of them pass a test.
+// Loads a text of 1 to 15 bytes and fills all sixteen lanes by repeating some of its bytes. So a
+// test of all lanes is a test of all bytes of the text. Never reads outside the text.
 inline Bytes16 LoadShort(const char* text, std::size_t size) {
   std::uint64_t halves[2];
   if (size >= sizeof halves[0]) {
@@ -54,7 +57,7 @@ inline Bytes16 LoadShort(const char* text, std::size_t size) {
 
 inline void StoreBytes16(Bytes16 bytes, char* to) { std::memcpy(to, &bytes, sizeof bytes); }
 
-// A mask as an integer: kMaskBits of it for each byte, the first byte's lowest.
+// Converts a mask to an integer with kMaskBits bits a lane; lane 0 has the lowest bits.
 #if defined(__SSE2__)
 inline constexpr unsigned kMaskBits = 1;
 inline std::uint64_t BitsOf(Bytes16 mask) {
@@ -68,8 +71,7 @@ inline std::uint64_t BitsOf(Bytes16 mask) {
 }
 #endif
 
-// A bit for each of 64 bytes, the first byte's lowest: whether `test`, which gives a mask for
-// sixteen of them, sets it.
+// Applies `test` to 64 bytes. Bit i of the result is set when byte i passes.
 template <class Test>
 inline std::uint64_t BitsOf64(const char* bytes, Test test) {
 #if defined(__SSE2__)
@@ -90,25 +92,27 @@ inline std::uint64_t BitsOf64(const char* bytes, Test test) {
 #endif
 }
 
+// Whether the mask is set in every lane.
 inline bool AllOf(Bytes16 mask) {
   return BitsOf(mask) == ~std::uint64_t{0} >> (64 - 16 * kMaskBits);
 }
 
-// The index of the first byte that is set; 16 when there is none.
+// The index of the first lane that is set; 16 when none is.
 inline std::size_t FirstOf(Bytes16 mask) {
   const std::uint64_t bits = BitsOf(mask);
   return bits != 0 ? static_cast<std::size_t>(__builtin_ctzll(bits)) / kMaskBits : kBytes16;
 }
 
+// Whether the mask is set in at least one lane.
 inline bool AnyOf(Bytes16 mask) { return BitsOf(mask) != 0; }
 
-// The index of the last byte that is set, of at least one.
+// The index of the last lane that is set. At least one must be set.
 inline std::size_t LastOf(Bytes16 mask) {
   return (63 - static_cast<std::size_t>(__builtin_clzll(BitsOf(mask)))) / kMaskBits;
 }
 
-// The first byte in [at, limit) that `test`, which gives a mask for sixteen of them, sets; or
-// `limit`.
+// Returns a pointer to the first byte in [at, limit) that passes `test`, or `limit`. Never reads
+// outside the range.
 template <class Test>
 const char* FindFirst(const char* at, const char* limit, Test test) {
   for (; limit - at >= static_cast<std::ptrdiff_t>(kBytes16); at += kBytes16) {
@@ -121,23 +125,26 @@ const char* FindFirst(const char* at, const char* limit, Test test) {
   return std::min(limit, at + FirstOf(test(LoadBytes16(rest.data()))));
 }
 
-// Each byte of those four code points is set that are `value` once the bits of `mask` are.
+// Compares four 32-bit code points: gives 0xFF in all four lanes of each code point for which
+// `(code_point | mask) == value`, and 0 in the others.
 inline Bytes16 AreEqual(const char32_t* units, std::uint32_t mask, std::uint32_t value) {
   std::uint32_t __attribute__((vector_size(kBytes16))) words;
   std::memcpy(&words, units, sizeof words);
   return reinterpret_cast<Bytes16>((words | mask) == value);
 }
 
-// Bytes looked up by bytes, as many at once as the processor can, which is a multiple of sixteen.
-// Older x86-64 processors cannot: functions that use these have ZQV_LOOKS_UP before them, and are
-// called only when CanLookUp() says so.
+// Table lookup: each lane of a vector is replaced by an entry of a table of sixteen bytes.
+// WideBytes is 32 lanes with AVX2 on x86-64 and 16 lanes on arm64.
+//
+// x86-64 processors without AVX2 cannot do this. So functions that use WideBytes are marked
+// ZQV_LOOKS_UP, which has them compiled for AVX2, and may be called only when CanLookUp() is true.
 #if defined(__x86_64__)
 #define ZQV_LOOKS_UP __attribute__((target("avx2")))
 
 using WideBytes = signed char __attribute__((vector_size(32)));
 
-// Whether processor and system know AVX2. Asked once: on a virtual machine the question costs as
-// much as decoding a page.
+// Whether both the processor and the operating system support AVX2. The answer is cached: in a
+// virtual machine CPUID is trapped, and one call takes as long as decoding 4 KB of base64.
 inline bool CanLookUp() {
   static const bool can = [] {
     unsigned int a = 0;
@@ -145,7 +152,7 @@ inline bool CanLookUp() {
     unsigned int c = 0;
     unsigned int d = 0;
     if (__get_cpuid(1, &a, &b, &c, &d) == 0 || (c & bit_OSXSAVE) == 0) return false;
-    unsigned int kept = 0;  // the registers that the system keeps for each thread
+    unsigned int kept = 0;  // XCR0: bits 1 and 2 say that the system saves the vector registers
     __asm__("xgetbv" : "=a"(kept), "=d"(d) : "c"(0));
     if ((kept & 6U) != 6U) return false;
     return __get_cpuid_count(7, 0, &a, &b, &c, &d) != 0 && (b & bit_AVX2) != 0;
@@ -153,32 +160,34 @@ inline bool CanLookUp() {
   return can;
 }
 
-// The same sixteen bytes for each sixteen.
+// Loads a lookup table of sixteen bytes into every 16-lane half of a vector.
 ZQV_LOOKS_UP inline WideBytes TableOf(const std::array<std::int8_t, kBytes16>& values) {
   const auto* const table = reinterpret_cast<const __m128i*>(values.data());
   return reinterpret_cast<WideBytes>(_mm256_broadcastsi128_si256(_mm_loadu_si128(table)));
 }
 
-// The byte at each index of its sixteen of the table; 0 where the index is negative.
+// Replaces each lane of `indexes` by the table entry of that index, 0 to 15. A negative index gives
+// 0. An index of 16 and above gives different results on x86-64 and arm64 and must not occur.
 ZQV_LOOKS_UP inline WideBytes LookUp(WideBytes table, WideBytes indexes) {
   return reinterpret_cast<WideBytes>(
       _mm256_shuffle_epi8(reinterpret_cast<__m256i>(table), reinterpret_cast<__m256i>(indexes)));
 }
 
-// The upper four bits of each byte.
-ZQV_LOOKS_UP inline WideBytes UpperHalves(WideBytes bytes) {
+// The upper four bits of each lane, as a number from 0 to 15.
+ZQV_LOOKS_UP inline WideBytes UpperNibbles(WideBytes bytes) {
   const __m256i shifted = _mm256_srli_epi16(reinterpret_cast<__m256i>(bytes), 4);
   return reinterpret_cast<WideBytes>(shifted) & 0x0F;
 }
 
-// The 24 bits of each four values of six bits, the first one's highest, in a 32-bit word.
+// Joins each group of four lanes, which hold 6-bit values, into one 24-bit number in a 32-bit word.
+// The first lane gives the highest six bits.
 ZQV_LOOKS_UP inline WideBytes JoinSixBits(WideBytes values) {
   const __m256i twelve =
       _mm256_maddubs_epi16(reinterpret_cast<__m256i>(values), _mm256_set1_epi16(0x0140));
   return reinterpret_cast<WideBytes>(_mm256_madd_epi16(twelve, _mm256_set1_epi32(0x00011000)));
 }
 
-// The first twelve of each sixteen bytes, one after the other.
+// Moves the first twelve lanes of each 16-lane half together, to the front of the vector.
 ZQV_LOOKS_UP inline WideBytes JoinTwelves(WideBytes bytes) {
   const __m256i order = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7);
   return reinterpret_cast<WideBytes>(
@@ -207,7 +216,7 @@ inline WideBytes LookUp(WideBytes table, WideBytes indexes) {
       vqtbl1q_u8(reinterpret_cast<uint8x16_t>(table), reinterpret_cast<uint8x16_t>(indexes)));
 }
 
-inline WideBytes UpperHalves(WideBytes bytes) { return (bytes >> 4) & 0x0F; }
+inline WideBytes UpperNibbles(WideBytes bytes) { return (bytes >> 4) & 0x0F; }
 
 inline WideBytes JoinSixBits(WideBytes values) {
   using Words = std::uint32_t __attribute__((vector_size(sizeof(WideBytes))));

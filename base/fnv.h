@@ -1,4 +1,4 @@
-// FNV-1a, 64 bits: a hash that is the same on every machine, one byte at a time.
+// FNV-1a, 64 bits: a hash that takes one byte at a time and is the same on every machine.
 #pragma once
 
 #include <cstdint>
@@ -6,14 +6,15 @@
 
 namespace zqv::base {
 
-// Of no bytes.
+// The hash of the empty text.
 inline constexpr std::uint64_t kFnvOfNothing = 0xCBF29CE484222325U;
 
-// The hash of some bytes and `c` behind them, from the hash of those bytes.
+// From the hash of a text, computes the hash of that text with `c` appended.
 constexpr std::uint64_t ExtendFnv(std::uint64_t hash, char c) {
   return (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
 }
 
+// The hash of a whole text.
 constexpr std::uint64_t Fnv(std::string_view bytes) {
   std::uint64_t hash = kFnvOfNothing;
   for (const char c : bytes) hash = ExtendFnv(hash, c);

@@ -1,4 +1,4 @@
-// Zeroed memory from the C heap, for buffers whose allocation may fail without an exception.
+// Zeroed buffers from the C heap. A failed allocation returns null instead of throwing.
 #pragma once
 
 #include <cstddef>
@@ -11,10 +11,11 @@ struct FreeMemory {
   void operator()(void* memory) const { std::free(memory); }
 };
 
+// Owns an array from AllocateZeroed, or null.
 template <class Unit>
 using HeapArray = std::unique_ptr<Unit[], FreeMemory>;
 
-// `count` units, all zero. Null when there is no memory for them.
+// Allocates `count` elements of type Unit, all zero. Returns null when memory runs out.
 template <class Unit>
 HeapArray<Unit> AllocateZeroed(std::size_t count) {
   return HeapArray<Unit>(static_cast<Unit*>(std::calloc(count, sizeof(Unit))));

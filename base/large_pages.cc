@@ -1,3 +1,5 @@
+// On Linux, madvise() asks for 2 MB pages in that part of the buffer which starts and ends on a
+// 2 MB boundary. Other systems have no such call that needs no privilege.
 #include "base/large_pages.h"
 
 #if defined(__linux__)
@@ -13,7 +15,7 @@ void PreferLargePages(char* bytes, std::size_t size) {
   const auto address = reinterpret_cast<std::uintptr_t>(bytes);
   const std::size_t before = (kPage - address % kPage) % kPage;
   const std::size_t length = (size - before) / kPage * kPage;
-  madvise(bytes + before, length, MADV_HUGEPAGE);  // a wish: small pages serve as well
+  madvise(bytes + before, length, MADV_HUGEPAGE);  // only a hint: a failure changes no result
 }
 
 }  // namespace zqv::base

@@ -1,3 +1,5 @@
+// Formats a line of the debug log into a buffer on the stack and hands it to the platform
+// (system_log.h). Allocates nothing, so that it works when memory has run out.
 #include "base/log.h"
 
 #include <cstdarg>

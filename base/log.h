@@ -1,11 +1,12 @@
-// The debug log: one line an event, written only while the process-wide switch is on. Callers test
-// the switch before they format anything, which ZQV_LOG does for them.
+// The debug log: one line for each event, written only while a process-wide switch is on. ZQV_LOG
+// tests the switch before it formats anything; LogMessageX always writes.
 #pragma once
 
 #include <atomic>
 
-// GCC for Windows takes "printf" for that of the system's old library, which lacks %zu; what we
-// call there is the standard's.
+// The format that the compiler checks calls of LogMessageX against. For Windows GCC's "printf"
+// means the one of msvcrt.dll, which lacks %zu; "gnu_printf" means the standard one, which is what
+// is called.
 #if defined(_WIN32) && !defined(__clang__)
 #define ZQV_PRINTF gnu_printf
 #else
@@ -14,23 +15,24 @@
 
 namespace zqv::base {
 
-// The switch behind the hidden shared property `Debugging`; false at load. Any thread may change it
-// at any time.
+// The switch, which applications set through the hidden shared property MimeEmailZQV.Debugging.
+// False at load. Any thread may change it at any time.
 extern std::atomic<bool> DebuggingEnabled;
 
 inline bool IsLogging() { return DebuggingEnabled.load(std::memory_order_relaxed); }
 
-// Begins every line; the first string argument of every format.
+// The text that begins every line. ZQV_LOG passes it as the first string argument of every format.
 inline constexpr char kLogPrefix[] = "ZQV Debug: ";
 
-// Formats as printf does and writes the text, cut after 4095 bytes, as one line to the platform's
-// log, whatever the switch says.
+// Formats like printf and writes the result as one line to the platform's log (system_log.h), even
+// when the switch is off. The result is cut after 4095 bytes.
 [[gnu::format(ZQV_PRINTF, 1, 2)]] void LogMessageX(const char* format, ...);
 
 }  // namespace zqv::base
 
-// Logs `format`, whose first conversion is the prefix, while debugging is on. A macro, so that the
-// compiler checks the arguments against the format and nothing is computed when it is off.
+// Logs a line while debugging is on. The first conversion of `format` must be the %s that takes the
+// prefix. A macro, so that the arguments are not evaluated while debugging is off and the compiler
+// checks them against the format.
 #define ZQV_LOG(format, ...)                                                  \
   do {                                                                        \
     if (::zqv::base::IsLogging())                                             \

@@ -1,4 +1,5 @@
-// The debug log on macOS: the system log, as Foundation's NSLog writes it.
+// The debug log on macOS goes to the system log, through NSLog. When CoreFoundation's headers are
+// missing, as in cross builds, the few declarations that NSLog needs stand here.
 #include "base/system_log.h"
 
 #if __has_include(<CoreFoundation/CoreFoundation.h>)
@@ -8,7 +9,7 @@ using CFStringRef = const struct CFString*;
 #define CFSTR(text) (reinterpret_cast<CFStringRef>(__builtin___CFStringMakeConstantString(text)))
 #endif
 
-// Foundation's headers are Objective-C; this is the one function that is needed of them.
+// Declared here because the header that declares it, of Foundation, is Objective-C.
 extern "C" void NSLog(CFStringRef format, ...);
 
 namespace zqv::base {

@@ -1,4 +1,4 @@
-// The debug log on Linux: standard error.
+// The debug log on Linux goes to standard error.
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -9,11 +9,11 @@
 namespace zqv::base {
 
 void WriteLogLine(const char* text) noexcept {
-  // One call a line, so that lines of several processes and threads do not mix, and no memory of
-  // its own, so that it can be used while an exception is handled.
+  // One system call a line keeps lines of different threads and processes apart. Nothing is
+  // allocated, so that a line can be written while std::bad_alloc is handled.
   char line_break = '\n';
   const iovec pieces[] = {{const_cast<char*>(text), std::strlen(text)}, {&line_break, 1}};
-  if (::writev(STDERR_FILENO, pieces, 2) < 0) return;  // a log that fails is not worth a failure
+  if (::writev(STDERR_FILENO, pieces, 2) < 0) return;  // logging must not fail the caller
 }
 
 }  // namespace zqv::base

@@ -1,4 +1,5 @@
-// The debug log on Windows: what a debugger shows, or any program that listens in its place.
+// The debug log on Windows goes to OutputDebugString: to an attached debugger, or else to a program
+// that shows the debug output of all processes.
 #include <windows.h>
 
 #include <cstddef>
@@ -8,8 +9,8 @@
 namespace zqv::base {
 
 void WriteLogLine(const char* text) noexcept {
-  // One call a line, so that lines of several processes and threads do not mix, and no memory of
-  // its own, so that it can be used while an exception is handled.
+  // One call a line keeps lines of different threads and processes apart. Nothing is allocated, so
+  // that a line can be written while std::bad_alloc is handled.
   constexpr std::size_t kLongest = 4095;
   char line[kLongest + 2];
   std::size_t length = 0;

@@ -1,4 +1,5 @@
-// Texts made of pieces, which live as long as the arena, in a few large allocations.
+// An arena that stores concatenated texts in a few large blocks. The texts live as long as the
+// arena.
 #pragma once
 
 #include <algorithm>
@@ -15,8 +16,11 @@ class TextArena {
   TextArena(const TextArena&) = delete;
   TextArena& operator=(const TextArena&) = delete;
 
-  // Both texts as one. When `first` was joined here last, it grows where it lies while there is
-  // room: joining piece after piece takes time and memory in proportion to the whole.
+  // Concatenates two texts. [borrowed from the arena; when `second` is empty, `first` itself]
+  //
+  // `first` may lie anywhere. When it is the result of the previous call, it is extended in place
+  // if the block has room, and otherwise copied to a block of twice the size. So building a text of
+  // n bytes piece by piece takes O(n) time and memory.
   std::string_view Join(std::string_view first, std::string_view second) {
     if (second.empty()) return first;
     const bool grows = first.data() == last_ && first.data() + first.size() == end_;
@@ -45,11 +49,11 @@ class TextArena {
     unused_ = size;
   }
 
-  char first_block_[kBlock];                     // most messages need no other
-  std::vector<std::unique_ptr<char[]>> blocks_;  // the others
-  char* end_ = first_block_;                     // of the texts in the last block
-  std::size_t unused_ = kBlock;                  // bytes behind them
-  const char* last_ = nullptr;                   // where the text begins that was joined last
+  char first_block_[kBlock];                     // enough for most messages
+  std::vector<std::unique_ptr<char[]>> blocks_;  // all later blocks
+  char* end_ = first_block_;                     // first unused byte of the current block
+  std::size_t unused_ = kBlock;                  // number of unused bytes in the current block
+  const char* last_ = nullptr;                   // start of the text that Join returned last
 };
 
 }  // namespace zqv::base

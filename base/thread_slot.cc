@@ -1,3 +1,7 @@
+// macOS and Windows: one slot of the system, allocated for the whole process at the first use.
+// Elsewhere: a thread_local variable in the static block that the loader allocates with each
+// thread. An ordinary thread_local would be allocated at a thread's first access, and the C++
+// runtime ends the process when that fails.
 #include "base/thread_slot.h"
 
 #if defined(__APPLE__)
@@ -11,8 +15,7 @@ namespace {
 
 #if defined(__APPLE__)
 
-// The system's own slots: a compiler's thread-local variable is allocated at its first use, and the
-// process ends when that fails. Null when the system has no slot left.
+// The key of the slot; null when the system has no slot left.
 const pthread_key_t* Key() noexcept {
   static pthread_key_t g_key;
   static const bool is_made = pthread_key_create(&g_key, nullptr) == 0;
@@ -21,7 +24,7 @@ const pthread_key_t* Key() noexcept {
 
 #elif defined(_WIN32)
 
-// The system's own slots, for the same reason. TLS_OUT_OF_INDEXES when none is left.
+// The index of the slot; TLS_OUT_OF_INDEXES when the system has none left.
 DWORD GetIndex() noexcept {
   static const DWORD index = TlsAlloc();
   return index;
@@ -29,8 +32,7 @@ DWORD GetIndex() noexcept {
 
 #else
 
-// In the memory that the loader sets aside for each thread: any other kind is allocated at its
-// first use, and the process ends when that fails.
+// "initial-exec" puts the variable into each thread's static block.
 [[gnu::tls_model("initial-exec")]] thread_local void* g_slot = nullptr;
 
 #endif

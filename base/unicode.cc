@@ -1,3 +1,13 @@
+// UTF-8 is validated by a table of lead bytes, which gives a sequence's length and the range of its
+// second byte:
+//
+//   C3 A9      U+00E9
+//   E2 82 AC   U+20AC
+//   C0 80      ill-formed: C0 is no lead byte, the sequence would be overlong
+//   ED A0 80   ill-formed: after ED a second byte above 9F would give a surrogate
+//
+// Every function is one forward pass. Runs of ASCII, the most frequent input, are handled 8 or 16
+// bytes at a time.
 #include "base/unicode.h"
 
 #include <algorithm>
@@ -25,7 +35,7 @@ bool IsTextByte(std::uint8_t byte) {
   return (byte >= 0x20 && byte <= 0x7E) || byte == '\t' || byte == '\n' || byte == '\r';
 }
 
-// Eight bytes of a text at once.
+// Eight bytes of a text in one integer, for SWAR ("SIMD within a register").
 using Word = std::uint64_t;
 constexpr Word kEachByte = 0x0101010101010101u;
 constexpr Word kHighBits = 0x80 * kEachByte;
@@ -36,20 +46,21 @@ Word LoadWord(const char* bytes) {
   return word;
 }
 
-// The high bit of each byte of `word`, all below 0x80, that is below `limit`; bytes after such a
-// one may be named too.
+// Nonzero if and only if a byte of `word` is below `limit`. All bytes of `word` must be below 0x80.
+// The result has the high bit of each such byte set, and by borrowing sometimes that of the next.
 constexpr Word BytesBelow(Word word, Word limit) { return (word - limit * kEachByte) & kHighBits; }
 
-// Whether all are 0x20 to 0x7E.
+// Whether all eight bytes are 0x20 to 0x7E.
 bool IsPrintable(Word word) {
   if ((word & kHighBits) != 0) return false;
   return (BytesBelow(word, 0x20) | BytesBelow(word ^ 0x7F * kEachByte, 1)) == 0;
 }
 
-// The second byte's range narrows after some lead bytes: no overlong forms, no surrogates, nothing
-// above U+10FFFF (RFC 3629, section 4).
+// The well-formed multi-byte sequences (RFC 3629, section 4): a range of lead bytes, the range of
+// the second byte after them, and the length in bytes. After some lead bytes the second byte has a
+// smaller range than 80 to BF, which excludes overlong forms, surrogates and values above U+10FFFF.
 struct Lead {
-  std::uint8_t first, last;  // lead bytes
+  std::uint8_t first, last;
   std::uint8_t second, second_last;
   std::size_t length;
 };
@@ -61,7 +72,7 @@ constexpr Lead kLeads[] = {
 
 constexpr std::uint8_t kNoLead = std::size(kLeads);
 
-// By byte: its row of the table, or kNoLead.
+// Maps each byte to its row of kLeads, or to kNoLead.
 constexpr std::array<std::uint8_t, 256> MakeLeadRows() {
   std::array<std::uint8_t, 256> rows{};
   for (std::uint8_t& row : rows) row = kNoLead;
@@ -74,7 +85,8 @@ constexpr std::array<std::uint8_t, 256> kLeadRows = MakeLeadRows();
 
 bool IsTrail(char c) { return (Byte(c) & 0xC0) == 0x80; }
 
-// The length of the multi-byte sequence at the start of `bytes`, or 0 when there is no legal one.
+// The length of the well-formed multi-byte sequence that `bytes` begin with, or 0 when there is
+// none within the `available` bytes.
 std::size_t LegalMultiByteLength(const char* bytes, std::size_t available) {
   const std::uint8_t row = kLeadRows[Byte(bytes[0])];
   if (row == kNoLead) return 0;
@@ -86,7 +98,8 @@ std::size_t LegalMultiByteLength(const char* bytes, std::size_t available) {
 
 bool IsMark(char32_t c) { return c == kByteOrderMark || c == kSwappedByteOrderMark; }
 
-// Sixteen ASCII characters to as many code points; false, with nothing written, when one is none.
+// Converts sixteen ASCII characters to code points. Returns false, and writes nothing, when one of
+// the sixteen bytes is not ASCII.
 bool WidenAscii(const char* from, char32_t* to) {
   const Bytes16 bytes = LoadBytes16(from);
   if (AnyOf(bytes < 0)) return false;
@@ -96,8 +109,8 @@ bool WidenAscii(const char* from, char32_t* to) {
   return true;
 }
 
-// How many bytes at the beginning are known to pass `test`, which gives a mask for sixteen of them:
-// all, or those of the blocks before the one that holds the first that does not.
+// Tests bytes in blocks of sixteen (`test` as in bytes16.h). Returns bytes.size() when all pass.
+// Otherwise returns the start of the block with the first byte that fails; all before it pass.
 template <class Test>
 std::size_t PassingLength(std::string_view bytes, Test test) {
   constexpr std::size_t kStep = 4 * kBytes16;
@@ -119,6 +132,7 @@ std::size_t PassingLength(std::string_view bytes, Test test) {
   return AllOf(passes(last)) ? bytes.size() : at;
 }
 
+// Decodes one well-formed sequence.
 char32_t DecodeLegal(const char* bytes, std::size_t length) {
   constexpr std::uint8_t kLeadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
   char32_t c = Byte(bytes[0]) & kLeadBits[length];

@@ -1,5 +1,4 @@
-// Pure functions on bytes and code points: which encoding bytes are in, well-formed UTF-8, and the
-// conversions between UTF-8, UTF-16 and UTF-32 that the host does not do for us.
+// Detects the encoding of bytes, validates UTF-8, and converts between UTF-8, UTF-16 and UTF-32.
 #pragma once
 
 #include <cstddef>
@@ -10,50 +9,54 @@
 
 namespace zqv::base {
 
-// True when no byte is 0x80 or above.
+// Whether all bytes are below 0x80. True for an empty text.
 bool IsAscii(std::string_view bytes);
 
-// How many bytes come before the first one that is NUL, or 0x80 or above.
+// The number of bytes before the first byte that is NUL or at least 0x80; the whole size if there
+// is none.
 std::size_t LengthOfAsciiText(std::string_view bytes);
 
-// True when the bytes are well-formed UTF-8 (RFC 3629) without control characters other than tab,
-// line feed and carriage return. QUIRK: DEL and the other control characters make a text not
-// UTF-8, so that 8-bit binary data is not taken for it. Test: IsUtf8.RejectsControlCharacters.
+// Whether the bytes are well-formed UTF-8 (RFC 3629) that contains no control characters but tab,
+// line feed and carriage return. QUIRK: DEL and the other control characters are not accepted,
+// although they are well-formed UTF-8: binary data often has them, text does not.
+// Test: IsUtf8.RejectsControlCharacters.
 bool is_utf8(const char* bytes, std::size_t length);
 
-// The encoding of bytes that come without a charset: ASCII, UTF-8, or else Mac Roman.
+// Guesses the encoding of bytes without a charset: kAscii if IsAscii, else kUtf8 if is_utf8, else
+// kMacRoman.
 abi::Encoding DetectEncoding(std::string_view bytes);
 
-// `bytes` without a UTF-8 byte-order mark at the front.
+// `bytes` without the UTF-8 byte-order mark, if they begin with one. [borrowed from `bytes`]
 inline std::string_view WithoutByteOrderMark(std::string_view bytes) {
   constexpr std::string_view kMark = "\xEF\xBB\xBF";
   return bytes.substr(bytes.substr(0, kMark.size()) == kMark ? kMark.size() : 0);
 }
 
-// True when `length` bytes at `sequence` are one well-formed UTF-8 sequence whose lead byte asks
-// for that length.
+// Whether the `length` bytes at `sequence` are exactly one code point in well-formed UTF-8
+// (RFC 3629, section 4).
 bool IsLegalUTF8(const char* sequence, std::size_t length);
 
-// The length in bytes that a lead byte asks for, 1 to 6; lengths over 4 are never legal.
+// The length of a UTF-8 sequence as its first byte states it, 1 to 6 bytes. A byte that begins no
+// sequence counts as 1. Lengths of 5 and 6 come from RFC 2279; such sequences are not well-formed.
 std::size_t Utf8SequenceLength(char lead);
 
-// What became of a conversion: how much was written, and where the input stopped being legal.
+// The result of a conversion.
 struct Conversion {
-  std::size_t written = 0;  // units
-  std::size_t stopped = 0;  // bytes of input that were used
-  bool legal = true;        // false when the input at `stopped` is cut off or not legal
+  std::size_t written = 0;  // code points written to `out`
+  std::size_t stopped = 0;  // bytes of input that were converted
+  bool legal = true;        // false when the input at `stopped` is ill-formed or cut off
 };
 
-// Decode to code points up to the first sequence that is not legal. QUIRK: U+FEFF and U+FFFE are
-// dropped wherever they occur; they are byte-order marks to the readers of this text.
-// Test: Utf8ToUtf32.DropsByteOrderMarks. `out` holds at least one unit per byte, or per UTF-16
-// unit.
+// Decode UTF-8 and UTF-16 to code points, up to the first ill-formed sequence or lone surrogate.
+// `out` must have room for one code point for each byte, or for each UTF-16 unit. QUIRK: U+FEFF and
+// U+FFFE are dropped everywhere, not only at the start. Part of the interface's contract; changing
+// it is a major version. Test: Utf8ToUtf32.DropsByteOrderMarks.
 Conversion Utf8ToUtf32(std::string_view bytes, char32_t* out);
 Conversion Utf16ToUtf32(const char16_t* units, std::size_t count, char32_t* out);
 
-// Encodes code points as UTF-16: surrogate values are dropped, anything above U+10FFFF becomes
-// U+FFFD, and a zero unit follows the last. `out` holds at least 2 * count + 1 units. Returns the
-// number of units without the zero.
+// Encodes `count` code points as UTF-16 and appends a zero unit. Surrogates are dropped; values
+// above U+10FFFF become U+FFFD. `out` must have room for 2 * count + 1 units. Returns the number of
+// units written, not counting the zero.
 std::size_t Utf32ToUtf16(const char32_t* code_points, std::size_t count, char16_t* out);
 
 }  // namespace zqv::base
