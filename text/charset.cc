@@ -1,5 +1,7 @@
-// The charset table and its lookup. The numbers are those of the platform's Text Encoding
-// Converter.
+// The table of charset names and its lookup. A name is normalised before it is compared:
+//
+//   "iso-8859-1"; x    iso88591, equal to the row "ISO88591" when case is ignored
+//   utf_8              utf8
 #include "text/charset.h"
 
 #include <algorithm>
@@ -12,13 +14,16 @@ namespace zqv::text {
 namespace {
 
 struct Row {
-  std::string_view name;  // normalised
+  std::string_view name;  // as NormaliseCharsetName returns it
   abi::Encoding encoding;
 };
 
-// QUIRK: "ASAX341963" stands for no label in use, "TIS620" shares the value of ISO885911, and the
-// names for an unknown charset are read as ISO 8859-1, so that such a text is shown and not
-// refused. Test: Charset.KeepsTheOddRows.
+// The numbers are those of the Text Encoding Converter of macOS (abi/encodings.h).
+//
+// QUIRK: "ASAX341963" is no registered charset, "TIS620" has the number of ISO885911, and the names
+// that say that the charset is unknown have the number of ISO 8859-1, which gives every byte a
+// character. Part of the interface's contract; changing it is a major version.
+// Test: Charset.KeepsTheOddRows.
 constexpr Row kCharsets[] = {
     // clang-format off
     {"utf8",           0x08000100},
@@ -152,7 +157,8 @@ bool IsDropped(char c) {
 }  // namespace
 
 std::string NormaliseCharsetName(std::string_view name) {
-  constexpr std::size_t kShortestBeforeQuote = 6;
+  constexpr std::size_t kShortestBeforeQuote =
+      6;  // after so many characters a quote is a closing one
   std::string normalised;
   bool in_quotes = false;
   for (const char c : name) {

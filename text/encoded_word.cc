@@ -1,3 +1,12 @@
+// One forward pass copies plain text and decodes each word (RFC 2047, section 2):
+//
+//   Re: =?utf-8?Q?Caf=C3=A9?= x    bytes "Re: Caf\xC3\xA9 x", charset "utf-8"
+//       |  |    | |         |
+//       |  name | payload   closing "?="
+//       "=?"    letter: B is base64, Q is similar to quoted-printable
+//
+// Malformed words are decoded, too: each part ends at the next "?" or at the end of the text, and
+// the character after the last "?" is dropped, whatever it is.
 #include "text/encoded_word.h"
 
 #include <algorithm>
@@ -17,10 +26,11 @@ constexpr std::size_t kShortestEncodedWord = 7;  // =?c?Q?=
 
 std::string_view UpToNul(std::string_view text) { return text.substr(0, text.find('\0')); }
 
-// Of what is no digit, 0.
+// The value of a hexadecimal digit; 0 for any other character.
 int HexValue(char c) { return std::max(base::HexadecimalValue(c), 0); }
 
-// Gives the end of what was written, which is no longer than the payload.
+// Decodes the "Q" encoding (RFC 2047, section 4.2): "=41" is one byte, "_" a space. Writes at most
+// payload.size() bytes to `out` and returns the end of what it wrote.
 char* DecodeQ(std::string_view payload, char* out) {
   for (std::size_t i = 0; i < payload.size(); ++i) {
     if (payload[i] == '=') {
@@ -36,7 +46,7 @@ char* DecodeQ(std::string_view payload, char* out) {
   return out;
 }
 
-// One pass over a text without NULs. What it gives is never longer than what it has read.
+// Decodes a text without NULs into a buffer. The output is never longer than the input.
 class EncodedWordScanner {
  public:
   explicit EncodedWordScanner(std::string_view text)
@@ -56,13 +66,14 @@ class EncodedWordScanner {
   std::string_view charset() const { return charset_; }
 
  private:
+  // The character `ahead` bytes after the current one; NUL beyond the end.
   char Peek(std::size_t ahead) const {
     return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0';
   }
 
   void Append(std::string_view text) { out_ = std::copy(text.begin(), text.end(), out_); }
 
-  // The text up to the next "?", which is consumed too.
+  // Reads up to the next "?" or the end of the text, and consumes the "?".
   std::string_view ReadField() {
     const std::size_t end = std::min(text_.find('?', at_), text_.size());
     const std::string_view field = text_.substr(at_, end - at_);
@@ -78,9 +89,9 @@ class EncodedWordScanner {
     if (Peek(0) == '?') ++at_;
     const std::string_view payload = ReadField();
     SkipEnd();
-    // QUIRK: lower-case letters delimit a word whose text is then not decoded. Part of the
-    // interface's contract; changing it is a major version. Test:
-    // EncodedWords.LowerCaseLettersAreNotDecoded.
+    // QUIRK: after a lower-case "b" or "q" the payload is copied undecoded, although RFC 2047,
+    // section 2, ignores the letter's case. Part of the interface's contract; changing it is a
+    // major version. Test: EncodedWords.LowerCaseLettersAreNotDecoded.
     if (letter == 'B') {
       out_ = DecodeBase64(payload, out_);
     } else if (letter == 'Q') {
@@ -91,12 +102,13 @@ class EncodedWordScanner {
     if (!name.empty()) charset_ = name;
   }
 
-  // The character after the closing "?", whatever it is, and the one space between two words.
+  // Skips the character after the closing "?" and, if another word seems to follow, one space.
   void SkipEnd() {
     if (at_ >= text_.size()) return;
     const char closing = text_[at_++];
-    // QUIRK: one space, no tab or line break, and only an "=" is looked for behind it.
-    // Test: EncodedWords.OnlyASingleSpaceBetweenWordsIsDropped.
+    // QUIRK: RFC 2047, section 6.2, drops all white space between two encoded words; here it is one
+    // space, and an "=" after it counts as another word. Part of the interface's contract; changing
+    // it is a major version. Test: EncodedWords.OnlyASingleSpaceBetweenWordsIsDropped.
     if (closing == '=' && Peek(0) == ' ' && Peek(1) == '=') {
       ZQV_LOG("%s%s", "Skip extra space");
       ++at_;
@@ -109,9 +121,10 @@ class EncodedWordScanner {
   std::size_t at_ = 0;
   DecodedBytes decoded_;
   char* out_;
-  std::string_view charset_;  // of the last word that named one
+  std::string_view charset_;  // of the last word whose charset is not empty
 };
 
+// Logs `shown`, a part of `all`, when `all` is labelled ASCII and is not.
 void LogUnlessAscii(std::string_view all, std::string_view shown) {
   if (shown.empty() || base::IsAscii(all)) return;
   ZQV_LOG("%s%s %s", "Error: text is not ascii", std::string(shown).c_str());

@@ -1,7 +1,8 @@
-// Header text that may hold RFC 2047 encoded words, as bytes and the encoding that they are in.
+// Decodes header text that may contain encoded words (RFC 2047): =?charset?encoding?payload?=.
 //
-// The decoder is deliberately simple: the bytes of all encoded words and of the plain text between
-// them become one byte string, in the charset that the last word names.
+// The result is one byte string in one encoding: the decoded bytes of all words and the plain text
+// between them, all read in the charset of the last word. Words in different charsets are not
+// converted to a common one.
 #pragma once
 
 #include <string>
@@ -13,23 +14,23 @@
 
 namespace zqv::text {
 
-// Bytes, either held or borrowed from the text that they were made of, and what they are encoded
-// in.
+// The bytes of a header text and their encoding. The bytes are owned when they were decoded, and
+// otherwise borrowed from the text.
 class HeaderText {
  public:
   HeaderText() = default;  // empty
-  // `bytes` up to their first NUL, which must outlive this unless `owned` holds them.
+  // Takes `bytes` up to their first NUL. They lie in `owned`, or are borrowed when `owned` is
+  // empty.
   HeaderText(std::string_view bytes, abi::Encoding encoding, DecodedBytes owned = {})
       : owned_(std::move(owned)), bytes_(bytes.substr(0, bytes.find('\0'))), encoding_(encoding) {}
 
   std::string_view bytes() const { return bytes_; }
   abi::Encoding encoding() const { return encoding_; }
 
-  // For those who report it: the charset that the text names when it is not in the table, and the
-  // one that its encoded words name when that has no encoding; the bytes are then undecoded.
-  // Otherwise empty.
-  std::string unknown_charset;
-  std::string charset_without_encoding;
+  // Failures for the caller to report; empty when there are none. In both cases the bytes are the
+  // undecoded text.
+  std::string unknown_charset;           // the charset's name when it is not in the table
+  std::string charset_without_encoding;  // the name when encoded words have it and it has no number
 
  private:
   DecodedBytes owned_;
@@ -37,14 +38,15 @@ class HeaderText {
   abi::Encoding encoding_ = abi::kAscii;
 };
 
-// `text` up to its first NUL, undecoded, in the encoding that base::DetectEncoding finds. Borrows.
+// Does not decode: `text` up to its first NUL, in the encoding that base::DetectEncoding guesses.
+// [borrowed from `text`]
 HeaderText DetectText(std::string_view text);
 
-// `text` up to its first NUL, undecoded, in the given encoding. Borrows.
+// Does not decode: `text` up to its first NUL, in the given encoding. [borrowed from `text`]
 HeaderText LabelText(std::string_view text, abi::Encoding encoding);
 
-// `text` with its encoded words decoded. With `unquote`, surrounding quotes go (see RemoveQuotes).
-// Borrows `text` when there is nothing to decode.
+// Decodes the encoded words in `text`. With `unquote`, RemoveQuotes is applied to the result.
+// [borrowed from `text` when it has no encoded word or their charset is unknown; otherwise owned]
 HeaderText DecodeEncodedWords(std::string_view text, bool unquote);
 
 }  // namespace zqv::text

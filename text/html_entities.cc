@@ -1,3 +1,8 @@
+// The table of named character references, in the order in which rows are tried, and an index from
+// a name's first letter to the rows that begin with it, computed at compile time:
+//
+//   "copy"   U+00A9
+//   "no"     U+00AC, because "not" is the first row that begins with "no"
 #include "text/html_entities.h"
 
 #include <algorithm>

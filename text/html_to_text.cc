@@ -1,3 +1,11 @@
+// One forward pass over the code points, without a parse tree. A few variables hold the state: how
+// many tags are open, whether the position is inside script, style, noscript or pre, and whether
+// the output is at the start of a line.
+//
+//   <p>Fish&amp;Chips<br>  50 &pound;</p>    CR "Fish&Chips" CR " 50 £" CR
+//   <ul><li>a<ul><li>b</ul></ul>             "* a" CR "  * b"
+//
+// A name of a tag consists of letters; attributes are skipped with everything else up to ">".
 #include "text/html_to_text.h"
 
 #include <algorithm>
@@ -19,8 +27,8 @@ constexpr char32_t kTab = 9;
 constexpr char32_t kLineFeed = 10;
 constexpr char32_t kReturn = 13;
 
-// How many spaces the bullets of one text may be indented by, all together. No real list comes
-// near; without a limit 100 KB of nested lists make a gigabyte of spaces.
+// The most spaces that indent the bullets of one text, all together. Without a limit the output
+// grows with the square of the input: 100 KB of nested lists give a gigabyte of spaces.
 constexpr std::size_t kIndent = std::size_t{1} << 22;
 
 constexpr std::size_t kLongestReferenceName = 8;
@@ -47,8 +55,9 @@ struct TagRow {
   Tag tag;
 };
 
-// QUIRK: "h1" to "h6" are not here. A name ends before the first digit, so headings are all the
-// tag "h", which gives no line break. Test: HtmlTags.HeadingsGiveNoLineBreak.
+// The tags that have an effect. QUIRK: the headings "h1" to "h6" have none, because a tag's name
+// ends before its first digit: all of them are read as the tag "h". Part of the interface's
+// contract; changing it is a major version. Test: HtmlTags.HeadingsGiveNoLineBreak.
 constexpr TagRow kTags[] = {
     // clang-format off
     {"br",       Tag::kBr},
@@ -68,7 +77,8 @@ constexpr TagRow kTags[] = {
 };
 static_assert(std::size(kTags) == 13);
 
-// The Unicode property White_Space: the process's locale has no say in what a message reads like.
+// The code points with the Unicode property White_Space. Not iswspace(), whose answer depends on
+// the process's locale.
 struct Range {
   char32_t first, last;
 };
@@ -79,14 +89,14 @@ constexpr Range kWhiteSpace[] = {
 static_assert(std::size(kWhiteSpace) == 10);
 
 bool IsWhiteSpace(char32_t c) {
-  if (c > U' ' && c < U'\x85') return false;  // nearly all there is
+  if (c > U' ' && c < U'\x85') return false;  // the most frequent case, without a search
   return std::any_of(std::begin(kWhiteSpace), std::end(kWhiteSpace),
                      [c](const Range& range) { return c >= range.first && c <= range.last; });
 }
 
 bool IsLetter(char32_t c) { return (c >= U'A' && c <= U'Z') || (c >= U'a' && c <= U'z'); }
 
-// Those that are more than text: they begin or end a tag, begin a reference or end a line.
+// The characters that end a run of ordinary text: those of tags, references and line breaks.
 constexpr std::array<bool, 64> MakeMarkup() {
   std::array<bool, 64> table{};
   for (const char c : {'<', '>', '&', '\n', '\r'}) table[static_cast<unsigned char>(c)] = true;
@@ -96,14 +106,14 @@ constexpr std::array<bool, 64> kMarkup = MakeMarkup();
 
 bool IsMarkup(char32_t c) { return c < kMarkup.size() && kMarkup[c]; }
 
-// "<" and ">" differ in one bit.
+// Whether `c` is '<' (0x3C) or '>' (0x3E), which differ in one bit.
 bool IsAngle(char32_t c) { return (c | 2U) == U'>'; }
 
-// The same of the units in sixteen bytes: each byte of those that are is set.
+// The mask (bytes16.h) of the angle brackets in sixteen bytes of input: 16 chars or 4 code points.
 base::Bytes16 AreAngles(const char* units) { return (base::LoadBytes16(units) | 2) == '>'; }
 base::Bytes16 AreAngles(const char32_t* units) { return base::AreEqual(units, 2, '>'); }
 
-// `name` holds ASCII letters only.
+// The tag of a name, which consists of ASCII letters, ignoring case; kOther for an unknown name.
 template <class Unit>
 Tag FindTag(std::basic_string_view<Unit> name) {
   const auto is = [name](const TagRow& row) {
@@ -115,16 +125,16 @@ Tag FindTag(std::basic_string_view<Unit> name) {
   return row != std::end(kTags) ? row->tag : Tag::kOther;
 }
 
-// The value of a digit, or one that is in no base.
+// The value of a hexadecimal digit, 0 to 15; 16 for any other character.
 std::uint32_t DigitValue(char32_t c) {
   if (c >= U'0' && c <= U'9') return c - U'0';
   if (c >= U'a' && c <= U'f') return c - U'a' + 10;
   return c >= U'A' && c <= U'F' ? c - U'A' + 10 : 16;
 }
 
-// The number at the start of `text`, the largest 32-bit one when it does not fit; 0 when there is
-// none or it is negative. A "-" counts wherever it stands. Of each code point only the bits in
-// `mask` are looked at.
+// Parses the number that `text` begins with. Returns 0 when there is none or when a '-' stands
+// before, between or right after its digits, and 2^32 - 1 when it is larger than that. Of each code
+// point only the bits in `mask` are used.
 template <class Unit>
 std::uint32_t ReadNumber(std::basic_string_view<Unit> text, std::uint32_t base, char32_t mask) {
   constexpr std::uint64_t kLargest = std::numeric_limits<std::uint32_t>::max();
@@ -144,18 +154,21 @@ std::uint32_t ReadNumber(std::basic_string_view<Unit> text, std::uint32_t base, 
   return negative ? 0 : static_cast<std::uint32_t>(value);
 }
 
-// `text` begins with the "#". 0 when it is not a reference to a character.
+// Parses a numeric character reference. `text` begins with its '#'. Returns 0 when there is no
+// number or when it is 0.
 template <class Unit>
 std::uint32_t ReadNumericReference(std::basic_string_view<Unit> text) {
-  // QUIRK: the upper bits of the digits are not looked at, and "#X" is not hexadecimal.
+  // QUIRK: only the low 8 bits of a decimal digit's code point count and the low 16 bits of a
+  // hexadecimal digit's, so U+0134 is read as '4'. "#X" does not begin a hexadecimal number. Part
+  // of the interface's contract; changing it is a major version.
   // Test: HtmlReferences.DigitsAreReadByTheirLowBits.
   if (text.size() > 1 && text[1] == Unit{'x'})
     return ReadNumber(text.substr(2, kMostHexDigits), 16, 0xFFFF);
   return ReadNumber(text.substr(1), 10, 0xFF);
 }
 
-// Walks the text once; every step moves `at_` forward. A unit is a code point: a char32_t, or a
-// char of ASCII text, which need not be made wider to be read.
+// The pass over one text; every step moves `at_` forward. A `Unit` is one code point: a char32_t,
+// or a char when the text is ASCII, which saves converting it first.
 template <class Unit>
 class HtmlPass {
   using View = std::basic_string_view<Unit>;
@@ -187,13 +200,14 @@ class HtmlPass {
 
   char32_t At(std::size_t index) const { return static_cast<char32_t>(html_[index]); }
 
-  // The code point that many after the current one; NUL beyond the end.
+  // The code point `ahead` positions after the current one; NUL beyond the end.
   char32_t Peek(std::size_t ahead) const {
     return ahead < html_.size() - at_ ? At(at_ + ahead) : U'\0';
   }
 
   void Skip(std::size_t count) { at_ += std::min(count, html_.size() - at_); }
 
+  // Whether text at the current position is inside a tag, a style or a script.
   bool IsDropped() const { return tag_depth_ > 0 || in_style_ || in_script_; }
 
   void Append(char32_t c, bool at_line_start) {
@@ -220,10 +234,10 @@ class HtmlPass {
     }
   }
 
-  // "<" inside a script begins no tag, and what follows is read as script again.
-  void StayInScript(std::size_t passed_over) {
+  // Treats a "<" inside a script as script text and skips `count` code points of it.
+  void StayInScript(std::size_t count) {
     tag_depth_ = 0;
-    Skip(passed_over);
+    Skip(count);
   }
 
   void SkipComment() {
@@ -314,8 +328,10 @@ class HtmlPass {
   }
 
   void ReadLineBreak() {
-    // QUIRK: outside pre a line break joins the words around it, and inside it CR and LF count one
-    // each. Test: HtmlLineBreaks.JoinWordsOutsidePreAndCountOneEachInside.
+    // QUIRK: outside <pre> a line break is removed without leaving a space, so it joins the words
+    // around it. Inside <pre>, CR LF gives two line breaks. Part of the interface's contract;
+    // changing it is a major version.
+    // Test: HtmlLineBreaks.JoinWordsOutsidePreAndCountOneEachInside.
     if (!IsDropped() && in_pre_ && !in_noscript_) AppendLineBreak();
     Skip(1);
   }
@@ -325,7 +341,8 @@ class HtmlPass {
     Skip(1);
   }
 
-  // False when the "&" begins no reference and is an ordinary character.
+  // Converts the character reference at the current "&" and skips it. Returns false, and moves
+  // nowhere, when the "&" is an ordinary character.
   bool ReadReference() {
     const View rest = html_.substr(at_ + 1);
     char32_t name[kLongestReferenceName];
@@ -343,13 +360,14 @@ class HtmlPass {
     }
     if (c != 0) output_ += c;
     at_line_start_ = false;
-    // QUIRK: the name ends at 8 code points, whatever follows, and one more is taken for the ";".
-    // Test: HtmlReferences.ABareAmpersandSwallowsTenCodePoints.
+    // QUIRK: a name has at most 8 code points, and the one after it is skipped as if it were the
+    // ";". So an "&" without a ";" removes 10 code points. Part of the interface's contract;
+    // changing it is a major version. Test: HtmlReferences.ABareAmpersandSwallowsTenCodePoints.
     Skip(1 + length + 1);
     return true;
   }
 
-  // Text that is dropped, up to a tag's beginning or end.
+  // Skips text that is dropped, up to the next "<" or ">".
   void SkipToAngle() {
     constexpr std::size_t kUnits = base::kBytes16 / sizeof(Unit);
     for (; html_.size() - at_ >= kUnits; at_ += kUnits) {
@@ -362,8 +380,10 @@ class HtmlPass {
     while (at_ < html_.size() && !IsAngle(At(at_))) ++at_;
   }
 
-  // At least the current code point, whatever it is, as a character. No white space follows, so
-  // nobody asks what the text ended with.
+  // Copies a run of text, at least the current code point, and collapses white space: of each run
+  // of white space the first character is copied. Ends before markup or the end of the text, or
+  // before the second white space character of a run; the rest of that run is then skipped. So the
+  // code point after the run is never white space, and `previous_` need not be exact.
   void ReadText() {
     bool after_space = IsWhiteSpace(previous_);
     const std::size_t begin = at_;
@@ -392,15 +412,15 @@ class HtmlPass {
   View html_;
   std::size_t at_ = 0;
   std::u32string output_;
-  char32_t previous_ = 0;       // what the step before began with, output or not
-  std::size_t tag_depth_ = 0;   // "<" whose ">" has not come
-  std::size_t list_depth_ = 0;  // open ul and ol
-  std::size_t indent_left_;
+  char32_t previous_ = 0;       // the first code point of the previous step
+  std::size_t tag_depth_ = 0;   // number of "<" without their ">" so far
+  std::size_t list_depth_ = 0;  // number of open <ul> and <ol>
+  std::size_t indent_left_;     // spaces that may still be used to indent bullets
   bool in_script_ = false;
   bool in_style_ = false;
   bool in_noscript_ = false;
   bool in_pre_ = false;
-  bool at_line_start_ = true;  // nothing was output on the current line
+  bool at_line_start_ = true;  // nothing was written on the current output line
 };
 
 }  // namespace

@@ -1,8 +1,8 @@
-// From HTML to readable plain text.
+// Converts HTML to readable plain text.
 //
-// One forward pass over the code points, without a parse tree: tags go, some of them leave a line
-// break, a tab, a space or a bullet, script, style and noscript lose their text, character
-// references become characters, and runs of white space become one. Line breaks are CR.
+// Tags are removed; some of them become a line break, a tab, a space or a bullet. The text inside
+// script, style and noscript is removed. Character references become characters, and of each run
+// of white space only the first character stays. Line breaks in the result are CR.
 #pragma once
 
 #include <string>
@@ -10,11 +10,11 @@
 
 namespace zqv::text {
 
-// The plain text of an HTML text. Nothing in it is an error: a tag, comment or reference without
-// an end runs to the end of the text. Time and memory are linear in the input: bullets of lists
-// nested thousands deep are not indented any more.
+// The plain text of an HTML text, in code points. Accepts any input: a tag or comment without an
+// end extends to the end of the text. Takes O(n) time and memory; so that lists nested thousands
+// deep keep to that, all indentation in one text is limited to 4 million spaces.
 std::u32string HtmlToPlainText(std::u32string_view html);
-// The same of a text of ASCII characters.
+// The same for HTML that consists of ASCII characters only.
 std::u32string HtmlToPlainText(std::string_view html);
 
 }  // namespace zqv::text

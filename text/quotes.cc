@@ -1,4 +1,4 @@
-// A name may be wrapped in one pair of quotes, or in apostrophes inside double quotes:
+// Removes one pair of quotes, or apostrophes inside double quotes:
 //
 //   "Smith, John"    Smith, John
 //   "'John'"         John
@@ -13,10 +13,12 @@ namespace {
 
 constexpr std::size_t kShortestQuoted = 3;
 
+// Whether `text` begins and ends with `quote` and has something in between.
 bool IsWrapped(std::string_view text, char quote) {
   return text.size() >= kShortestQuoted && text.front() == quote && text.back() == quote;
 }
 
+// `text` without its first and last byte.
 std::string_view Inner(std::string_view text) { return text.substr(1, text.size() - 2); }
 
 }  // namespace

@@ -1,3 +1,13 @@
+// Two decoders, each with a fast path for regular input and a slow path for the rest. Both paths
+// give the same bytes as mimetic, whose decoders read one character at a time.
+//
+//   base64             "TWFu"          6-bit values 19 22 5 46, bytes "Man"
+//                      "TWE=", "TQ=="  bytes "Ma", "M"
+//   quoted-printable   "a=3Db=\r\nc"   bytes "a=bc"
+//
+// Base64: lines that hold only characters of the alphabet are decoded 16 or 32 characters at a time
+// by table lookup (base/bytes16.h); otherwise four at a time; otherwise character by character.
+// Quoted-printable: the characters that need attention are found for 64 characters at a time.
 #include "text/transfer_codes.h"
 
 #include <algorithm>
@@ -26,7 +36,7 @@ using base::LookUp;
 using base::StoreBytes16;
 using base::StoreWideBytes;
 using base::TableOf;
-using base::UpperHalves;
+using base::UpperNibbles;
 using base::WideBytes;
 
 static_assert(kWideBytes <= kBase64Slack);
@@ -34,14 +44,16 @@ static_assert(kWideBytes <= kBase64Slack);
 constexpr std::string_view kAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-// By character: its six bits, or one of these. Both have a bit that no value has.
-constexpr std::uint8_t kStranger = 0x80;
+// Entries of kSixBits for characters without a 6-bit value. Each has a bit that no value has, so
+// that an "or" of several entries shows whether one of them is such a character.
+constexpr std::uint8_t kNotInAlphabet = 0x80;
 constexpr std::uint8_t kEquals = 0x40;
+// Mimetic's decoding table has 100 for "=", of which six bits are used where it is no padding.
 constexpr std::uint32_t kEqualsAsValue = 100 & 63;
 
 constexpr std::array<std::uint8_t, 256> MakeSixBits() {
   std::array<std::uint8_t, 256> table{};
-  for (std::uint8_t& entry : table) entry = kStranger;
+  for (std::uint8_t& entry : table) entry = kNotInAlphabet;
   for (std::size_t i = 0; i < kAlphabet.size(); ++i) {
     table[static_cast<unsigned char>(kAlphabet[i])] = static_cast<std::uint8_t>(i);
   }
@@ -52,18 +64,22 @@ constexpr std::array<std::uint8_t, 256> kSixBits = MakeSixBits();
 
 std::uint32_t SixBits(char c) { return kSixBits[static_cast<unsigned char>(c)]; }
 
-// By the upper and by the lower half of a character: a bit that both have tells that the character
-// is not of the alphabet. `shift` is what makes a character its value, by the upper half, but for
-// "/", whose row is the one before.
-struct HalfTables {
+// Lookup tables for validating and decoding many characters at a time. A character is split into
+// its upper and lower four bits ("nibbles"), each of which indexes a table:
+//
+//   upper[u] & lower[l]   nonzero if the character is not in the alphabet. Each upper nibble from 2
+//                         to 7 has a bit of its own, which lower[l] has if that character is not.
+//   shift[u]              what to add to the character to get its 6-bit value. "/" shares its upper
+//                         nibble with "+" and needs another shift; it uses index u - 1.
+struct NibbleTables {
   std::array<std::int8_t, kBytes16> upper;
   std::array<std::int8_t, kBytes16> lower;
   std::array<std::int8_t, kBytes16> shift;
 };
 
-constexpr HalfTables MakeHalfTables() {
+constexpr NibbleTables MakeNibbleTables() {
   constexpr std::int8_t kNever = 0x40;
-  HalfTables tables{};
+  NibbleTables tables{};
   for (std::size_t upper = 0; upper < 16; ++upper) {
     const bool has_any = upper >= 2 && upper < 8;
     const auto bit = static_cast<std::int8_t>(has_any ? 1 << (upper - 2) : kNever);
@@ -79,50 +95,52 @@ constexpr HalfTables MakeHalfTables() {
   }
   return tables;
 }
-constexpr HalfTables kHalves = MakeHalfTables();
+constexpr NibbleTables kNibbles = MakeNibbleTables();
 
-// From bits in 32-bit words to bytes, the highest first.
+// For each 32-bit word with 24 bits of output: the order of its three bytes, the highest first.
 constexpr std::array<std::int8_t, kBytes16> kByteOrder = {2, 1,  0,  6,  5,  4,  10, 9,
                                                           8, 14, 13, 12, -1, -1, -1, -1};
 
-// A place in a text and in what it gives, which the processor keeps in registers.
-struct Places {
+// The current positions in the input and in the output. Kept in a local variable, not in members,
+// so that the compiler can hold both in registers.
+struct Positions {
   const char* at;
   char* out;
 };
 
-// Where bytes can be looked up, whole lines of the alphabet are read a block at a time: four
-// characters to three bytes, and as many more bytes at the end as fill the block, which count for
-// nothing. Gives a byte that is not 0 where a character is not of the alphabet; then what was
-// written means nothing.
+// Decodes kWideBytes characters to 3/4 as many bytes. Always writes kWideBytes bytes: the last
+// quarter is garbage. Returns a vector that is nonzero in each lane whose character is not in the
+// alphabet; if any is, everything written is garbage.
 ZQV_LOOKS_UP inline WideBytes DecodeBlock(const char* in, char* out) {
   const WideBytes c = LoadWideBytes(in);
-  const WideBytes upper = UpperHalves(c);
-  const WideBytes strange =
-      LookUp(TableOf(kHalves.upper), upper) & LookUp(TableOf(kHalves.lower), c & 0x0F);
-  const WideBytes values = c + LookUp(TableOf(kHalves.shift), upper + (c == '/'));
+  const WideBytes upper = UpperNibbles(c);
+  const WideBytes invalid =
+      LookUp(TableOf(kNibbles.upper), upper) & LookUp(TableOf(kNibbles.lower), c & 0x0F);
+  const WideBytes values = c + LookUp(TableOf(kNibbles.shift), upper + (c == '/'));
   StoreWideBytes(JoinTwelves(LookUp(JoinSixBits(values), TableOf(kByteOrder))), out);
-  return strange;
+  return invalid;
 }
 
-// Lines of `length` characters, a block at the least, each with a line end behind it; up to one
-// that holds another character. A line's last block begins within the one before, where the length
-// asks for it, and gives the same bytes again.
-ZQV_LOOKS_UP Places DecodeLines(Places places, const char* end, std::size_t length) {
+// Decodes consecutive lines of exactly `length` characters, as long as each is followed by a line
+// end and holds only characters of the alphabet. Returns the positions after the last such line.
+// `length` is at least kWideBytes. When it is no multiple of kWideBytes, the last block of a line
+// overlaps the one before it and writes some bytes a second time.
+ZQV_LOOKS_UP Positions DecodeLines(Positions positions, const char* end, std::size_t length) {
   const std::size_t last = length - kWideBytes;
-  while (static_cast<std::size_t>(end - places.at) > length && base::IsLineEnd(places.at[length])) {
-    WideBytes strange = {};
+  while (static_cast<std::size_t>(end - positions.at) > length &&
+         base::IsLineEnd(positions.at[length])) {
+    WideBytes invalid = {};
     std::size_t block = 0;
     while (true) {
-      strange |= DecodeBlock(places.at + block, places.out + block / 4 * 3);
+      invalid |= DecodeBlock(positions.at + block, positions.out + block / 4 * 3);
       if (block == last) break;
       block = std::min(block + kWideBytes, last);
     }
-    if (!IsAllZero(strange)) break;
-    places.at = std::find_if_not(places.at + length, end, base::IsLineEnd);
-    places.out += length / 4 * 3;
+    if (!IsAllZero(invalid)) break;
+    positions.at = std::find_if_not(positions.at + length, end, base::IsLineEnd);
+    positions.out += length / 4 * 3;
   }
-  return places;
+  return positions;
 }
 
 class Base64Decoder {
@@ -134,12 +152,12 @@ class Base64Decoder {
         out_(out),
         can_look_up_(CanLookUp()) {}
 
-  // The end of what was decoded.
+  // Decodes the whole text. Returns the end of the output.
   char* Run() {
     while (at_ != end_) {
       if (can_look_up_ && IsAtLineStart()) ReadLines();
       for (std::uint32_t bits = 0; IsRegular(bits); at_ += kGroup) Put(bits, 3);
-      at_ = std::find_if_not(at_, end_, [](char c) { return SixBits(c) == kStranger; });
+      at_ = std::find_if_not(at_, end_, [](char c) { return SixBits(c) == kNotInAlphabet; });
       std::uint32_t bits = 0;
       if (!IsRegular(bits)) ReadGroup();
     }
@@ -149,11 +167,12 @@ class Base64Decoder {
  private:
   static constexpr std::ptrdiff_t kGroup = 4;
 
-  // Only there is a line looked for: looked for everywhere, junk without line ends would cost a
-  // thousand times as much.
+  // ReadLines is tried at line starts only. It searches up to 1,024 characters for a line end,
+  // which at every position of a text without line ends would take a thousand times as long.
   bool IsAtLineStart() const { return at_ == begin_ || base::IsLineEnd(at_[-1]); }
 
-  // Lines of one length that hold nothing but the alphabet.
+  // Decodes lines as long as the one at the current position. Does nothing when that line is too
+  // short, too long, or no whole number of groups.
   void ReadLines() {
     constexpr std::ptrdiff_t kLongest = 1024;
     const char* const longest = end_ - at_ > kLongest ? at_ + kLongest : end_;
@@ -161,12 +180,12 @@ class Base64Decoder {
         std::find_if(at_, longest, [](char c) { return base::IsLineEnd(c); });
     const auto length = static_cast<std::size_t>(line_end - at_);
     if (line_end == longest || length < kWideBytes || length % kGroup != 0) return;
-    const Places rest = DecodeLines({at_, out_}, end_, length);
+    const Positions rest = DecodeLines({at_, out_}, end_, length);
     at_ = rest.at;
     out_ = rest.out;
   }
 
-  // Whether the next four characters are all of the alphabet; then what they give.
+  // Whether the next four characters are all in the alphabet. If so, sets the 24 bits of the group.
   bool IsRegular(std::uint32_t& bits) const {
     if (end_ - at_ < kGroup) return false;
     const std::uint32_t a = SixBits(at_[0]);
@@ -177,14 +196,15 @@ class Base64Decoder {
     return (a | b | c | d) < kEquals;
   }
 
-  // The next four characters that count, or as many as there are.
+  // Decodes one group of four characters, with padding, skipping characters outside the alphabet.
+  // The group is shorter at the end of the text.
   void ReadGroup() {
     std::uint32_t bits = 0;
-    std::size_t known = 0;  // of the bits, from the left
+    std::size_t known = 0;  // number of bits set so far, from the highest of 24
     bool has_ended = false;
     for (std::size_t read = 0; at_ != end_ && read < kGroup; ++at_) {
       const std::uint32_t value = SixBits(*at_);
-      if (value == kStranger) continue;
+      if (value == kNotInAlphabet) continue;
       ++read;
       has_ended = has_ended || (value == kEquals && read > 2);
       if (has_ended) continue;
@@ -194,7 +214,7 @@ class Base64Decoder {
     Put(bits, known / 8);
   }
 
-  // The first `count` of three bytes.
+  // Writes the first `count` of the three bytes in the low 24 of `bits`, the highest first.
   void Put(std::uint32_t bits, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) *out_++ = static_cast<char>(bits >> (16 - 8 * i));
   }
@@ -206,7 +226,8 @@ class Base64Decoder {
   const bool can_look_up_;
 };
 
-// What ends a run of characters that stay: "=" and control characters but the tab.
+// Maps each character to whether it ends a run of characters that are copied unchanged: "=" and all
+// control characters but the tab do.
 constexpr std::array<bool, 256> MakeEndsRun() {
   std::array<bool, 256> table{};
   for (std::size_t c = 0; c < ' '; ++c) table[c] = c != '\t';
@@ -256,93 +277,99 @@ class QuotedPrintableDecoder {
   }
 
  private:
+  // The mask (bytes16.h) of the characters that end a run, as kEndsRun.
   static Bytes16 EndRun(Bytes16 c) {
     const Bytes16 are_controls = (c & ~(' ' - 1)) == 0;
     return (c == '=') | (are_controls & (c != '\t'));
   }
 
-  // What ends runs is found for 64 characters at once and then visited, so that the processor need
-  // not guess each run's length. Stops at what is no code, soft break or line end of the usual
-  // kind, and near the end of the text. What such a code or break ends in is never a blank, so that
-  // blanks before a line end may be looked for from where this began.
+  // The fast path. For each block of 64 characters it computes a bit set of the characters that end
+  // a run and then visits them, which costs fewer mispredicted branches than a loop over each run.
+  // Stops at a character that ReadRegularEnd does not accept, and near the end of the text.
+  //
+  // `run_` stays at the start of the whole stretch, although EndLine searches the input backwards
+  // to it for blanks: a code ends in a digit and a line end in LF, where that search stops.
   void ReadRegular() {
-    Places places{at_, out_};
+    Positions positions{at_, out_};
     bool is_regular = true;
-    while (is_regular && end_ - places.at >= 2 * kBytes64) {
-      const char* const block = places.at;
+    while (is_regular && end_ - positions.at >= 2 * kBytes64) {
+      const char* const block = positions.at;
       std::uint64_t ends = base::BitsOf64(block, EndRun);
       for (; is_regular && ends != 0; ends &= ends - 1) {
         const char* const end = block + __builtin_ctzll(ends);
-        if (end < places.at) continue;  // taken with the one before
-        KeepShort(end, places);
-        is_regular = ReadRegularEnd(places);
+        if (end < positions.at) continue;  // consumed already, as part of a code or CRLF
+        KeepShort(end, positions);
+        is_regular = ReadRegularEnd(positions);
       }
-      if (is_regular && places.at < block + kBytes64) KeepShort(block + kBytes64, places);
+      if (is_regular && positions.at < block + kBytes64) KeepShort(block + kBytes64, positions);
     }
-    at_ = places.at;
-    out_ = places.out;
+    at_ = positions.at;
+    out_ = positions.out;
   }
 
-  // "=" and two digits, "=" and CRLF, or CRLF without blanks before it; false, with nothing taken,
-  // when it is none of them.
-  bool ReadRegularEnd(Places& places) const {
-    const char* const at = places.at;
+  // Decodes "=" with two digits, "=" with CRLF, or CRLF without a blank before it. Returns false,
+  // and consumes nothing, at anything else.
+  bool ReadRegularEnd(Positions& positions) const {
+    const char* const at = positions.at;
     if (*at == '=') {
       const int byte = ByteAt(at);
       if (byte >= 0) {
-        *places.out++ = static_cast<char>(byte);
+        *positions.out++ = static_cast<char>(byte);
       } else if (at[1] != '\r' || at[2] != '\n') {
         return false;
       }
-      places.at += 3;
+      positions.at += 3;
       return true;
     }
     if (at[0] != '\r' || at[1] != '\n' || (at != run_ && base::IsBlank(at[-1]))) return false;
-    *places.out++ = '\n';
-    places.at += 2;
+    *positions.out++ = '\n';
+    positions.at += 2;
     return true;
   }
 
-  // Keeps 64 characters at the most, and may write as many whatever their number.
-  static void KeepShort(const char* end, Places& places) {
-    const auto copy = [&places](std::size_t block) {
-      StoreBytes16(LoadBytes16(places.at + block * kBytes16), places.out + block * kBytes16);
+  // Copies the characters up to `end`, at most 64 of them. May write up to 64 bytes in any case.
+  static void KeepShort(const char* end, Positions& positions) {
+    const auto copy = [&positions](std::size_t block) {
+      StoreBytes16(LoadBytes16(positions.at + block * kBytes16), positions.out + block * kBytes16);
     };
-    const std::ptrdiff_t length = end - places.at;
+    const std::ptrdiff_t length = end - positions.at;
     copy(0);
     copy(1);
     if (length > 2 * static_cast<std::ptrdiff_t>(kBytes16)) {
       copy(2);
       copy(3);
     }
-    places.at = end;
-    places.out += length;
+    positions.at = end;
+    positions.out += length;
   }
 
+  // Copies the characters up to `end`.
   void Keep(const char* end) {
     out_ = std::copy(at_, end, out_);
     at_ = end;
   }
 
+  // Skips blanks.
   const char* BlanksEnd(const char* at) const {
     while (at != end_ && base::IsBlank(*at)) ++at;
     return at;
   }
 
-  // Two different ones belong together.
+  // Skips a line end: CR, LF, or one of each in either order.
   void TakeLineEnd() {
     const char first = *at_++;
     if (at_ != end_ && base::IsLineEnd(*at_) && *at_ != first) ++at_;
   }
 
-  // The rest of the text, blanks or the start of a code.
+  // Handles the end of the text when blanks or an incomplete code are left there. Writes what
+  // mimetic writes for it.
   void TakeUndecided() {
     *out_++ = '=';
     if (end_ - at_ > 1 && at_[1] == '\t') *out_++ = '\t';
     at_ = end_;
   }
 
-  // Keeps all up to what ends the run.
+  // Copies up to the character that ends the run.
   void KeepRun() {
     while (static_cast<std::size_t>(end_ - at_) >= kBytes16) {
       const Bytes16 c = LoadBytes16(at_);
@@ -357,8 +384,9 @@ class QuotedPrintableDecoder {
     Keep(run_end);
   }
 
-  // The end of a line or of the text, after a run of characters. Blanks before it go, and then only
-  // the line end's first character.
+  // Handles the end of a line or of the text. Removes the blanks before it from the output. If
+  // there were any, skips only the first character of the line end; otherwise writes LF for all of
+  // it.
   void EndLine() {
     const char* blanks = at_;
     while (blanks != run_ && base::IsBlank(blanks[-1])) --blanks;
@@ -374,6 +402,7 @@ class QuotedPrintableDecoder {
     }
   }
 
+  // Handles "=": a code, a soft line break, or neither.
   void ReadEquals() {
     if (end_ - at_ > 2 && ReadByte()) return;
     const char* const rest = BlanksEnd(at_ + 1);
@@ -385,14 +414,14 @@ class QuotedPrintableDecoder {
     } else if (rest != at_ + 1) {
       Keep(rest);
     } else {
-      KeepNoByte();
+      KeepMalformed();
     }
   }
 
-  // The value of the two digits behind "="; negative when they are something else.
+  // The value of the two hexadecimal digits after "="; negative when one of them is no digit.
   static int ByteAt(const char* at) { return DigitValue(at[1]) * 16 | DigitValue(at[2]); }
 
-  // "=" and two digits; false when it is something else.
+  // Decodes "=" with two digits. Returns false, and consumes nothing, at anything else.
   bool ReadByte() {
     const int byte = ByteAt(at_);
     if (byte < 0) return false;
@@ -401,9 +430,9 @@ class QuotedPrintableDecoder {
     return true;
   }
 
-  // "=" and a character that is neither a blank nor a line end, which is no byte: it stays, with
-  // another after a digit.
-  void KeepNoByte() {
+  // Copies "=" and the character after it, which are no code. If that character is a digit, the one
+  // after it is copied, too.
+  void KeepMalformed() {
     const bool has_digit = DigitValue(at_[1]) >= 0 && end_ - at_ > 2;
     Keep(at_ + (has_digit ? 3 : 2));
   }
@@ -412,7 +441,7 @@ class QuotedPrintableDecoder {
 
   const char* at_;
   const char* end_;
-  const char* run_;  // where the run of characters that stay began
+  const char* run_;  // start of the run of characters that are copied unchanged
   DecodedBytes decoded_;
   char* out_;
 };
