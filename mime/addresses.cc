@@ -1,17 +1,18 @@
-// A value is read in two passes: the first counts, so that all memory is taken at once, the second
-// fills it. Both visit a list's entries, and in a group its members:
+// A value is parsed in two passes. The first counts mailboxes, groups and addresses, so that all
+// memory can be allocated at once; the second fills it. Both visit the entries of a list and the
+// members of each group:
 //
 //   Team: ada@example.org, "B, C" <b@c>; , d@e
 //   |------------- entry --------------| entry      a list of two addresses
 //         |--- member --|  |- member -|             the first of which is a group of two mailboxes
 //
-// A mailbox is taken apart from its end to its start, as the MIME library does it:
+// A mailbox is split from its end to its start, as mimetic does it:
 //
 //   Ada (x) <@route.example:ada@example.org>
-//   |label|  |--- route --| | | |- domain-|         with the local part between them
+//   |label|  |--- route --| | | |- domain-|         the local part stands between route and domain
 //
-// The results are the library's for every text. They differ from RFC 5322: no backslash quotes a
-// character, and a comment does not hide a comma, a colon or an '<'.
+// Results equal mimetic's for every value. They differ from RFC 5322, section 3.2: a backslash does
+// not quote a character, and a comment does not hide a comma, a colon or a '<' in it.
 #include "mime/addresses.h"
 
 #include <algorithm>
@@ -34,20 +35,21 @@ bool IsAnyOf(char c) {
   return ((c == kWanted) || ...);
 }
 
-// Each byte that is one of the wanted characters is set.
+// The mask (base/bytes16.h) of the bytes that are one of the wanted characters.
 template <char... kWanted>
 base::Bytes16 AreAnyOf(base::Bytes16 bytes) {
   return ((bytes == kWanted) | ...);
 }
 
-// Finds the wanted characters of a text, none of which is NUL, one after the other.
+// Iterates over the occurrences of the wanted characters in a text, from front to back. NUL cannot
+// be a wanted character, because the last block is padded with it.
 template <char... kWanted>
 class CharacterFinder {
  public:
   explicit CharacterFinder(std::string_view text)
       : next_block_(text.data()), end_(text.data() + text.size()) {}
 
-  // The next one, or the text's end.
+  // Returns the next occurrence, or the end of the text.
   const char* Next() {
     while (bits_ == 0) {
       if (next_block_ == end_) return end_;
@@ -76,19 +78,19 @@ class CharacterFinder {
   }
 
   const char* block_ = nullptr;
-  std::uint64_t bits_ = 0;  // of the characters in the block that are still to be given
+  std::uint64_t bits_ = 0;  // the occurrences in the block that Next has not returned yet
   const char* next_block_;
   const char* end_;
 };
 
-// Searches parts of a value, sixteen bytes at once. A block may reach past the part but never past
-// the value, near whose ends bytes are compared one by one.
+// Searches parts of a value, sixteen bytes at a time. A block may extend beyond the part but never
+// beyond the value; near the ends of the value bytes are compared one by one.
 class Scanner {
  public:
   explicit Scanner(std::string_view value)
       : begin_(value.data()), end_(value.data() + value.size()) {}
 
-  // Whether one of the wanted characters is in the part.
+  // Whether the part contains one of the wanted characters.
   template <char... kWanted>
   bool Has(std::string_view part) const {
     const char* at = part.data();
@@ -103,7 +105,7 @@ class Scanner {
     return false;
   }
 
-  // The last of the wanted characters in [limit, at), or null.
+  // The last occurrence of a wanted character in [limit, at), or null.
   template <char... kWanted>
   const char* Last(const char* limit, const char* at) const {
     for (; at > limit && at - begin_ >= kBlock; at -= kBlock) {
@@ -127,7 +129,7 @@ class Scanner {
   const char* end_;
 };
 
-// The first of the wanted characters outside double quotes, or the end.
+// The first occurrence of a wanted character outside double quotes, or the end of the text.
 template <char... kWanted>
 const char* FirstUnquoted(std::string_view text) {
   CharacterFinder<'"', kWanted...> finder(text);
@@ -156,11 +158,13 @@ bool IsAllSpaces(std::string_view text) {
 
 enum class ListKind { kMailboxes, kAddresses };
 
-// Calls visit(entry, has_colon) for each entry of a list; a group has a colon outside of quotes.
-// QUIRK: an empty entry counts, but not at the end; neither do spaces there.
-// Test: Addresses.EmptyEntries.
-// QUIRK: among addresses, from a colon to the next semicolon no comma ends an entry, whatever the
-// colon means. Test: Addresses.AColonSwallowsTheAddressesBehindIt.
+// Calls visit(entry, has_colon) for each entry of a list. `has_colon` says whether the entry
+// contains a colon outside quotes, as every group does.
+// QUIRK: an entry may be empty, except that nothing, or only spaces, after the last comma is no
+// entry. Equal to mimetic's result. Test: Addresses.EmptyEntries.
+// QUIRK: in a list of addresses no comma ends an entry between a colon and the next semicolon, even
+// if the colon does not begin a group. Equal to mimetic's result.
+// Test: Addresses.AColonSwallowsTheAddressesBehindIt.
 template <class Visit>
 void ForEachEntry(std::string_view list, ListKind kind, Visit visit) {
   CharacterFinder<'"', ',', ':', ';'> finder(list);
@@ -185,20 +189,20 @@ void ForEachEntry(std::string_view list, ListKind kind, Visit visit) {
   if (!IsAllSpaces(Between(start, end))) visit(Between(start, end), has_colon);
 }
 
+// Whether a colon outside quotes stands before any '<' outside quotes.
 bool IsGroup(std::string_view address) {
   const char* const first = FirstUnquoted<':', '<'>(address);
   return first != address.data() + address.size() && *first == ':';
 }
 
-// Calls visit(member) for each mailbox of a group's, of which `members` is all behind the name's
-// colon.
+// Calls visit(member) for each member of a group. `members` is everything after the group's colon.
 template <class Visit>
 void ForEachMember(std::string_view members, Visit visit) {
   CharacterFinder<';', ',', '"', '<', '>', '(', ')'> finder(members);
   const char* const end = members.data() + members.size();
   const char* start = members.data();
   bool in_quotes = false;
-  std::ptrdiff_t open = 0;  // parentheses
+  std::ptrdiff_t open = 0;  // number of open parentheses; may be negative
   std::ptrdiff_t open_angles = 0;
   for (const char* at = finder.Next(); at != end; at = finder.Next()) {
     if (*at == '"') {
@@ -213,8 +217,8 @@ void ForEachMember(std::string_view members, Visit visit) {
       start = at + 1;
     }
   }
-  // QUIRK: without a semicolon the last character is lost.
-  // Test: Addresses.AGroupWithoutSemicolonLosesItsLastCharacter.
+  // QUIRK: the last member of a group without a semicolon loses its last character. Equal to
+  // mimetic's result. Test: Addresses.AGroupWithoutSemicolonLosesItsLastCharacter.
   if (start != end) visit(Between(start, end - 1));
 }
 
@@ -226,7 +230,7 @@ std::size_t CountMembers(std::string_view group) {
   return count;
 }
 
-// What a value has.
+// The result of the first pass.
 struct Counts {
   std::size_t addresses = 0;
   std::size_t groups = 0;
@@ -251,23 +255,24 @@ Counts CountAddresses(std::string_view list) {
   return counts;
 }
 
-// What is known of a mailbox that was taken apart.
+// What splitting a mailbox tells about it, to save work in the usual case.
 struct Split {
-  bool is_text_form;  // its text is what the library writes of its parts
-  bool is_canonical;  // its parts have no comments and no spaces; otherwise they may
+  bool is_text_form;  // mimetic writes exactly the text that was split
+  bool is_canonical;  // no part has comments or spaces; when false, a part may have some
 };
 
-// QUIRK: a first space is never dropped. Test: Addresses.ALabelOfOneSpaceStays.
+// Removes spaces at the end of a label. QUIRK: one that consists of spaces keeps the first. Equal
+// to mimetic's result. Test: Addresses.ALabelOfOneSpaceStays.
 std::string_view Label(std::string_view text) {
   while (text.size() > 1 && text.back() == ' ') text.remove_suffix(1);
   return text;
 }
 
-// Gives an empty mailbox the parts of a text that ends in '>'.
+// Splits a text that ends in '>' into the parts of a mailbox, which must be empty.
 Split SplitWithAngles(const Scanner& value, std::string_view text, Mailbox& parts) {
   const char* const begin = text.data();
   const char* const closing = begin + text.size() - 1;
-  const char* end = closing;  // of the part to the left of it
+  const char* end = closing;  // end of the part being scanned: the '>', '@' or ':' after it
   bool is_canonical = true;
   for (const char* at = end; (at = value.Last<'<', '@', ':', ' ', '('>(begin, at)) != nullptr;) {
     const std::string_view part = Between(at + 1, end);
@@ -291,7 +296,7 @@ Split SplitWithAngles(const Scanner& value, std::string_view text, Mailbox& part
   return {false, is_canonical};
 }
 
-// Gives an empty mailbox the parts of any other text.
+// Splits a text that does not end in '>'. It has no label and no source route.
 Split SplitWithoutAngles(const Scanner& value, std::string_view text, Mailbox& parts) {
   const char* const begin = text.data();
   bool in_quotes = false;
@@ -312,14 +317,14 @@ Split SplitWithoutAngles(const Scanner& value, std::string_view text, Mailbox& p
   return {false, true};
 }
 
-// Puts what it reads of a value into the value's memory.
+// The second pass: parses entries and stores them, and their texts, in an AddressMemory.
 class Reader {
  public:
-  // `counts` must be exact: entries point at each other, and nothing may move.
+  // `counts` must be exact: entries hold pointers to each other, so the vectors must not grow.
   Reader(std::string_view value, const Counts& counts, AddressMemory& memory)
       : scanner_(value), value_size_(value.size()), memory_(memory) {
-    // The text form of a mailbox adds at most a blank and an '@' to what the value has of it, that
-    // of a group a semicolon, and a separator a blank.
+    // An upper bound: a mailbox's text is at most a space and an '@' longer than its entry in the
+    // value, a group's a semicolon, and ", " is a space longer than the comma in the value.
     const std::size_t most = value.size() + 2 * counts.mailboxes + counts.groups +
                              std::max(counts.mailboxes, counts.addresses);
     memory.text_bytes.reset(new char[most]);
@@ -329,6 +334,7 @@ class Reader {
     text_end_ = memory.text_bytes.get();
   }
 
+  // Each of the next three appends one entry and its text.
   const Mailbox& ReadMailbox(std::string_view text) {
     Mailbox& mailbox = memory_.mailboxes.emplace_back();
     const Split split = !text.empty() && text.back() == '>'
@@ -356,7 +362,8 @@ class Reader {
       Append(group.name);
       ReadMembers(Between(colon + 1, end));
     }
-    // QUIRK: no colon behind the name, no blank behind a comma. Test: Addresses.TextOfAGroup.
+    // QUIRK: the text of a group has no colon after the name and no space after a comma. Equal to
+    // mimetic's result. Test: Addresses.TextOfAGroup.
     Append(";");
     group.text = Between(start, text_end_);
     group.mailboxes = {memory_.mailboxes.data() + first, memory_.mailboxes.size() - first};
@@ -373,7 +380,7 @@ class Reader {
 
   void AppendSeparator() { Append(", "); }
 
-  // The whole text is all that was appended.
+  // Sets the text of the whole value: everything that was appended.
   void Finish() { memory_.text = Between(memory_.text_bytes.get(), text_end_); }
 
  private:
@@ -392,7 +399,8 @@ class Reader {
     text_end_ += text.size();
   }
 
-  // QUIRK: a source route is written only of a mailbox with a label, and in its place.
+  // Appends a mailbox's text, made of its parts. QUIRK: a source route is written instead of the
+  // label and the '<', and not at all without a label. Equal to mimetic's result.
   // Test: Addresses.ASourceRouteTakesTheLabelsPlace.
   void AppendParts(const Mailbox& parts) {
     const bool has_label = !parts.label.empty();
@@ -409,6 +417,7 @@ class Reader {
     if (has_label) Append(">");
   }
 
+  // Removes comments and spaces from the parts of a mailbox.
   void MakeCanonical(Mailbox& mailbox) {
     mailbox.local_part = Canonical(mailbox.local_part);
     mailbox.domain = Canonical(mailbox.domain);
@@ -420,8 +429,9 @@ class Reader {
     return scanner_.Has<' ', '('>(part) ? RemoveComments(part) : part;
   }
 
-  // Removes the comments, and the spaces outside comments and quotes. QUIRK: the spaces to the left
-  // of a '>' stay, as do those to the left of a parenthesis without its partner.
+  // Removes comments, and the spaces outside comments and quotes. The part is read from its end to
+  // its start and written into `part_bytes` likewise. QUIRK: spaces to the left of a '>' or of an
+  // unmatched parenthesis stay. Equal to mimetic's result.
   // Test: Addresses.PartsWithoutCommentsAndBlanks.
   std::string_view RemoveComments(std::string_view part) {
     if (parts_begin_ == nullptr) {
@@ -432,7 +442,7 @@ class Reader {
     char* comment_end = end;
     bool in_quotes = false;
     bool is_left_of_angle = false;
-    std::ptrdiff_t comments = 0;  // that are open, from the right; may be negative
+    std::ptrdiff_t comments = 0;  // number of ')' without their '(' so far; may be negative
     for (std::size_t i = part.size(); i > 0; --i) {
       const char c = part[i - 1];
       if (c == '"') {
@@ -455,7 +465,7 @@ class Reader {
   const std::size_t value_size_;
   AddressMemory& memory_;
   char* text_end_;
-  char* parts_begin_ = nullptr;  // what was made of parts begins here, and grows to the left
+  char* parts_begin_ = nullptr;  // start of the used rest of `part_bytes`, which fills from its end
 };
 
 }  // namespace

@@ -1,9 +1,10 @@
-// Mailboxes, groups and lists of them in a field's value (RFC 5322, section 3.4), as the MIME
-// library reads them.
+// Parses the address fields of a header, such as From and To (RFC 5322, section 3.4). Results equal
+// those of mimetic, the MIME library (THIRD_PARTY.md), also for malformed values.
 //
-// Every text is a view: of the value where the value has it in one piece, otherwise of memory that
-// the object owns. So a value must outlive the object that reads it, and the views live as long as
-// both. Moving the object leaves its views where they are. A value may hold any bytes.
+// Each class below parses one field value in its constructor. All texts are views: of the value
+// where the text stands in it unchanged, otherwise of memory that the object owns. So the value
+// must outlive the object. Views stay valid when the object is moved. A value may contain any
+// bytes. Constructors throw std::bad_alloc and nothing else.
 #pragma once
 
 #include <cstddef>
@@ -13,14 +14,16 @@
 
 namespace zqv::mime {
 
+// "Ada (x) <@route:ada@example.org>". Comments and spaces are removed from the last three texts.
 struct Mailbox {
-  std::string_view text;          // the library's text form; "@" for an empty mailbox
+  std::string_view text;          // as mimetic writes the mailbox; "@" when it is empty
   std::string_view label;         // the display name with its quotes and comments
-  std::string_view local_part;    // without comments and blanks, as are the next two
-  std::string_view domain;        // behind the last '@'; without one both are empty
-  std::string_view source_route;  // RFC 5322, section 4.4
+  std::string_view local_part;    // before the '@'; empty without an '@'
+  std::string_view domain;        // after the last '@'; empty without an '@'
+  std::string_view source_route;  // before the ':' (RFC 5322, section 4.4); usually empty
 };
 
+// Consecutive mailboxes. [borrowed from the object that parsed the value]
 struct MailboxRange {
   const Mailbox* begin() const { return first; }
   const Mailbox* end() const { return first + count; }
@@ -32,13 +35,14 @@ struct MailboxRange {
   std::size_t count = 0;
 };
 
+// "Team: ada@example.org, bob@example.net;"
 struct Group {
-  std::string_view text;  // the library's text form; ";" for an empty group
+  std::string_view text;  // as mimetic writes the group; ";" when it is empty
   std::string_view name;  // with its quotes and comments
   MailboxRange mailboxes;
 };
 
-// Either a mailbox or a group; the other one is null.
+// Either a mailbox or a group; the pointer to the other is null. [borrowed like MailboxRange]
 struct Address {
   bool is_group() const { return group != nullptr; }
   std::string_view text() const { return is_group() ? group->text : mailbox->text; }
@@ -47,20 +51,20 @@ struct Address {
   const Group* group = nullptr;
 };
 
-// What was read from a value, and the memory of it.
+// The results of parsing a value, and the memory of their texts.
 struct AddressMemory {
-  std::vector<Mailbox> mailboxes;  // those of groups, too
+  std::vector<Mailbox> mailboxes;  // all of them, also the members of groups
   std::vector<Group> groups;
-  std::vector<Address> addresses;      // of a value that is read as addresses
-  std::string_view text;               // of the whole value; the entries' texts are parts of it
-  std::unique_ptr<char[]> text_bytes;  // those of `text`
-  std::unique_ptr<char[]> part_bytes;  // of parts that lost comments or blanks
+  std::vector<Address> addresses;      // empty when the value is parsed as mailboxes only
+  std::string_view text;               // all entries as mimetic writes them; lies in `text_bytes`
+  std::unique_ptr<char[]> text_bytes;  // `text`, of which the texts of entries are views
+  std::unique_ptr<char[]> part_bytes;  // parts of mailboxes after comments or spaces were removed
 };
 
-// The readers. CountMailboxes tells how many mailboxes the reader would make of a value, without
-// taking memory. None of them throws anything but std::bad_alloc.
+// In each class, CountMailboxes(value) returns how many mailboxes parsing `value` gives, members of
+// groups included. It allocates nothing.
 
-// A value as one mailbox.
+// Parses a value as one mailbox.
 class MailboxValue {
  public:
   explicit MailboxValue(std::string_view value = {});
@@ -73,7 +77,7 @@ class MailboxValue {
   AddressMemory memory_;
 };
 
-// A value as one group. Without a colon it is an empty group without a name.
+// Parses a value as one group. A value without a colon gives an empty group without a name.
 class GroupValue {
  public:
   explicit GroupValue(std::string_view value = {});
@@ -86,7 +90,8 @@ class GroupValue {
   AddressMemory memory_;
 };
 
-// A value as one address: a group when a colon comes before any '<', neither of them in quotes.
+// Parses a value as one address. It is a group when it has a colon outside quotes and no '<'
+// outside quotes before that colon, and otherwise a mailbox.
 class AddressValue {
  public:
   explicit AddressValue(std::string_view value = {});
@@ -99,13 +104,13 @@ class AddressValue {
   AddressMemory memory_;
 };
 
-// Mailboxes between commas. The text has ", " between them.
+// Parses a value as mailboxes separated by commas. In the text, ", " separates them.
 class MailboxList {
  public:
   explicit MailboxList(std::string_view value = {});
   static std::size_t CountMailboxes(std::string_view value);
 
-  const MailboxList& operator*() const { return *this; }  // as the values above
+  const MailboxList& operator*() const { return *this; }  // for templates that serve all classes
 
   std::string_view text() const { return memory_.text; }
   const Mailbox* begin() const { return memory_.mailboxes.data(); }
@@ -118,13 +123,13 @@ class MailboxList {
   AddressMemory memory_;
 };
 
-// Addresses between commas. The text has ", " between them.
+// Parses a value as addresses separated by commas. In the text, ", " separates them.
 class AddressList {
  public:
   explicit AddressList(std::string_view value = {});
   static std::size_t CountMailboxes(std::string_view value);
 
-  const AddressList& operator*() const { return *this; }  // as the values above
+  const AddressList& operator*() const { return *this; }  // for templates that serve all classes
 
   std::string_view text() const { return memory_.text; }
   const Address* begin() const { return memory_.addresses.data(); }

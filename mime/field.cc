@@ -1,5 +1,5 @@
-// A field that stands by itself, outside a header: "Name: value". The results equal those of the
-// MIME library's Field(text), which has no folds and keeps blanks that a header's reader drops.
+// Parses one field outside a header. Results equal those of mimetic's Field(text). Unlike the
+// parser of a header (header_loader.cc) it does not unfold and does not trim the name:
 //
 //   "A : b"   name "A ", value "b"
 //   "A:  "    name "A",  value " "

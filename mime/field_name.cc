@@ -1,3 +1,7 @@
+// A table of names sorted by length, and an index from a length to the rows with it, computed at
+// compile time. So looking up a name compares it with the few names of the same length:
+//
+//   "Reply-To"   length 8, which "received" and "reply-to" have
 #include "mime/field_name.h"
 
 #include <cstddef>
@@ -13,7 +17,7 @@ struct Row {
   FieldName field;
 };
 
-// By length, so that a name is compared with two of them at the most.
+// Sorted by length.
 constexpr Row kNames[] = {
     // clang-format off
     {"cc",                        FieldName::kCc},
@@ -37,7 +41,7 @@ constexpr Row kNames[] = {
 
 constexpr std::size_t kLongest = std::end(kNames)[-1].name.size();
 
-// By length: the first name that is no shorter.
+// Maps each length to the first row whose name is at least that long.
 struct Starts {
   std::uint8_t row[kLongest + 2];
 };

@@ -1,4 +1,5 @@
-// The names of header fields that mean something here (RFC 5322, section 3.6; RFC 2045, section 3).
+// The names of the header fields that the library interprets (RFC 5322, section 3.6; RFC 2045,
+// section 3; RFC 2183).
 #pragma once
 
 #include <cstddef>
@@ -28,7 +29,8 @@ enum class FieldName : std::uint8_t {
 };
 inline constexpr std::size_t kFieldNames = static_cast<std::size_t>(FieldName::kTo) + 1;
 
-// Nothing for any other name. Case counts for nothing (RFC 5322, section 1.2.2).
+// Looks up a field's name, ignoring case (RFC 5322, section 1.2.2). Returns nullopt for a name that
+// is not listed above.
 std::optional<FieldName> RecogniseFieldName(std::string_view name);
 
 }  // namespace zqv::mime

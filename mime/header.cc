@@ -1,5 +1,5 @@
-// Sixteen field names mean something here. For each of them the header knows where its first field
-// is; the values are parsed by mime/addresses.h, mime/parameters.h and mime/mime_version.h.
+// The constructor finds the first field of each of the sixteen listed names. Values are parsed
+// later, on request, by mime/addresses.h, mime/parameters.h and mime/mime_version.h, and cached.
 #include "mime/header.h"
 
 #include "mime/mime_version.h"
@@ -7,11 +7,11 @@
 namespace zqv::mime {
 
 Header::Header(const Field* fields, std::size_t count) : fields_(fields), count_(count) {
-  first_.fill(kNowhere);
+  first_.fill(kAbsent);
   for (std::size_t i = 0; i < count; ++i) {
     if (!fields[i].known.has_value()) continue;
     std::uint32_t& first = first_[static_cast<std::size_t>(*fields[i].known)];
-    if (first == kNowhere) first = static_cast<std::uint32_t>(i);
+    if (first == kAbsent) first = static_cast<std::uint32_t>(i);
   }
 }
 
@@ -54,14 +54,14 @@ std::string_view Header::Text(FieldName name) const {
     case FieldName::kMessageId:
     case FieldName::kReceived:
     case FieldName::kSubject:
-      break;  // texts that are not taken apart
+      break;  // unparsed values
   }
   return RawText(name);
 }
 
-template <class Said>
-const Said& Header::Get(FieldName name, std::optional<Said>& parsed) const {
-  static const Said absent;
+template <class Parsed>
+const Parsed& Header::Get(FieldName name, std::optional<Parsed>& parsed) const {
+  static const Parsed absent;
   if (!Has(name)) return absent;
   if (!parsed.has_value()) parsed.emplace(RawText(name));
   return *parsed;

@@ -1,7 +1,7 @@
-// The fields of a header, and what those say that mean something here.
+// The header of one part: its fields, and the parsed values of the fields that FieldName lists.
 //
-// Fields are texts in the message. Of a name that means something the first field counts; what it
-// says is parsed when it is asked for, and once.
+// When several fields have the same name, the first is used. Its value is parsed when it is first
+// requested, and the result is cached.
 #pragma once
 
 #include <array>
@@ -18,26 +18,31 @@
 
 namespace zqv::mime {
 
-// Reads `count` fields, which must outlive it. An absent field gives empty texts and lists, but for
-// the version "0.0", the type "/" and the mailbox "@", as the MIME library has it.
+// For an absent field, texts and lists are empty, except for the text forms that mimetic gives:
+// "0.0" for the MIME version, "/" for the content type and "@" for the sender.
+// All results are borrowed from this object or from the message. Parsing throws std::bad_alloc and
+// nothing else. Const functions change the cache: one Header must not be used by several threads.
 class Header {
  public:
+  // Borrows `count` fields, which must outlive this object.
   Header(const Field* fields, std::size_t count);
   Header(const Header&) = delete;
   Header& operator=(const Header&) = delete;
 
-  // The fields in their order. The value of one that counts is what Text() says of its name.
+  // All fields, in the order of the message, as they stand there.
   std::size_t size() const { return count_; }
   const Field& operator[](std::size_t index) const { return fields_[index]; }
-  // [borrowed from the message or from this]
+  // The value of a field for display: Text() of its name for the first field of a listed name,
+  // otherwise the value as it stands in the message.
   std::string_view Value(std::size_t index) const;
 
-  bool Has(FieldName name) const { return First(name) != kNowhere; }
+  bool Has(FieldName name) const { return First(name) != kAbsent; }
 
-  // The first field of that name; null when there is none. [borrowed]
+  // The first field of that name; null when there is none.
   const Field* Find(FieldName name) const { return Has(name) ? &fields_[First(name)] : nullptr; }
 
-  // The text form of the field that counts. [borrowed from the message or from this]
+  // The value of the first field of that name. Values that are parsed (addresses, Content-Type,
+  // Content-Disposition, MIME-Version) are written from their parsed form, as mimetic writes them.
   std::string_view Text(FieldName name) const;
 
   const ContentType& content_type() const;
@@ -50,22 +55,23 @@ class Header {
   const AddressList& bcc() const;
 
  private:
-  static constexpr std::uint32_t kNowhere = UINT32_MAX;
+  static constexpr std::uint32_t kAbsent = UINT32_MAX;
 
+  // The index of the first field of that name; kAbsent when there is none.
   std::uint32_t First(FieldName name) const { return first_[static_cast<std::size_t>(name)]; }
-  // The value of the field that counts; empty when there is none.
+  // The unparsed value of the first field of that name; empty when there is none.
   std::string_view RawText(FieldName name) const;
 
-  // What a field says, parsed when it is first asked for.
-  template <class Said>
-  const Said& Get(FieldName name, std::optional<Said>& parsed) const;
-  // Its text form, made when it is first asked for.
+  // Parses the first field of that name into `parsed`, unless that was done before.
+  template <class Parsed>
+  const Parsed& Get(FieldName name, std::optional<Parsed>& parsed) const;
+  // Stores make() in `text`, unless that was done before.
   template <class Make>
   std::string_view GetText(std::optional<std::string>& text, Make make) const;
 
   const Field* fields_;
   std::size_t count_;
-  std::array<std::uint32_t, kFieldNames> first_;  // the index of the first field of each name
+  std::array<std::uint32_t, kFieldNames> first_;  // what First() returns, for each name
 
   mutable std::optional<ContentType> content_type_;
   mutable std::optional<ContentDisposition> content_disposition_;

@@ -1,10 +1,10 @@
-// A header is read line by line: name, value, folds. A field is stored when the line after it
-// begins, so one that the message ends in is lost.
+// A header is parsed line by line: a name, a value, and folds, which continue the value. A field is
+// stored when the line after it begins; so a field at the very end of the message is lost.
 //
-//   Subject: a\r\n b\r\n\r\n    one field, "Subject", "a b" (a fold is one space)
-//   Received : x\n              "Received", "x" (blanks before the colon are dropped)
-//   no field here\n             ends the header; the body begins with this line
-//   : x\n                       skipped
+//   Subject: a\r\n b\r\n\r\n    one field, "Subject" with the value "a b": a fold is one space
+//   Received : x\n              "Received" with "x": blanks before the colon are skipped
+//   no field here\n             no colon after the name: ends the header and begins the body
+//   : x\n                       no name: the line is skipped
 #include "mime/header_loader.h"
 
 #include <cstddef>
@@ -22,7 +22,8 @@ namespace {
 using base::IsBlank;
 using base::IsLineEnd;
 
-// Printable ASCII characters but the blank and the colon are those of a name.
+// The mask (base/bytes16.h) of the bytes that end a field's name: all but printable ASCII, the
+// space and the colon (RFC 5322, section 3.6.8).
 base::Bytes16 AreOutsideName(base::Bytes16 c) { return (c <= ' ') | (c == ':') | (c == 0x7F); }
 
 class HeaderLoader {
@@ -46,7 +47,7 @@ class HeaderLoader {
   }
 
  private:
-  // True, with the line end consumed, at an empty line.
+  // Returns whether the current line is empty, and skips it if it is.
   bool EndsHere() {
     if (!IsLineEnd(*at_)) return false;
     at_ = SkipLineEnd(at_, end_);
@@ -58,6 +59,7 @@ class HeaderLoader {
     while (at_ != end_ && IsBlank(*at_)) ++at_;
   }
 
+  // Appends the rest of the line to the value.
   void ReadValue() {
     const char* const line_end = FindLineEnd(at_, end_);
     AppendValue({at_, static_cast<std::size_t>(line_end - at_)});
@@ -65,7 +67,8 @@ class HeaderLoader {
     field_end_ = line_end;
   }
 
-  // A line break and the blanks after it count as one space, also when nothing follows them.
+  // Appends a folded line: one space for the line break and the blanks after it, even when nothing
+  // else is on the line.
   void ReadFold() {
     SkipBlanks();
     if (at_ == end_) return;
@@ -73,8 +76,8 @@ class HeaderLoader {
     ReadValue();
   }
 
-  // The rest of a line that should be a field. False when it is none: then the body has begun, and
-  // the characters that were read of the line belong to it.
+  // Parses a line as a field. Returns false when it is none; the body then begins with this line,
+  // and `at_` stays after the characters that were scanned as a name.
   bool ReadField() {
     const char* const start = at_;
     const char* const name_end = base::FindFirst(start, end_, AreOutsideName);
@@ -86,7 +89,7 @@ class HeaderLoader {
       ended_by_ = HeaderEnd::kOtherLine;
       return false;
     }
-    if (at_ == start) {  // a line that begins with the colon is skipped
+    if (at_ == start) {  // no name: skip the line
       at_ = FindLineEnd(at_, end_);
       return true;
     }
@@ -97,14 +100,14 @@ class HeaderLoader {
     return true;
   }
 
-  // A value of one piece stays where it lies.
+  // A value of one piece remains a view of the message; further pieces are joined in the arena.
   void AppendValue(std::string_view piece) {
     value_ = value_.empty() ? piece : context_.folded_values.Join(value_, piece);
   }
 
-  // QUIRK: a value without a name stays, and the next field's value is appended to it: a fold after
-  // a line that was skipped. Equal to the MIME library's result. Test:
-  // Parser.FoldAfterIgnoredLineStays.
+  // Ends the current field. QUIRK: a folded line after a skipped line gives a value without a name.
+  // It is kept, and the next field's value is appended to it. Equal to mimetic's result.
+  // Test: Parser.FoldAfterIgnoredLineStays.
   void StoreField() {
     if (name_.empty()) return;
     Field field;
@@ -122,9 +125,9 @@ class HeaderLoader {
   const char* const end_;
   HeaderContext& context_;
   HeaderEnd ended_by_ = HeaderEnd::kMessageEnd;
-  const char* body_ = nullptr;  // of a line that is no field
+  const char* body_ = nullptr;  // start of the line that is no field; null if there is none
   std::string_view name_;
-  std::string_view value_;  // in the message, or joined of several pieces
+  std::string_view value_;  // a view of the message, or of the arena when it has several pieces
   const char* field_end_ = nullptr;
 };
 

@@ -1,3 +1,5 @@
+// Counts parts, fields and entries as the parser adds them. Counting entries parses the value of a
+// field, so it is put off until the number of bytes in these values exceeds the limit of entries.
 #include "mime/limits.h"
 
 #include <stdexcept>
@@ -15,7 +17,7 @@ std::size_t CountDispositionParameters(std::string_view value) {
   return ContentDisposition(value).parameters().Count();
 }
 
-// Null for a field whose value gives no entries.
+// The function that counts the entries of a field; null for a field that has none.
 CountEntries CounterOf(std::optional<FieldName> name) {
   switch (name.value_or(FieldName::kDate)) {
     case FieldName::kBcc:

@@ -1,8 +1,8 @@
-// What one message may have of things that cost far more memory than they cost input. The figures
-// are chosen so that no message below 1 MB takes more than 100 MB to construct and read in full,
-// and none of 25 MB more than 500 MB (docs/limits.md).
+// Limits on the parts, fields and addresses of a message. A few bytes of input make each of these,
+// and it takes hundreds of bytes of memory. The limits keep a message of 1 MB below 100 MB of
+// memory and one of 25 MB below 500 MB, for constructing and reading it in full (docs/limits.md).
 //
-// Beyond a limit std::runtime_error says which. All limits are far above what real mail has.
+// When a limit is exceeded, std::runtime_error is thrown; its text names the limit.
 #pragma once
 
 #include <cstddef>
@@ -13,39 +13,39 @@
 
 namespace zqv::mime {
 
-// Parts of one message, the message itself included. An empty part costs 4 bytes of input. The
-// limit of parts is also the limit of nesting.
+// Parts of a message, the message itself included. The shortest part takes 4 bytes of input. This
+// is also the limit of nesting.
 inline constexpr std::size_t kMostParts = 10'000;
 
-// Header fields of all parts together. The shortest costs 3 bytes of input.
+// Header fields of all parts together. The shortest field takes 3 bytes of input.
 inline constexpr std::size_t kMostFields = 30'000;
 
-// Addresses and parameters of all header fields together, or of one text that an application has
-// parsed. An empty address costs one byte of input.
+// Entries: addresses and parameters, in all header fields together, or addresses in one text that
+// an application passes to a constructor. The shortest entry takes one byte of input.
 inline constexpr std::size_t kMostEntries = 20'000;
 
-// How many addresses or parameters a value gives: one of the CountMailboxes of mime/addresses.h or
-// the like.
+// Counts the entries in a field's value without allocating, such as AddressList::CountMailboxes.
 using CountEntries = std::size_t (*)(std::string_view value);
 
-// What the parse of one message may still add.
+// Checks the limits while one message is parsed. Both functions throw std::runtime_error.
 class MessageLimits {
  public:
-  // For each new part, the message itself included.
+  // Call for each new part, the message itself included.
   void AdmitPart();
-  // For each field, the last of `fields`, which are those of all headers so far.
+  // Call after appending each field. `fields` are all fields of the message so far.
   void AdmitField(const std::vector<Field>& fields);
 
  private:
   std::size_t parts_ = 0;
-  // Entries are counted once there could be too many: a value gives no more than it has bytes, and
-  // one.
+  // An upper bound of the number of entries: a value of n bytes has at most n + 1. Entries are
+  // counted only when the bound exceeds the limit, which it does for few messages.
   std::size_t most_entries_ = 0;
-  std::size_t entries_ = 0;         // of the fields that were counted
-  std::size_t counted_fields_ = 0;  // the first so many
+  std::size_t entries_ = 0;         // exact number of entries in the fields counted so far
+  std::size_t counted_fields_ = 0;  // number of fields counted so far, from the first
 };
 
-// For a text that an application has parsed by itself; null for one that gives no entries.
+// Checks kMostEntries for a text that an application passes to a constructor. `count` is null for a
+// text without entries. Throws std::runtime_error.
 void AdmitText(CountEntries count, std::string_view text);
 
 }  // namespace zqv::mime

@@ -1,4 +1,4 @@
-// Where a message's lines end: CR, LF, CR LF and LF CR each are one line end.
+// Line ends of a message. CR, LF, CR LF and LF CR are one line end each (RFC 5322 has CR LF only).
 #pragma once
 
 #include "base/ascii.h"
@@ -6,19 +6,20 @@
 
 namespace zqv::mime {
 
-// CRLF and LFCR are one line end.
+// Whether two bytes are CR LF or LF CR.
 constexpr bool IsPair(char first, char second) {
   return base::IsLineEnd(first) && base::IsLineEnd(second) && first != second;
 }
 
-// Past the line end that begins at `at`.
+// Skips the line end that begins at `at`; `end` is the end of the message.
 inline const char* SkipLineEnd(const char* at, const char* end) {
   return at + (end - at > 1 && IsPair(at[0], at[1]) ? 2 : 1);
 }
 
+// The mask (base/bytes16.h) of the CR and LF characters.
 inline base::Bytes16 AreLineEnds(base::Bytes16 c) { return (c == '\r') | (c == '\n'); }
 
-// Where the first line end in [at, limit) begins, or `limit`.
+// The first CR or LF in [at, limit), or `limit`.
 inline const char* FindLineEnd(const char* at, const char* limit) {
   return base::FindFirst(at, limit, AreLineEnds);
 }

@@ -1,8 +1,8 @@
-// A message as one flat tree: all its parts in one vector, all their header fields in another,
-// every text a view of the message's bytes.
+// A parsed message as a flat tree: all parts in one vector, linked by indexes, and all header
+// fields in another. All texts are views of the message's bytes; nothing is decoded.
 //
-// What a part is, where it ends and what its header holds agrees with the MIME library's stream
-// parser on every input (parser.cc); the library itself is not involved.
+// Parts and fields are the ones that mimetic's parser finds, for every input. The parser itself is
+// our own (parser.cc).
 #pragma once
 
 #include <cstddef>
@@ -16,7 +16,7 @@
 
 namespace zqv::mime {
 
-// The place of a part in Message::parts().
+// The index of a part in Message::parts().
 using PartIndex = std::uint32_t;
 inline constexpr PartIndex kNoPart = UINT32_MAX;
 
@@ -30,30 +30,31 @@ enum class PartKind : std::uint8_t {
 enum class HeaderEnd : std::uint8_t {
   kEmptyLine,
   kOtherLine,   // a line that is no field; the body begins with it
-  kMessageEnd,  // a field that was not complete by then is lost
+  kMessageEnd,  // the end of the message; an incomplete last field is lost
 };
 
-// What a boundary of an outer multipart does while an inner one is not closed.
+// What the parser does at a boundary of an outer multipart while an inner multipart is not closed.
 enum class OuterBoundary : std::uint8_t {
-  kEndsParse,  // the rest of the message is lost, as with the MIME library
-  kEndsInner,  // ends the inner one (RFC 2046, section 5.1.2); the parse goes on
+  kEndsParse,  // stops: the rest of the message is lost, as with mimetic
+  kEndsInner,  // closes the inner multipart (RFC 2046, section 5.1.2) and continues
 };
 
+// All texts are borrowed from the message's bytes. Those that do not apply are empty.
 struct Part {
-  // Where the part lies: from the first byte of its header up to the line end before the boundary
-  // that ends it, or to the end of the message.
+  // From the first byte of the part's header up to the line end before the boundary that ends the
+  // part, or to the end of the message.
   std::string_view whole;
-  std::string_view header;  // its fields, and the empty line after them
+  std::string_view header;  // the fields and the empty line after them
 
-  // The undecoded text of a leaf. Of the other kinds it is empty but for the part of the line that
-  // ended the header when that line is no field.
+  // The undecoded body of a leaf. In a multipart or message it is empty, unless a line that is no
+  // field ended the header: then it is what was scanned of that line.
   std::string_view body;
   std::string_view preamble;  // of a multipart: the text before its first boundary
   std::string_view epilogue;  // of a multipart: the text after its closing boundary
 
-  std::string_view boundary;  // of a multipart: the parameter, without the two hyphens
+  std::string_view boundary;  // of a multipart: the parameter "boundary", without leading hyphens
 
-  std::uint32_t first_field = 0;  // in Message::fields()
+  std::uint32_t first_field = 0;  // index of the part's first field in Message::fields()
   std::uint32_t field_count = 0;
 
   PartIndex parent = kNoPart;
@@ -64,38 +65,39 @@ struct Part {
 
   PartKind kind = PartKind::kLeaf;
   HeaderEnd header_end = HeaderEnd::kMessageEnd;
-  bool is_closed = false;  // a multipart whose closing boundary was found
+  bool is_closed = false;  // of a multipart: its closing boundary was found
 };
 
 class Message {
  public:
-  // Parses `bytes`, which must outlive this. Any bytes are a message. Throws std::runtime_error for
-  // one beyond the limits (limits.h).
+  // Parses `bytes` [borrowed: they must outlive this object]. Accepts any bytes. Throws
+  // std::runtime_error when a limit is exceeded (limits.h), and std::bad_alloc.
   explicit Message(std::string_view bytes, OuterBoundary outer = OuterBoundary::kEndsParse);
   Message(const Message&) = delete;
   Message& operator=(const Message&) = delete;
 
   std::string_view bytes() const { return bytes_; }
 
-  // Every part before the parts inside it, in the order of the message. The first is the message
-  // itself.
+  // All parts in the order of the message, each before the parts inside it. The first is the
+  // message itself; there is always at least that one.
   const std::vector<Part>& parts() const { return parts_; }
   const Part& top() const { return parts_.front(); }
 
-  // The fields of all parts, in the order of the message.
+  // The fields of all parts in the order of the message.
   const std::vector<Field>& fields() const { return fields_; }
 
-  // The fields of one part. [borrowed from the message]
+  // The header of one part. [borrows from this object]
   Header HeaderOf(const Part& part) const {
     return Header(fields_.data() + part.first_field, part.field_count);
   }
 
-  // The first byte that was not parsed when an outer boundary ended the parse. Otherwise the end of
-  // the message.
+  // The number of bytes that were parsed: fewer than bytes().size() only when an outer boundary
+  // ended the parse (OuterBoundary::kEndsParse).
   std::size_t parsed_size() const { return parsed_size_; }
 
-  // How many of the parts begin before the first outer boundary inside an inner multipart: those
-  // that kEndsParse gives. All when there is no such boundary.
+  // The number of parts that begin before the first boundary of an outer multipart in an unclosed
+  // inner one. With kEndsInner this is how many parts kEndsParse would give. Equal to
+  // parts().size() when there is no such boundary.
   std::size_t parts_before_outer() const { return parts_before_outer_; }
 
  private:
@@ -109,15 +111,16 @@ class Message {
   std::size_t parts_before_outer_ = 0;
 };
 
-// What a walk does with a part when it comes to it.
+// What Walk does with a part after `enter` was called for it.
 enum class Visit {
-  kInside,  // goes on with the parts inside it, then leaves it
-  kLeave,   // skips the parts inside it and leaves it
-  kSkip,    // goes on with what follows it
+  kInside,  // visits the parts inside it, then calls `leave` for it
+  kLeave,   // skips the parts inside it and calls `leave` for it
+  kSkip,    // skips the parts inside it, and does not call `leave`
 };
 
-// Walks the parts below and including `top` in the order of the message, without recursion.
-// `enter(index)` gives a Visit; `leave(index)` follows when the parts inside are done.
+// Visits `top` and all parts below it in the order of the message, without recursion. Calls
+// enter(index), which returns a Visit, before the parts inside a part are visited, and leave(index)
+// after them.
 template <class Enter, class Leave>
 void Walk(const std::vector<Part>& parts, PartIndex top, Enter enter, Leave leave) {
   PartIndex at = top;

@@ -1,4 +1,4 @@
-// The value of MIME-Version (RFC 2045, section 4), as the MIME library reads it.
+// Parses the value of MIME-Version (RFC 2045, section 4) as mimetic does.
 #pragma once
 
 #include <string>
@@ -6,9 +6,10 @@
 
 namespace zqv::mime {
 
-// Two numbers with a dot between them, or three when there is a third that is not 0; "0.0" for an
-// empty value. QUIRK: what is no number counts as 0, a number keeps its low 32 bits as a signed
-// one, and 2^63 or more are -1. Test: MimeVersion.OddNumbers.
+// Returns the version as two numbers with a dot between them, or three if there is a third one that
+// is not 0. An empty value gives "0.0". QUIRK: text that is no number gives 0; a large number is
+// reduced to its low 32 bits, read as a signed number; 2^63 and above give -1. Equal to mimetic's
+// result. Test: MimeVersion.OddNumbers.
 std::string MimeVersionText(std::string_view value);
 
 }  // namespace zqv::mime

@@ -1,7 +1,8 @@
-// Few boundaries are compared with a line one by one. From more on, a line's beginnings of each
-// length that any of them has are looked up by their hash:
+// Up to eight open boundaries are compared with a line one by one. More than that are in a hash
+// table. The prefixes of the line are then looked up whose length at least one boundary has; their
+// hashes are computed incrementally:
 //
-//   open: "b1", "b22"     the line "b22--" is looked up as "b2" and as "b22"
+//   open "b1", "b22"; line "b22--"     looks up the prefixes "b2" and "b22"
 #include "mime/open_boundaries.h"
 
 #include <algorithm>
@@ -24,27 +25,28 @@ void OpenBoundaries::Pop() {
   open_.pop_back();
   if (indexed_ <= open_.size()) return;
   indexed_ = open_.size();
-  if (last.is_known) return;
+  if (last.is_duplicate) return;
   --lengths_[last.text.size()];
   const auto [found, end] = by_hash_.equal_range(last.hash);
   by_hash_.erase(
       std::find_if(found, end, [&](const auto& entry) { return entry.second == indexed_; }));
 }
 
-// Takes the boundaries that were pushed since the last time into the index.
+// Adds the boundaries to the index that were pushed since the last call.
 void OpenBoundaries::Index() {
   for (; indexed_ < open_.size(); ++indexed_) {
     Boundary& boundary = open_[indexed_];
     const std::size_t length = boundary.text.size();
     boundary.hash = base::Fnv(boundary.text);
-    boundary.is_known = Finds(boundary.hash, boundary.text);
-    if (boundary.is_known) continue;
+    boundary.is_duplicate = Finds(boundary.hash, boundary.text);
+    if (boundary.is_duplicate) continue;
     if (length >= lengths_.size()) lengths_.resize(length + 1);
     by_hash_.emplace(boundary.hash, indexed_);
     ++lengths_[length];
   }
 }
 
+// Whether the index has a boundary equal to `text`, whose hash is `hash`.
 bool OpenBoundaries::Finds(std::uint64_t hash, std::string_view text) const {
   const auto [found, end] = by_hash_.equal_range(hash);
   return std::any_of(found, end,

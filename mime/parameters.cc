@@ -1,3 +1,8 @@
+// A value is split at each semicolon, its first piece at each slash, a parameter at its first "=":
+//
+//   text/plain; charset="utf-8"; x     type "text", subtype "plain"
+//                                      parameters "charset" = "utf-8" and "" = ""
+//                                      text form: text/plain; charset="utf-8"; =""
 #include "mime/parameters.h"
 
 #include <algorithm>
@@ -8,20 +13,21 @@
 namespace zqv::mime {
 namespace {
 
-// One pair of outer quotes; no backslash counts.
+// Removes one pair of surrounding quotes. A backslash has no meaning.
 std::string_view RemoveQuotes(std::string_view text) {
   const bool is_quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
   return is_quoted ? text.substr(1, text.size() - 2) : text;
 }
 
-// QUIRK: without an '=' both texts are empty. Test: Parameters.WithoutEqualsSignIsEmpty.
+// QUIRK: name and value are empty when there is no '='. Equal to mimetic's result.
+// Test: Parameters.WithoutEqualsSignIsEmpty.
 Parameter ReadParameter(std::string_view text) {
   const std::size_t equals = text.find('=');
   if (equals == std::string_view::npos) return {};
   return {TrimBlanks(text.substr(0, equals)), RemoveQuotes(TrimBlanks(text.substr(equals + 1)))};
 }
 
-// Writes the texts one after the other. Returns the end of what was written.
+// Writes the texts one after the other to `out`. Returns the end of the output.
 template <class... Texts>
 char* Write(char* out, const Texts&... texts) {
   for (const std::string_view text : {std::string_view(texts)...}) {
@@ -30,7 +36,8 @@ char* Write(char* out, const Texts&... texts) {
   return out;
 }
 
-// What `write_front` writes, of so many bytes, and the parameters behind it.
+// Builds the text form of a value: `front` bytes, which write_front(out) writes and returns the end
+// of, followed by the parameters.
 template <class WriteFront>
 std::string TextOf(std::size_t front, const Parameters& parameters, WriteFront write_front) {
   std::string text(front + parameters.TextRoom(), '\0');
@@ -56,7 +63,7 @@ std::size_t Parameters::Count() const {
 }
 
 std::size_t Parameters::TextRoom() const {
-  constexpr std::size_t kMostAdded = 5;  // characters for each parameter
+  constexpr std::size_t kMostAdded = 5;  // the characters ; = and two quotes, and a space
   return list_.size() + kMostAdded * Count();
 }
 

@@ -1,7 +1,7 @@
-// The values of Content-Type and Content-Disposition (RFC 2045, section 5.1; RFC 2183), as the MIME
-// library reads them.
+// Parses the values of Content-Type (RFC 2045, section 5.1) and Content-Disposition (RFC 2183) as
+// mimetic does.
 //
-// Every text is a view of the value, which must outlive it. A value may hold any bytes.
+// All texts are views of the value, which must outlive the objects. A value may contain any bytes.
 #pragma once
 
 #include <cstddef>
@@ -12,39 +12,43 @@ namespace zqv::mime {
 
 struct Parameter {
   std::string_view name;
-  std::string_view value;  // without its quotes; nothing in it is decoded
+  std::string_view value;  // without surrounding quotes; not decoded
 };
 
-// "name=value" between semicolons. QUIRK: a semicolon in quotes separates, too.
-// Test: Parameters.ASemicolonInQuotesSeparates.
+// A list of parameters, "name=value", separated by semicolons. QUIRK: a semicolon inside quotes
+// separates, too. Equal to mimetic's result. Test: Parameters.ASemicolonInQuotesSeparates.
 class Parameters {
  public:
   explicit Parameters(std::string_view list = {}) : list_(list) {}
 
-  // The value of the first parameter of that name, in which the case of ASCII letters counts for
-  // nothing; empty when there is none. Each call reads the list from its beginning.
+  // The value of the first parameter of that name, ignoring the case of ASCII letters; empty when
+  // there is none. Each call parses the list from its start.
   std::string_view Find(std::string_view name) const;
 
+  // The number of parameters, malformed ones included.
   std::size_t Count() const;
 
-  // What WriteText writes at the most, in bytes.
+  // An upper bound of the bytes that WriteText writes.
   std::size_t TextRoom() const;
-  // Writes `; name="value"` for each. Returns the end of what was written.
+  // Writes `; name="value"` for each parameter to a buffer of at least TextRoom() bytes. Returns
+  // the end of the output.
   char* WriteText(char* out) const;
 
  private:
   std::string_view list_;
 };
 
+// "text/plain; charset=utf-8"
 class ContentType {
  public:
   explicit ContentType(std::string_view value = {});
 
-  std::string_view type() const { return type_; }        // with its blanks
-  std::string_view subtype() const { return subtype_; }  // with its blanks; empty without a '/'
+  // Neither text is trimmed: "text / plain" has the type "text " and the subtype " plain".
+  std::string_view type() const { return type_; }
+  std::string_view subtype() const { return subtype_; }  // empty without a '/'
   const Parameters& parameters() const { return parameters_; }
 
-  // The library's text form; "/" for an empty value.
+  // The value as mimetic writes it; "/" for an empty value.
   std::string Text() const;
 
  private:
@@ -53,14 +57,15 @@ class ContentType {
   Parameters parameters_;
 };
 
+// "attachment; filename=a.pdf"
 class ContentDisposition {
  public:
   explicit ContentDisposition(std::string_view value = {});
 
-  std::string_view type() const { return type_; }  // with its blanks
+  std::string_view type() const { return type_; }  // not trimmed
   const Parameters& parameters() const { return parameters_; }
 
-  // The library's text form.
+  // The value as mimetic writes it; empty for an empty value.
   std::string Text() const;
 
  private:

@@ -14,11 +14,12 @@
 //   --b--
 //   the epilogue of 0
 //
-// A part's text is read up to the next boundary of any open multipart. One of the innermost begins
-// the next part or the epilogue. One of an outer multipart ends the parse: QUIRK: the rest of the
-// message is lost when an inner multipart is not closed. Equal to the MIME library's result. Test:
-// Parser.InnerMultipartWithoutEndLosesTheRest. With OuterBoundary::kEndsInner it ends the inner
-// multiparts instead: they are dropped from the list of open ones.
+// The text of a part ends at the next boundary of any open multipart. A boundary of the innermost
+// one begins its next part or, when it is the closing boundary, its epilogue. A boundary of an
+// outer one means that the inner multipart was not closed. QUIRK: this ends the parse, and the rest
+// of the message is lost. Equal to mimetic's result. Test:
+// Parser.InnerMultipartWithoutEndLosesTheRest. With OuterBoundary::kEndsInner the inner multiparts
+// are closed instead, and the parse continues.
 #include "mime/parser.h"
 
 #include <algorithm>
@@ -31,8 +32,8 @@
 namespace zqv::mime {
 namespace {
 
-// QUIRK: a blank beside the slash makes it another type. Equal to the MIME library's result. Test:
-// Parser.GivesTheReferencesTree.
+// QUIRK: blanks count: "message / rfc822" is not message/rfc822. Equal to mimetic's result.
+// Test: Parser.GivesTheReferencesTree.
 PartKind KindOf(const ContentType& type) {
   if (base::EqualsIgnoringCase(type.type(), "multipart")) return PartKind::kMultipart;
   const bool is_message = base::EqualsIgnoringCase(type.type(), "message") &&
@@ -155,11 +156,11 @@ void Parser::EndParts(PartIndex last, PartIndex around) {
 std::string_view Parser::ReadText() {
   text_ = ReadPartText(at_, end_, boundaries_);
   at_ = text_.rest;
-  if (text_.ended_by == Boundary::kOuter) MeetOuterBoundary();
+  if (text_.ended_by == Boundary::kOuter) HandleOuterBoundary();
   return text_.text;
 }
 
-void Parser::MeetOuterBoundary() {
+void Parser::HandleOuterBoundary() {
   if (message_.parts_before_outer_ == 0) message_.parts_before_outer_ = message_.parts_.size();
   if (outer_ == OuterBoundary::kEndsParse) return;
   do {

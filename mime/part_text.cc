@@ -1,12 +1,12 @@
 // A boundary is a line that begins with two hyphens and the boundary parameter of an open multipart
-// (RFC 2046, section 5.1.1); what follows on the line does not matter. The line end before it
-// belongs to the boundary, not to the text.
+// (RFC 2046, section 5.1.1). The rest of the line is ignored. The line end before the boundary
+// belongs to it, not to the text:
 //
-//   text \r\n --b \r\n next part     the text is "text"
+//   "text\r\n--b\r\nnext part"     the text is "text", the boundary line "--b"
 //
-// The MIME library reads a text through a buffer of 4,096 bytes, and its results depend on where
-// that is full (see BlockReader). Ours equal them, but the text is read where it lies: lines that
-// cannot be boundaries are skipped sixteen bytes at a time, by looking for "-" after a line end.
+// Mimetic reads a text through a buffer of 4,096 bytes, and where that buffer becomes full has an
+// effect on its results (see BlockReader). The results here are the same, but nothing is copied,
+// and lines that do not begin with "-" are skipped 16 or 64 bytes at a time.
 #include "mime/part_text.h"
 
 #include <cstddef>
@@ -22,23 +22,25 @@ using base::Bytes16;
 using base::IsLineEnd;
 using base::kBytes16;
 
-// The lines of a text as the MIME library's buffer holds them.
+// Splits a text into lines as mimetic does, which reads it through a buffer.
 //
-// QUIRK: when the buffer is full, all but its last line is written out; of a line that fills the
-// buffer alone, all is, and what follows counts as the start of a line. So the line end before a
-// boundary stays in the text when it was written out just before. Equal to the MIME library's
-// result. Test: Parser.GivesTheReferencesTreeForEveryBodyLengthAroundItsBlocks.
+// QUIRK: mimetic writes the buffer out to the text when it is full, except for its last line. When
+// that line fills the whole buffer, it is written out, too, and what follows is taken for the start
+// of a line. A line end that was written out stays in the text even if a boundary follows. Equal to
+// mimetic's result. Test: Parser.GivesTheReferencesTreeForEveryBodyLengthAroundItsBlocks.
 class BlockReader {
  public:
   BlockReader(const char* at, const char* end)
       : at_(at), end_(end), skipped_to_(at), block_(at), line_(at) {}
 
+  // The position after the line that was read last, and its line end.
   const char* at() const { return at_; }
-  // The line that was read; it begins no earlier than the buffer.
+  // The line that was read last, without its line end. Of a line longer than the buffer, only the
+  // bytes since the buffer was last written out.
   std::string_view line() const { return {line_, static_cast<std::size_t>(line_end_ - line_)}; }
 
-  // Reads a line and its end; false when the text ends first. Lines that cannot be boundaries are
-  // skipped.
+  // Reads the next line that may be a boundary; skips some or all of the lines that cannot be one.
+  // Returns false when the text ends before a line end is found.
   bool ReadLine() {
     SkipPlainLines();
     line_ = at_;
@@ -53,8 +55,8 @@ class BlockReader {
     }
   }
 
-  // Where the text ends when the line that was read is a boundary: before the line end in front of
-  // it, if that is in the buffer.
+  // Where the text ends if the line that was read last is a boundary: before the line end in front
+  // of it, unless that line end was written out.
   const char* TextEnd() const {
     const std::ptrdiff_t before = line_ - block_;
     if (before >= 2 && IsPair(line_[-1], line_[-2])) return line_ - 2;
@@ -62,14 +64,14 @@ class BlockReader {
   }
 
  private:
-  static constexpr std::ptrdiff_t kBlock = 4093;  // bytes that fill the buffer
+  static constexpr std::ptrdiff_t kBlock = 4093;  // bytes after which mimetic's buffer is full
   static constexpr std::ptrdiff_t kStep = 4 * kBytes16;
 
-  // Where the buffer is full, or the text ends.
+  // The position at which the buffer is full, or the end of the text.
   const char* Full() const { return end_ - block_ > kBlock ? block_ + kBlock : end_; }
 
-  // From the start of a line to that of another, with all between in the buffer: the last one, or
-  // the first that begins with "-".
+  // Moves from the start of a line to the start of a later line in the buffer: the first line that
+  // begins with "-" or, if none does, the last line.
   void SkipPlainLines() {
     if (at_ < skipped_to_ || (at_ != end_ && *at_ == '-')) return;
     const char* const full = Full();
@@ -86,11 +88,12 @@ class BlockReader {
     skipped_to_ = full;
   }
 
-  // After which of sixteen bytes a line begins with "-".
+  // The mask (base/bytes16.h) of the bytes that end a line and have a "-" after them.
   static Bytes16 DashesAt(const char* bytes) {
     return AreLineEnds(base::LoadBytes16(bytes)) & (base::LoadBytes16(bytes + 1) == '-');
   }
-  // Whether a line begins with "-" after one of 64 bytes. Most have no "-" at all.
+  // Whether the same holds for any of 64 bytes. Checks first whether there is a "-" at all, which
+  // is seldom the case.
   static bool HasDash(const char* bytes) {
     const auto hyphens = [bytes](std::ptrdiff_t at) {
       return base::LoadBytes16(bytes + at) == '-';
@@ -103,8 +106,9 @@ class BlockReader {
                        DashesAt(bytes + 3 * kSize));
   }
 
-  // The last line start between here, which is one, and `limit`. Two line-end characters may be one
-  // line end or two, which only those before them tell: a run of them is read from its beginning.
+  // The last start of a line between the current position, which is one, and `limit`. Whether two
+  // CR or LF characters are one line end or two depends on those before them, so a run of them is
+  // scanned from its first.
   const char* LastLineStart(const char* limit) const {
     const char* run = limit;
     while (run != at_ && !IsLineEnd(run[-1])) --run;
@@ -118,6 +122,8 @@ class BlockReader {
     return start;
   }
 
+  // Writes the buffer out when it is full: moves its start to the current line or, when that line
+  // fills it alone, to the current position.
   void EmptyFullBuffer() {
     if (at_ - block_ < kBlock) return;
     if (line_ == block_) line_ = at_;
@@ -126,17 +132,16 @@ class BlockReader {
 
   const char* at_;
   const char* const end_;
-  const char* skipped_to_;  // lines that begin before it are read one by one
-  const char* block_;       // the first byte that is in the buffer
-  const char* line_;
+  const char* skipped_to_;  // before this position SkipPlainLines has found all it can
+  const char* block_;       // the first byte in the buffer
+  const char* line_;        // the start of the current line
   const char* line_end_ = nullptr;
 };
 
 }  // namespace
 
-// QUIRK: only the innermost multipart's boundary can close: the closing boundary of an outer one is
-// like any other of its boundaries. Equal to the MIME library's result. Test:
-// Parser.InnerMultipartWithoutEndLosesTheRest.
+// QUIRK: the closing boundary of an outer multipart is not distinguished from its other boundaries.
+// Equal to mimetic's result. Test: Parser.InnerMultipartWithoutEndLosesTheRest.
 Boundary BoundaryOf(std::string_view line, OpenBoundaries& open) {
   if (line.substr(0, kHyphens.size()) != kHyphens || open.IsEmpty()) return Boundary::kNone;
   line.remove_prefix(kHyphens.size());

@@ -1,4 +1,4 @@
-// Reading the text of a part up to the boundary that ends it.
+// Finds the end of a part's text: the boundary line of a multipart around it.
 #pragma once
 
 #include <string_view>
@@ -7,25 +7,27 @@
 
 namespace zqv::mime {
 
-// What ended a text.
+// The kind of boundary that a line is (RFC 2046, section 5.1.1).
 enum class Boundary {
-  kNone,     // the end of the message
+  kNone,     // no boundary; as the end of a text: the end of the message
   kNext,     // a boundary of the innermost open multipart: another part follows
-  kClosing,  // its closing boundary
-  kOuter,    // a boundary of another open multipart
+  kClosing,  // the closing boundary of the innermost open multipart
+  kOuter,    // a boundary, closing or not, of another open multipart
 };
 
+// All texts are borrowed from the message.
 struct PartText {
   std::string_view text;
   Boundary ended_by = Boundary::kNone;
-  const char* rest = nullptr;  // the line after the boundary, or the end of the message
-  std::string_view boundary;   // its line, without the line end
+  const char* rest = nullptr;  // start of the line after the boundary, or end of the message
+  std::string_view boundary;   // the boundary line without its line end; empty without a boundary
 };
 
-// What a line does to the text before it. The open boundaries are boundary parameters.
+// Classifies a line, given without its line end.
 Boundary BoundaryOf(std::string_view line, OpenBoundaries& open);
 
-// The text from `at` up to a boundary of one of the open multiparts, or to the end of the message.
+// Reads the text from `at` up to a boundary of an open multipart, or to `end`, the end of the
+// message. Throws std::bad_alloc.
 PartText ReadPartText(const char* at, const char* end, OpenBoundaries& open);
 
 }  // namespace zqv::mime
