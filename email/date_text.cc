@@ -1,6 +1,10 @@
-// Nearly every date is written as RFC 5322 has it, and its parts lie where they are expected: those
-// are read in one pass. Everything else goes to the MIME library, which allocates a dozen strings
-// for a date.
+// A date in the regular form of RFC 5322 is parsed here in one pass, without allocating:
+//
+//   Tue, 1 Jul 2003 10:52:37 +0200 (CEST)
+//
+// The name of the day and one comment without parentheses or quotes in it may be missing. Any other
+// text is passed to mimetic, which gives the same numbers for regular dates but allocates a dozen
+// strings for each.
 #include "email/date_text.h"
 
 #include <mimetic/rfc822/datetime.h>
@@ -21,14 +25,15 @@ static_assert(std::size(kMonths) == 12);
 using base::IsDigit;
 using base::IsLetter;
 
-// Takes one part after the other from the front of a text. What does not fit spoils it all.
+// Parses a text from front to back. When a part is not there, is_good() becomes false and stays so;
+// the results are then meaningless.
 class PartReader {
  public:
   explicit PartReader(std::string_view text) : rest_(text) {}
 
   bool is_good() const { return is_good_; }
 
-  // A number of `least` to `most` digits.
+  // Parses a number of `least` to `most` digits.
   int Number(std::size_t least, std::size_t most) {
     int value = 0;
     std::size_t count = 0;
@@ -40,7 +45,7 @@ class PartReader {
     return value;
   }
 
-  // 1 to 12.
+  // Parses the English abbreviation of a month, ignoring case: 1 to 12.
   int Month() {
     int month = 1;
     for (const std::string_view name : kMonths) {
@@ -54,6 +59,7 @@ class PartReader {
     return 0;
   }
 
+  // Parses '+' or '-': 1 or -1.
   int Sign() {
     const int sign = Front() == '-' ? -1 : 1;
     Take(sign < 0 ? '-' : '+');
@@ -69,7 +75,7 @@ class PartReader {
     while (Front() == ' ') rest_.remove_prefix(1);
   }
 
-  // "Tue," and the like.
+  // Skips the name of a day and its comma, if there is one.
   void SkipDayName() {
     if (!IsLetter(Front())) return;
     while (IsLetter(Front())) rest_.remove_prefix(1);
@@ -77,7 +83,7 @@ class PartReader {
     SkipSpaces();
   }
 
-  // The end of the text, after a simple comment at the most.
+  // Checks that the text ends here, except for spaces and one comment.
   void End() {
     SkipSpaces();
     if (Front() == '(') {
@@ -89,14 +95,14 @@ class PartReader {
   }
 
  private:
-  // NUL, which is in no date, at the end.
+  // The next character; NUL at the end of the text, which no part accepts.
   char Front() const { return rest_.empty() ? '\0' : rest_.front(); }
 
   std::string_view rest_;
   bool is_good_ = true;
 };
 
-// A date with all its parts and one space between them; nothing for any other.
+// Parses a date in the regular form; nullopt for any other text.
 std::optional<DateFields> ReadRegular(std::string_view text) {
   DateFields date{};
   PartReader reader(text);

@@ -1,4 +1,4 @@
-// Reading the text of a date field (RFC 5322, section 3.3).
+// Parses the text of a date (RFC 5322, section 3.3), from a Date or a Received field.
 #pragma once
 
 #include <cstdint>
@@ -7,20 +7,22 @@
 
 namespace zqv::email {
 
-// As the text has them: nothing is checked against a calendar, and a year of two digits stays one.
+// The numbers as they stand in the text: not checked against a calendar, and a year of two digits
+// is not completed. January is month 1.
 struct DateFields {
   std::int64_t year, month, day, hour, minute, second;
-  int zone;  // +0200 is 200, -0130 is -130; 0 for none
+  int zone;  // the decimal number +-hhmm: +0200 is 200, -0130 is -130; 0 without a zone
 };
 
-// The fields as the MIME library reads them; it never fails. QUIRK: a text that is no date gives
-// one all the same, an empty one 1 January 1970. Equal to the MIME library's results. Test:
-// Dates.TakeWhatTheLibraryReads.
+// Parses a date. QUIRK: never fails: a text that is no date gives the numbers that mimetic (the
+// MIME library, THIRD_PARTY.md) gives, an empty one those of 1 January 1970. Equal to mimetic's
+// result. Test: Dates.TakeWhatTheLibraryReads.
 DateFields ReadDateText(std::string_view text);
 
-// The date text of a Received field's value: what follows its first "; ", the blank included.
-// Nothing without one. QUIRK: the first "; " counts, even inside a comment before the date. Part of
-// the interface's contract; changing it is a major version. Test:
+// The text of the date in the value of a Received field: everything after the first ";" that has a
+// space after it (RFC 5322, section 3.6.7), with that space. Nullopt when there is none.
+// [borrowed from `value`] QUIRK: the first "; " is used, even inside a comment before the date.
+// Part of the interface's contract; changing it is a major version. Test:
 // Dates.FirstSemicolonAndBlankWins.
 std::optional<std::string_view> ReceivedDateText(std::string_view value);
 

@@ -1,8 +1,9 @@
-// A part's file is named by one of four header parameters, or by its Content-ID:
+// A part's file name comes from one of four header parameters, or else from the Content-ID and the
+// first bytes of the body:
 //
 //   Content-Disposition: attachment; filename="=?utf-8?Q?Caf=C3=A9.pdf?="     "Café.pdf"
-//   Content-Type: image/png                                                  "logo.png"
-//   Content-ID: <logo>
+//   Content-Disposition: attachment; filename*=utf-8''a.txt                  "a.txt"
+//   Content-ID: <logo>, with a body that begins like a PNG file              "logo.png"
 #include "email/file_name.h"
 
 #include <algorithm>
@@ -16,8 +17,9 @@
 namespace zqv::email {
 namespace {
 
-// The value of a `filename*` parameter. QUIRK: only charset''value is understood, percent escapes
-// stay, and a value with a language between the apostrophes is taken whole. Part of the interface's
+// Parses the value of a parameter "filename*" (RFC 2231, section 4). QUIRK: only the form
+// charset''value is recognised, whose value keeps its percent escapes. In any other form, such as
+// with a language between the apostrophes, the whole text is the name. Part of the interface's
 // contract; changing it is a major version. Test: FileNames.ExtendedParameterKeepsPercentEscapes.
 text::HeaderText ExtendedFileName(std::string_view value) {
   constexpr std::size_t kShortest = 5;

@@ -1,3 +1,7 @@
+// Compares the start of a file with known signatures:
+//
+//   "\x89PNG\r\n\x1A\n..."            ".png"
+//   "\xFF\xD8\xFF\xE0..JFIF\0..."     ".jpg": "JFIF" at any offset up to 29
 #include "email/file_type.h"
 
 #include <cstddef>
@@ -5,7 +9,7 @@
 namespace zqv::email {
 namespace {
 
-constexpr std::size_t kShortest = 6;
+constexpr std::size_t kShortest = 6;  // bytes; shorter files have no extension
 constexpr std::size_t kLastJfifOffset = 29;
 
 struct Signature {
@@ -14,8 +18,9 @@ struct Signature {
   std::string_view extension;
 };
 
-// The first row that fits decides. QUIRK: the byte before "PNG" is not looked at, and "<html>" only
-// counts in lower case. Test: FileType.PngIgnoresTheFirstByte, FileType.HtmlTagInCapitalsIsUnknown.
+// The first matching row is used. QUIRK: the byte before "PNG" may be any, and "<html>" must be in
+// lower case. Part of the interface's contract; changing it is a major version.
+// Test: FileType.PngIgnoresTheFirstByte, FileType.HtmlTagInCapitalsIsUnknown.
 constexpr Signature kSignatures[] = {
     // clang-format off
     {0, "<html>", ".html"},

@@ -1,11 +1,12 @@
-// What kind of file some bytes are, as far as a file name's extension needs it.
+// Guesses the extension of a file from its content.
 #pragma once
 
 #include <string_view>
 
 namespace zqv::email {
 
-// ".html", ".gif", ".bmp", ".png", ".tif" or ".jpg" by the first bytes; empty when none fits.
+// Returns ".html", ".gif", ".bmp", ".png", ".tif" or ".jpg", depending on the first bytes of
+// `data`; empty when they are none of these formats or `data` has fewer than 6 bytes.
 std::string_view FindExtension(std::string_view data);
 
 }  // namespace zqv::email

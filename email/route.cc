@@ -1,8 +1,9 @@
-// A part is decoded, labelled with its encoding, and routed:
+// Routing depends on a part's type, its disposition and whether it has a Content-ID:
 //
 //   Content-Type: text/plain; charset=utf-8      the message's plain text, if it is the first
-//   Content-Disposition: attachment              listed in Attachments, whatever its type
-//   Content-ID: <logo@example.org>               listed in Inlines, unless it is a text that counts
+//   Content-Disposition: attachment              in Attachments, whatever its type
+//   Content-ID: <logo@example.org>               in Inlines, unless it is the first plain or HTML
+//   text anything else                                in Attachments
 #include "email/route.h"
 
 #include "base/ascii.h"
@@ -34,9 +35,9 @@ bool IsText(std::string_view type, std::string_view subtype, std::string_view wa
   return EqualsIgnoringCase(type, "text") && EqualsIgnoringCase(subtype, wanted_subtype);
 }
 
-// QUIRK: no type is assumed where none is named. So a message without Content-Type is listed, as
-// "attachment", and is the plain text only because it is the one part. Part of the interface's
-// contract; changing it is a major version. Test: SinglePart.WithoutATypeIsOfferedAsText.
+// QUIRK: a part without Content-Type does not count as text/plain, although RFC 2045, section 5.2,
+// says so: it is listed as an attachment. Part of the interface's contract; changing it is a major
+// version. Test: SinglePart.WithoutATypeIsOfferedAsText.
 Destination Route(const PartTraits& part, bool has_plain_text, bool has_html_text) {
   if (EqualsIgnoringCase(part.disposition, "attachment")) return Destination::kAttachments;
   if (IsText(part.type, part.subtype, "plain") && !has_plain_text) return Destination::kPlainText;

@@ -1,5 +1,5 @@
-// Which part of a message is its plain text, which its HTML, which an attachment and which an
-// inline part.
+// Decides which part of a message is its plain text and which its HTML, and which parts are listed
+// as attachments or as inline parts. Decodes the body of a part and finds its encoding.
 #pragma once
 
 #include <optional>
@@ -12,49 +12,51 @@
 
 namespace zqv::email {
 
-// Where a part goes.
+// The property of a message that a part is stored in.
 enum class Destination { kPlainText, kHtmlText, kAttachments, kInlines };
 
-// What decides where a part goes; words are compared ignoring case.
+// The facts about a part that Route depends on. Words are compared ignoring case.
 struct PartTraits {
-  std::string_view type;  // of the Content-Type
+  std::string_view type;  // of the Content-Type; empty when absent
   std::string_view subtype;
   std::string_view disposition;  // of the Content-Disposition; empty when absent
   bool has_content_id = false;   // a Content-ID field that is not empty
 };
 
-// The views live as long as the header.
+// Collects the traits of a part. [borrowed from the header]
 PartTraits TraitsOf(const mime::Header& header);
 
-// The destination of a part, given which texts the message already has: the first plain text and
-// the first HTML that are no attachments become the message's own, everything else is listed.
+// The destination of a part, given whether the message has a plain text and an HTML text already.
+// The first text/plain and the first text/html part whose disposition is not "attachment" become
+// these texts. All other parts are listed: as inline when their disposition is "inline" or they
+// have a Content-ID, otherwise, or with the disposition "attachment", as attachments.
 Destination Route(const PartTraits& part, bool has_plain_text, bool has_html_text);
 
-// True for a multipart of subtype alternative, related or mixed: it has no content of its own.
-// QUIRK: every other multipart (signed, report, digest ...) is listed like a leaf besides its
-// parts. Part of the interface's contract; changing it is a major version. Test:
-// Routing.SignedMultipartIsListedItself.
+// Whether a part is multipart/alternative, multipart/related or multipart/mixed. These are never
+// listed. QUIRK: any other multipart (signed, report, digest) is listed like a leaf, in addition to
+// the parts inside it. Part of the interface's contract; changing it is a major version.
+// Test: Routing.SignedMultipartIsListedItself.
 bool IsContainer(std::string_view type, std::string_view subtype);
 
-// True for a text of that subtype; words are compared ignoring case.
+// Whether a part is text/`wanted_subtype`, ignoring case.
 bool IsText(std::string_view type, std::string_view subtype, std::string_view wanted_subtype);
 
-// The body of a part without its transfer encoding; nothing for a container and for an unknown
-// transfer encoding, which have no content. Borrows `body` when nothing has to be decoded.
+// Removes the transfer encoding from a part's body. Nullopt for a container and for an unknown
+// transfer encoding. [borrowed from `body` when nothing has to be decoded; otherwise owned]
 std::optional<DecodedBody> DecodePart(const mime::Header& header, std::string_view body);
 
-// What a message of one part offers as its text, whatever DecodePart says of it. Nothing for an
-// unknown transfer encoding.
+// Like DecodePart, but also decodes the body of a container. For a message of one part, whose body
+// becomes its text whatever its type is.
 std::optional<DecodedBody> DecodeSinglePart(const mime::Header& header, std::string_view body);
 
-// The text of a body: its bytes, all of them, and the encoding that the charset parameter names or,
-// without one, that the bytes show.
+// A body with its encoding.
 struct BodyText {
   std::string_view bytes;
-  abi::Encoding encoding;
-  std::string_view unknown_charset;  // empty unless the parameter names one that nobody knows
+  abi::Encoding encoding;            // kUnknownEncoding for an unknown charset
+  std::string_view unknown_charset;  // the charset parameter when it names no known charset
 };
-// [borrowed from both]
+// Finds the encoding of a decoded body: that of the charset parameter of Content-Type or, without
+// one, the one that base::DetectEncoding guesses. [borrowed from both arguments]
 BodyText LabelBody(const mime::Header& header, std::string_view decoded);
 
 }  // namespace zqv::email

@@ -1,6 +1,7 @@
-// The parts that stay are written from the parsed tree into one buffer, as the MIME library writes
-// its own tree: header lines end in CR LF and are folded at 76 characters, a multipart's parts
-// stand between its boundaries, bodies keep their bytes.
+// The message is parsed, the parts to remove are marked, and the others are written to one buffer.
+// The output equals what mimetic writes for its own tree: header lines end in CR LF and are folded
+// at 76 characters, the parts of a multipart stand between its boundaries, bodies are not changed.
+// Last, each line break is replaced by a CR.
 //
 //   Content-Type: multipart/mixed; boundary="b"
 //
@@ -28,6 +29,7 @@ using mime::PartKind;
 
 constexpr std::string_view kLineEnd = "\r\n";
 
+// Whether a part is to be removed.
 bool IsFile(const mime::Header& header) {
   const std::string_view disposition = header.content_disposition().type();
   ZQV_LOG("%s%s %s", "IsAttachment", std::string(disposition).c_str());
@@ -35,7 +37,8 @@ bool IsFile(const mime::Header& header) {
          base::EqualsIgnoringCase(disposition, "attachment");
 }
 
-// By part: whether it stays. Each list of parts is scanned before the lists inside it.
+// Marks the parts that are kept. The parts inside a removed part are removed without being
+// examined.
 class StayingParts {
  public:
   explicit StayingParts(const Message& message) : message_(message) {
@@ -49,6 +52,7 @@ class StayingParts {
 
   bool operator[](PartIndex part) const { return stays_[part]; }
 
+  // Whether a part that is kept is directly inside `part`.
   bool HasChildren(const Part& part) const {
     for (PartIndex i = part.first_child; i != mime::kNoPart; i = message_.parts()[i].next_sibling) {
       if (stays_[i]) return true;
@@ -57,6 +61,7 @@ class StayingParts {
   }
 
  private:
+  // Examines `first` and its siblings.
   void Scan(PartIndex first) {
     for (PartIndex at = first; at != mime::kNoPart;) {
       const Part& part = message_.parts()[at];
@@ -66,7 +71,8 @@ class StayingParts {
       }
       ZQV_LOG("%s%s", "Removed an attachment.");
       stays_[at] = false;
-      // The parts before it have been asked and stay. Only the log tells of a scan from the start.
+      // While debugging is on, the siblings are examined again from the first after each removal.
+      // That repeats lines of the debug log and has no other effect.
       at = base::IsLogging() ? first : part.next_sibling;
     }
   }
@@ -75,10 +81,11 @@ class StayingParts {
   std::vector<char> stays_;
 };
 
-constexpr std::size_t kFold = 76;  // characters of a header line
+constexpr std::size_t kFold = 76;  // the most characters of a header line, if it can be folded
 
-// Where a header line is folded: at the last blank outside quotes among the first 76 characters, or
-// else at the first one behind them. 0 when there is none. The first `skipped` are not searched.
+// The index of the blank at which a header line is folded: the last one outside quotes that leaves
+// at most 76 characters before it, or else the first one after those. 0 when there is none. The
+// first `skipped` characters are not searched.
 std::size_t FindFold(std::string_view line, std::size_t skipped) {
   std::size_t blank = 0;
   bool in_quotes = false;
@@ -90,6 +97,7 @@ std::size_t FindFold(std::string_view line, std::size_t skipped) {
   return 0;
 }
 
+// Writes the parts that are kept.
 class Writer {
  public:
   Writer(const Message& message, const StayingParts& stays) : message_(message), stays_(stays) {
@@ -112,8 +120,8 @@ class Writer {
     if (part.kind == PartKind::kLeaf) out_.append(kLineEnd).append(part.body);
     if (part.kind == PartKind::kMultipart) {
       if (!part.preamble.empty()) out_.append(kLineEnd).append(part.preamble);
-      // QUIRK: a multipart without parts has its boundary all the same. Equal to the MIME
-      // library's result. Test: Strip.MultipartWithoutPartsKeepsItsBoundary.
+      // QUIRK: a multipart without parts is still written with a boundary. Equal to mimetic's
+      // result. Test: Strip.MultipartWithoutPartsKeepsItsBoundary.
       if (!stays_.HasChildren(part)) WriteBoundary(part, "");
     }
     return mime::Visit::kInside;
@@ -125,6 +133,7 @@ class Writer {
     out_.append(part.epilogue);
   }
 
+  // Writes what precedes a part inside `parent`.
   void BeginChild(const Part& parent) {
     if (parent.kind == PartKind::kMultipart) {
       WriteBoundary(parent, "");
@@ -133,14 +142,15 @@ class Writer {
     }
   }
 
+  // Writes a boundary line, with `end` after the boundary parameter.
   void WriteBoundary(const Part& multipart, std::string_view end) {
     out_.append(kLineEnd).append("--").append(multipart.boundary);
     out_.append(end).append(kLineEnd);
   }
 
-  // QUIRK: Content-Type is written as its parsed form, and so is the Content-Disposition of all
-  // parts but the message itself; every other field keeps its value. Equal to the MIME library's
-  // result. Test: Strip.WritesTheParsedContentFields.
+  // QUIRK: Content-Type is written from its parsed form, and so is Content-Disposition except that
+  // of the message itself. All other fields are written as they are. Equal to mimetic's result.
+  // Test: Strip.WritesTheParsedContentFields.
   void WriteHeader(const Part& part) {
     const mime::Header header = message_.HeaderOf(part);
     for (std::size_t i = 0; i < header.size(); ++i) {
@@ -152,12 +162,13 @@ class Writer {
     }
   }
 
-  // A fold is CR LF and a tab instead of a blank; one before nothing but blanks is left out.
+  // Writes a field on one or more lines. A fold replaces a blank by CR LF and a tab. Where nothing
+  // but blanks follows, the blank is removed and nothing is written for it.
   void WriteField(std::string_view name, std::string_view value) {
     line_.assign(name).append(": ").append(value);
     const std::size_t end = line_.find_last_not_of(" \t") + 1;  // only blanks follow
     std::string_view rest = line_;
-    std::size_t skipped = name.size() + 2;  // no fold in the name
+    std::size_t skipped = name.size() + 2;  // no fold before the value
     while (rest.size() > kFold) {
       const std::size_t blank = FindFold(rest, skipped);
       if (blank == 0) break;
@@ -172,7 +183,7 @@ class Writer {
   const Message& message_;
   const StayingParts& stays_;
   std::string out_;
-  std::string line_;  // a header field
+  std::string line_;  // the current field on one line; a member, to reuse its memory
 };
 
 }  // namespace
@@ -198,7 +209,8 @@ std::size_t RewriteLineBreaks(std::string& text) {
       text[written++] = c;
       continue;
     }
-    // The other half of a pair that has been written already?
+    // The second half of a pair? Its first half was written as a CR. Both variables are initially
+    // 0, so a break at index 1 looks like one, too (see the QUIRK in the header).
     if (i == (c == '\r' ? last_break_from_lf : last_cr) + 1) continue;
     (c == '\r' ? last_cr : last_break_from_lf) = i;
     text[written++] = '\r';

@@ -1,4 +1,4 @@
-// A message written out again without its attachments and inline parts.
+// Writes a message again without its attachments and inline parts.
 #pragma once
 
 #include <cstddef>
@@ -7,17 +7,17 @@
 
 namespace zqv::email {
 
-// The message in `source` without every part whose Content-Disposition is inline or attachment, and
-// with every line break turned into a CR; up to its first NUL. Throws std::runtime_error when the
-// message is beyond the limits.
-// QUIRK: the disposition alone decides, other than where parts are listed; a part without one stays
-// even when it is an attachment. Part of the interface's contract; changing it is a major version.
-// Test: Strip.OnlyTheDispositionDecides.
+// Parses the message in `source` and writes it without the parts whose Content-Disposition is
+// inline or attachment. Line breaks of the result are CR (RewriteLineBreaks); it ends before its
+// first NUL. Throws std::runtime_error when a limit is exceeded (mime/limits.h), and
+// std::bad_alloc. QUIRK: only the disposition decides, unlike in Route (route.h): a part that is
+// listed as an attachment without having a disposition is kept. Part of the interface's contract;
+// changing it is a major version. Test: Strip.OnlyTheDispositionDecides.
 std::string WriteWithoutFiles(std::string_view source);
 
-// `text` with every line break (CR LF, LF CR, a lone LF, a lone CR) turned into one CR; returns the
-// number of bytes dropped. QUIRK: a CR or LF at position 1 is dropped as if it completed a pair.
-// Part of the interface's contract; changing it is a major version. Test:
+// Replaces every line break (CR LF, LF CR, LF or CR) by one CR, in place. Returns the number of
+// bytes that `text` became shorter. QUIRK: a CR or LF at index 1 is removed as if it were the
+// second half of a pair. Part of the interface's contract; changing it is a major version. Test:
 // LineBreaks.BreakAtPositionOneIsDropped.
 std::size_t RewriteLineBreaks(std::string& text);
 

@@ -1,4 +1,4 @@
-// Content transfer encodings (RFC 2045, section 6): which are known, and taking one off a body.
+// Content transfer encodings (RFC 2045, section 6): recognises them and decodes a body.
 #pragma once
 
 #include <optional>
@@ -10,12 +10,12 @@
 
 namespace zqv::email {
 
-// A body's bytes without transfer encoding: the very bytes when nothing had to be decoded, so it
-// must not outlive them.
+// A body without its transfer encoding. Owns the bytes when they were decoded; otherwise borrows
+// those of the message, which must outlive this object.
 class DecodedBody {
  public:
   explicit DecodedBody(std::string_view borrowed) : borrowed_(borrowed) {}
-  explicit DecodedBody(std::string&&) = delete;  // gone before it can be read
+  explicit DecodedBody(std::string&&) = delete;  // would borrow from a temporary
   explicit DecodedBody(text::DecodedBytes&& owned) : owned_(std::move(owned)) {}
 
   std::string_view bytes() const { return owned_.has_value() ? owned_->view() : borrowed_; }
@@ -25,12 +25,12 @@ class DecodedBody {
   std::string_view borrowed_;
 };
 
-// True for an absent mechanism and for base64, quoted-printable, binary, 7bit and 8bit, ignoring
-// case and nothing else: "7bit " with a trailing blank is unknown.
+// Whether `mechanism`, the value of Content-Transfer-Encoding, is empty, base64, quoted-printable,
+// binary, 7bit or 8bit, ignoring case. It is not trimmed: "7bit " is unknown.
 bool is_known_mechanism(std::string_view mechanism);
 
-// `body` [borrowed] with the transfer encoding removed; unchanged for the identity encodings and
-// for mechanisms that are not known.
+// Decodes a base64 or quoted-printable body. For any other mechanism the result is `body` itself.
+// [borrowed from `body` then; otherwise owned]
 DecodedBody DecodeData(std::string_view mechanism, std::string_view body);
 
 }  // namespace zqv::email
