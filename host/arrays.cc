@@ -1,3 +1,11 @@
+// Reads and fills host arrays. The layout of an array object depends on the host's version; for
+// 2021 and later, in bytes from its start:
+//
+//   24  reference count   56  pointer to the elements (8 bytes each)
+//   64  number of dimensions   84  upper bound
+//
+// A self-test makes an array of integers, writes known values through the host, and checks that
+// they are found at these places. Until it has passed, elements are read through the host.
 #include "host/arrays.h"
 
 #include <atomic>
@@ -11,10 +19,9 @@
 namespace zqv::host {
 namespace {
 
-// Where a host keeps what we read of an array, in bytes from the start of the array object. The
-// reference count (64-bit) and the pointer to the elements (8 bytes each) never moved.
+// The offsets, in bytes, of the members of an array object that are read here.
 struct ArrayLayout {
-  double from_version;
+  double from_version;  // of the host
   std::size_t reference_count;
   std::size_t storage;
   std::size_t dimension_count;
@@ -22,7 +29,7 @@ struct ArrayLayout {
   std::size_t upper_bound;            // 32-bit signed
 };
 
-// Newest first; the first row whose version the host has reached holds.
+// Newest first. The first row applies whose version is not above the host's.
 constexpr ArrayLayout kLayouts[] = {
     // clang-format off
     //   from  count  storage  dimensions  width  upper bound
@@ -39,12 +46,13 @@ const ArrayLayout& Layout() {
   return *row;
 }
 
-// The upper bound and the elements of the array that the self-test makes.
+// The upper bound of the self-test's array, the elements that it writes, and those that it expects
+// to read.
 constexpr std::int64_t kTestUpperBound = 1234;
 struct TestElement {
   std::int64_t index;
   std::int64_t value;
-  const char* failure;
+  const char* failure;  // for the debug log
 };
 constexpr TestElement kWritten[] = {{0, 12345, "Index 0 failed"}, {9, 123456, "Index 9 failed"}};
 constexpr TestElement kRead[] = {
@@ -54,6 +62,7 @@ std::atomic<bool> ArrayAccessTested{false};  // the self-test was started
 std::atomic<bool> ArrayAccessSuccess{
     false};  // and it passed: elements may be read from the storage
 
+// Reads a value at an offset into an array object.
 template <class Value>
 Value Peek(const void* array, std::size_t offset) {
   Value value;
@@ -62,12 +71,12 @@ Value Peek(const void* array, std::size_t offset) {
   return value;
 }
 
-// -1 for an empty array; 0 when the host lacks the operation.
+// -1 for an empty array; 0 when the host lacks the entry point.
 std::int64_t UpperBound(abi::REALarray array) { return entry::RuntimeUBound(array); }
 
 char* Storage(abi::REALarray array) { return Peek<char*>(array, Layout().storage); }
 
-// Where element `index` lies, or null when elements have to be asked of the host.
+// The address of element `index`, or null when elements have to be read through the host.
 char* DirectElement(abi::REALarray array, std::int64_t index) {
   if (!ArrayAccessSuccess) return nullptr;
   char* storage = Storage(array);
@@ -76,7 +85,8 @@ char* DirectElement(abi::REALarray array, std::int64_t index) {
 
 void TestArrayAccessOnce();
 
-// Raises and gives false when `index` is outside; otherwise the layout has been tested afterwards.
+// Returns whether `index` is inside the array; raises an OutOfBoundsException if not. Runs the
+// self-test if it has not run yet.
 bool IsAccessible(abi::REALarray array, std::int64_t index) {
   const std::int64_t upper_bound = UpperBound(array);
   if (index < 0 || index > upper_bound) {
@@ -105,6 +115,7 @@ std::int64_t REALGetArrayValueInteger(abi::REALarray array, std::int64_t index) 
   return get != nullptr ? get(array, index) : 0;
 }
 
+// Returns whether the values are equal; logs `failure` and the value if not.
 bool Expect(std::int64_t value, std::int64_t expected, const char* failure) {
   if (value == expected) return true;
   ZQV_LOG("%s%s %lld", failure, static_cast<long long>(value));
@@ -116,6 +127,7 @@ std::int64_t DimensionCount(abi::REALarray array, const ArrayLayout& layout) {
                                            : Peek<std::int32_t>(array, layout.dimension_count);
 }
 
+// Whether the array's memory holds the count, the bounds and the elements where they are expected.
 bool PassesLayoutTest(abi::REALarray array) {
   const ArrayLayout& layout = Layout();
   if (!Expect(Peek<std::int64_t>(array, layout.reference_count), 1, "refCount wrong") ||
@@ -135,8 +147,8 @@ bool PassesLayoutTest(abi::REALarray array) {
   return true;
 }
 
-// Writes known values through the host's own procedures and reads them back, first through the
-// host, then from the raw storage.
+// The self-test: writes known values through the host's procedures and reads them back, first
+// through the host and then from memory.
 bool PassesTest(abi::REALarray array) {
   if (array == nullptr) {
     ZQV_LOG("%s%s", "Failed to allocate array");
@@ -160,7 +172,7 @@ void TestArrayAccessOnce() {
   ArrayAccessSuccess = PassesTest(array.get());
 }
 
-// The host's procedure that inserts into this array, or null.
+// The procedure that inserts into this array; null when the host has none.
 abi::ObjectArrayInsertProc InsertProcedure(abi::REALarray array) {
   return ProcedureAt<abi::ObjectArrayInsertProc>(entry::PluginObjectArrayInsertProc(array));
 }
@@ -171,8 +183,9 @@ ArrayRef NewObjectArray() {
   return ArrayRef::Adopt(entry::RuntimeArrayCreateSingleDimBoundedArray(abi::kObjectElements, -1));
 }
 
-// QUIRK: without the upper-bound operation the index is 1, which an empty list of the host may
-// refuse. Test: MissingEntryPoints.EveryListSurvives.
+// QUIRK: when the host lacks the entry point for the upper bound, the index is always 1, which is
+// not valid for an empty array. Part of the interface's contract: a missing entry point counts as
+// one that returns 0. Test: MissingEntryPoints.EveryListSurvives.
 void AppendObject(abi::REALarray array, abi::REALobject object) {
   const std::int64_t index = UpperBound(array) + 1;
   const abi::ObjectArrayInsertProc insert = InsertProcedure(array);

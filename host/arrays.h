@@ -1,8 +1,8 @@
-// Host object arrays: how lists are made, filled, counted and read.
+// Arrays of host objects: creating, appending, counting and reading elements.
 //
-// Every list is made empty and filled by appending. An element is read straight from the host's
-// own storage once a self-test, run at most once in the process, has proven the memory layout;
-// otherwise through the host. The layouts are data, in arrays.cc.
+// An element is read directly from the array's memory if a self-test has confirmed the memory
+// layout that is expected of the host's version, and otherwise through the host. The self-test runs
+// when the first element is read in the process.
 #pragma once
 
 #include <cstdint>
@@ -11,14 +11,16 @@
 
 namespace zqv::host {
 
-// A new empty object array [new lock]; nil when the host cannot make one.
+// Creates an empty array of objects [new lock]; nil when the host cannot make one.
 ArrayRef NewObjectArray();
 
-// Appends `object` [borrowed: the array adds its own count]. Dropped when the host cannot insert.
+// Appends `object` [borrowed: the array adds a lock of its own] to `array` [borrowed]. Does nothing
+// when the host cannot insert.
 void AppendObject(abi::REALarray array, abi::REALobject object);
 
-// Appends to an array [borrowed] that is new and empty and that nobody else fills meanwhile: the
-// same as AppendObject, but the host is not asked again for what is known.
+// Appends objects to a new array [borrowed], faster than AppendObject: it asks the host for the
+// insert procedure once, and counts the elements itself. The array must be empty at first, and
+// nothing else may append to it meanwhile.
 class NewListFiller {
  public:
   explicit NewListFiller(abi::REALarray array) : array_(array) {}
@@ -31,11 +33,12 @@ class NewListFiller {
   std::int64_t count_ = 0;
 };
 
-// The number of elements: 0 for a nil array, 1 when the host cannot tell the upper bound.
+// The number of elements of `array` [borrowed]; 0 for nil, and 1 when the host lacks the entry
+// point that tells the upper bound.
 std::int64_t ArrayCount(abi::REALarray array);
 
-// The element at `index` [new lock]. Raises an OutOfBoundsException and gives nil for an index
-// outside the array; nil without an exception for a nil array.
+// The element at `index`, counted from 0 [new lock]. Outside the array: nil, and raises an
+// OutOfBoundsException. Nil, without an exception, for a nil array.
 ObjectRef REALGetArrayObject(abi::REALarray array, std::int64_t index);
 
 }  // namespace zqv::host

@@ -1,3 +1,5 @@
+// The state behind entry_points.h that is not of one entry point: the resolver and the version,
+// which REALPluginMain sets before any other function of the library is called.
 #include "host/entry_points.h"
 
 namespace zqv::host {

@@ -1,9 +1,10 @@
-// The way into the host: the resolver that it handed us, its version, and every entry point as a
-// typed callable that is looked up by name at its first use and cached for the life of the process.
+// The host's entry points as typed callable objects. Each is looked up by name through the host's
+// resolver when it is first used; its address is then cached for the life of the process.
 //
-// Invariant: a name that the host lacks makes the call a no-op with a nil or zero result, never an
-// error. Resolver and version are set once, when the library is registered; after that any thread
-// may call, and threads that look up the same name at once find the same address.
+// Calling an entry point that the host lacks does nothing and returns nil or zero.
+//
+// Threads: the resolver and the version are set once, in REALPluginMain. After that any thread may
+// call anything here.
 #pragma once
 
 #include <atomic>
@@ -12,17 +13,17 @@
 
 namespace zqv::host {
 
-// Keeps the resolver for the life of the process; null means that no entry point can be had.
+// Stores the host's resolver for the life of the process. With null, every entry point is missing.
 void SetResolver(abi::Resolver resolver);
 
-// The host's version as a number such as 2013.04; 0 when the host does not say.
+// The host's version as a number such as 2013.04; 0 when it is unknown.
 double HostVersion();
 void SetHostVersion(double version);
 
-// The address of a host entry point, or null. Asks the resolver each time; see EntryPoint.
+// The address of an entry point, or null when the host lacks it. Not cached.
 void* Resolve(const char* name);
 
-// A function that the host hands out by address; null stays null.
+// Converts an address that the host returned to a function pointer; null stays null.
 template <class Function>
 Function ProcedureAt(void* address) {
   return reinterpret_cast<Function>(address);
@@ -31,7 +32,8 @@ Function ProcedureAt(void* address) {
 template <class Signature>
 class EntryPoint;
 
-// One entry point of the host. Constant-initialised, so that nothing runs when the library loads.
+// An entry point of the host. Constant-initialised, so that no code runs when the library is
+// loaded.
 template <class Result, class... Arguments>
 class EntryPoint<Result(Arguments...)> {
  public:
@@ -39,8 +41,8 @@ class EntryPoint<Result(Arguments...)> {
 
   constexpr explicit EntryPoint(const char* name) : name_(name) {}
 
-  // The host's function, or null when the host lacks it. Found addresses are never asked for
-  // again; an entry point that is missing is asked for at every use.
+  // The host's function, or null when the host lacks it. An address that was found is cached; a
+  // missing entry point is looked up again at each use.
   Function Find() {
     Function function = function_.load(std::memory_order_relaxed);
     if (function == nullptr) {
@@ -50,7 +52,7 @@ class EntryPoint<Result(Arguments...)> {
     return function;
   }
 
-  // Calls the host; a missing entry point gives Result(): nil, 0 or nothing.
+  // Calls the host's function. Returns nil or 0 when the host lacks it.
   Result operator()(Arguments... arguments) {
     const Function function = Find();
     return function != nullptr ? function(arguments...) : Result();
@@ -61,7 +63,7 @@ class EntryPoint<Result(Arguments...)> {
   std::atomic<Function> function_{nullptr};
 };
 
-// Every entry point by its own name: entry::REALLockObject(object).
+// One object for each row of abi/entry_points.def, with its name: entry::REALLockObject(object).
 namespace entry {
 using namespace abi;  // NOLINT: the rows name the interface's types as they are
 #define ZQV_ENTRY_POINT(name, result, arguments, ownership) \

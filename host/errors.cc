@@ -1,3 +1,6 @@
+// Creates exception objects through the host, and maps types of C++ exceptions to classes of the
+// host (Translate). A failure while an exception is raised is ignored: the host then sees a less
+// detailed exception, or none.
 #include "host/errors.h"
 
 #include <cstdio>
@@ -13,13 +16,15 @@
 namespace zqv::host {
 namespace {
 
+// An object of the named class or, when the host cannot make one, a RuntimeException; nil when it
+// cannot make that either.
 ObjectRef NewExceptionObject(const char* class_name) {
   auto object = ObjectRef::Adopt(entry::PluginNewInstance(class_name));
   return object ? std::move(object) : ObjectRef::Adopt(entry::PluginNewInstance(kRuntimeException));
 }
 
-// Nil for no message, and when the host throws while it makes one: raising that failure would run
-// into it again.
+// Nil for a null message. Nil also when the host throws while it makes the string: to raise that
+// exception would only repeat the failure.
 StringRef NewMessage(const char* message) {
   try {
     return message != nullptr ? BuildStringOrThrow(message, abi::kUtf8) : StringRef();
@@ -42,8 +47,8 @@ struct Translation {
   const char* class_name;
 };
 
-// The pairings of range with out-of-range, and of overflow and underflow with the out-of-bounds
-// class, are intended. The order of the tests matters only for types derived from two of these.
+// The class and the start of the message for a C++ exception. That overflow_error and
+// underflow_error become an OutOfBoundsException is part of the interface's contract.
 Translation Translate(const std::exception& e) {
   if (dynamic_cast<const std::bad_alloc*>(&e) != nullptr)
     return {"Failed to allocate memory", kOutOfMemoryException};
@@ -63,7 +68,7 @@ void RaiseException(const char* class_name, const char* message) noexcept {
   try {
     Raise(class_name, message);
   } catch (...) {
-    // The host threw while taking the exception; there is nobody left to tell.
+    // The host threw while it was given the exception. Nothing can be raised any more.
   }
 }
 
@@ -71,7 +76,7 @@ void RaiseOutOfBoundsException(std::int64_t value, std::int64_t count) noexcept 
   constexpr std::size_t kSize = 205;
   const auto message = base::AllocateZeroed<char>(kSize);
   if (message == nullptr) return RaiseException(kOutOfBoundsException, "Out of Bounds");
-  // QUIRK: the two empty strings leave two blanks after "index". Part of the
+  // QUIRK: because of the two empty strings the message has two spaces after "index". Part of the
   // interface's contract; changing it is a major version.
   // Test: OutOfBoundsMessage.KeepsTwoBlanksAfterIndex.
   static_cast<void>(
@@ -91,7 +96,7 @@ void RaiseRuntimeException(const std::exception& e) noexcept {
     message += has_text ? std::string(": ") + what : std::string(".");
     RaiseException(translation.class_name, message.c_str());
   } catch (...) {
-    // No memory for the whole text: the class and the base text still get through.
+    // No memory for the whole message: raise the same class with the short one.
     RaiseException(translation.class_name, translation.text);
   }
 }

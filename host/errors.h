@@ -1,7 +1,10 @@
-// Failures that the application is to see: exceptions of the host's own classes.
+// Raises exceptions of the host's classes, which the application can catch.
 //
-// Raising marks the exception pending and returns; the host delivers it when our call returns. So
-// code goes on after a raise, and Guard is the border that no C++ exception crosses.
+// A Raise... function does not throw: it marks an exception pending and returns, and the caller
+// continues. The host throws it in the application when the library's function has returned.
+// Exceptions belong to the calling thread.
+//
+// Guard converts C++ exceptions to host exceptions; none may leave the library.
 #pragma once
 
 #include <cstdint>
@@ -21,36 +24,38 @@ inline constexpr char kIOException[] = "IOException";
 inline constexpr char kUnsupportedFormatException[] = "UnsupportedFormatException";
 inline constexpr char kUnsupportedOperationException[] = "UnsupportedOperationException";
 
-// Marks an exception of the named class pending, with `message` (UTF-8; null for none) and
-// ErrorNumber 0. An unknown class becomes a RuntimeException; when that cannot be made either,
-// nothing is raised. Never throws. The exception belongs to the calling thread.
+// Raises an exception of the named class with `message` (UTF-8; null for none) and ErrorNumber 0.
+// When the host does not have that class, raises a RuntimeException; when it cannot make that
+// either, raises nothing.
 void RaiseException(const char* class_name, const char* message) noexcept;
 
-// For an index `value` into a collection of `count` elements.
+// Raises an OutOfBoundsException for the index `value` into a list of `count` elements.
 void RaiseOutOfBoundsException(std::int64_t value, std::int64_t count) noexcept;
 
-// For a caught C++ exception: the class by its type, the text from its what().
+// Raises a host exception for a C++ exception. Its class depends on the type of `e`; e.what() is
+// appended to the message.
 void RaiseRuntimeException(const std::exception& e) noexcept;
 
-// For whatever is being handled in the enclosing catch block.
+// Raises a host exception for the C++ exception that is being handled. Call it in a catch block.
 void RaiseCurrentException() noexcept;
 
 namespace internal {
 
+// Converts a result to what the host takes: an owner gives up its lock to the caller, and a number
+// is passed as it is.
 template <class Traits>
-typename Traits::Raw Hand(Ref<Traits>&& ref) {
+typename Traits::Raw ToHost(Ref<Traits>&& ref) {
   return ref.Detach();
 }
 template <class Value, class = std::enable_if_t<std::is_scalar_v<Value>>>
-Value Hand(Value value) {
+Value ToHost(Value value) {
   return value;
 }
 
 }  // namespace internal
 
-// Runs the body of a function that the host calls and hands its result over as the host takes it:
-// an owner gives up its count to the caller. Anything thrown becomes a host exception, and the
-// result is then `fallback`: nil, 0 or false.
+// Runs `body`, the whole of a function that the host calls, and returns its result; of a Ref, the
+// object with its lock. When `body` throws, raises a host exception and returns nil, 0 or false.
 template <class Body>
 auto Guard(Body&& body) noexcept {
   using Result = decltype(body());
@@ -61,13 +66,13 @@ auto Guard(Body&& body) noexcept {
       RaiseCurrentException();
     }
   } else {
-    using Handed = decltype(internal::Hand(std::declval<Result>()));
+    using Raw = decltype(internal::ToHost(std::declval<Result>()));
     try {
-      return internal::Hand(std::forward<Body>(body)());
+      return internal::ToHost(std::forward<Body>(body)());
     } catch (...) {
       RaiseCurrentException();
     }
-    return Handed{};
+    return Raw{};
   }
 }
 

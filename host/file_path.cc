@@ -1,4 +1,7 @@
-// A file reference as a path, where the host's own strings will do: a path or a file URL.
+// FilePath for Linux and Windows. From host version 2013 on a FolderItem has a property NativePath;
+// in older hosts the path is made from its URLPath:
+//
+//   file:///home/ada/a%20b.eml    path "/home/ada/a b.eml", which PathOfUrl adapts to the platform
 #include <string>
 #include <string_view>
 
@@ -13,8 +16,9 @@
 namespace zqv::host {
 namespace {
 
-constexpr double kHasNativePath = 2013.0;
+constexpr double kHasNativePath = 2013.0;  // host version
 
+// A string property of a host object, as UTF-8; empty when it cannot be read.
 std::string PropertyText(abi::REALobject object, const char* property) {
   abi::REALstring value = nullptr;
   if (entry::REALGetPropValueString(object, property, &value) == 0) return {};
@@ -22,7 +26,7 @@ std::string PropertyText(abi::REALobject object, const char* property) {
   return std::string(rbText(text.get()).Utf8());
 }
 
-// RFC 3986, section 2.1; empty when an escape is broken.
+// Decodes percent escapes (RFC 3986, section 2.1). Returns an empty string when one is malformed.
 std::string DecodePercentEscapes(std::string_view text) {
   std::string decoded;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -39,8 +43,8 @@ std::string DecodePercentEscapes(std::string_view text) {
   return decoded;
 }
 
-// The path of a file URL; empty for anything else. Scheme and host name are compared without regard
-// to case (RFC 3986, section 6.2.2.1).
+// The path of a file URL (RFC 8089); empty for any other text. Scheme and host name are compared
+// ignoring case (RFC 3986, section 6.2.2.1).
 std::string PathOfText(std::string_view text) {
   constexpr std::string_view kScheme = "file://";
   constexpr std::string_view kLocalHost = "localhost";
@@ -55,7 +59,7 @@ std::string PathOfText(std::string_view text) {
   return url.path.empty() ? std::string() : PathOfUrl(url);
 }
 
-// As the other platform says it, which has a null string where there is no text.
+// Writes the same line as on macOS, where an empty path is logged as a null string.
 void LogPath(const char* format, const std::string& text) {
   if (base::IsLogging()) base::LogMessageX(format, text.empty() ? "(null)" : text.c_str());
 }
@@ -72,7 +76,7 @@ std::string FilePath(abi::REALobject file) {
     LogPath("url path: %s", url);
     path = PathOfText(url);
   }
-  // A NUL would cut the path and name another file.
+  // Functions that open files take NUL-terminated paths: one with a NUL would name another file.
   return path.find('\0') == std::string::npos ? path : std::string();
 }
 

@@ -1,4 +1,4 @@
-// A file URL (RFC 8089) taken apart, which each platform writes as a path in its own way.
+// A parsed file URL (RFC 8089), and its conversion to a path, which each platform defines.
 #pragma once
 
 #include <string>
@@ -7,11 +7,11 @@
 namespace zqv::host {
 
 struct FileUrl {
-  std::string_view server;  // as written; empty for this machine
-  std::string path;         // percent escapes decoded; begins with a slash
+  std::string_view server;  // empty for this machine [borrowed from the URL]
+  std::string path;         // begins with a slash; percent escapes are decoded
 };
 
-// The path as this platform's system takes it; empty where it has none for such a URL.
+// Converts to a path of this platform, in UTF-8. Empty when the platform has no path for the URL.
 std::string PathOfUrl(const FileUrl& url);
 
 }  // namespace zqv::host

@@ -1,5 +1,4 @@
-// What a port provides: how a file reference of the host becomes a path and is opened, the local
-// time, and, where the platform has string objects of its own, a host string as one of those.
+// The functions that each platform implements: files, local time and, on macOS, its string objects.
 #pragma once
 
 #include <cstdint>
@@ -12,29 +11,30 @@
 
 namespace zqv::host {
 
-// The file-system path of a FolderItem [borrowed] as OpenForReading takes it; empty when there is
-// none: the property cannot be read, is no file URL, or does not convert.
+// The path of a FolderItem [borrowed], as OpenForReading takes it. Empty when the host does not
+// give it, when it gives something other than a file URL, or when it cannot be converted.
 std::string FilePath(abi::REALobject file);
 
 struct CloseFile {
   void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
 };
-// An owner of an open file, or of nothing.
+// Owns an open file, or null.
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
-// The file at that path, which is not empty, opened for reading its bytes as they are. Null when it
-// cannot be opened and when it is nothing to read whole, such as a pipe or a device. Never waits
-// for anybody.
+// Opens a file for reading in binary mode. `path` must not be empty. Null when the file cannot be
+// opened or is not seekable, such as a pipe. Does not block.
 File OpenForReading(const std::string& path);
 
-// The length of an open file in bytes; negative when it has none. Moves the position.
+// The length of an open file in bytes; negative when it cannot be determined. Changes the position.
 std::int64_t LengthOf(std::FILE* file);
 
-// Seconds that this machine's local time is ahead of UTC now. Nothing when it cannot be had.
+// How far local time is ahead of UTC at this moment, in seconds. Nullopt when it cannot be
+// determined.
 std::optional<std::int64_t> LocalTimeOffset();
 
 #if defined(__APPLE__) || defined(ZQV_PLATFORM_MACOS)
-// A new platform string of the text of `string` [borrowed], which the caller releases, or null.
+// Creates a CFString with the text of `string` [borrowed], which the caller must release. Null for
+// nil and when it cannot be made.
 abi::PlatformString RBString2CFString(abi::REALstring string);
 #endif
 

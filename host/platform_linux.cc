@@ -1,4 +1,4 @@
-// The Linux port: the path of a file URL stands in it as it is.
+// The Linux port: the path of a file URL is the file's path.
 #include "host/file_url.h"
 
 namespace zqv::host {

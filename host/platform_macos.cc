@@ -1,8 +1,8 @@
-// The macOS port: a file reference becomes a path through the platform's URLs in normalisation form
-// D, and a host string becomes a CoreFoundation string.
+// The macOS port: paths of files, and host strings as CoreFoundation strings (CFString). Paths are
+// converted through CFURL and are in Unicode normalisation form D, as file systems of macOS store
+// names.
 //
-// On a Mac the platform's own headers are used. Elsewhere, when cross-building against a folder
-// that has only link stubs, the few declarations that are needed stand below.
+// Builds on a Mac use Apple's headers. A cross build has none; the declarations needed stand below.
 #include <algorithm>
 #include <iterator>
 #include <memory>
@@ -50,18 +50,21 @@ constexpr CFIndex kCFURLPOSIXPathStyle = 0;
 constexpr CFIndex kCFStringNormalizationFormD = 0;
 #endif
 
-// Foundation's headers are Objective-C; this is the one function that is needed of them.
+// Declared here because the header that declares it, of Foundation, is Objective-C.
 extern "C" void NSLog(CFStringRef format, ...);
 
 namespace zqv::host {
 namespace {
 
+// Host versions from which FolderItem.NativePath exists, and from which REALGetStringCFString has
+// its newer form.
 constexpr double kHasNativePath = 2013.0;
 constexpr double kHasNewerStringCall = 2012.0;
 
 struct ReleaseObject {
   void operator()(CFTypeRef object) const { CFRelease(object); }
 };
+// Owns one reference to a CoreFoundation object, or null.
 template <class Object>
 using PlatformRef = std::unique_ptr<std::remove_pointer_t<Object>, ReleaseObject>;
 using StringHandle = PlatformRef<CFStringRef>;
@@ -72,6 +75,7 @@ CFStringRef CreateWithBytes(std::string_view bytes, abi::Encoding encoding, bool
                                  static_cast<Boolean>(is_external));
 }
 
+// Creates a CFString from the bytes of a host string, without the host's own conversion.
 CFStringRef CreateFromOwnBytes(abi::REALstring string, abi::Encoding encoding) {
   const rbData data(string);
   const std::string_view bytes = data.bytes();
@@ -91,6 +95,7 @@ CFStringRef CreateFromOwnBytes(abi::REALstring string, abi::Encoding encoding) {
   return CreateWithBytes(bytes, encoding, false);
 }
 
+// A string property of a host object; null when it cannot be read.
 StringHandle PropertyText(abi::REALobject object, const char* property) {
   abi::REALstring value = nullptr;
   if (entry::REALGetPropValueString(object, property, &value) == 0) return nullptr;
@@ -98,7 +103,9 @@ StringHandle PropertyText(abi::REALobject object, const char* property) {
   return StringHandle(static_cast<CFStringRef>(RBString2CFString(text.get())));
 }
 
-// The text in UTF-8; empty when it does not convert, and when it has a NUL, which would cut it.
+// Converts to UTF-8. Empty when the text cannot be converted or contains a NUL. The buffer is first
+// filled with 0x01: its last other byte is then the terminating NUL, and an earlier NUL belongs to
+// the text.
 std::string TextOf(CFStringRef text) {
   constexpr char kUnused = '\x01';
   const CFIndex size = 6 * CFStringGetLength(text) + 16;
@@ -108,8 +115,8 @@ std::string TextOf(CFStringRef text) {
   return bytes.find('\0') == end ? bytes.substr(0, end) : std::string();
 }
 
-// Whether a URL is that of a file on this machine (RFC 8089): no host name, or "localhost", in any
-// case (RFC 3986, section 6.2.2.1). The platform would give a path for any other, too.
+// Whether a URL names a file on this machine (RFC 8089): no host name, or "localhost", ignoring
+// case (RFC 3986, section 6.2.2.1). CFURL would return a path for other URLs, too.
 bool IsFileUrl(CFStringRef url) {
   const std::string text = TextOf(url);
   constexpr std::string_view kStarts[] = {"file:///", "file://localhost/"};
@@ -118,6 +125,7 @@ bool IsFileUrl(CFStringRef url) {
   });
 }
 
+// The URL of a FolderItem, from its native path or, in older hosts, its URL; null when it has none.
 PlatformRef<CFURLRef> FileUrl(abi::REALobject file) {
   const bool native = HostVersion() >= kHasNativePath;
   const StringHandle text = PropertyText(file, native ? "NativePath" : "URLPath");
@@ -129,7 +137,7 @@ PlatformRef<CFURLRef> FileUrl(abi::REALobject file) {
              : CFURLCreateWithString(nullptr, text.get(), nullptr));
 }
 
-// UTF-8 in normalisation form D, as the file system keeps names; empty when it does not convert.
+// Converts a path to UTF-8 in normalisation form D; empty when it cannot be converted.
 std::string FileSystemBytes(CFStringRef path) {
   const PlatformRef<CFMutableStringRef> normalised(CFStringCreateMutableCopy(nullptr, 0, path));
   if (normalised == nullptr) return {};
@@ -153,8 +161,8 @@ abi::PlatformString RBString2CFString(abi::REALstring string) {
     const rbData data(string);
     return CreateWithBytes(data.bytes(), abi::kMacRoman, true);
   }
-  // Newer hosts offer the call under the same name as older ones; the two are kept apart because a
-  // host may answer the first asking and not the second.
+  // From version 2012 on the entry point has another form with the same name. The two are separate
+  // objects, because a host's resolver may answer differently when it is asked twice.
   static EntryPoint<abi::PlatformString(abi::REALstring, abi::RBBoolean)> newer(
       "REALGetStringCFString");
   if (HostVersion() >= kHasNewerStringCall) {

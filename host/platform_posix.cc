@@ -1,4 +1,5 @@
-// What macOS and Linux have in common: files by POSIX, local time by the C library.
+// The functions of platform.h that macOS and Linux share: files through POSIX, local time through
+// the C library.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -8,8 +9,8 @@
 
 namespace zqv::host {
 
-// Opened without blocking: a pipe would wait for somebody to write into it. What cannot be
-// positioned is no file to read whole.
+// O_NONBLOCK: opening a named pipe would otherwise block until another process writes to it. lseek
+// fails for pipes and other files that are not seekable.
 File OpenForReading(const std::string& path) {
   const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   if (descriptor < 0) return nullptr;
@@ -22,8 +23,8 @@ std::int64_t LengthOf(std::FILE* file) {
   return std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
 }
 
-// localtime_r looks at the zone's file for the first call in the process alone, and again only
-// after somebody else has called tzset, localtime or mktime.
+// localtime_r reads the time zone only once in a process, unless tzset, localtime or mktime is
+// called, too. So a change of the zone while the process runs may go unnoticed.
 std::optional<std::int64_t> LocalTimeOffset() {
   const std::time_t now = std::time(nullptr);
   std::tm local{};

@@ -1,5 +1,8 @@
-// The Windows port: paths are UTF-8 until they are opened by their UTF-16 form, local time is that
-// of the system's settings.
+// The Windows port. Paths are UTF-8 and are converted to UTF-16 when a file is opened:
+//
+//   C:/mail/a.eml            \\?\C:\mail\a.eml
+//   \\server\share\a.eml     \\?\UNC\server\share\a.eml
+//   NUL, C:\a.eml:stream     refused: a device, an alternate data stream
 #include <fcntl.h>
 #include <io.h>
 #include <windows.h>
@@ -20,14 +23,15 @@ namespace {
 
 using WideView = std::wstring_view;
 
-// A path that is taken as it stands and may be long; where devices are; where servers are.
+// Prefixes of paths: not parsed further by the system, and longer than 260 characters if need be; a
+// device; a server.
 constexpr WideView kVerbatim = L"\\\\?\\";
 constexpr WideView kDevices = L"\\\\.\\";
 constexpr WideView kServers = L"\\\\";
 
 bool StartsWith(WideView path, WideView prefix) { return path.substr(0, prefix.size()) == prefix; }
 
-// Empty when the bytes are no UTF-8.
+// Converts UTF-8 to UTF-16; empty when the text is not well-formed UTF-8.
 std::wstring ToUtf16(const std::string& text) {
   if (text.size() > INT_MAX) return {};
   const int size = static_cast<int>(text.size());
@@ -39,9 +43,9 @@ std::wstring ToUtf16(const std::string& text) {
   return wide;
 }
 
-// The whole path with backslashes and without ".." in it, or, for what the system takes for a
-// device such as NUL or COM1, a path among the devices. Empty when there is none.
-std::wstring WholePath(const std::wstring& path) {
+// The absolute path, with backslashes and without "..". For the name of a device, such as NUL or
+// COM1, it begins with kDevices. Empty on failure.
+std::wstring FullPath(const std::wstring& path) {
   const DWORD room = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
   std::wstring whole(room, L'\0');
   const DWORD length = room != 0 ? GetFullPathNameW(path.c_str(), room, whole.data(), nullptr) : 0;
@@ -49,7 +53,7 @@ std::wstring WholePath(const std::wstring& path) {
   return whole;
 }
 
-// A colon behind a name opens a stream beside the file's bytes; no file has one in its name.
+// Whether a path names an alternate data stream: it has a colon other than that of the drive.
 bool NamesStream(WideView path) {
   const std::size_t drive = path.find(L':');
   if (drive == WideView::npos) return false;
@@ -57,30 +61,30 @@ bool NamesStream(WideView path) {
   return !is_drive || path.find(L':', drive + 1) != WideView::npos;
 }
 
-// The form that has no limit but that of the system, 32,767 units.
+// Adds the prefix that raises the limit of a path's length to 32,767 UTF-16 units.
 std::wstring Verbatim(std::wstring path) {
   if (StartsWith(path, kVerbatim)) return path;
   if (StartsWith(path, kServers)) return L"\\\\?\\UNC" + path.substr(1);
   return std::wstring(kVerbatim) + path;
 }
 
-// What CreateFileW is given; empty for what is none of the files on a disk by its name.
+// The path for CreateFileW; empty for a device or a stream, and when `path` cannot be converted.
 std::wstring OpenableForm(const std::string& path) {
-  std::wstring whole = WholePath(ToUtf16(path));
+  std::wstring whole = FullPath(ToUtf16(path));
   if (whole.empty() || StartsWith(whole, kDevices) || NamesStream(whole)) return {};
   return Verbatim(std::move(whole));
 }
 
 HANDLE OpenHandle(const std::wstring& path) {
-  // Whoever writes, renames or deletes the file is not kept from it. A pipe's server, on another
-  // machine perhaps, may learn who asks and not act for them.
+  // Other processes may write, rename and delete the file while it is open. Should the path be a
+  // named pipe, its server may identify this process's user but not impersonate them.
   constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
   constexpr DWORD kFlags =
       FILE_FLAG_SEQUENTIAL_SCAN | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
   return CreateFileW(path.c_str(), GENERIC_READ, kShare, nullptr, OPEN_EXISTING, kFlags, nullptr);
 }
 
-// Files have attributes; volumes and the like, which are of the same type, have none.
+// Whether a handle is a regular file. Volumes have the same file type but no file information.
 bool IsFileOnDisk(HANDLE handle) {
   BY_HANDLE_FILE_INFORMATION information;
   return GetFileType(handle) == FILE_TYPE_DISK &&
@@ -88,7 +92,7 @@ bool IsFileOnDisk(HANDLE handle) {
          (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-// Takes the handle over, also when it fails.
+// Wraps a handle in a FILE. Takes ownership of the handle, also on failure. Null on failure.
 File AsFile(HANDLE handle) {
   const int descriptor = _open_osfhandle(reinterpret_cast<std::intptr_t>(handle),
                                          _O_RDONLY | _O_BINARY | _O_NOINHERIT);
@@ -103,7 +107,7 @@ File AsFile(HANDLE handle) {
 
 }  // namespace
 
-// "/C:/a" is C:\a; a server's "/share/a" is \\server\share\a (RFC 8089, appendix E).
+// Maps "/C:/a" to C:\a, and "/share/a" on a server to \\server\share\a (RFC 8089, appendix E).
 std::string PathOfUrl(const FileUrl& url) {
   std::string path = url.path;
   std::replace(path.begin(), path.end(), '/', '\\');
@@ -128,7 +132,7 @@ std::int64_t LengthOf(std::FILE* file) {
 
 std::optional<std::int64_t> LocalTimeOffset() {
   TIME_ZONE_INFORMATION zone;
-  LONG minutes = 0;  // that UTC is ahead of local time
+  LONG minutes = 0;  // UTC minus local time
   switch (GetTimeZoneInformation(&zone)) {
     case TIME_ZONE_ID_UNKNOWN:  // a zone without daylight saving time
       minutes = zone.Bias;

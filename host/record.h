@@ -1,9 +1,8 @@
-// From an instance to its record. The host lays a class's record somewhere inside each instance and
-// writes the offset into the class definition when it registers the class, so every record type is
-// bound to one definition, at registration.
+// Finds the record inside an instance. The host reserves space for a class's record inside each
+// instance, and stores the record's offset in the class definition when the class is registered. So
+// each record type is bound to one class definition, at registration.
 //
-// A subclass without data of its own uses the record of its super class, found through the super
-// class's definition.
+// A subclass without data of its own uses the record, and the definition, of its super class.
 #pragma once
 
 #include "abi/records.h"
@@ -11,18 +10,19 @@
 
 namespace zqv::host {
 
-// The definition whose record is `Record`; null until BindRecord.
+// The class definition that `Record` is bound to; null before BindRecord. Set once, in
+// REALPluginMain.
 template <class Record>
 inline const abi::REALclassDefinition* g_record_definition = nullptr;
 
-// Names the definition that says where `Record` lies. Keeps the pointer.
+// Binds `Record` to a class definition. [borrowed: for the life of the process]
 template <class Record>
 void BindRecord(const abi::REALclassDefinition* definition) {
   g_record_definition<Record> = definition;
 }
 
-// The record inside `instance` [borrowed: it lives as long as the instance]; null when the instance
-// is nil or the class was never registered.
+// The record inside `instance` [borrowed: as long as the instance lives]. Null when the instance is
+// nil or the class was not registered.
 template <class Record>
 Record* RecordOf(abi::REALobject instance) {
   const abi::REALclassDefinition* definition = g_record_definition<Record>;
@@ -30,8 +30,8 @@ Record* RecordOf(abi::REALobject instance) {
   return reinterpret_cast<Record*>(reinterpret_cast<char*>(instance) + definition->forSystemUse);
 }
 
-// A new instance of the class whose record is `Record` [new lock], without running a constructor;
-// nil when the class was never registered or the host cannot make one.
+// Creates an instance of the class with this record [new lock]. No constructor runs; the record is
+// filled with zeros. Nil when the class was not registered or the host cannot make one.
 template <class Record>
 ObjectRef NewInstance() {
   const abi::REALclassDefinition* definition = g_record_definition<Record>;

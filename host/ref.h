@@ -1,11 +1,12 @@
-// Ownership of host strings, objects and arrays, carried by types.
+// Smart pointers for strings, objects and arrays of the host, which counts their references; one
+// reference is called a lock.
 //
-// Ref holds one of the host's counts on a thing, or nil, and gives it back when it goes. Slot is a
-// field of a record that the host owns: the same promise, but given back only by Clear() or Put(),
-// because the host frees the record's memory without running destructors.
+// Ref owns one lock, or is nil; its destructor gives the lock back. Slot does the same as a field
+// of a record that the host owns. The host frees a record without running C++ destructors, so a
+// Slot gives its lock back in Clear() and Put() only.
 //
-// Two verbs make a Ref: Adopt() takes over a count that we were given, Share() adds one. So a
-// search for "Share" finds every count that we add.
+// Adopt() takes ownership of a lock that the library was given; Share() adds a lock. A search for
+// "Share" finds every place where the library adds one.
 #pragma once
 
 #include <type_traits>
@@ -16,6 +17,8 @@
 
 namespace zqv::host {
 
+// Traits: how the host's functions add a lock to each kind of thing, and take it back. Add returns
+// false when the host lacks the entry point.
 struct StringTraits {
   using Raw = abi::REALstring;
   static bool Add(Raw string) {
@@ -36,7 +39,7 @@ struct ObjectTraits {
   static void GiveBack(Raw object) { entry::REALUnlockObject(object); }
 };
 
-// An array is an object: it is counted as one, and a Variant holds it as one.
+// An array is an object to the host: it has the same locks, and can be the value of a Variant.
 inline abi::REALobject AsObject(abi::REALarray array) {
   return reinterpret_cast<abi::REALobject>(array);
 }
@@ -47,7 +50,7 @@ struct ArrayTraits {
   static void GiveBack(Raw array) { ObjectTraits::GiveBack(AsObject(array)); }
 };
 
-// An owner of one count on a host thing, or of nothing.
+// Owns one lock on a string, object or array; or nothing (nil).
 template <class Traits>
 class [[nodiscard]] Ref {
  public:
@@ -67,22 +70,22 @@ class [[nodiscard]] Ref {
     try {
       Traits::GiveBack(raw_);
     } catch (...) {
-      // A host that throws while taking its thing back has nothing to tell a destructor.
+      // A destructor must not throw, and the host gives no way to repeat the call.
     }
   }
 
-  // Takes over the count that comes with `raw`, which may be nil.
+  // Takes ownership of the lock that comes with `raw`, which may be nil.
   static Ref Adopt(Raw raw) { return Ref(raw); }
 
-  // Adds a count of its own. Nil when `raw` is nil, and also when the host cannot add one: an
-  // owner that gave back what it never got would free the thing under somebody else.
+  // Adds a lock to `raw` [borrowed]. Nil when `raw` is nil or the host cannot add a lock: to give
+  // back a lock that was never added would free the object while others still use it.
   static Ref Share(Raw raw) { return Ref(raw != nullptr && Traits::Add(raw) ? raw : nullptr); }
 
-  // The thing itself, still ours; nil when there is none.
+  // The object, or nil. [borrowed: the lock stays here]
   Raw get() const { return raw_; }
   explicit operator bool() const { return raw_ != nullptr; }
 
-  // Hands the count on to the caller and keeps nothing.
+  // Passes the lock to the caller; nil afterwards. [new lock]
   [[nodiscard]] Raw Detach() { return std::exchange(raw_, nullptr); }
 
  private:
@@ -95,7 +98,8 @@ using StringRef = Ref<StringTraits>;
 using ObjectRef = Ref<ObjectTraits>;
 using ArrayRef = Ref<ArrayTraits>;
 
-// A field of a host-owned record: pointer-sized, trivial, nil when zero-filled.
+// A field of a record that the host owns. Has the size of a pointer and no constructor; nil when
+// its bytes are zero.
 template <class Traits>
 class Slot {
  public:
@@ -104,18 +108,18 @@ class Slot {
   Raw get() const { return raw_; }
   explicit operator bool() const { return raw_ != nullptr; }
 
-  // A new owner of the same thing, for a getter to hand out; nil stays nil.
+  // Adds a lock, for the result of a getter; nil stays nil. [new lock]
   Ref<Traits> Share() const { return Ref<Traits>::Share(raw_); }
 
-  // Stores what `ref` owns and then gives back what was here before.
+  // Stores what `ref` owns, then gives back what was stored before.
   void Put(Ref<Traits>&& ref) {
     const auto old = Ref<Traits>::Adopt(std::exchange(raw_, ref.Detach()));
   }
 
-  // Moves the ownership out of the record; nil afterwards.
+  // Moves the lock out of the record; nil afterwards.
   Ref<Traits> Take() { return Ref<Traits>::Adopt(std::exchange(raw_, nullptr)); }
 
-  // Gives back what is here; nil afterwards.
+  // Gives the lock back; nil afterwards.
   void Clear() { Put(Ref<Traits>()); }
 
  private:

@@ -1,3 +1,5 @@
+// The host gives a pointer to a string's bytes, and their number by the global method LenB of its
+// own language.
 #include "host/string_bytes.h"
 
 #include <atomic>
@@ -9,14 +11,14 @@ namespace {
 
 using LenB = abi::RBInteger (*)(abi::REALstring);
 
-// The host's global method for a string's length in bytes, looked up once; null when missing.
+// The host's method LenB; null when it is missing. The address is cached.
 LenB FindLenB() {
-  static std::atomic<LenB> cached{nullptr};
-  LenB len_b = cached.load(std::memory_order_relaxed);
+  static std::atomic<LenB> g_cached{nullptr};
+  LenB len_b = g_cached.load(std::memory_order_relaxed);
   if (len_b == nullptr) {
     len_b =
         ProcedureAt<LenB>(entry::REALLoadGlobalMethod(nullptr, "LenB( s as string ) as integer"));
-    cached.store(len_b, std::memory_order_relaxed);
+    g_cached.store(len_b, std::memory_order_relaxed);
   }
   return len_b;
 }

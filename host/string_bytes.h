@@ -1,4 +1,4 @@
-// A host string's own bytes, as the string holds them, without conversion.
+// The bytes of a host string as they are stored, without conversion.
 #pragma once
 
 #include <cstdint>
@@ -8,15 +8,17 @@
 
 namespace zqv::host {
 
-// Reads one string [borrowed], which it keeps alive meanwhile. The bytes are the host's memory.
+// Gives access to the bytes of one string, and keeps the string alive as long as it exists.
 class rbData {
  public:
+  // `string` may be nil: it has no bytes. [borrowed; a lock is added]
   explicit rbData(abi::REALstring string);
 
-  // The bytes [borrowed: as long as this reader lives]; empty when there are none.
+  // The bytes. [borrowed: the host's memory, valid as long as this object lives]
   std::string_view bytes() const;
 
-  // The byte length as the host gives it, 0 without data. A broken host may say a negative one.
+  // The length in bytes as the host reports it, 0 without data. Negative only if the host is
+  // faulty; bytes() is then empty.
   std::int64_t length() const { return length_; }
 
  private:

@@ -1,3 +1,10 @@
+// Which entry points make a string depends on the host's version:
+//
+//   before 2012   REALBuildString, then REALSetStringEncoding
+//   2012          REALBuildStringWithEncoding; UTF-32 is converted to UTF-16 here first
+//   2013          the same, and UTF-32 is converted by the host
+//
+// Strings in UTF-16 and UTF-32 are then converted to UTF-8 by the host.
 #include "host/strings.h"
 
 #include <limits>
@@ -10,11 +17,11 @@
 namespace zqv::host {
 namespace {
 
-// Host versions from which an operation is used.
+// Host versions from which the entry points are used.
 constexpr double kBuildsWithEncoding = 2012.0;
 constexpr double kConvertsUtf32 = 2013.0;
 
-// Bytes to a string labelled with `encoding`, by the operation that this host version has.
+// Creates a string of these bytes with `encoding` as its label.
 StringRef BuildLabelled(const void* bytes, std::int64_t length, abi::Encoding encoding) {
   const char* text = static_cast<const char*>(bytes);
   const int count = static_cast<int>(length);
@@ -30,7 +37,8 @@ StringRef ConvertToUtf8(const StringRef& string) {
 }
 
 StringRef BuildThroughUtf16(const char32_t* code_points, std::size_t count) {
-  // Short texts stay off the heap: 800 bytes of UTF-32 give at most 400 units and the zero.
+  // Short texts use a buffer on the stack. Less than 800 bytes of UTF-32 are at most 199 code
+  // points, which give at most 398 UTF-16 units and the zero.
   constexpr std::size_t kStackBytes = 800;
   char16_t on_stack[kStackBytes / sizeof(char16_t) + 1];
   base::HeapArray<char16_t> on_heap;
@@ -53,14 +61,14 @@ StringRef BuildUtf32(const void* bytes, std::int64_t length) {
         static_cast<const char*>(bytes), static_cast<int>(length), abi::kUtf32));
     StringRef converted = string ? ConvertToUtf8(string) : StringRef();
     if (converted) return converted;
-    // One impossible code point must not cost the reader the whole text: go the older hosts' way,
-    // which drops or replaces what has no place in Unicode.
+    // The host may refuse a text because of one invalid code point. Convert it as for older hosts,
+    // which drops or replaces such code points.
   }
   return BuildThroughUtf16(static_cast<const char32_t*>(bytes),
                            static_cast<std::size_t>(length) / sizeof(char32_t));
 }
 
-// Not empty, and of a length that an int holds.
+// `bytes` are not empty and their number fits an int.
 StringRef Build(std::string_view bytes, abi::Encoding encoding) {
   const void* const data = bytes.data();
   const auto length = static_cast<std::int64_t>(bytes.size());
@@ -71,7 +79,7 @@ StringRef Build(std::string_view bytes, abi::Encoding encoding) {
     case abi::kMacRoman:
     case abi::kIsoLatin1:
     case abi::kWindowsLatin1:
-    case abi::kUnknownEncoding:  // these contain ASCII
+    case abi::kUnknownEncoding:  // single-byte encodings that agree with ASCII below 0x80
       if (base::IsAscii(bytes)) encoding = abi::kAscii;
       break;
     case abi::kUtf16:
@@ -123,7 +131,7 @@ StringRef BuildDetectedString(std::string_view bytes) {
 }
 
 StringRef BuildDetectedText(std::string_view bytes) {
-  // Most texts are ASCII without a NUL, and one pass tells.
+  // Most texts are ASCII without a NUL. This finds out in one pass, without DetectEncoding.
   const std::size_t length = base::LengthOfAsciiText(bytes);
   if (length == bytes.size() || bytes[length] == '\0')
     return BuildString(bytes.substr(0, length), abi::kAscii);

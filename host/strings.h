@@ -1,8 +1,7 @@
-// From bytes to a host string: the only way in which the library makes one.
+// Creates host strings from bytes. The whole library uses only these functions for that.
 //
-// The host takes the bytes and an encoding number; which of its operations to call depends on its
-// version. Nil stands for empty and for failure. Nothing here raises, except for a C++ exception
-// that comes out of the host itself.
+// Results are nil for an empty text and on failure. A failure raises no host exception, unless the
+// host throws a C++ exception, which is converted to one (errors.h).
 #pragma once
 
 #include <cstdint>
@@ -14,28 +13,28 @@
 
 namespace zqv::host {
 
-// A host string of `length` bytes in `encoding` [new lock]. UTF-16 and UTF-32 come out as UTF-8;
-// the single-byte encodings that contain ASCII come out as ASCII when every byte is. Nil for null,
-// for a length below 1 or of 2^31 and more, and when the host cannot make it.
+// Creates a host string from `length` bytes in `encoding`. UTF-16 and UTF-32 are converted to
+// UTF-8. Text that is labelled Mac Roman, ISO 8859-1, Windows-1252 or unknown and is pure ASCII is
+// labelled ASCII. Nil for null, for a length below 1 or above 2^31 - 1, and when the host cannot
+// make it. [new lock]
 StringRef REALBuildUnicodeString(const void* bytes, std::int64_t length, abi::Encoding encoding);
 
-// The same for UTF-16 in host byte order; `byte_length` counts bytes. [new lock]
+// The same for UTF-16 in the byte order of the processor. `byte_length` is in bytes. [new lock]
 StringRef REALBuildUnicodeStringUTF16(const char16_t* units, std::int64_t byte_length);
 
-// REALBuildUnicodeString of a view, but what the host throws passes through. [new lock]
+// Like REALBuildUnicodeString, but does not catch a C++ exception that the host throws. [new lock]
 StringRef BuildStringOrThrow(std::string_view bytes, abi::Encoding encoding);
 
-// REALBuildUnicodeString of a view. [new lock]
+// Like REALBuildUnicodeString. [new lock]
 StringRef BuildString(std::string_view bytes, abi::Encoding encoding);
 
-// Bytes that come without a charset, in the encoding that DetectEncoding finds. [new lock]
+// Creates a host string in the encoding that base::DetectEncoding guesses. [new lock]
 StringRef BuildDetectedString(std::string_view bytes);
 
-// The same of what comes before the first NUL, if there is one. [new lock]
+// Like BuildDetectedString, for the bytes before the first NUL. [new lock]
 StringRef BuildDetectedText(std::string_view bytes);
 
-// The same for a NUL-terminated text, which may be null, and for a text up to its first NUL.
-// [new lock]
+// Like BuildDetectedText. A null pointer gives nil. [new lock]
 StringRef CString2RB_detect_encoding(const char* cstring);
 inline StringRef CString2RB_detect_encoding(const std::string& text) {
   return BuildDetectedText(text);

@@ -1,3 +1,11 @@
+// How a string is read depends on its encoding, which the host tells:
+//
+//   ASCII, UTF-8        its own bytes
+//   other single-byte   its own bytes if they are ASCII, otherwise converted by the host
+//   UTF-16, UTF-32      converted by the host
+//   unknown             its own bytes if they are ASCII, otherwise a copy labelled Mac Roman
+//
+// UTF-32 is made here from ASCII, UTF-8 and UTF-16, and by the host from all others.
 #include "host/text_reader.h"
 
 #include <algorithm>
@@ -14,6 +22,7 @@ namespace {
 
 constexpr std::uint32_t kGuard = 0x5A515654;  // "ZQVT"
 
+// The data of empty views, with zeros at the end as in all views.
 constexpr char kNoBytes[4] = {};
 constexpr char16_t kNoUtf16[2] = {};
 constexpr char32_t kNoUtf32[2] = {};
@@ -55,7 +64,7 @@ HostTextData::~HostTextData() {
   try {
     entry::PluginDisposeStringData(&record_);
   } catch (...) {
-    // As with every count: a throwing host has nothing to tell a destructor.
+    // A destructor must not throw, and the host gives no way to repeat the call.
   }
 }
 
@@ -91,7 +100,7 @@ rbText::~rbText() {
   if (tail_guard_ != kGuard) ZQV_LOG("%s%s %u", "Check2 in rbText invalid", tail_guard_);
 }
 
-// An empty text: every view at the shared empty buffer of its unit, none of them made.
+// Sets all views to "not made yet" or, for a nil string, to the empty text.
 void rbText::Reset() {
   encoding_ = abi::kAscii;
   state_ = State::kAscii;
@@ -102,7 +111,8 @@ void rbText::Reset() {
   utf32_ = {kNoUtf32, length};
 }
 
-// The string's own bytes as the UTF-8 view and, for a text labelled ASCII, as the ASCII view.
+// Makes the UTF-8 view, and for a text labelled ASCII also the ASCII view, of the string's own
+// bytes.
 void rbText::ReadOwnBytes() {
   const std::string_view bytes = rbData(string()).bytes();
   const TextView<char> view{bytes.empty() ? kNoBytes : bytes.data(),
@@ -125,7 +135,7 @@ bool rbText::CheckASCII() {
   return true;
 }
 
-// A text of unknown encoding with 8-bit bytes is read as Mac Roman, through a copy that says so.
+// Replaces a string of unknown encoding that is not ASCII by a copy labelled Mac Roman.
 void rbText::ReadUnknownEncoding() {
   const rbData data(string_);
   if (data.length() == 0) {
@@ -143,14 +153,14 @@ void rbText::ReadUnknownEncoding() {
   hold_ = StringRef();
   encoding_ = replaced_ ? entry::REALGetStringEncoding(replaced_.get()) : abi::kMacRoman;
   state_ = State::kNeedsHost;
-  // QUIRK: said once in the process, and whether or not the copy could be made.
-  // Test: TextReader.SaysOnceThatTheRebuildFailed.
-  static std::atomic<bool> g_said{false};
-  if (!g_said.exchange(true)) ZQV_LOG("%s%s", "REALBuildUnicodeString failed");
+  // QUIRK: logged once in a process, even when the copy was made. Part of the interface's contract;
+  // changing it is a major version. Test: TextReader.SaysOnceThatTheRebuildFailed.
+  static std::atomic<bool> g_logged{false};
+  if (!g_logged.exchange(true)) ZQV_LOG("%s%s", "REALBuildUnicodeString failed");
 }
 
-// The text in `encoding` from the host, kept until the reader goes; false, with the flag set, when
-// it cannot be had.
+// Requests the text in `encoding` from the host; it lives as long as the reader. Returns false, and
+// sets the flag, on failure.
 bool rbText::GetHostText(abi::Encoding encoding, const HostTextData** text) {
   host_texts_.emplace_front();
   HostTextData& fresh = host_texts_.front();
@@ -185,7 +195,8 @@ void rbText::ConvertUTF8() {
   }
 }
 
-// A zeroed buffer that the reader owns; null, with the UTF-32 view empty, when there is no memory.
+// Allocates a zeroed buffer that the reader owns. When memory runs out, returns null and makes the
+// UTF-32 view empty.
 char32_t* rbText::NewUtf32Buffer(std::size_t units) {
   try {
     return unit_buffers_.emplace_front(units).data();
@@ -196,6 +207,7 @@ char32_t* rbText::NewUtf32Buffer(std::size_t units) {
   }
 }
 
+// Makes the UTF-32 view from the ASCII view.
 void rbText::WidenAscii() {
   char32_t* units = NewUtf32Buffer(static_cast<std::size_t>(ascii_.length) + 1);
   if (units == nullptr) return;
@@ -204,6 +216,7 @@ void rbText::WidenAscii() {
   utf32_ = {units, ascii_.length};
 }
 
+// Makes the UTF-32 view from the UTF-8 view, up to the first ill-formed sequence.
 void rbText::DecodeUtf8() {
   ZQV_LOG("%s%s", "Try UTF8 to UTF32 conversion...");
   if (utf8_.length < 0) ConvertUTF8();
@@ -216,6 +229,7 @@ void rbText::DecodeUtf8() {
   utf32_ = {units, static_cast<std::int64_t>(conversion.written)};
 }
 
+// Requests the UTF-32 view from the host. After a failure, now or earlier, converts through UTF-16.
 void rbText::ReadHostUtf32() {
   const HostTextData* text = nullptr;
   if (flag_ || !GetHostText(abi::kUtf32, &text)) return ConvertUTF32_viaUTF16();
@@ -257,7 +271,7 @@ void rbText::ConvertUTF32() {
   SkipByteOrderMarks();
 }
 
-// A host's data may lack the zero unit after the last, or stand at an odd address: read a copy.
+// Copies the UTF-32 view when the host's data is not aligned or lacks the zero after it.
 void rbText::TerminateUtf32() {
   if (utf32_.length < 1) return;
   const auto count = static_cast<std::size_t>(utf32_.length);
@@ -271,6 +285,7 @@ void rbText::TerminateUtf32() {
   utf32_.data = units;
 }
 
+// Swaps the byte order of the UTF-32 view when it begins with a byte-order mark in the other order.
 void rbText::SwapUtf32() {
   if (utf32_.length < 1 || utf32_.data[0] != kSwappedMark32) return;
   ZQV_LOG("%s%s", "String is Little Endian. Swap.");
@@ -282,6 +297,7 @@ void rbText::SwapUtf32() {
   utf32_ = {units, length};
 }
 
+// Removes U+FEFF and then U+FFFE from the start of the UTF-32 view.
 void rbText::SkipByteOrderMarks() {
   const auto skip = [this](char32_t mark) {
     if (utf32_.length < 1 || utf32_.data[0] != mark) return;

@@ -1,8 +1,8 @@
-// A host string read as text: ASCII, UTF-8 or UTF-32, whatever encoding the host holds it in.
+// Reads a host string as UTF-8 or UTF-32, whatever its encoding is.
 //
-// A view is made on demand and is either the string's own bytes (nothing is copied while the text
-// is ASCII or UTF-8), data obtained from the host, or a copy that the reader owns. A length of -1
-// means that a view is not made yet. Failures leave a view empty; nothing is raised.
+// Each view is made when it is first requested. It consists of the string's own bytes if these are
+// ASCII or UTF-8, and otherwise of data from the host or of a copy that the reader owns. On failure
+// a view is empty; no host exception is raised.
 #pragma once
 
 #include <cstdint>
@@ -17,15 +17,15 @@
 
 namespace zqv::host {
 
-// A view of the text: `length` units at `data`, or not made yet when `length` is -1.
+// A view of the text: `length` units at `data`. A length of -1 says that the view was not made yet.
 template <class Unit>
 struct TextView {
   const Unit* data;
   std::int64_t length = -1;
 };
 
-// A text obtained from the host in some encoding, given back when this goes. Not movable: the host
-// may know the record by its address.
+// A string's text in a requested encoding, as the host provides it. The destructor gives it back to
+// the host. Not movable: the host must get the record back at the address at which it filled it.
 class HostTextData {
  public:
   HostTextData() = default;
@@ -33,9 +33,10 @@ class HostTextData {
   HostTextData& operator=(const HostTextData&) = delete;
   ~HostTextData();
 
-  // Asks the host for `string` in `encoding`; false when it cannot be had. At most once.
+  // Requests `string` [borrowed] in `encoding`. Returns false on failure. Call it at most once.
   bool Get(abi::REALstring string, abi::Encoding encoding);
 
+  // The text; data() may be null. [borrowed from this object]
   const void* data() const { return record_.data; }
   std::size_t byte_length() const { return record_.length; }
 
@@ -44,36 +45,39 @@ class HostTextData {
   bool obtained_ = false;
 };
 
+// Reads one string and keeps it alive as long as it exists.
 class rbText {
  public:
-  // Reads `string` [borrowed], which may be nil: a text without characters.
+  // `string` may be nil: it is an empty text. [borrowed; a lock is added]
   explicit rbText(abi::REALstring string);
   rbText(const rbText&) = delete;
   rbText& operator=(const rbText&) = delete;
   ~rbText();
 
-  // Finds out whether the text is pure ASCII; then every byte view is the string's own bytes.
+  // Whether the text is pure ASCII. Always false for a text in UTF-16 or UTF-32, and for one that
+  // an earlier call found not to be ASCII.
   bool CheckASCII();
 
-  // Make the view, replacing one that was made before. UTF-8 ends in a NUL after the last byte,
-  // UTF-32 in a zero unit after the last.
+  // Make a view, replacing an earlier one. A zero byte follows the UTF-8 text, and a zero code
+  // point the UTF-32 text. The third converts through UTF-16 in any case.
   void ConvertUTF8();
   void ConvertUTF32();
   void ConvertUTF32_viaUTF16();
 
-  // The views, made when they are not yet [borrowed: as long as this reader lives].
+  // The text, converted at the first call. [borrowed from this object]
   std::string_view Utf8();
   std::u32string_view Utf32();
 
   abi::Encoding encoding() const { return encoding_; }
-  // True after a host read failed, and after a text of unknown encoding was read as Mac Roman.
+  // True after a request to the host has failed, and for a text of unknown encoding that was read
+  // as Mac Roman.
   bool flagged() const { return flag_; }
 
  private:
   enum class State : std::uint8_t {
-    kAscii = 1,        // pure ASCII
-    kDirectBytes = 2,  // single-byte or UTF-8 text: its bytes serve until a check says otherwise
-    kNeedsHost = 3,    // read through the host's conversion
+    kAscii = 1,        // known to be pure ASCII: its bytes are used directly
+    kDirectBytes = 2,  // a single-byte encoding or UTF-8, not checked for ASCII yet
+    kNeedsHost = 3,    // known not to be ASCII, or UTF-16 or UTF-32
   };
 
   abi::REALstring string() const { return replaced_ ? replaced_.get() : string_; }
@@ -89,14 +93,15 @@ class rbText {
   void SkipByteOrderMarks();
   char32_t* NewUtf32Buffer(std::size_t units);
 
-  std::uint32_t head_guard_;
-  abi::REALstring string_;  // borrowed for the call that the reader serves ...
-  StringRef hold_;          // ... and kept alive besides
-  StringRef replaced_;      // the copy read instead, for a text of unknown encoding
+  std::uint32_t head_guard_;  // this and tail_guard_ have a known value, to detect overwriting
+  abi::REALstring string_;    // the string to read; nil when `replaced_` is read instead
+  StringRef hold_;            // a lock on string_; nil when the host cannot add locks
+  StringRef replaced_;        // for a text of unknown encoding: a copy labelled Mac Roman
   TextView<char> ascii_;
   TextView<char> utf8_;
   TextView<char16_t> utf16_;
   TextView<char32_t> utf32_;
+  // Memory that the views point into. Lists, so that adding a buffer moves no other.
   std::forward_list<std::vector<char>> byte_buffers_;
   std::forward_list<std::vector<char32_t>> unit_buffers_;
   std::forward_list<HostTextData> host_texts_;
@@ -106,7 +111,7 @@ class rbText {
   std::uint32_t tail_guard_;
 };
 
-// The text of `string` [borrowed; nil is empty] as UTF-8, up to its first NUL.
+// A copy of the text of `string` [borrowed; nil is empty] as UTF-8, up to its first NUL.
 std::string ReadUtf8(abi::REALstring string);
 
 }  // namespace zqv::host
