@@ -7,13 +7,13 @@
 
 namespace zqv::objects {
 
-// Fills a fresh record. A mailbox without local part, and a group without name and members, are
-// left out: then both objects are nil.
+// Fills an empty record. The mailbox object is nil when the mailbox has no local part, the group
+// object when the group has neither a name nor members.
 void Set(MimeAddressClassData& record, const mime::Address& address);
-// Gives back everything that the record holds; nil afterwards.
+// Gives back all locks that the record owns and sets its slots to nil.
 void Clear(MimeAddressClassData& record);
 
-// Registered with the host.
+// Constructor and destructor, registered with the host.
 inline constexpr auto MimeAddressConstructor =
     &ConstructFromText<MimeAddressClassData, mime::AddressValue>;
 inline constexpr auto MimeAddressDestructor = &DestroyRecord<MimeAddressClassData>;

@@ -8,12 +8,12 @@
 
 namespace zqv::objects {
 
-// Fills a fresh record; no address is left out.
+// Fills an empty record. Every address gets an object, also an empty one.
 void Set(MimeAddressListClassData& record, const mime::AddressList& list);
-// Gives back everything that the record holds; nil afterwards.
+// Gives back all locks that the record owns and sets its slots to nil.
 void Clear(MimeAddressListClassData& record);
 
-// Registered with the host.
+// List members, constructor and destructor, registered with the host.
 using ListedAddresses = ListAccess<&MimeAddressListClassData::addresses>;
 inline constexpr auto MimeAddressListConstructor =
     &ConstructFromText<MimeAddressListClassData, mime::AddressList>;

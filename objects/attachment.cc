@@ -15,7 +15,7 @@ using host::ObjectRef;
 using host::StringRef;
 using mime::FieldName;
 
-// The first name that gives a string.
+// The first candidate (email/file_name.h) that is not empty, as a host string; nil if all are.
 StringRef FileName(const ListedPart& part) {
   email::FileNames names(part.header, part.decoded);
   while (const std::optional<text::HeaderText> name = names.Next()) {

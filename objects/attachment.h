@@ -1,5 +1,4 @@
-// MimeAttachmentZQV: a flat summary of a part that is neither the message's plain text nor its
-// HTML.
+// MimeAttachmentZQV: a summary of a part that is listed as an attachment or as an inline part.
 #pragma once
 
 #include <string_view>
@@ -10,21 +9,22 @@
 
 namespace zqv::objects {
 
-// A part that is listed: its entity's record, its header, and its decoded body.
+// A part to be listed: the record of its entity, its header and its decoded body. [all borrowed]
 struct ListedPart {
   const MimeEntityClassData& entity;
   const mime::Header& header;
   std::string_view decoded;
 };
 
-// Makes the record of one part and appends it to `list`, a list of the message's, which is made
-// when it is nil. A part that the host cannot make an object or a list for is not listed.
+// Creates an attachment object for a part and appends it to `list`, Attachments or Inlines of the
+// message. Creates the array when `list` is nil. When the host cannot make the object or the array,
+// the part is not listed.
 void AddAttachment(ArraySlot& list, const ListedPart& part);
 
-// Gives back everything that the record holds; nil afterwards.
+// Gives back all locks that the record owns and sets its slots to nil.
 void Clear(MimeAttachmentClassData& record);
 
-// Registered with the host.
+// Constructor and destructor, registered with the host.
 inline constexpr auto MimeAttachmentConstructor = &ConstructEmpty;
 inline constexpr auto Destructor = &DestroyRecord<MimeAttachmentClassData>;
 

@@ -1,4 +1,4 @@
-// MimeBodyZQV: a body's own text and the entities inside it.
+// MimeBodyZQV: the text of a part's body, and the entities inside it.
 #pragma once
 
 #include "mime/message.h"
@@ -7,14 +7,15 @@
 
 namespace zqv::objects {
 
-// A new object for the body of `part`, with an empty list of parts [new lock]; nil when the host
-// cannot make one.
+// Creates an object for the body of `part` with an empty list of parts; nil when the host cannot
+// make one. [new lock]
 host::ObjectRef NewMimeBodyZQV(const mime::Part& part);
 
-// Gives back everything that the record holds, the list of parts by ReleaseParts; nil afterwards.
+// Gives back all locks that the record owns, the list of parts through ReleaseParts (release.h),
+// and sets its slots to nil.
 void Clear(MimeBodyClassData& record);
 
-// Registered with the host.
+// List members, constructor and destructor, registered with the host.
 using BodyParts = ListAccess<&MimeBodyClassData::parts>;
 inline constexpr auto MimeBodyConstructor = &ConstructEmpty;
 inline constexpr auto MimeBodyDestructor = &DestroyRecord<MimeBodyClassData>;

@@ -1,6 +1,6 @@
-// The objects are made in one walk over the parts, without recursion. A part's entity and body
-// objects are made before those of the parts inside it; its header, text and place in a list come
-// after them. So nested parts are listed before the parts around them.
+// The objects are created in one walk over the parts, without recursion. Entity and body objects of
+// a part are created before those of the parts inside it. Its header and text are filled, and it is
+// added to a list, after them. So parts are listed before the multiparts around them.
 #include "objects/build.h"
 
 #include <optional>
@@ -24,7 +24,7 @@
 namespace zqv::objects {
 namespace {
 
-// The lists and the source, which stay even when the message is then refused.
+// Stores the empty lists and the source. They stay when the message is then refused.
 void Begin(MimeEntityClassData& record, std::string_view message, abi::REALstring source) {
   Clear(record);
   record.Inlines.Put(host::NewObjectArray());
@@ -33,7 +33,7 @@ void Begin(MimeEntityClassData& record, std::string_view message, abi::REALstrin
                                       : host::BuildString(message, abi::kUnknownEncoding));
 }
 
-// True when the message can be parsed; raises otherwise.
+// Whether the message is accepted; raises an exception if not.
 bool Check(std::string_view message) {
   if (message.empty()) {
     host::RaiseException(host::kUnsupportedOperationException, "Can't parse empty text.");
@@ -53,7 +53,7 @@ class TreeBuilder {
   TreeBuilder(const mime::Message& message, MimeEntityClassData& record)
       : message_(message), email_record_(record) {}
 
-  // Makes all objects. Gives the decoded body of the message itself, if it has one.
+  // Creates all objects. Returns the decoded body of the top part; nullopt if it was not decoded.
   std::optional<email::DecodedBody> Run() {
     mime::Walk(
         message_.parts(), 0, [this](mime::PartIndex part) { return Enter(part); },
@@ -62,15 +62,15 @@ class TreeBuilder {
   }
 
  private:
-  // An entity whose parts are being made. The message itself has its object already. The body is
-  // stored when its parts are complete, so that a walk that is broken off leaves none.
+  // An entity whose parts are being built. Its body is stored in the record only when they are
+  // complete, so that an exception in between leaves no incomplete body there.
   struct OpenEntity {
-    host::ObjectRef object;
+    host::ObjectRef object;  // nil for the message itself, whose object the host has made
     host::ObjectRef body;
     MimeEntityClassData* record;
   };
 
-  // A part that the host makes no object for is skipped with the parts inside it.
+  // Skips a part, and the parts inside it, when the host cannot make its object.
   mime::Visit Enter(mime::PartIndex index) {
     OpenEntity entity{{}, {}, &email_record_};
     if (index > 0) {
@@ -100,14 +100,14 @@ class TreeBuilder {
   MimeEntityClassData& email_record_;
   LocalOffset local_offset_;
   std::vector<OpenEntity> open_;
-  std::optional<email::DecodedBody> decoded_;  // of the part that was left last
+  std::optional<email::DecodedBody> decoded_;  // the body of the part that Leave handled last
 };
 
-// A message that is one part: its body becomes its text, whatever its type. `decoded` is what
-// routing made of it, if anything.
-// QUIRK: a part of any type but text/plain and text/html is offered as plain text too, besides
-// being listed. Part of the interface's contract; changing it is a major version. Test:
-// SinglePart.ImageIsListedAndOfferedAsText.
+// Completes a message of a single part: stores its body as the message's plain text, or as HTML for
+// text/html. `decoded` is the body as FillEntity decoded it, or nullopt when it did not.
+// QUIRK: a part of any other type, such as an image, becomes the plain text as well, in addition to
+// being listed. Part of the interface's contract; changing it is a major version.
+// Test: SinglePart.ImageIsListedAndOfferedAsText.
 void CompleteSinglePart(MimeEntityClassData& record, const mime::Message& message,
                         std::optional<email::DecodedBody>&& decoded) {
   const mime::Header header = message.HeaderOf(message.top());
@@ -126,7 +126,7 @@ void CompleteSinglePart(MimeEntityClassData& record, const mime::Message& messag
   }
 }
 
-// All that needs the parsed message, which is gone when this returns.
+// Everything that uses the parsed message, whose memory is freed at the end.
 void ParseAndBuild(MimeEntityClassData& record, std::string_view bytes) {
   const mime::Message message(bytes);
   std::optional<email::DecodedBody> decoded = TreeBuilder(message, record).Run();

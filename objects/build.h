@@ -1,5 +1,5 @@
-// From a message's bytes to the objects that mirror it: check the bytes, parse them, build the
-// objects, complete the message's record.
+// Builds all objects of a message from its bytes: checks and parses the bytes, creates the objects
+// of all parts, and completes the message's own record.
 #pragma once
 
 #include "abi/records.h"
@@ -7,10 +7,12 @@
 
 namespace zqv::objects {
 
-// Fills the record of `self` from a raw message, whose memory it gives back as soon as it is
-// parsed. `source` [borrowed] is the host string that the bytes come from, or nil. Raises an
-// UnsupportedOperationException for an empty text and for one that begins with a byte of 0x80 or
-// above. May throw; what was set until then stays.
+// Fills the record of `self`, a MimeEmailZQV, from a message. The message's memory is freed as soon
+// as its objects are built. `source` [borrowed] is the host string that contains the bytes, which
+// is stored as Source; when it is nil, a new string is made. Raises an
+// UnsupportedOperationException for an empty message and for one that begins with a byte of 0x80 or
+// above. Throws std::runtime_error when a limit is exceeded (mime/limits.h) and std::bad_alloc;
+// what was stored before stays.
 void MimeEmailConstructor(abi::REALobject self, MessageBytes message, abi::REALstring source);
 
 }  // namespace zqv::objects

@@ -25,7 +25,8 @@ using SevenArguments = void (*)(abi::REALobject, abi::RBInteger year, abi::RBInt
                                 abi::RBInteger day, abi::RBInteger hour, abi::RBInteger minute,
                                 abi::RBInteger second, double gmt_offset);
 
-// The host's own constructors, by their exact declarations.
+// The declarations by which the constructors of the host's Date are looked up. They must match
+// exactly.
 constexpr char kSevenArguments[] =
     "Constructor(Year as Integer, Month as Integer, Day as Integer, Hour as Integer, "
     "Minute as Integer, Second as Integer, GMTOffset as Double)";
@@ -33,7 +34,7 @@ constexpr char kSixArguments[] =
     "Constructor(Year as Integer, Month as Integer, Day as Integer, hour as Integer, "
     "minute as Integer, second as Integer)";
 
-// What a host takes for "no offset given".
+// The value of GMTOffset that tells the host that no offset is given.
 constexpr double kNoOffset = -10000.0;
 
 email::DateFields ReadFields(std::string_view text) {
@@ -48,8 +49,9 @@ email::DateFields ReadFields(std::string_view text) {
   return fields;
 }
 
-// Sets the fields one by one. QUIRK: the day is first set to 3, before year and month, so that the
-// day in between is valid in every month. Test: Dates.PropertyPathSetsTheDayTo3First.
+// Sets the properties of a Date one by one. QUIRK: the day is set to 3 before year and month are
+// set, because otherwise the day of the new Date, such as 31, may be invalid in that month. Test:
+// Dates.PropertyPathSetsTheDayTo3First.
 void SetProperties(abi::REALobject date, const email::DateFields& fields) {
   const struct {
     const char* name;
@@ -64,8 +66,8 @@ void SetProperties(abi::REALobject date, const email::DateFields& fields) {
   for (const auto& step : steps) host::entry::REALSetPropValueInteger(date, step.name, step.value);
 }
 
-// The message's instant in local time: the fields are taken as local, moved by the message's own
-// zone to UTC and by the machine's offset to local time.
+// Converts a date text to a Date in local time. A Date with the numbers of the text is made first;
+// then its TotalSeconds are changed: minus the zone of the text, plus the offset of local time.
 ObjectRef ConvertDate(std::string_view text, LocalOffset& local_offset) {
   const email::DateFields fields = ReadFields(text);
   ObjectRef date =

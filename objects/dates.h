@@ -1,4 +1,4 @@
-// When a message was sent and received, as the host's Date objects in local time.
+// The dates on which a message was sent and received, as Date objects of the host in local time.
 #pragma once
 
 #include <cstdint>
@@ -10,13 +10,14 @@
 
 namespace zqv::objects {
 
-// Seconds that this machine's local time is ahead of UTC, asked for once for all dates of a
-// message. QUIRK: now, not at the message's date, so that across a change of daylight saving time
-// the result is off by the difference. Part of the interface's contract; changing it is a major
-// version. Test: Dates.UsesTheOffsetOfTheMoment.
+// How far local time is ahead of UTC, in seconds. Determined at the first use and cached, so that
+// all dates of a message use the same value. QUIRK: the offset is today's, not that of the
+// message's date; when daylight saving time began or ended in between, dates differ by its amount.
+// Part of the interface's contract; changing it is a major version. Test:
+// Dates.UsesTheOffsetOfTheMoment.
 class LocalOffset {
  public:
-  // Nothing when the local time cannot be had.
+  // Nullopt when the system cannot tell local time.
   std::optional<std::int64_t> Get();
 
  private:
@@ -24,17 +25,18 @@ class LocalOffset {
   bool is_known_ = false;
 };
 
-// Stores the dates of the header's Date and Received fields in `record`. With several, the last
-// Date wins, and the last Received that holds "; ". A text that is no date gives one all the same,
-// of the zeros that were read for it; only one whose reading throws is skipped. Raises nothing.
+// Stores the dates of a header's Date and Received fields in `record`. When a header has several,
+// the last Date and the last Received with "; " in it are used. Unparsable text still gives a Date,
+// with the numbers that email::ReadDateText returns, mostly 0. A field whose parsing throws is
+// skipped. No host exception is raised.
 void ParseDate(MimeEntityClassData& record, const mime::Header& header, LocalOffset& local_offset);
 
-// A new Date of the host with these fields [new lock]; nil when the host cannot make one. Fields
-// out of range roll over as the host has it.
+// Creates a Date of the host; nil when the host cannot make one. The host decides what a number out
+// of range means, such as day 31 in June. [new lock]
 host::ObjectRef NewDate(std::int64_t year, std::int64_t month, std::int64_t day, std::int64_t hour,
                         std::int64_t minute, std::int64_t second);
 
-// Seconds east of UTC of a zone written as a number of the form hhmm, such as -130.
+// Converts a time zone given as the number hhmm, such as -130 for -01:30, to seconds ahead of UTC.
 double ZoneOffset(int zone);
 
 }  // namespace zqv::objects

@@ -12,33 +12,33 @@ namespace zqv::objects {
 
 class LocalOffset;
 
-// A part whose objects are being made, and what is the same for all parts: the message's own
-// record, which for the message itself is that of the part, and the machine's time.
+// What FillEntity needs to fill one part's record. [all borrowed]
 struct PartContext {
   const mime::Part& part;
   const mime::Header& header;
-  MimeEntityClassData& record;
-  MimeEntityClassData& email_record;
+  MimeEntityClassData& record;        // of the part
+  MimeEntityClassData& email_record;  // of the whole message; the same for its top part
   LocalOffset& local_offset;
 };
 
-// Makes the header object of a part whose body object is there, decodes and routes the part, and
-// stores its dates. Gives the decoded body, or nothing for a container and for an unknown transfer
-// encoding, which are not routed. May throw.
+// Creates a part's header object, decodes its body, stores it in the property of the message that
+// email::Route selects, and stores its dates. The body object must be in the record already.
+// Returns the decoded body; nullopt for a container and for an unknown transfer encoding, which are
+// stored in no property of the message. Throws std::bad_alloc.
 std::optional<email::DecodedBody> FillEntity(const PartContext& context);
 
-// A decoded body as a host string in its encoding [new lock]; nil for an empty one. Reports an
-// unknown charset.
+// Creates a host string of a decoded body in the body's encoding; nil for an empty body. Raises an
+// exception for an unknown charset if applications have asked for that (words.h). [new lock]
 host::StringRef BuildBodyText(const mime::Header& header, std::string_view decoded);
 
-// Stores `text` as the message's plain text or HTML, shared, and writes a log line about it.
+// Store `text` as the message's plain text or HTML, adding a lock, and log that.
 void StorePlainText(MimeEntityClassData& email_record, const StringSlot& text);
 void StoreHtmlText(MimeEntityClassData& email_record, const StringSlot& text);
 
-// Gives back everything that the record holds; nil afterwards.
+// Gives back all locks that the record owns and sets its slots to nil.
 void Clear(MimeEntityClassData& record);
 
-// Registered with the host, for MimeEmailZQV too.
+// Constructor and destructor, registered with the host. MimeEmailZQV uses this destructor, too.
 inline constexpr auto MimeEntityConstructor = &ConstructEmpty;
 inline constexpr auto MimeEntityDestructor = &DestroyRecord<MimeEntityClassData>;
 

@@ -1,4 +1,4 @@
-// MimeFieldZQV: one header field, name and value.
+// MimeFieldZQV: the name and the value of one header field.
 #pragma once
 
 #include <string_view>
@@ -8,13 +8,14 @@
 
 namespace zqv::objects {
 
-// Fills a fresh record: the value, undecoded, then the name as written. Neither has a NUL.
+// Fills an empty record. Encoded words in the value are not decoded. Neither text may contain a
+// NUL.
 void Set(MimeFieldClassData& record, std::string_view name, std::string_view value);
 
-// Gives back everything that the record holds; nil afterwards.
+// Gives back all locks that the record owns and sets its slots to nil.
 void Clear(MimeFieldClassData& record);
 
-// Registered with the host. The constructor parses "Name: value".
+// Constructor and destructor, registered with the host. The constructor parses "Name: value".
 void MimeFieldConstructor(abi::REALobject self, abi::REALstring text);
 inline constexpr auto MimeFieldDestructor = &DestroyRecord<MimeFieldClassData>;
 

@@ -8,14 +8,15 @@
 
 namespace zqv::objects {
 
-// Fills a fresh record.
-// QUIRK: the group's name is decoded with its quotes, a mailbox's label without. Part of the
-// interface's contract; changing it is a major version. Test: Addresses.GroupNameKeepsItsQuotes.
+// Fills an empty record.
+// QUIRK: NameDecoded keeps the quotes around a group's name, while LabelDecoded of a mailbox does
+// not have them. Part of the interface's contract; changing it is a major version. Test:
+// Addresses.GroupNameKeepsItsQuotes.
 void Set(MimeGroupClassData& record, const mime::Group& group);
-// Gives back everything that the record holds; nil afterwards.
+// Gives back all locks that the record owns and sets its slots to nil.
 void Clear(MimeGroupClassData& record);
 
-// Registered with the host.
+// List members, constructor and destructor, registered with the host.
 using GroupMailboxes = ListAccess<&MimeGroupClassData::mailboxes>;
 inline constexpr auto MimeGroupConstructor =
     &ConstructFromText<MimeGroupClassData, mime::GroupValue>;

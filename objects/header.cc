@@ -18,7 +18,7 @@ using host::BuildDetectedString;
 using mime::FieldName;
 
 void FillTexts(MimeHeaderClassData& record, const mime::Header& header) {
-  // These two have a text even when the header lacks them.
+  // These two are stored even when the header lacks the fields: "0.0" and "/" (mime/header.h).
   record.MimeVersion.Put(BuildDetectedString(header.Text(FieldName::kMimeVersion)));
   record.ContentType.Put(BuildDetectedString(header.Text(FieldName::kContentType)));
   const auto put = [&](host::StringSlot& slot, FieldName name) {
@@ -34,7 +34,7 @@ void FillTexts(MimeHeaderClassData& record, const mime::Header& header) {
   record.subjectDecoded.Put(DecodeInlineEncodings(header.Text(FieldName::kSubject), false));
 }
 
-// An address field that the header lacks, or that holds nobody, gives nil and no empty object.
+// An address field that is missing or contains no address leaves its slot nil.
 void FillAddresses(MimeHeaderClassData& record, const mime::Header& header) {
   const mime::Mailbox& sender = header.sender();
   if (!sender.local_part.empty()) record.sender.Put(NewFilled<MimeMailboxClassData>(sender));
@@ -59,7 +59,8 @@ void FillFields(MimeHeaderClassData& record, const mime::Header& header) {
   }
 }
 
-// The first field whose name the host finds equal to `name`; nil when there is none.
+// The first field whose name is equal to `name` as the host compares strings; nil when there is
+// none or the host has no function for that. [new lock]
 host::ObjectRef FindField(abi::REALobject self, abi::REALstring name) {
   const auto* record = host::RecordOf<MimeHeaderClassData>(self);
   if (record == nullptr || !record->fields) return {};

@@ -1,4 +1,4 @@
-// MimeHeaderZQV: the header of an entity, its known fields as properties and every field in a list.
+// MimeHeaderZQV: the header of a part. Some fields are properties; all fields are in a list.
 #pragma once
 
 #include "host/ref.h"
@@ -8,20 +8,20 @@
 
 namespace zqv::objects {
 
-// A new object for `header`; nil when the host cannot make one. A failure on the way raises and
-// gives the object as far as it was filled. [new lock]
+// Creates an object for `header`; nil when the host cannot make one. When filling it throws, raises
+// a host exception and returns the object as far as it was filled. [new lock]
 host::ObjectRef NewMimeHeaderZQV(const mime::Header& header);
 
-// Gives back everything that the record holds; nil afterwards.
+// Gives back all locks that the record owns and sets its slots to nil.
 void Clear(MimeHeaderClassData& record);
 
-// Registered with the host.
+// List members, constructor, destructor and methods, registered with the host.
 using HeaderFields = ListAccess<&MimeHeaderClassData::fields>;
 inline constexpr auto MimeHeaderConstructor = &ConstructEmpty;
 inline constexpr auto MimeHeaderDestructor = &DestroyRecord<MimeHeaderClassData>;
-// Whether a field of that name [borrowed] exists, by the host's own comparison.
+// Whether the header has a field of that name. The host compares the names.
 abi::RBBoolean hasField(abi::REALobject self, abi::REALstring name);
-// The first field of that name with one lock for the application; nil when there is none.
+// The first field of that name; nil when there is none. [new lock for the application]
 abi::REALobject FieldByName(abi::REALobject self, abi::REALstring name);
 
 }  // namespace zqv::objects

@@ -12,9 +12,10 @@
 namespace zqv::objects {
 namespace {
 
-constexpr std::size_t kStreamBuffer = 0x100000;  // 1 MiB
-constexpr std::int64_t kSlack = 4;               // zero bytes after the last
+constexpr std::size_t kStreamBuffer = 0x100000;  // bytes: 1 MiB
+constexpr std::int64_t kSlack = 4;               // zero bytes after the file's content
 
+// Opens the file of a FolderItem; null, with lines in the debug log, on failure.
 host::File OpenFile(abi::REALobject file) {
   if (file == nullptr) {
     ZQV_LOG("%s%s", "folderitem is nil");
@@ -51,7 +52,7 @@ std::optional<MessageBytes> ReadFile(abi::REALobject file) {
   ZQV_LOG("%s%s %llu", "fileLen", static_cast<unsigned long long>(length));
   std::rewind(stream.get());
 
-  // A directory claims the greatest length of all, a file that cannot be positioned a negative one.
+  // The length of a directory, which Linux opens like a file, is 2^63 - 1.
   const std::size_t wanted = length > 0 ? static_cast<std::size_t>(length) : 0;
   auto memory = length <= std::numeric_limits<std::int64_t>::max() - kSlack
                     ? base::AllocateZeroed<char>(wanted + kSlack)

@@ -1,4 +1,4 @@
-// A message's bytes from a string, a memory block or a file of the host.
+// Reads the bytes of a message from a MemoryBlock or a file of the host.
 #pragma once
 
 #include <cstddef>
@@ -11,16 +11,16 @@
 
 namespace zqv::objects {
 
-// The bytes of a message: borrowed from their owner, or held in memory whole.
+// The bytes of a message, borrowed from their owner or owned.
 class MessageBytes {
  public:
-  MessageBytes(std::string_view borrowed) : bytes_(borrowed) {}  // NOLINT: a view is enough
+  MessageBytes(std::string_view borrowed) : bytes_(borrowed) {}  // NOLINT: conversion is intended
   MessageBytes(base::HeapArray<char>&& memory, std::size_t length)
       : memory_(std::move(memory)), bytes_(memory_.get(), length) {}
 
   std::string_view bytes() const { return bytes_; }
 
-  // Gives the memory back; empty afterwards.
+  // Frees the memory, if it is owned; bytes() is empty afterwards.
   void Free() {
     bytes_ = {};
     memory_.reset();
@@ -31,12 +31,13 @@ class MessageBytes {
   std::string_view bytes_;
 };
 
-// The bytes of a MemoryBlock [borrowed], which may be nil: an empty one.
+// Gives access to the bytes of a MemoryBlock, and keeps it alive as long as this object exists.
 class BlockBytes {
  public:
+  // `block` may be nil: it is empty. [borrowed; a lock is added]
   explicit BlockBytes(abi::REALobject block);
 
-  // Borrowed: as long as this lives and the block is not resized.
+  // [borrowed: valid as long as this object exists and the block is not resized]
   std::string_view bytes() const { return bytes_; }
 
  private:
@@ -44,8 +45,8 @@ class BlockBytes {
   std::string_view bytes_;
 };
 
-// The bytes of a FolderItem's file [borrowed; nil is no file]. Nothing, with an exception raised,
-// when it cannot be opened or read (IOException) or is too large for memory (OutOfMemoryException).
+// Reads the file of a FolderItem [borrowed; may be nil] into memory. On failure returns nullopt and
+// raises an IOException when the file cannot be opened or read, or an OutOfMemoryException.
 std::optional<MessageBytes> ReadFile(abi::REALobject file);
 
 }  // namespace zqv::objects

@@ -1,8 +1,8 @@
-// What the classes have in common from birth to death: filled from a parsed value or from a text,
-// cleared when the host frees them.
+// Constructors and destructors that the classes share, as templates.
 //
-// Each record type has two functions beside it, found by its type: Set(record, parsed), which fills
-// a fresh record, and Clear(record), which gives back everything in the stated order.
+// Each record type has two overloaded functions: Set(record, parsed) fills an empty record from a
+// value that was parsed, and Clear(record) gives back all locks that the record owns, in the order
+// in which its body lists them.
 #pragma once
 
 #include <string>
@@ -14,17 +14,18 @@
 
 namespace zqv::objects {
 
-// Destructor of the class with this record; registered with the host.
+// The destructor of the class with this record, registered with the host.
 template <class Record>
 void DestroyRecord(abi::REALobject self) {
   if (Record* record = host::RecordOf<Record>(self)) Clear(*record);
 }
 
-// "Constructor" without arguments, which leaves every field nil; registered with the host.
+// The constructor without arguments, registered with the host. All fields stay nil.
 inline void ConstructEmpty(abi::REALobject) {}
 
-// Fills the record of `self` by `fill(record, utf8)` from a text [borrowed; nil is empty], up to
-// its first NUL. Raises "RuntimeException" for a text that would give more entries than the limit.
+// Clears the record of `self` and calls fill(record, utf8) with `text` [borrowed; nil is empty] as
+// UTF-8, up to its first NUL. Raises a RuntimeException when `count` (may be null) finds more than
+// mime::kMostEntries entries in the text.
 template <class Record, class Fill>
 void FillFromText(abi::REALobject self, abi::REALstring text, mime::CountEntries count, Fill fill) {
   host::Guard([=] {
@@ -37,16 +38,17 @@ void FillFromText(abi::REALobject self, abi::REALstring text, mime::CountEntries
   });
 }
 
-// "Constructor(TextToParse as String)" of a class whose record is filled from what a `Parsed` of
-// mime/addresses.h reads: any text within the limits is accepted, and whatever was parsed of it is
-// stored. Registered with the host.
+// The constructor with the declaration "Constructor(TextToParse as String)", registered with the
+// host, for a class whose record is filled from a `Parsed`, one of the classes of mime/addresses.h.
+// Accepts any text within the limits.
 template <class Record, class Parsed>
 void ConstructFromText(abi::REALobject self, abi::REALstring text) {
   FillFromText<Record>(self, text, &Parsed::CountMailboxes,
                        [](Record& record, const std::string& utf8) { Set(record, *Parsed(utf8)); });
 }
 
-// A new object filled from `parsed` by Set [new lock]; nil when the host cannot make one.
+// Creates an object and fills its record by Set(record, parsed...); nil when the host cannot make
+// one. [new lock]
 template <class Record, class... Parsed>
 host::ObjectRef NewFilled(const Parsed&... parsed) {
   host::ObjectRef object = host::NewInstance<Record>();

@@ -1,5 +1,5 @@
-// What applications call on a stored field: the value itself, or the members that hand out a list
-// as a whole, as a Variant, element by element and by number. One pattern for every class.
+// Getters and list members, as templates on the slot of a record that they read. A list has four
+// members: the array, the array as a Variant, one element, and the number of elements.
 #pragma once
 
 #include "abi/records.h"
@@ -15,7 +15,7 @@ namespace internal {
 template <class Record, class Traits>
 Record RecordOfMember(host::Slot<Traits> Record::*);
 
-// The slot of `self`, or null when there is no record.
+// The slot in the record of `self`; null when `self` is nil or its class was not registered.
 template <auto Field>
 auto* SlotOf(abi::REALobject self) {
   using Record = decltype(RecordOfMember(Field));
@@ -25,7 +25,7 @@ auto* SlotOf(abi::REALobject self) {
 
 }  // namespace internal
 
-// Getter of a stored field: what it holds with one lock for the application, or nil.
+// A getter: the value of the slot, or nil. [new lock for the application]
 template <auto Field>
 auto GetStored(abi::REALobject self) {
   return host::Guard([self] {
@@ -34,21 +34,22 @@ auto GetStored(abi::REALobject self) {
   });
 }
 
-// The members of one list. The array is the record's own, never a copy.
+// The members of one list. Each `self` is [borrowed].
 template <auto Field>
 struct ListAccess {
-  // The array with one lock for the application; nil when there is none.
+  // The array itself, not a copy; nil when there is none. [new lock for the application]
   static abi::REALarray Whole(abi::REALobject self) { return GetStored<Field>(self); }
   static abi::REALobject Variant(abi::REALobject self) {
     return host::AsObject(GetStored<Field>(self));
   }
 
-  // The element with one lock for the application; raises when `index` is outside.
+  // The element at `index`, counted from 0. Raises an OutOfBoundsException and returns nil when
+  // there is none; nil without an exception when there is no array. [new lock for the application]
   static abi::REALobject At(abi::REALobject self, abi::RBInteger index) {
     return host::Guard([=] { return host::REALGetArrayObject(Array(self), index); });
   }
 
-  // 0 when there is no array.
+  // The number of elements; 0 when there is no array.
   static abi::RBInteger Count(abi::REALobject self) {
     return host::Guard([=] { return host::ArrayCount(Array(self)); });
   }

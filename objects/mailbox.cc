@@ -13,6 +13,7 @@ StringRef Concatenate(abi::REALstring left, abi::REALstring right) {
   return StringRef::Adopt(host::entry::RuntimeAddString(left, right));
 }
 
+// "mailbox@domain"; nil when both are nil, or when the host cannot concatenate strings.
 StringRef Email(const MimeMailboxClassData& record) {
   if (!record.Mailbox && !record.Domain) return {};
   const StringRef at = host::BuildString("@", abi::kAscii);

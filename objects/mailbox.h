@@ -7,20 +7,20 @@
 
 namespace zqv::objects {
 
-// Fills a fresh record.
+// Fills an empty record.
 void Set(MimeMailboxClassData& record, const mime::Mailbox& mailbox);
-// Gives back everything that the record holds; nil afterwards.
+// Gives back all locks that the record owns and sets its slots to nil.
 void Clear(MimeMailboxClassData& record);
 
-// An array of objects, one for each mailbox that has a local part [new lock]; the others are left
-// out. Nil when the host cannot make an array.
+// Creates an array with an object for each mailbox that has a local part. Nil when the host cannot
+// make an array. [new lock]
 host::ArrayRef NewMailboxArray(mime::MailboxRange mailboxes);
 
-// Registered with the host.
+// Constructor, destructor and getter, registered with the host.
 inline constexpr auto MimeMailboxConstructor =
     &ConstructFromText<MimeMailboxClassData, mime::MailboxValue>;
 inline constexpr auto MimeMailboxDestructor = &DestroyRecord<MimeMailboxClassData>;
-// "mailbox@domain" [new lock for the application]; nil when both are.
+// "mailbox@domain"; nil when both are nil. [new lock for the application]
 abi::REALstring getEmail(abi::REALobject self);
 
 }  // namespace zqv::objects

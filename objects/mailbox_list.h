@@ -8,12 +8,12 @@
 
 namespace zqv::objects {
 
-// Fills a fresh record; a mailbox without local part is left out of the array.
+// Fills an empty record. Mailboxes without a local part get no object in the array.
 void Set(MimeMailboxListClassData& record, const mime::MailboxList& list);
-// Gives back everything that the record holds; nil afterwards.
+// Gives back all locks that the record owns and sets its slots to nil.
 void Clear(MimeMailboxListClassData& record);
 
-// Registered with the host.
+// List members, constructor and destructor, registered with the host.
 using ListedMailboxes = ListAccess<&MimeMailboxListClassData::mailboxes>;
 inline constexpr auto MimeMailboxListConstructor =
     &ConstructFromText<MimeMailboxListClassData, mime::MailboxList>;

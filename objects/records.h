@@ -1,8 +1,9 @@
-// The instance records of the classes that mirror a parsed message: what the host's standard getter
-// reads. One struct of slots a class, its fields in the order in which they are stored.
+// The records of the classes: the data that the host stores inside each instance. For most
+// properties the host reads the field itself; the class tables (plugin/) tell it the field's
+// offset.
 //
-// Each non-nil slot holds one of the host's counts, which the class's destructor gives back.
-// Records are zero-filled by the host and never constructed.
+// Each slot that is not nil owns one lock (host/ref.h), which the class's destructor gives back.
+// The host fills records with zeros; no C++ constructor or destructor runs for them.
 #pragma once
 
 #include <type_traits>
@@ -15,14 +16,14 @@ using host::ArraySlot;
 using host::ObjectSlot;
 using host::StringSlot;
 
-// MimeEntityZQV, and MimeEmailZQV, which adds nothing. A child entity uses Header, Body,
-// BodyDecoded and the dates; the rest are the message's own.
+// MimeEntityZQV and MimeEmailZQV. An entity inside a message uses Header, Body, BodyDecoded and the
+// dates; all other fields are used by MimeEmailZQV only.
 struct MimeEntityClassData {
   ObjectSlot Header;       // MimeHeaderZQV
   ObjectSlot Body;         // MimeBodyZQV
-  StringSlot BodyDecoded;  // without transfer encoding, in its charset
-  StringSlot Source;       // the whole message as given
-  StringSlot Subject;      // encoded words decoded
+  StringSlot BodyDecoded;  // without transfer encoding, labelled with its encoding
+  StringSlot Source;       // the whole message as it was passed to the constructor
+  StringSlot Subject;      // with encoded words decoded
   StringSlot PlainText;
   StringSlot HTMLText;
   ArraySlot Attachments;    // of MimeAttachmentZQV
@@ -48,14 +49,14 @@ struct MimeHeaderClassData {
   StringSlot contentId;
   ObjectSlot sender;  // MimeMailboxZQV
   ObjectSlot from;    // MimeMailboxListZQV
-  ObjectSlot too;     // MimeAddressListZQV, as are the three below
+  ObjectSlot too;     // the To field; MimeAddressListZQV, as are replyto, cc and bcc
   StringSlot subject;
   StringSlot subjectDecoded;
   ObjectSlot replyto;
   ObjectSlot cc;
   ObjectSlot bcc;
   StringSlot messageid;
-  ArraySlot fields;  // of MimeFieldZQV; reached through methods only
+  ArraySlot fields;  // of MimeFieldZQV; not a property, read by methods
 };
 
 struct MimeFieldClassData {
@@ -67,7 +68,7 @@ struct MimeMailboxClassData {
   StringSlot StringValue;
   StringSlot Mailbox;  // the local part
   StringSlot Domain;
-  StringSlot Label;  // the display name, encoded words left as they are
+  StringSlot Label;  // the display name, with encoded words not decoded
   StringSlot LabelDecoded;
   StringSlot Sourceroute;
 };
@@ -79,7 +80,7 @@ struct MimeGroupClassData {
   ArraySlot mailboxes;  // of MimeMailboxZQV
 };
 
-// Exactly one of Mailbox and Group can be non-nil, as isGroup says.
+// When isGroup is 1, Mailbox is nil, otherwise Group. Both may be nil.
 struct MimeAddressClassData {
   StringSlot StringValue;
   abi::RBBoolean isGroup;
@@ -97,16 +98,17 @@ struct MimeAddressListClassData {
   ArraySlot addresses;  // of MimeAddressZQV
 };
 
-// QUIRK: the record stores MimeType before MimeVersion, the class lists them the other way round.
+// QUIRK: MimeType stands before MimeVersion here, while the class table lists them the other way
+// round. Part of the interface's contract; changing it is a major version.
 // Test: Registration.AttachmentKeepsBothOrders.
 struct MimeAttachmentClassData {
-  ObjectSlot Body;    // MimeBodyZQV, shared with the part's entity
-  ObjectSlot Header;  // MimeHeaderZQV, shared likewise
-  StringSlot Data;    // the part's decoded body, shared likewise
+  ObjectSlot Body;    // MimeBodyZQV, the same object as in the part's entity
+  ObjectSlot Header;  // MimeHeaderZQV, the same object as in the part's entity
+  StringSlot Data;    // the same string as BodyDecoded of the part's entity
   StringSlot Filename;
   StringSlot MimeType;  // type/subtype
   StringSlot MimeVersion;
-  StringSlot ContentType;  // this and the rest: the field's whole text
+  StringSlot ContentType;  // this and those below: the field's whole value
   StringSlot ContentTransferEncoding;
   StringSlot ContentDisposition;
   StringSlot ContentDescription;

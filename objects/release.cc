@@ -1,3 +1,5 @@
+// The queue of lists that wait to be given back. The outermost ReleaseParts of a thread has it on
+// its stack and stores its address in a thread-local pointer, where nested calls find it.
 #include "objects/release.h"
 
 #include <cstddef>
@@ -10,12 +12,13 @@
 namespace zqv::objects {
 namespace {
 
+// A queued list on the heap.
 struct Waiting {
   host::ArrayRef list;
   std::unique_ptr<Waiting> next;
 };
 
-// The lists that wait on one thread, the newest first. It lives as long as the outermost call.
+// The queue of one thread, last in, first out. The first 32 lists need no memory from the heap.
 class ReleaseQueue {
  public:
   ReleaseQueue() { base::SetThreadSlot(this); }
@@ -23,27 +26,30 @@ class ReleaseQueue {
   ReleaseQueue& operator=(const ReleaseQueue&) = delete;
   ~ReleaseQueue() { base::SetThreadSlot(nullptr); }
 
+  // The queue of the calling thread; null when no call of ReleaseParts is running on it.
   static ReleaseQueue* OfThread() { return static_cast<ReleaseQueue*>(base::GetThreadSlot()); }
 
+  // Takes ownership of `list`, unless memory runs out.
   void Add(host::ArrayRef&& list) {
     if (count_ < kOnStack) {
       on_stack_[count_++] = std::move(list);
       return;
     }
     std::unique_ptr<Waiting> place(new (std::nothrow) Waiting);
-    if (place == nullptr) return;  // `list` is given back by its owner
+    if (place == nullptr) return;  // the caller still owns `list` and gives it back
     place->list = std::move(list);
     place->next = std::move(on_heap_);
     on_heap_ = std::move(place);
   }
 
+  // Gives back one list after the other, also those that are added meanwhile.
   void Run() {
     while (const host::ArrayRef list = TakeNewest()) {
     }
   }
 
  private:
-  static constexpr std::size_t kOnStack = 32;  // more than messages usually have multiparts
+  static constexpr std::size_t kOnStack = 32;
 
   host::ArrayRef TakeNewest() {
     if (on_heap_ != nullptr) {

@@ -1,18 +1,19 @@
-// Giving lists of parts back to the host without recursion.
+// Gives the lists of parts of a message back to the host without recursion.
 //
-// A body's list holds entities, whose bodies hold lists, and so on. When the host frees a list, it
-// calls our destructors from within, and these would give the next lists back from within again: a
-// message nested 10,000 deep would need 30,000 of the host's stack frames and ours. So a list that
-// is to be given back while another one on the same thread is being freed waits until that is done.
+// The list of parts of a body contains entities, whose bodies have lists of parts, and so on. When
+// the host frees a list, it calls the destructors of the entities and bodies in it. If these gave
+// their lists back at once, the host would free them from within, and freeing a message with 10,000
+// levels would take some 30,000 nested calls. So while a list is being freed, other lists of the
+// same thread are put into a queue.
 #pragma once
 
 #include "host/ref.h"
 
 namespace zqv::objects {
 
-// Gives `list` back, now or, when this is called from within another call on the same thread,
-// before the outermost one returns. Never throws. Without memory for a place in the queue it is
-// given back at once.
+// Gives `list` back, which may be nil. A call from within another call of this function on the same
+// thread puts the list into the queue, which the outermost call empties before it returns. When
+// memory runs out, the list is given back at once.
 void ReleaseParts(host::ArrayRef list) noexcept;
 
 }  // namespace zqv::objects

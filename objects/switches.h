@@ -1,6 +1,6 @@
-// The two shared properties of MimeEmailZQV: process-wide switches, both off at load. Any thread
-// may change them at any time; a message that is being constructed sees the change at its next
-// step.
+// The two shared properties of MimeEmailZQV, which are switches for the whole process. Both are off
+// when the library is loaded. Any thread may change them at any time; a change affects messages
+// that other threads are constructing at that moment.
 #pragma once
 
 #include "abi/records.h"
@@ -10,7 +10,8 @@ namespace zqv::objects {
 // Whether an unknown charset raises an exception.
 bool RaisesUnknownFormats();
 
-// Registered with the host; any non-zero value is true. Turning the debug log on writes a line.
+// Getters and setters, registered with the host. Setters take any nonzero value as true. Turning
+// the debug log on writes a first line to it.
 abi::RBBoolean getRaiseUnknownFormatExceptions();
 void setRaiseUnknownFormatExceptions(abi::RBBoolean value);
 abi::RBBoolean getDebugging();

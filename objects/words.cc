@@ -13,13 +13,14 @@
 namespace zqv::objects {
 namespace {
 
+// Raises the exception of ReportUnknownCharset with the message `start` + `charset`.
 void Report(const char* start, std::string_view charset) {
   if (charset.empty() || !RaisesUnknownFormats()) return;
   const std::string message = std::string(start).append(charset);
   host::RaiseException(host::kUnsupportedFormatException, message.c_str());
 }
 
-// The reader's copy of the text need not outlive the conversion.
+// A function of its own, so that the reader's copy of the text is freed before the result is used.
 std::u32string ConvertHtml(abi::REALstring html) {
   host::rbText reader(html);
   return reader.CheckASCII() ? text::HtmlToPlainText(reader.Utf8())

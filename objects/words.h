@@ -1,4 +1,4 @@
-// Header text and HTML as host strings, and the exceptions for charsets that nobody knows.
+// Creates host strings from header texts and from HTML, and raises exceptions for unknown charsets.
 #pragma once
 
 #include <string_view>
@@ -9,24 +9,25 @@
 
 namespace zqv::objects {
 
-// Raises an UnsupportedFormatException when `charset` is not empty and the shared property
-// RaiseUnknownFormatExceptions is on; the caller goes on.
+// Raises an UnsupportedFormatException when `charset`, the name of an unknown charset, is not empty
+// and the shared property RaiseUnknownFormatExceptions is on. Returns in any case.
 void ReportUnknownCharset(std::string_view charset);
 
-// The host string of a header text [new lock], nil for an empty one. Reports an unknown charset.
+// Creates a host string from a header text; nil for an empty one. Calls ReportUnknownCharset.
+// [new lock]
 host::StringRef BuildHeaderText(const text::HeaderText& text);
 
-// The text with its encoded words decoded [new lock]; nil for an empty one. With `unquote`,
-// surrounding quotes go. Reports an unknown charset, of which the text stays undecoded.
+// Creates a host string from `text` with its encoded words decoded, and with `unquote` also without
+// surrounding quotes (text::DecodeEncodedWords). Nil for an empty result. Calls
+// ReportUnknownCharset. [new lock]
 host::StringRef DecodeInlineEncodings(std::string_view text, bool unquote);
 
-// Registered with the host: the same for a host string, and the plain text of an HTML text. The
-// texts [borrowed] may be nil; the results carry one lock for the application, and are nil when
-// nothing is left.
+// Shared methods, registered with the host: decode encoded words, and convert HTML to plain text.
+// The arguments [borrowed] may be nil; an empty result is nil. [new lock for the application]
 abi::REALstring DecodeInline(abi::REALstring text);
 abi::REALstring HTMLToPlainText(abi::REALstring html);
 
-// The plain text of an HTML text [new lock]; nil when nothing is left.
+// Converts HTML [borrowed; may be nil] to plain text; nil for an empty result. [new lock]
 host::StringRef NewPlainText(abi::REALstring html);
 
 }  // namespace zqv::objects
