@@ -1,4 +1,4 @@
-// The message itself and its attachments.
+// The tables of MimeEmailZQV and MimeAttachmentZQV.
 #include "objects/attachment.h"
 #include "objects/email.h"
 #include "objects/switches.h"
@@ -11,10 +11,10 @@ namespace {
 
 using objects::MimeAttachmentClassData;
 
-abi::REALattribute kHiddenAttribute[] = {{"Hidden", ""}};
+abi::REALattribute g_hidden_attribute[] = {{"Hidden", ""}};
 
 // clang-format off
-abi::REALproperty kEmailProperties[] = {
+abi::REALproperty g_email_properties[] = {
     GETTER     ("InlinesVariant",     "Variant", &objects::EmailInlines::Variant),
     GETTER     ("AttachmentsVariant", "Variant", &objects::EmailAttachments::Variant),
     GETTER     ("HTMLText",           "String",  objects::getHTMLText),
@@ -24,7 +24,7 @@ abi::REALproperty kEmailProperties[] = {
     DATE_GETTER("Date",                          objects::getSentDate),
     DATE_GETTER("ReceivedDate",                  objects::getReceivedDate),
 };
-abi::REALmethodDefinition kEmailMethods[] = {
+abi::REALmethodDefinition g_email_methods[] = {
     METHOD("Inlines(index as Integer) as MimeAttachmentZQV",     &objects::EmailInlines::At),
     METHOD("Attachments(index as Integer) as MimeAttachmentZQV", &objects::EmailAttachments::At),
     METHOD("Inlines as MimeAttachmentZQV()",                     &objects::EmailInlines::Whole),
@@ -34,18 +34,18 @@ abi::REALmethodDefinition kEmailMethods[] = {
     METHOD("Constructor(File as FolderItem)",                    &objects::MimeEmailConstructor3),
     METHOD("SourceWithoutAttachments as String",                 &objects::SourceWithoutAttachments),
 };
-abi::REALproperty kEmailSharedProperties[] = {
+abi::REALproperty g_email_shared_properties[] = {
     SHARED       ("RaiseUnknownFormatExceptions", "Boolean", &objects::getRaiseUnknownFormatExceptions,
                                                              &objects::setRaiseUnknownFormatExceptions),
     HIDDEN_SHARED("Debugging",                    "Boolean", &objects::getDebugging,
                                                              &objects::setDebugging),
 };
-abi::REALmethodDefinition kEmailSharedMethods[] = {
+abi::REALmethodDefinition g_email_shared_methods[] = {
     METHOD("HTMLToPlainText(HTMLText as String) as String", &objects::HTMLToPlainText),
     METHOD("DecodeInline(Text as String) as String",        &objects::DecodeInline),
 };
 
-abi::REALproperty kAttachmentProperties[] = {
+abi::REALproperty g_attachment_properties[] = {
     STORED_OBJECT(MimeAttachmentClassData, "Body",   "MimeBodyZQV",   Body),
     STORED_OBJECT(MimeAttachmentClassData, "Header", "MimeHeaderZQV", Header),
     STORED_STRING(MimeAttachmentClassData, "Data",                    Data),
@@ -58,20 +58,22 @@ abi::REALproperty kAttachmentProperties[] = {
     STORED_STRING(MimeAttachmentClassData, "ContentDescription",      ContentDescription),
     STORED_STRING(MimeAttachmentClassData, "contentId",               contentId),
 };
-abi::REALmethodDefinition kAttachmentMethods[] = {
+abi::REALmethodDefinition g_attachment_methods[] = {
     PRIVATE_CTOR(objects::MimeAttachmentConstructor),
 };
 // clang-format on
 
 }  // namespace
 
-// Uses the record of its super class, whose destructor the host runs; so it has neither.
-abi::REALclassDefinition kMimeEmailClass = ZQV_CLASS(
-    "MimeEmailZQV", "MimeEntityZQV", 0, nullptr, kEmailProperties, std::size(kEmailProperties),
-    kEmailMethods, std::size(kEmailMethods), kEmailSharedProperties,
-    std::size(kEmailSharedProperties), kEmailSharedMethods, std::size(kEmailSharedMethods));
-abi::REALclassDefinition kMimeAttachmentClass =
-    CLASS("MimeAttachmentZQV", MimeAttachmentClassData, objects::Destructor, kAttachmentProperties,
-          kAttachmentMethods);
+// Has neither a record nor a destructor: it uses the record of its super class, whose destructor
+// the host calls.
+abi::REALclassDefinition g_mime_email_class =
+    ZQV_CLASS("MimeEmailZQV", "MimeEntityZQV", 0, nullptr, g_email_properties,
+              std::size(g_email_properties), g_email_methods, std::size(g_email_methods),
+              g_email_shared_properties, std::size(g_email_shared_properties),
+              g_email_shared_methods, std::size(g_email_shared_methods));
+abi::REALclassDefinition g_mime_attachment_class =
+    CLASS("MimeAttachmentZQV", MimeAttachmentClassData, objects::Destructor,
+          g_attachment_properties, g_attachment_methods);
 
 }  // namespace zqv::plugin

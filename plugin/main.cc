@@ -1,4 +1,4 @@
-// The library's one exported function.
+// REALPluginMain, the only function that the library exports: it registers the classes.
 #include <iterator>
 
 #include "host/entry_points.h"
@@ -13,8 +13,8 @@
 namespace zqv::plugin {
 namespace {
 
-// One class to register, and which record type lies at its definition's offset. The e-mail class
-// shares its super class's record and binds none.
+// A class to register, and the function that binds its record type to the definition
+// (host/record.h). Null for MimeEmailZQV, which uses the record of its super class.
 struct Registration {
   abi::REALclassDefinition* definition;
   void (*bind)(const abi::REALclassDefinition*);
@@ -23,17 +23,17 @@ struct Registration {
 // The order of registration: a super class before its subclass.
 constexpr Registration kRegistrations[] = {
     // clang-format off
-    {&kMimeBodyClass,         &host::BindRecord<objects::MimeBodyClassData>},
-    {&kMimeHeaderClass,       &host::BindRecord<objects::MimeHeaderClassData>},
-    {&kMimeEntityClass,       &host::BindRecord<objects::MimeEntityClassData>},
-    {&kMimeAddressClass,      &host::BindRecord<objects::MimeAddressClassData>},
-    {&kMimeGroupClass,        &host::BindRecord<objects::MimeGroupClassData>},
-    {&kMimeAddressListClass,  &host::BindRecord<objects::MimeAddressListClassData>},
-    {&kMimeMailboxListClass,  &host::BindRecord<objects::MimeMailboxListClassData>},
-    {&kMimeMailboxClass,      &host::BindRecord<objects::MimeMailboxClassData>},
-    {&kMimeFieldClass,        &host::BindRecord<objects::MimeFieldClassData>},
-    {&kMimeEmailClass,        nullptr},
-    {&kMimeAttachmentClass,   &host::BindRecord<objects::MimeAttachmentClassData>},
+    {&g_mime_body_class,         &host::BindRecord<objects::MimeBodyClassData>},
+    {&g_mime_header_class,       &host::BindRecord<objects::MimeHeaderClassData>},
+    {&g_mime_entity_class,       &host::BindRecord<objects::MimeEntityClassData>},
+    {&g_mime_address_class,      &host::BindRecord<objects::MimeAddressClassData>},
+    {&g_mime_group_class,        &host::BindRecord<objects::MimeGroupClassData>},
+    {&g_mime_address_list_class, &host::BindRecord<objects::MimeAddressListClassData>},
+    {&g_mime_mailbox_list_class, &host::BindRecord<objects::MimeMailboxListClassData>},
+    {&g_mime_mailbox_class,      &host::BindRecord<objects::MimeMailboxClassData>},
+    {&g_mime_field_class,        &host::BindRecord<objects::MimeFieldClassData>},
+    {&g_mime_email_class,        nullptr},
+    {&g_mime_attachment_class,   &host::BindRecord<objects::MimeAttachmentClassData>},
     // clang-format on
 };
 static_assert(std::size(kRegistrations) == 11);
@@ -59,7 +59,7 @@ void Start(abi::Resolver resolver) {
 #define ZQV_EXPORTED __attribute__((visibility("default")))
 #endif
 
-// Called once by the host after loading, with its resolver, which may be null: then nothing is
+// The host calls this once, after it has loaded the library. With a null resolver nothing is
 // registered.
 extern "C" ZQV_EXPORTED void REALPluginMain(zqv::abi::Resolver resolver) {
   zqv::plugin::PrepareForUnloading();

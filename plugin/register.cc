@@ -1,3 +1,5 @@
+// Older hosts understand fewer versions of class definitions and fewer flags. The tables below say
+// since when a host has which.
 #include "plugin/register.h"
 
 #include <cstddef>
@@ -9,11 +11,11 @@ namespace zqv::plugin {
 namespace {
 
 struct VersionRow {
-  double host_version;  // this and later
+  double host_version;  // the first host version with this control version
   std::int32_t control_version;
 };
 
-// Newest first; the first row that the host has reached holds.
+// Newest first. The first row applies whose version is not above the host's.
 constexpr VersionRow kVersions[] = {
     {2013.04, 13},
     {2013.03, 12},
@@ -22,18 +24,20 @@ constexpr VersionRow kVersions[] = {
 };
 constexpr std::int32_t kOldestControlVersion = 9;
 
-// Hosts before this know no separate desktop and web targets.
+// The first host version with separate flags for the targets desktop and web.
 constexpr double kKnowsTargets = 2020.02;
 constexpr std::uint32_t kAllButIos = abi::kFlagConsole | abi::kFlagWeb | abi::kFlagDesktop;
 constexpr std::uint32_t kTargetBits = kAllButIos | abi::kFlagIOS;
 static_assert(kAllButIos == 0x308 && kTargetBits == 0x708);
 
-// A bit of newer definitions that older hosts know as "all targets".
+// A second flag for "all targets" in definitions for newer hosts. It is replaced by
+// kFlagAllTargets, which exists since this version; for older hosts it is removed.
 constexpr double kKnowsAllTargets = 2010.029;
 constexpr std::uint32_t kNewerAllTargets = 0x40000;
 
 constexpr std::size_t kRecordAlignment = 16;
 
+// Adjusts the flags of a table of members; `rows` may be null.
 template <class Row>
 void FixTable(Row* rows, std::size_t count) {
   if (rows == nullptr) return;

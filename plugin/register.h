@@ -1,4 +1,4 @@
-// Registration of class definitions with the running host, whose version decides what it is told.
+// Registers class definitions with the host, adjusted for the host's version.
 #pragma once
 
 #include <cstdint>
@@ -7,17 +7,19 @@
 
 namespace zqv::plugin {
 
-// The class-definition version that the host was told, 15 until it is set.
+// The version of class definitions that was announced to the host; 15 before that. Mutable process
+// state, set once by REALPluginMain; its name is given by the interface (CONTRIBUTING.md).
 extern std::int32_t CurrentREALControlVersion;
 
-// The class-definition version for a host version such as 2013.04; 0 is an unknown host.
+// The version of class definitions that a host of version `host_version` (such as 2013.04; 0 if
+// unknown) understands.
 std::int32_t ControlVersionFor(double host_version);
 
-// Adjusts one definition for the running host, in place, and registers it. Returns what the host
-// returns, or 0, with nothing registered, when it cannot register classes.
+// Adjusts a definition in place for the running host and registers it. [borrowed by the host for
+// the life of the process] Returns what the host returns; 0 when it cannot register classes.
 abi::RBInteger MyREALRegisterClass(abi::REALclassDefinition* definition);
 
-// Member flags as a host of that version understands them.
+// Translates the flags of a member or class to those that a host of that version understands.
 std::uint32_t FixFlags(std::uint32_t flags, double host_version);
 
 }  // namespace zqv::plugin

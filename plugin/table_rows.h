@@ -1,19 +1,20 @@
-// The row macros of the class tables, and nothing else. Each expands to a brace list, so that the
-// tables are plain data and no code runs when the library loads. A row holds no flag number: a
-// member with unusual flags has a row kind of its own.
+// Macros for the rows of the class tables. Each expands to a brace-enclosed initializer, so that
+// the tables are constant-initialised and no code runs when the library is loaded. Each kind of row
+// has its own flags; no row states them.
 //
-//   STORED_STRING(Record, "Name", field)         String, read by the host from the record
-//   STORED_OBJECT(Record, "Name", "Type", field) object of a class, likewise
-//   STORED_BOOLEAN(Record, "Name", field)        Boolean, likewise
-//   GETTER("Name", "Type", function)             any type, computed by a function
-//   DATE_GETTER("Name", function)                Date of the host, not on every target
-//   SHARED("Name", "Type", getter, setter)       class-wide, readable and writable
-//   HIDDEN_SHARED(...)                           the same, not shown to the application's author
-//   METHOD("declaration", function)              method, also constructors that take arguments
-//   PRIVATE_CTOR(function)                       "Constructor" that applications cannot call
-//   CLASS(...)                                   a definition from the tables above
+//   STORED_STRING(Record, "Name", field)         property of type String, which the host reads from
+//                                                the record
+//   STORED_OBJECT(Record, "Name", "Type", field) the same for an object of a class
+//   STORED_BOOLEAN(Record, "Name", field)        the same for a Boolean
+//   GETTER("Name", "Type", function)             property that a function returns, of any type
+//   DATE_GETTER("Name", function)                the same for the host's Date; not on iOS
+//   SHARED("Name", "Type", getter, setter)       property of the class, with a setter
+//   HIDDEN_SHARED(...)                           the same, with the attribute "Hidden" for the IDE
+//   METHOD("declaration", function)              method, or constructor with arguments
+//   PRIVATE_CTOR(function)                       constructor that applications cannot call
+//   CLASS(...)                                   class definition made of such tables
 //
-// The columns of the tables line up; clang-format is off around them.
+// The columns of a table are aligned by hand; clang-format is off around it.
 #pragma once
 
 #include <cstddef>
@@ -26,10 +27,11 @@
 
 namespace zqv::plugin {
 
-// The host's standard getter, which reads the record.
+// The value that means the host's standard getter, which reads a field of the record.
 #define ZQV_STANDARD_GETTER reinterpret_cast<abi::REALproc>(~std::uintptr_t{0})
 #define ZQV_PROC(function) reinterpret_cast<abi::REALproc>(function)
 
+// The flags of each kind of row (abi/records.h).
 inline constexpr std::uint32_t kMemberFlags = abi::kFlagRunTimeOnly | abi::kFlagAllTargets;
 inline constexpr std::uint32_t kDateFlags =
     abi::kFlagRunTimeOnly | abi::kFlagConsole | abi::kFlagWeb | abi::kFlagDesktop;
@@ -40,14 +42,15 @@ inline constexpr std::uint32_t kClassFlags = abi::kFlagAllTargets;
 static_assert(kMemberFlags == 0x6 && kDateFlags == 0x30a && kHiddenFlags == 0x26 &&
               kMethodFlags == 0x4 && kPrivateMethodFlags == 0x84);
 
-// 0 for a field of the expected type; anything else does not compile.
+// 0, and a compile-time check that a record's field has the expected type.
 template <class Field, class Expected>
 inline constexpr std::int32_t kChecked = [] {
   static_assert(std::is_same_v<Field, Expected>, "the record's field has another type");
   return 0;
 }();
 
-// Lists are stored as arrays; the standard getter serves strings, objects and Booleans only.
+// A property that the host reads from the record. Lists cannot be such properties: the host's
+// standard getter supports strings, objects and Booleans only.
 #define ZQV_STORED(Record, name, type, field, Slot)                  \
   {                                                                  \
     nullptr, name, type, kMemberFlags, ZQV_STANDARD_GETTER, nullptr, \
@@ -74,15 +77,15 @@ inline constexpr std::int32_t kChecked = [] {
 #define SHARED(name, type, getter, setter) \
   ZQV_COMPUTED(name, type, kMemberFlags, ZQV_PROC(getter), ZQV_PROC(setter), 0, nullptr)
 #define HIDDEN_SHARED(name, type, getter, setter) \
-  ZQV_COMPUTED(name, type, kHiddenFlags, ZQV_PROC(getter), ZQV_PROC(setter), 1, kHiddenAttribute)
+  ZQV_COMPUTED(name, type, kHiddenFlags, ZQV_PROC(getter), ZQV_PROC(setter), 1, g_hidden_attribute)
 
 #define METHOD(declaration, function) \
   { ZQV_PROC(function), nullptr, declaration, kMethodFlags, 0, nullptr }
 #define PRIVATE_CTOR(function) \
   { ZQV_PROC(function), nullptr, "Constructor", kPrivateMethodFlags, 0, nullptr }
 
-// Version and forSystemUse are set at registration. No class has a constructor function, events,
-// event instances, interfaces, attributes, constants, delegates or enums.
+// A class definition. Registration sets `version` (15 here), and the host sets forSystemUse. No
+// class has a constructor function, events, interfaces, attributes, constants, delegates or enums.
 #define ZQV_CLASS(name, super, size, destructor, properties, property_count, methods,              \
                   method_count, shared_properties, shared_property_count, shared_methods,          \
                   shared_method_count)                                                             \

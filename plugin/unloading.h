@@ -1,13 +1,13 @@
-// What a library has to give back when a process lets it go.
+// Cleans up what the C++ runtime leaves behind when a process unloads the library.
 #pragma once
 
 namespace zqv::plugin {
 
 #if defined(_WIN32)
-// Called once a host has called the library.
+// Call it at the start of REALPluginMain.
 void PrepareForUnloading() noexcept;
 #else
-// Elsewhere the system sees to it.
+// Does nothing: other systems free the thread-local storage of a library when it is unloaded.
 inline void PrepareForUnloading() noexcept {}
 #endif
 

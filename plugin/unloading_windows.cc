@@ -1,6 +1,9 @@
-// A process there has some thousand slots for what belongs to a thread, and the runtime within the
-// library takes slots that it never gives back: a host that loads and frees the library again and
-// again would run out of them.
+// A Windows process has about a thousand slots for thread-local storage (TLS). The C++ runtime that
+// is linked into the library allocates some of them and never frees them, so a host that loads and
+// unloads the library repeatedly would run out of slots.
+//
+// GCC's runtime: calls of TlsAlloc are redirected to a function that remembers the slots; they are
+// freed when the library is unloaded. Clang's runtime: the library stays loaded instead.
 #include <windows.h>
 
 #include <atomic>
@@ -10,7 +13,8 @@
 
 #if defined(__GNUC__) && !defined(__clang__)
 
-// The linker lets all calls of TlsAlloc within the library come here.
+// The linker option --wrap redirects calls of TlsAlloc: __wrap_ is what the library calls, __real_
+// the system's function.
 extern "C" {
 using Allocator = DWORD(WINAPI*)();
 extern Allocator __real___imp_TlsAlloc;
@@ -20,7 +24,7 @@ extern Allocator __wrap___imp_TlsAlloc;
 namespace zqv::plugin {
 namespace {
 
-// This library has one slot of its own, the runtime two.
+// More than enough: the library itself uses one slot (base/thread_slot.cc), the runtime two.
 constexpr std::size_t kMost = 16;
 DWORD g_slots[kMost];
 std::atomic<std::size_t> g_count{0};
@@ -32,7 +36,8 @@ DWORD WINAPI AllocateSlot() {
   return slot;
 }
 
-// Runs when the library is unloaded, after the runtime has freed what it keeps in the slots.
+// Runs when the library is unloaded, after the runtime has freed the objects whose addresses it
+// keeps in the slots.
 [[gnu::destructor]] void FreeSlots() {
   for (std::size_t i = 0; i < g_count && i < kMost; ++i) TlsFree(g_slots[i]);
 }
@@ -49,8 +54,8 @@ Allocator __wrap___imp_TlsAlloc = &zqv::plugin::AllocateSlot;
 
 namespace zqv::plugin {
 
-// The other runtime has the system call it at the end of each thread, also when it is gone by then.
-// So the library stays for the life of the process.
+// This runtime registers a function that Windows calls at the end of each thread, even after the
+// library was unloaded. So the library is kept loaded for the life of the process.
 void PrepareForUnloading() noexcept {
   HMODULE self = nullptr;
   GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,

@@ -46,7 +46,7 @@ ExpectedMethod Method(const char* declaration, Function function, std::uint32_t 
 
 // clang-format off
 ExpectedClass Body() {
-  return {&plugin::kMimeBodyClass, "MimeBodyZQV", nullptr, 32, Proc(objects::MimeBodyDestructor),
+  return {&plugin::g_mime_body_class, "MimeBodyZQV", nullptr, 32, Proc(objects::MimeBodyDestructor),
       {Computed("PartsVariant", "Variant", &objects::BodyParts::Variant),
        Stored("StringValue", "String", 16),
        Stored("preamble", "String", 0),
@@ -58,7 +58,7 @@ ExpectedClass Body() {
 }
 
 ExpectedClass Header() {
-  return {&plugin::kMimeHeaderClass, "MimeHeaderZQV", nullptr, 144,
+  return {&plugin::g_mime_header_class, "MimeHeaderZQV", nullptr, 144,
           Proc(objects::MimeHeaderDestructor),
       {Stored("MimeVersion", "String", 0),
        Stored("ContentType", "String", 8),
@@ -85,7 +85,7 @@ ExpectedClass Header() {
 }
 
 ExpectedClass Entity() {
-  return {&plugin::kMimeEntityClass, "MimeEntityZQV", nullptr, 96,
+  return {&plugin::g_mime_entity_class, "MimeEntityZQV", nullptr, 96,
           Proc(objects::MimeEntityDestructor),
       {Stored("Header", "MimeHeaderZQV", 0),
        Stored("Body", "MimeBodyZQV", 8),
@@ -95,7 +95,7 @@ ExpectedClass Entity() {
 }
 
 ExpectedClass Address() {
-  return {&plugin::kMimeAddressClass, "MimeAddressZQV", nullptr, 32,
+  return {&plugin::g_mime_address_class, "MimeAddressZQV", nullptr, 32,
           Proc(objects::MimeAddressDestructor),
       {Stored("Group", "MimeGroupZQV", 24),
        Stored("Mailbox", "MimeMailboxZQV", 16),
@@ -106,7 +106,7 @@ ExpectedClass Address() {
 }
 
 ExpectedClass Group() {
-  return {&plugin::kMimeGroupClass, "MimeGroupZQV", nullptr, 32, Proc(objects::MimeGroupDestructor),
+  return {&plugin::g_mime_group_class, "MimeGroupZQV", nullptr, 32, Proc(objects::MimeGroupDestructor),
       {Computed("MailboxesVariant", "Variant", &objects::GroupMailboxes::Variant),
        Stored("Name", "String", 8),
        Stored("NameDecoded", "String", 16),
@@ -119,7 +119,7 @@ ExpectedClass Group() {
 }
 
 ExpectedClass AddressList() {
-  return {&plugin::kMimeAddressListClass, "MimeAddressListZQV", nullptr, 16,
+  return {&plugin::g_mime_address_list_class, "MimeAddressListZQV", nullptr, 16,
           Proc(objects::MimeAddressListDestructor),
       {Computed("AddressesVariant", "Variant", &objects::ListedAddresses::Variant),
        Stored("StringValue", "String", 0),
@@ -131,7 +131,7 @@ ExpectedClass AddressList() {
 }
 
 ExpectedClass MailboxList() {
-  return {&plugin::kMimeMailboxListClass, "MimeMailboxListZQV", nullptr, 16,
+  return {&plugin::g_mime_mailbox_list_class, "MimeMailboxListZQV", nullptr, 16,
           Proc(objects::MimeMailboxListDestructor),
       {Computed("MailboxesVariant", "Variant", &objects::ListedMailboxes::Variant),
        Stored("StringValue", "String", 0),
@@ -143,7 +143,7 @@ ExpectedClass MailboxList() {
 }
 
 ExpectedClass Mailbox() {
-  return {&plugin::kMimeMailboxClass, "MimeMailboxZQV", nullptr, 48,
+  return {&plugin::g_mime_mailbox_class, "MimeMailboxZQV", nullptr, 48,
           Proc(objects::MimeMailboxDestructor),
       {Stored("Mailbox", "String", 8),
        Stored("Domain", "String", 16),
@@ -157,7 +157,7 @@ ExpectedClass Mailbox() {
 }
 
 ExpectedClass Field() {
-  return {&plugin::kMimeFieldClass, "MimeFieldZQV", nullptr, 16, Proc(objects::MimeFieldDestructor),
+  return {&plugin::g_mime_field_class, "MimeFieldZQV", nullptr, 16, Proc(objects::MimeFieldDestructor),
       {Stored("Name", "String", 8),
        Stored("Value", "String", 0)},
       {Method("Constructor(TextToParse as String)", objects::MimeFieldConstructor)},
@@ -165,7 +165,7 @@ ExpectedClass Field() {
 }
 
 ExpectedClass Email() {
-  return {&plugin::kMimeEmailClass, "MimeEmailZQV", "MimeEntityZQV", 0, nullptr,
+  return {&plugin::g_mime_email_class, "MimeEmailZQV", "MimeEntityZQV", 0, nullptr,
       {Computed("InlinesVariant", "Variant", &objects::EmailInlines::Variant),
        Computed("AttachmentsVariant", "Variant", &objects::EmailAttachments::Variant),
        Computed("HTMLText", "String", objects::getHTMLText),
@@ -192,7 +192,7 @@ ExpectedClass Email() {
 }
 
 ExpectedClass Attachment() {
-  return {&plugin::kMimeAttachmentClass, "MimeAttachmentZQV", nullptr, 96,
+  return {&plugin::g_mime_attachment_class, "MimeAttachmentZQV", nullptr, 96,
           Proc(objects::Destructor),
       {Stored("Body", "MimeBodyZQV", 0),
        Stored("Header", "MimeHeaderZQV", 8),

@@ -215,7 +215,7 @@ TEST_F(Registration, GoesOnWithoutAnAnnouncement) {
 
 TEST_F(Registration, IsSilentWhenTheHostCannotRegister) {
   EXPECT_THAT(Names(RegisterWithout("PluginRegisterClass")), IsEmpty());
-  EXPECT_EQ(plugin::MyREALRegisterClass(&plugin::kMimeBodyClass), 0);
+  EXPECT_EQ(plugin::MyREALRegisterClass(&plugin::g_mime_body_class), 0);
   EXPECT_EQ(TakeRaised(), "");
 }
 
@@ -231,7 +231,7 @@ TEST_F(Registration, WithoutAResolverDoesNothing) {
 TEST_F(Registration, GivesWhatTheHostGives) {
   StartVersion(2024.1);
   host().classes().AnnounceVersion(plugin::CurrentREALControlVersion);
-  EXPECT_EQ(plugin::MyREALRegisterClass(&plugin::kMimeBodyClass), 1);
+  EXPECT_EQ(plugin::MyREALRegisterClass(&plugin::g_mime_body_class), 1);
 }
 
 TEST_F(Registration, RoundsDataSizesUpToSixteen) {
@@ -297,14 +297,14 @@ TEST_F(Registration, LeavesTablesAloneThatAreMissingOrEmpty) {
 
 TEST_F(Registration, GivesOldHostsTheDatesOnAllTargets) {
   for (const auto& [version, flags] : {std::pair{2019.1, 0x6U}, {2020.02, 0x30aU}}) {
-    for (std::size_t i = 0; i < plugin::kMimeEmailClass.propertyCount; ++i) {
-      abi::REALproperty& property = plugin::kMimeEmailClass.properties[i];
+    for (std::size_t i = 0; i < plugin::g_mime_email_class.propertyCount; ++i) {
+      abi::REALproperty& property = plugin::g_mime_email_class.properties[i];
       if (std::string(property.type) == "Date") property.flags = 0x30a;
     }
     RegisterVersion(version);
     std::vector<std::uint32_t> dates;
-    for (std::size_t i = 0; i < plugin::kMimeEmailClass.propertyCount; ++i) {
-      const abi::REALproperty& property = plugin::kMimeEmailClass.properties[i];
+    for (std::size_t i = 0; i < plugin::g_mime_email_class.propertyCount; ++i) {
+      const abi::REALproperty& property = plugin::g_mime_email_class.properties[i];
       if (std::string(property.type) == "Date") dates.push_back(property.flags);
     }
     EXPECT_THAT(dates, ElementsAre(flags, flags)) << version;
@@ -319,15 +319,15 @@ TEST_F(Registration, BindsEachRecordToItsClass) {
   EXPECT_EQ(reinterpret_cast<const standin::Thing*>(entity.get())->type->name, "MimeEntityZQV");
   EXPECT_EQ(reinterpret_cast<char*>(host::RecordOf<objects::MimeEntityClassData>(entity.get())) -
                 reinterpret_cast<char*>(entity.get()),
-            plugin::kMimeEntityClass.forSystemUse);
+            plugin::g_mime_entity_class.forSystemUse);
 }
 
 TEST_F(Registration, AttachmentKeepsBothOrders) {
   EXPECT_LT(offsetof(objects::MimeAttachmentClassData, MimeType),
             offsetof(objects::MimeAttachmentClassData, MimeVersion));
   std::vector<std::string> names;
-  for (std::size_t i = 0; i < plugin::kMimeAttachmentClass.propertyCount; ++i)
-    names.push_back(plugin::kMimeAttachmentClass.properties[i].name);
+  for (std::size_t i = 0; i < plugin::g_mime_attachment_class.propertyCount; ++i)
+    names.push_back(plugin::g_mime_attachment_class.properties[i].name);
   ASSERT_EQ(names.size(), 11U);
   EXPECT_EQ(names[4], "MimeVersion");
   EXPECT_EQ(names[5], "MimeType");
