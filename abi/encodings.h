@@ -1,5 +1,5 @@
-// The host's text-encoding numbers that code names by name. They are the platform's
-// CFStringEncoding values; the host uses the same numbers on every platform.
+// Names for the host's text-encoding numbers that the library treats specially. The host uses the
+// CFStringEncoding numbers of macOS on every platform. text/charset.cc has further numbers.
 #pragma once
 
 #include <cstdint>

@@ -1,8 +1,8 @@
-// Records and scalar types of the host's plug-in interface, byte for byte.
+// The records and scalar types that are passed between host and plug-in, with their binary layout.
 //
-// Both sides of the border include this file: the plug-in library, which fills these records, and
-// the stand-in host, which reads them. All records use the platform's natural C alignment on a
-// 64-bit processor; the static_asserts below pin every size and the offsets that matter.
+// Both the plug-in library, which fills these records, and the stand-in host, which reads them,
+// include this file. Records have the natural C alignment of a 64-bit processor; static_asserts
+// below check all sizes and those offsets at which padding could differ.
 #pragma once
 
 #include <cstddef>
@@ -15,18 +15,19 @@ using RBUInteger = std::uint64_t;
 using RBBoolean = std::int8_t;  // 0 or 1
 using REALproc = void (*)();
 
-// Opaque to the plug-in: only the host knows what is inside.
+// Opaque to the plug-in: only the host defines these.
 struct REALstringStruct;
 struct REALobjectStruct;
 struct REALarrayStruct;
 using REALstring = REALstringStruct*;
 using REALobject = REALobjectStruct*;
-using REALarray = REALarrayStruct*;  // an array is an object too, and is locked as one
+using REALarray = REALarrayStruct*;  // an array is an object, too, and is locked like one
 
-// The platform's own string object; a reference that the caller releases. macOS hosts only.
+// A CFStringRef, which the caller must release. Used on macOS only.
 using PlatformString = const void*;
 
-// The function that a host hands to the plug-in: an entry point's address by its name, or null.
+// The function that the host passes to REALPluginMain. It returns the address of an entry point, or
+// null when the host does not have it.
 using Resolver = void* (*)(const char* name);
 
 struct REALattribute {
@@ -48,9 +49,9 @@ struct REALproperty {
   const char* name;
   const char* type;
   std::uint32_t flags;
-  REALproc getter;  // all bits set: the host's standard getter, which reads the record at `param`
+  REALproc getter;  // all bits set: the host's standard getter, which reads a field of the record
   REALproc setter;
-  std::int32_t param;
+  std::int32_t param;  // offset of that field in bytes
   REALproc editor;
   std::size_t enumCount;
   const char** enumEntries;
@@ -58,7 +59,7 @@ struct REALproperty {
   REALattribute* attributes;
 };
 
-// Kinds of members that this plug-in does not use; always null with count 0.
+// Kinds of members that the plug-in does not use: pointers to them are null and counts 0.
 struct REALevent;
 struct REALeventInstance;
 struct REALconstant;
@@ -69,8 +70,8 @@ struct REALclassDefinition {
   std::uint32_t version;
   const char* name;
   const char* superName;
-  std::size_t dataSize;    // bytes of this class's own record
-  RBInteger forSystemUse;  // written by the host: the record's offset from the instance's start
+  std::size_t dataSize;    // size of the class's own record in bytes
+  RBInteger forSystemUse;  // written by the host: the record's offset in an instance, in bytes
   REALproc constructor;
   REALproc destructor;
   REALproperty* properties;
@@ -91,15 +92,15 @@ struct REALclassDefinition {
   std::size_t sharedPropertyCount;
   REALmethodDefinition* sharedMethods;
   std::size_t sharedMethodCount;
-  // From definition version 11 on; a host that was told a lower version does not read these.
+  // Exist from version 11 on; a host to which a lower version was announced does not read them.
   REALdelegate* delegates;
   std::size_t delegateCount;
   REALenum* enums;
   std::size_t enumCount;
 };
 
-// A string's bytes in a requested encoding: filled by "PluginGetStringData", given back with
-// "PluginDisposeStringData", never copied.
+// A string's bytes in a requested encoding. PluginGetStringData fills it, and
+// PluginDisposeStringData takes it back. It must not be copied in between.
 struct REALstringData {
   const void* data;
   std::size_t length;  // bytes
@@ -108,12 +109,12 @@ struct REALstringData {
   std::uint32_t private2;
 };
 
-// Procedures that the host hands out for one array.
+// The functions that entry points of kind PROCEDURE return for arrays.
 using ObjectArrayInsertProc = void (*)(REALarray, RBInteger index, REALobject);  // adds a lock
 using IntegerArrayGetProc = RBInteger (*)(REALarray, RBInteger index);
 using IntegerArraySetProc = void (*)(REALarray, RBInteger value, RBInteger index);
 
-// Element types of "RuntimeArrayCreateSingleDimBoundedArray".
+// Element types for RuntimeArrayCreateSingleDimBoundedArray.
 inline constexpr int kObjectElements = 4;
 inline constexpr int kIntegerElements = 11;
 
