@@ -103,7 +103,7 @@ struct REALclassDefinition {
 // PluginDisposeStringData takes it back. It must not be copied in between.
 struct REALstringData {
   const void* data;
-  std::size_t length;  // bytes
+  std::size_t length;  // in bytes
   std::uint32_t encoding;
   const void* private1;
   std::uint32_t private2;

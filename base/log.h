@@ -16,7 +16,8 @@
 namespace zqv::base {
 
 // The switch, which applications set through the hidden shared property MimeEmailZQV.Debugging.
-// False at load. Any thread may change it at any time.
+// False at load. Any thread may change it at any time. The name is given by the interface
+// (CONTRIBUTING.md).
 extern std::atomic<bool> DebuggingEnabled;
 
 inline bool IsLogging() { return DebuggingEnabled.load(std::memory_order_relaxed); }

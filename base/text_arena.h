@@ -35,7 +35,7 @@ class TextArena {
   }
 
  private:
-  static constexpr std::size_t kBlock = 1000;  // bytes; allocators are fastest below a KB
+  static constexpr std::size_t kBlock = 1000;  // bytes; below 1 KB, where glibc's malloc is fastest
 
   void Append(std::string_view text) {
     end_ = std::copy(text.begin(), text.end(), end_);

@@ -40,7 +40,7 @@ bool IsLegalUTF8(const char* sequence, std::size_t length);
 // sequence counts as 1. Lengths of 5 and 6 come from RFC 2279; such sequences are not well-formed.
 std::size_t Utf8SequenceLength(char lead);
 
-// The result of a conversion.
+// How far a conversion of text came, and why it stopped.
 struct Conversion {
   std::size_t written = 0;  // code points written to `out`
   std::size_t stopped = 0;  // bytes of input that were converted

@@ -133,7 +133,7 @@ class Writer {
     out_.append(part.epilogue);
   }
 
-  // Writes what precedes a part inside `parent`.
+  // Writes what precedes a part inside `parent`: a boundary or, in a message, an empty line.
   void BeginChild(const Part& parent) {
     if (parent.kind == PartKind::kMultipart) {
       WriteBoundary(parent, "");
@@ -142,7 +142,7 @@ class Writer {
     }
   }
 
-  // Writes a boundary line, with `end` after the boundary parameter.
+  // Writes a line break and a boundary line, "--" + boundary + `end`.
   void WriteBoundary(const Part& multipart, std::string_view end) {
     out_.append(kLineEnd).append("--").append(multipart.boundary);
     out_.append(end).append(kLineEnd);
@@ -166,7 +166,7 @@ class Writer {
   // but blanks follows, the blank is removed and nothing is written for it.
   void WriteField(std::string_view name, std::string_view value) {
     line_.assign(name).append(": ").append(value);
-    const std::size_t end = line_.find_last_not_of(" \t") + 1;  // only blanks follow
+    const std::size_t end = line_.find_last_not_of(" \t") + 1;  // where the blanks at the end begin
     std::string_view rest = line_;
     std::size_t skipped = name.size() + 2;  // no fold before the value
     while (rest.size() > kFold) {

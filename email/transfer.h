@@ -15,7 +15,7 @@ namespace zqv::email {
 class DecodedBody {
  public:
   explicit DecodedBody(std::string_view borrowed) : borrowed_(borrowed) {}
-  explicit DecodedBody(std::string&&) = delete;  // would borrow from a temporary
+  explicit DecodedBody(std::string&&) = delete;  // a view of a temporary string would dangle
   explicit DecodedBody(text::DecodedBytes&& owned) : owned_(std::move(owned)) {}
 
   std::string_view bytes() const { return owned_.has_value() ? owned_->view() : borrowed_; }

@@ -25,8 +25,8 @@ struct ArrayLayout {
   std::size_t reference_count;
   std::size_t storage;
   std::size_t dimension_count;
-  std::size_t dimension_count_width;  // bytes
-  std::size_t upper_bound;            // 32-bit signed
+  std::size_t dimension_count_width;  // size of the number of dimensions in bytes, 4 or 8
+  std::size_t upper_bound;            // of a 32-bit signed number
 };
 
 // Newest first. The first row applies whose version is not above the host's.
@@ -58,9 +58,10 @@ constexpr TestElement kWritten[] = {{0, 12345, "Index 0 failed"}, {9, 123456, "I
 constexpr TestElement kRead[] = {
     {0, 12345, "Index 0 failed"}, {1, 0, "Index 1 failed"}, {9, 123456, "Index 9 failed"}};
 
-std::atomic<bool> ArrayAccessTested{false};  // the self-test was started
-std::atomic<bool> ArrayAccessSuccess{
-    false};  // and it passed: elements may be read from the storage
+// Mutable process state; the names are given by the interface (CONTRIBUTING.md). Whether the
+// self-test was started, and whether it has passed, so that elements may be read from memory.
+std::atomic<bool> ArrayAccessTested{false};
+std::atomic<bool> ArrayAccessSuccess{false};
 
 // Reads a value at an offset into an array object.
 template <class Value>

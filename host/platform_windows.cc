@@ -132,7 +132,7 @@ std::int64_t LengthOf(std::FILE* file) {
 
 std::optional<std::int64_t> LocalTimeOffset() {
   TIME_ZONE_INFORMATION zone;
-  LONG minutes = 0;  // UTC minus local time
+  LONG minutes = 0;  // UTC minus local time, in minutes
   switch (GetTimeZoneInformation(&zone)) {
     case TIME_ZONE_ID_UNKNOWN:  // a zone without daylight saving time
       minutes = zone.Bias;

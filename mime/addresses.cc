@@ -230,7 +230,7 @@ std::size_t CountMembers(std::string_view group) {
   return count;
 }
 
-// The result of the first pass.
+// The result of the first pass: how many entries of each kind a value has.
 struct Counts {
   std::size_t addresses = 0;
   std::size_t groups = 0;

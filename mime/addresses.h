@@ -38,7 +38,7 @@ struct MailboxRange {
 // "Team: ada@example.org, bob@example.net;"
 struct Group {
   std::string_view text;  // as mimetic writes the group; ";" when it is empty
-  std::string_view name;  // with its quotes and comments
+  std::string_view name;  // the text before the colon, with its quotes and comments
   MailboxRange mailboxes;
 };
 
@@ -57,8 +57,8 @@ struct AddressMemory {
   std::vector<Group> groups;
   std::vector<Address> addresses;      // empty when the value is parsed as mailboxes only
   std::string_view text;               // all entries as mimetic writes them; lies in `text_bytes`
-  std::unique_ptr<char[]> text_bytes;  // `text`, of which the texts of entries are views
-  std::unique_ptr<char[]> part_bytes;  // parts of mailboxes after comments or spaces were removed
+  std::unique_ptr<char[]> text_bytes;  // owns the bytes of `text` and of each entry's text
+  std::unique_ptr<char[]> part_bytes;  // owns parts of which comments or spaces were removed
 };
 
 // In each class, CountMailboxes(value) returns how many mailboxes parsing `value` gives, members of

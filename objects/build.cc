@@ -47,7 +47,7 @@ bool Check(std::string_view message) {
   return true;
 }
 
-// The walk over one message's parts.
+// Creates the objects of one message while walking over its parts.
 class TreeBuilder {
  public:
   TreeBuilder(const mime::Message& message, MimeEntityClassData& record)

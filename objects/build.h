@@ -9,10 +9,10 @@ namespace zqv::objects {
 
 // Fills the record of `self`, a MimeEmailZQV, from a message. The message's memory is freed as soon
 // as its objects are built. `source` [borrowed] is the host string that contains the bytes, which
-// is stored as Source; when it is nil, a new string is made. Raises an
-// UnsupportedOperationException for an empty message and for one that begins with a byte of 0x80 or
-// above. Throws std::runtime_error when a limit is exceeded (mime/limits.h) and std::bad_alloc;
-// what was stored before stays.
+// is stored as Source; when it is nil, a new string is made. A UTF-8 byte-order mark is skipped.
+// Raises an UnsupportedOperationException for a message that is then empty or begins with a byte of
+// 0x80 or above. Throws std::runtime_error when a limit is exceeded (mime/limits.h), and
+// std::bad_alloc. What was stored before a failure stays.
 void MimeEmailConstructor(abi::REALobject self, MessageBytes message, abi::REALstring source);
 
 }  // namespace zqv::objects

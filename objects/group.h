@@ -1,4 +1,4 @@
-// MimeGroupZQV: a named group of mailboxes, "Name: a@b, c@d;".
+// MimeGroupZQV: a named group of mailboxes (RFC 5322, section 3.4): "Name: a@b, c@d;".
 #pragma once
 
 #include "mime/addresses.h"

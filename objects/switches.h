@@ -7,7 +7,7 @@
 
 namespace zqv::objects {
 
-// Whether an unknown charset raises an exception.
+// Whether RaiseUnknownFormatExceptions is on: an unknown charset then raises an exception.
 bool RaisesUnknownFormats();
 
 // Getters and setters, registered with the host. Setters take any nonzero value as true. Turning

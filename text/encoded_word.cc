@@ -22,7 +22,7 @@
 namespace zqv::text {
 namespace {
 
-constexpr std::size_t kShortestEncodedWord = 7;  // =?c?Q?=
+constexpr std::size_t kShortestEncodedWord = 7;  // bytes in "=?c?Q?="
 
 std::string_view UpToNul(std::string_view text) { return text.substr(0, text.find('\0')); }
 
@@ -34,7 +34,7 @@ int HexValue(char c) { return std::max(base::HexadecimalValue(c), 0); }
 char* DecodeQ(std::string_view payload, char* out) {
   for (std::size_t i = 0; i < payload.size(); ++i) {
     if (payload[i] == '=') {
-      // Digits that are missing at the end count as 0.
+      // When the payload ends within a code, the missing digits count as 0.
       const int high = i + 1 < payload.size() ? HexValue(payload[i + 1]) : 0;
       const int low = i + 2 < payload.size() ? HexValue(payload[i + 2]) : 0;
       *out++ = static_cast<char>(high * 16 + low);

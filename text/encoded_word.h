@@ -18,7 +18,7 @@ namespace zqv::text {
 // otherwise borrowed from the text.
 class HeaderText {
  public:
-  HeaderText() = default;  // empty
+  HeaderText() = default;  // an empty text, labelled ASCII
   // Takes `bytes` up to their first NUL. They lie in `owned`, or are borrowed when `owned` is
   // empty.
   HeaderText(std::string_view bytes, abi::Encoding encoding, DecodedBytes owned = {})

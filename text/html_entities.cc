@@ -275,10 +275,10 @@ namespace {
 
 constexpr std::size_t kLetters = 128;
 
-// The rows by the first letter of their names, those of one letter in the table's order.
+// The index from a name's first letter to the rows that begin with it.
 struct Index {
   std::array<std::uint8_t, kHtmlEntityCount> rows;
-  std::array<std::uint8_t, kLetters + 1> first;  // by letter: where its rows begin
+  std::array<std::uint8_t, kLetters + 1> first;  // for each letter: its first position in `rows`
 };
 static_assert(kHtmlEntityCount < 256);
 
@@ -298,6 +298,7 @@ constexpr Index MakeIndex() {
 constexpr Index kIndex = MakeIndex();
 static_assert(kIndex.first[kLetters] == kHtmlEntityCount, "every name begins with an ASCII letter");
 
+// Whether the row's name begins with `beginning`.
 bool Begins(const HtmlEntity& row, std::u32string_view beginning) {
   return row.name.size() >= beginning.size() &&
          std::equal(beginning.begin(), beginning.end(), row.name.begin(),
@@ -309,9 +310,10 @@ bool Begins(const HtmlEntity& row, std::u32string_view beginning) {
 char32_t FindHtmlEntity(std::u32string_view beginning) {
   if (beginning.empty()) return kHtmlEntities[0].code_point;
   if (beginning.front() >= kLetters) return 0;
-  // QUIRK: a name need not be whole: "sigma" finds "sigmaf", "or" finds "ordf", "sup" finds "sup2".
-  // Part of the interface's contract; changing it is a major version. Test:
-  // HtmlEntities.TheFirstRowThatBeginsSoWins.
+  // QUIRK: a name that is a prefix of several gives the first of them, even if a later row has
+  // exactly that name: "sigma" gives "sigmaf", "or" gives "ordf", "sup" gives "sup2". Part of the
+  // interface's contract; changing it is a major version.
+  // Test: HtmlEntities.TheFirstRowThatBeginsSoWins.
   for (std::size_t i = kIndex.first[beginning.front()]; i < kIndex.first[beginning.front() + 1];
        ++i) {
     const HtmlEntity& row = kHtmlEntities[kIndex.rows[i]];

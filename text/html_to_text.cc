@@ -175,7 +175,7 @@ class HtmlPass {
 
  public:
   explicit HtmlPass(View html) : html_(html), indent_left_(kIndent) {
-    constexpr std::size_t kSpare = 4096;  // most texts need no second allocation
+    constexpr std::size_t kSpare = 4096;  // room for what is inserted, to avoid a reallocation
     output_.reserve(html.size() + kSpare);
   }
 

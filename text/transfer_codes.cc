@@ -361,8 +361,8 @@ class QuotedPrintableDecoder {
     if (at_ != end_ && base::IsLineEnd(*at_) && *at_ != first) ++at_;
   }
 
-  // Handles the end of the text when blanks or an incomplete code are left there. Writes what
-  // mimetic writes for it.
+  // Skips the rest of the text, which is blanks or an incomplete code. Writes "=" for it, as
+  // mimetic does, and a tab if its second character is a tab.
   void TakeUndecided() {
     *out_++ = '=';
     if (end_ - at_ > 1 && at_[1] == '\t') *out_++ = '\t';

@@ -106,7 +106,8 @@ ExpectedClass Address() {
 }
 
 ExpectedClass Group() {
-  return {&plugin::g_mime_group_class, "MimeGroupZQV", nullptr, 32, Proc(objects::MimeGroupDestructor),
+  return {&plugin::g_mime_group_class, "MimeGroupZQV", nullptr, 32,
+          Proc(objects::MimeGroupDestructor),
       {Computed("MailboxesVariant", "Variant", &objects::GroupMailboxes::Variant),
        Stored("Name", "String", 8),
        Stored("NameDecoded", "String", 16),
@@ -157,7 +158,8 @@ ExpectedClass Mailbox() {
 }
 
 ExpectedClass Field() {
-  return {&plugin::g_mime_field_class, "MimeFieldZQV", nullptr, 16, Proc(objects::MimeFieldDestructor),
+  return {&plugin::g_mime_field_class, "MimeFieldZQV", nullptr, 16,
+          Proc(objects::MimeFieldDestructor),
       {Stored("Name", "String", 8),
        Stored("Value", "String", 0)},
       {Method("Constructor(TextToParse as String)", objects::MimeFieldConstructor)},
