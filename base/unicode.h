@@ -18,8 +18,8 @@ std::size_t LengthOfAsciiText(std::string_view bytes);
 
 // Whether the bytes are well-formed UTF-8 (RFC 3629) that contains no control characters but tab,
 // line feed and carriage return. QUIRK: DEL and the other control characters are not accepted,
-// although they are well-formed UTF-8: binary data often has them, text does not.
-// Test: IsUtf8.RejectsControlCharacters.
+// although they are well-formed UTF-8; binary data often has them. Part of the interface's
+// contract; changing it is a major version. Test: IsUtf8.RejectsControlCharacters.
 bool is_utf8(const char* bytes, std::size_t length);
 
 // Guesses the encoding of bytes without a charset: kAscii if IsAscii, else kUtf8 if is_utf8, else

@@ -1,7 +1,7 @@
 // FilePath for Linux and Windows. From host version 2013 on a FolderItem has a property NativePath;
 // in older hosts the path is made from its URLPath:
 //
-//   file:///home/ada/a%20b.eml    path "/home/ada/a b.eml", which PathOfUrl adapts to the platform
+//   file:///mail/a%20b.eml    path "/mail/a b.eml", which PathOfUrl adapts to the platform
 #include <string>
 #include <string_view>
 

@@ -163,10 +163,10 @@ abi::PlatformString RBString2CFString(abi::REALstring string) {
   }
   // From version 2012 on the entry point has another form with the same name. The two are separate
   // objects, because a host's resolver may answer differently when it is asked twice.
-  static EntryPoint<abi::PlatformString(abi::REALstring, abi::RBBoolean)> newer(
+  static EntryPoint<abi::PlatformString(abi::REALstring, abi::RBBoolean)> g_newer(
       "REALGetStringCFString");
   if (HostVersion() >= kHasNewerStringCall) {
-    if (const abi::PlatformString text = newer(string, 0); text != nullptr) return text;
+    if (const abi::PlatformString text = g_newer(string, 0); text != nullptr) return text;
   }
   if (const abi::PlatformString text = entry::REALGetStringCFString(string, 0); text != nullptr)
     return text;
