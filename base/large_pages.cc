@@ -1,5 +1,5 @@
 // On Linux, madvise() asks for 2 MB pages in that part of the buffer which starts and ends on a
-// 2 MB boundary. Other systems have no such call that needs no privilege.
+// 2 MB boundary. Other systems have no such call for memory that is already allocated.
 #include "base/large_pages.h"
 
 #if defined(__linux__)

@@ -1,7 +1,7 @@
 // macOS and Windows: one slot of the system, allocated for the whole process at the first use.
 // Elsewhere: a thread_local variable in the static block that the loader allocates with each
-// thread. An ordinary thread_local would be allocated at a thread's first access, and the C++
-// runtime ends the process when that fails.
+// thread. An ordinary thread_local of a shared library is allocated at a thread's first access, and
+// the process is ended when that fails.
 #include "base/thread_slot.h"
 
 #if defined(__APPLE__)

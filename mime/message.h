@@ -1,5 +1,6 @@
 // A parsed message as a flat tree: all parts in one vector, linked by indexes, and all header
-// fields in another. All texts are views of the message's bytes; nothing is decoded.
+// fields in another. All texts are views of the message's bytes, except values of several lines,
+// which are stored with their folds replaced. Nothing is decoded.
 //
 // Parts and fields are the ones that mimetic's parser finds, for every input. The parser itself is
 // our own (parser.cc).
@@ -39,7 +40,8 @@ enum class OuterBoundary : std::uint8_t {
   kEndsInner,  // closes the inner multipart (RFC 2046, section 5.1.2) and continues
 };
 
-// All texts are borrowed from the message's bytes. Those that do not apply are empty.
+// All texts are borrowed from the message's bytes. Texts that do not apply to a kind of part are
+// empty.
 struct Part {
   // From the first byte of the part's header up to the line end before the boundary that ends the
   // part, or to the end of the message.

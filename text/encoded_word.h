@@ -29,8 +29,8 @@ class HeaderText {
 
   // Failures for the caller to report; empty when there are none. In both cases the bytes are the
   // undecoded text.
-  std::string unknown_charset;           // the charset's name when it is not in the table
-  std::string charset_without_encoding;  // the name when encoded words have it and it has no number
+  std::string unknown_charset;           // a charset's name that is not in the table
+  std::string charset_without_encoding;  // a name in encoded words that gives no encoding number
 
  private:
   DecodedBytes owned_;
