@@ -1,12 +1,11 @@
 """The files that a person would find in a message: what `list` shows and `extract` writes."""
 
 import base64
-import binascii
 import json
-import struct
 import unittest
 
 import program
+from packing import tnef, uuencoded, yenc
 from program import SAMPLES, zqv
 
 DATA = b"\x00\x01binary \xFF\r\n\n" * 20
@@ -23,42 +22,6 @@ def file_part(disposition=b'attachment; filename="a.bin"', transfer=b"base64", b
     return (b"Content-Type: application/x-any\nContent-Disposition: " + disposition +
             b"\nContent-Transfer-Encoding: " + transfer + b"\n\n" +
             (base64.encodebytes(DATA) if body is None else body))
-
-
-def uuencoded(data, name=b"a.bin"):
-    """A block as uuencode writes it."""
-    lines = b"".join(binascii.b2a_uu(data[i:i + 45]) for i in range(0, len(data), 45))
-    return b"begin 644 " + name + b"\n" + lines + b"`\nend\n"
-
-
-def yenc(data, name=b"a.bin", size=None):
-    """A block of yEnc."""
-    code = bytearray()
-    for byte in data:
-        byte = (byte + 42) % 256
-        code += bytes([61, (byte + 64) % 256]) if byte in (0, 10, 13, 61) else bytes([byte])
-    lines = b"\n".join(bytes(code[i:i + 128]) for i in range(0, len(code), 128))
-    size = len(data) if size is None else size
-    return (b"=ybegin line=128 size=%d name=" % size) + name + b"\n" + lines + b"\n=yend size=%d\n" % size
-
-
-def attribute(level, number, data):
-    """One attribute of TNEF."""
-    return struct.pack("<BII", level, number, len(data)) + data + struct.pack("<H", sum(data) % 65536)
-
-
-def tnef(*files):
-    """TNEF with these files, (name, data): a short name, and the whole one as a property."""
-    parts = struct.pack("<IH", 0x223E9F78, 1) + attribute(1, 0x00069007, struct.pack("<II", 1252, 0))
-    for name, data in files:
-        wide = (name + "\0").encode("utf-16-le")
-        padding = b"\0" * (-len(wide) % 4)
-        named = (struct.pack("<HH", 3, 0x8001) + bytes(16) + struct.pack("<III", 0, 7, 99))
-        properties = (struct.pack("<I", 2) + named +
-                      struct.pack("<HHII", 0x1F, 0x3707, 1, len(wide)) + wide + padding)
-        parts += (attribute(2, 0x00069002, bytes(14)) + attribute(2, 0x00018010, b"SHORT~1.BIN\0") +
-                  attribute(2, 0x0006800F, data) + attribute(2, 0x00069005, properties))
-    return parts
 
 
 class FilesCase(program.TestCase):
