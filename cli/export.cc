@@ -94,9 +94,9 @@ class Exporter {
     try {
       if (!WriteForms(item)) outcome_.kind = Outcome::Kind::kSkipped;
     } catch (const DiskFull& error) {
-      outcome_ = {Outcome::Kind::kDiskFull, error.what(), 0, {}};
+      outcome_ = {Outcome::Kind::kDiskFull, ReasonOf(error), 0, {}};
     } catch (const std::exception& error) {
-      outcome_ = {Outcome::Kind::kFailed, error.what(), 0, {}};
+      outcome_ = {Outcome::Kind::kFailed, ReasonOf(error), 0, {}};
     }
     return outcome_;
   }

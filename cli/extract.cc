@@ -29,10 +29,10 @@ bool WriteAll(const std::string& name, const MailReading& reading, const Request
         all_good = false;
       }
     } catch (const DiskFull& error) {
-      Complain(error.what());
+      Complain(ReasonOf(error));
       return false;
     } catch (const std::exception& error) {
-      Complain(error.what());
+      Complain(ReasonOf(error));
       all_good = false;
     }
   }
