@@ -14,6 +14,7 @@
 #include "cli/transfer_reading.h"
 #include "email/file_name.h"
 #include "email/route.h"
+#include "mime/limits.h"
 
 namespace zqv::cli {
 namespace {
@@ -300,8 +301,7 @@ void FoundFiles::AddMultipart(PartIndex index) {
   const std::optional<std::string> boundary = header.type.Text("boundary");
   if (is_undivided && boundary && !boundary->empty() && depth_ < kMostDepth) {
     const std::vector<std::string_view> parts = PartsBetween(BodyOf(index), *boundary);
-    AddParts(index, parts);
-    if (!parts.empty()) return;
+    if (!parts.empty() && parts.size() <= mime::kMostParts) return AddParts(index, parts);
   }
   const bool is_lost =
       is_undivided && messages_around_[index] == 0;  // such as a letter that came back cut short

@@ -205,6 +205,14 @@ class MessagesTest(FilesCase):
         self.assertEqual(self.extract(data), {"a.bin": DATA, "in.eml": b"Subject: in\n\nhi"})
         self.assertEqual([(row[0], row[3]) for row in self.list(data)],
                          [("0", "a.bin"), ("0", "in.eml")])
+        # No more parts than the library itself reads.
+        head = b'Content-Type: multipart/mixed; boundary="b\n\n'
+        self.assertEqual(len(self.list(head + b"--b\nContent-Type: a/b; name=a\n\nx\n" * 10_000)),
+                         10_000)
+        problem = "no boundary divides the multipart: the bytes are as they stand"
+        self.assertEqual(set(self.extract(head + b"--b\n" * 10_001, code=1,
+                                          err="zqv: {}: part 0, attachment: " + problem + "\n")),
+                         {"attachment"})
 
 
 class PackedTest(FilesCase):

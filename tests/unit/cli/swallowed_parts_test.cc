@@ -47,6 +47,16 @@ TEST(Extents, EndAtABoundaryInAHeader) {
   EXPECT_THAT(extents[2].swallowed, IsEmpty());
 }
 
+TEST(Extents, EndBeforeTheWholeLineEnd) {
+  const std::string text =
+      "Content-Type: multipart/mixed; boundary=b\r\n\r\n"
+      "--b\r\nA: 1\r\n--b\r\nA: 2\r\n\r\ntwo\r\n--b--\r\n";
+  const MessageSource source(text);
+  const std::vector<PartExtent> extents = ExtentsOf(source);
+  EXPECT_EQ(extents[1].own, "A: 1");
+  EXPECT_THAT(extents[1].swallowed, ElementsAre("A: 2\r\n\r\ntwo"));
+}
+
 // 1 is a message, 1.1 what is in it; the boundary in the header of 1.1 divides the outermost.
 TEST(Extents, OfAllPartsAroundTheHeaderEndThere) {
   const std::string text = kMixed +
