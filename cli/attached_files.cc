@@ -22,8 +22,18 @@ std::string_view WrittenField(const MessageSource& source, mime::PartIndex index
 AttachedFiles::AttachedFiles(const MailReading& reading, bool all) : reading_(reading) {
   FileNames names;
   for (const FoundFile& file : reading.files().list()) {
-    if (all || !file.is_frame) files_.push_back({names.Take(CleanFileName(file.name)), &file});
+    if (!all && file.is_frame) continue;
+    const std::string name = CleanFileName(file.name);
+    if (!all && file.is_empty) {
+      empty_.push_back({NameOf(file, name), file.problem});
+    } else {
+      files_.push_back({names.Take(name), &file});
+    }
   }
+}
+
+std::string AttachedFiles::NameOf(const FoundFile& file, const std::string& name) const {
+  return "part " + reading_.source().NumberOf(file.part) + ", " + name;
 }
 
 email::DecodedBody AttachedFiles::Data(std::size_t index) const {
@@ -33,8 +43,7 @@ email::DecodedBody AttachedFiles::Data(std::size_t index) const {
 std::string AttachedFiles::Problem(std::size_t index) const {
   const FoundFile& file = *files_[index].found;
   if (file.problem.empty()) return {};
-  return "part " + reading_.source().NumberOf(file.part) + ", " + files_[index].name + ": " +
-         file.problem;
+  return NameOf(file, files_[index].name) + ": " + file.problem;
 }
 
 }  // namespace zqv::cli

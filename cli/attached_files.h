@@ -34,10 +34,11 @@ class MailReading {
 std::string_view WrittenField(const MessageSource& source, mime::PartIndex part,
                               std::string_view name);
 
-// The files, each with a clean name that no other of them has.
+// The files that are to be written, each with a clean name that no other of them has.
 class AttachedFiles {
  public:
-  // `reading` must outlive this. With `all` those, too, that nobody calls files.
+  // `reading` must outlive this. With `all` those, too, that nobody calls files, and those without
+  // a byte.
   AttachedFiles(const MailReading& reading, bool all);
 
   std::size_t count() const { return files_.size(); }
@@ -47,14 +48,25 @@ class AttachedFiles {
   // does.
   std::string Problem(std::size_t index) const;
 
+  // Files without a byte, which are not among them: each with its number, its name, and what keeps
+  // it from being the file that was sent, if anything does.
+  struct Empty {
+    std::string name;
+    std::string problem;
+  };
+  const std::vector<Empty>& empty() const { return empty_; }
+
  private:
   struct File {
     std::string name;
     const FoundFile* found;
   };
 
+  std::string NameOf(const FoundFile& file, const std::string& name) const;
+
   const MailReading& reading_;
   std::vector<File> files_;
+  std::vector<Empty> empty_;
 };
 
 }  // namespace zqv::cli

@@ -34,7 +34,7 @@ bool AddTo(Load* load, Item&& item, const Session& session) {
     session.Open(item);
     if (!item.bytes) item.bytes = ReadBytes(item.path);
   } catch (const std::exception& error) {
-    Complain(item.name + ": " + error.what());
+    Complain(item.name + ": " + ReasonOf(error));
     return false;
   }
   load->bytes += item.bytes->size();

@@ -61,7 +61,7 @@ int HtmlToText(const Session&, const Request& request, Output* output) {
               output);
     return 0;
   } catch (const std::exception& error) {
-    Complain(file + ": " + error.what());
+    Complain(file + ": " + ReasonOf(error));
     return 1;
   }
 }

@@ -50,6 +50,32 @@ const char* SuffixOf(ExportForm form) {
   return ".files";
 }
 
+// What became of a message.
+struct Outcome {
+  enum class Kind : char {
+    kWritten = 'w',
+    kSkipped = 's',  // all was there already
+    kFailed = 'f',
+    kDiskFull = 'd',  // so will be what comes
+  };
+  Kind kind = Kind::kWritten;
+  std::string reason;                 // of what failed
+  std::size_t empty = 0;              // files without a byte, which were not written
+  std::vector<std::string> problems;  // what keeps files from being those that were sent
+};
+
+// As another process hands it over, and back.
+Parcel ParcelOf(const Outcome& outcome) {
+  Parcel parcel = {std::string(1, static_cast<char>(outcome.kind)), outcome.reason,
+                   std::to_string(outcome.empty)};
+  parcel.insert(parcel.end(), outcome.problems.begin(), outcome.problems.end());
+  return parcel;
+}
+Outcome OutcomeOf(const Parcel& parcel) {
+  return {static_cast<Outcome::Kind>(parcel[0].front()), parcel[1],
+          ReadNumber(parcel[2]).value_or(0), Parcel(parcel.begin() + 3, parcel.end())};
+}
+
 // Writes messages into the folder.
 class Exporter {
  public:
@@ -62,10 +88,22 @@ class Exporter {
     }
   }
 
-  // False when everything that there is to write was there already. Throws what says why it cannot
-  // be done.
-  bool Write(const Item& item) {
-    problems_.clear();
+  // Never throws for what is wrong with a message or with the folder.
+  Outcome Write(const Item& item) {
+    outcome_ = {};
+    try {
+      if (!WriteForms(item)) outcome_.kind = Outcome::Kind::kSkipped;
+    } catch (const DiskFull& error) {
+      outcome_ = {Outcome::Kind::kDiskFull, ReasonOf(error), 0, {}};
+    } catch (const std::exception& error) {
+      outcome_ = {Outcome::Kind::kFailed, ReasonOf(error), 0, {}};
+    }
+    return outcome_;
+  }
+
+ private:
+  // False when everything that there is to write was there already.
+  bool WriteForms(const Item& item) {
     const std::size_t slash = item.place.rfind('/');
     const std::string name = item.place.substr(slash == std::string::npos ? 0 : slash + 1);
     const Folder& folder = Open(item.place.substr(0, slash == std::string::npos ? 0 : slash));
@@ -87,10 +125,6 @@ class Exporter {
     return is_new;
   }
 
-  // Of the last message: what keeps files of it from being those that were sent, a line each.
-  const std::vector<std::string>& problems() const { return problems_; }
-
- private:
   // The folder below the top. One at a time is kept: messages come folder by folder.
   const Folder& Open(const std::string& place) {
     if (place.empty()) return top_;
@@ -139,6 +173,13 @@ class Exporter {
   bool WriteFiles(const Object& email, const Folder& folder, const std::string& name) {
     const MailReading reading(email);
     const AttachedFiles files(reading, request_.all);
+    for (const AttachedFiles::Empty& file : files.empty()) {
+      if (file.problem.empty()) {
+        ++outcome_.empty;
+      } else {
+        outcome_.problems.push_back(file.name + ": " + file.problem);
+      }
+    }
     if (files.count() == 0) return false;
     if (folder.Has(name)) {  // replaced one by one: whatever else is in there stays
       WriteAll(files, folder.Sub(name));
@@ -160,7 +201,7 @@ class Exporter {
     for (std::size_t i = 0; i < files.count(); ++i) {
       folder.Write(files.Name(i), files.Data(i).bytes(), request_.force);
       const std::string problem = files.Problem(i);
-      if (!problem.empty()) problems_.push_back(problem);
+      if (!problem.empty()) outcome_.problems.push_back(problem);
     }
   }
 
@@ -177,7 +218,7 @@ class Exporter {
   std::vector<ExportForm> forms_;
   std::optional<Folder> current_;
   std::string current_place_;
-  std::vector<std::string> problems_;
+  Outcome outcome_;  // of the message that is written
 };
 
 // The hash of a place is the same on every machine.
@@ -196,21 +237,32 @@ class Tally {
  public:
   explicit Tally(std::size_t total_bytes) : progress_(total_bytes) {}
 
-  // `outcome` as Attempt gives it.
-  void Add(const Item& item, const std::string& outcome) {
-    if (outcome == kWritten) {
-      ++written_;
-    } else if (outcome.substr(0, kProblems.size()) == kProblems) {
-      ++written_;
-      AddProblems(item, std::string_view(outcome).substr(kProblems.size()));
-    } else if (outcome == kSkipped) {
-      ++skipped_;
-    } else {
-      ++failed_;
-      Complain(item.name + ": " + outcome);
+  void Add(const Item& item, const Outcome& outcome) {
+    switch (outcome.kind) {
+      case Outcome::Kind::kWritten:
+        ++written_;
+        break;
+      case Outcome::Kind::kSkipped:
+        ++skipped_;
+        break;
+      case Outcome::Kind::kFailed:
+        ++failed_;
+        Complain(item.name + ": " + outcome.reason);
+        break;
+      case Outcome::Kind::kDiskFull:  // processes side by side find out one after the other
+        if (disk_full_.empty()) disk_full_ = item.name + ": " + outcome.reason;
+        return;
     }
+    for (const std::string& problem : outcome.problems) {
+      has_problems_ = true;
+      Complain(item.name + ": " + problem);
+    }
+    empty_ += outcome.empty;
     progress_.Add(SizeOf(item));
   }
+
+  // Whether no more can be written.
+  bool IsDiskFull() const { return !disk_full_.empty(); }
 
   void Say() const {
     std::string text = "exported " + Counted(written_, "message");
@@ -218,47 +270,31 @@ class Tally {
       text += ", " + Grouped(skipped_) + (skipped_ == 1 ? " was" : " were") + " there already";
     }
     if (failed_ > 0) text += ", " + Grouped(failed_) + " failed";
+    if (IsDiskFull()) {
+      Complain(disk_full_ + "; " + text);
+      return;
+    }
+    if (empty_ > 0) {
+      text += ", without " + Counted(empty_, "file") + " that " + (empty_ == 1 ? "has" : "have") +
+              " no bytes";
+    }
     const double seconds = std::max(progress_.passed().count(), 0.001);
     const double rate = static_cast<double>(written_ + skipped_ + failed_) / seconds;
     Complain(text + ", in " + DurationText(progress_.passed()) + " (" +
              Grouped(static_cast<std::size_t>(rate)) + " a second)");
   }
 
-  bool all_good() const { return failed_ == 0 && !has_problems_; }
-
-  static constexpr const char* kWritten = "";
-  static constexpr const char* kSkipped = "-";
-  static constexpr std::string_view kProblems = "!";  // then a line for each
+  bool all_good() const { return failed_ == 0 && !has_problems_ && !IsDiskFull(); }
 
  private:
-  void AddProblems(const Item& item, std::string_view lines) {
-    has_problems_ = true;
-    while (!lines.empty()) {
-      const std::string_view line = lines.substr(0, lines.find('\n'));
-      Complain(item.name + ": " + std::string(line));
-      lines.remove_prefix(std::min(lines.size(), line.size() + 1));
-    }
-  }
-
   Progress progress_;
   std::size_t written_ = 0;
   std::size_t skipped_ = 0;
   std::size_t failed_ = 0;
+  std::size_t empty_ = 0;
   bool has_problems_ = false;
+  std::string disk_full_;  // what failed for that first
 };
-
-// Tally::kWritten, Tally::kSkipped, Tally::kProblems with them, or what went wrong.
-std::string Attempt(Exporter* exporter, const Item& item) {
-  try {
-    const bool is_written = exporter->Write(item);
-    std::string problems;
-    for (const std::string& problem : exporter->problems()) problems += problem + "\n";
-    if (!problems.empty()) return std::string(Tally::kProblems) + problems;
-    return is_written ? Tally::kWritten : Tally::kSkipped;
-  } catch (const std::exception& error) {
-    return error.what();
-  }
-}
 
 }  // namespace
 
@@ -268,18 +304,21 @@ int Export(const Session& session, const Request& request, Output*) {
   const auto hand_to = [&](const std::function<void(const Item&)>& use) {
     return ForEachChosen(session, request, [&](Item&& item) {
       if (IsInShard(item.place, request.shard)) use(item);
-      return true;
+      return !tally.IsDiskFull();
     });
   };
   bool all_read = false;
   if (request.jobs == 1) {
-    all_read = hand_to([&](const Item& item) { tally.Add(item, Attempt(&exporter, item)); });
+    all_read = hand_to([&](const Item& item) { tally.Add(item, exporter.Write(item)); });
   } else {
     Workers workers(
-        request.jobs,
-        [&](const Parcel& piece) { return Parcel{Attempt(&exporter, ItemOf(piece))}; },
-        [&](const Parcel& piece, const Parcel& result) { tally.Add(ItemOf(piece), result[0]); },
-        [&](const Parcel& piece, const std::string& reason) { tally.Add(ItemOf(piece), reason); });
+        request.jobs, [&](const Parcel& piece) { return ParcelOf(exporter.Write(ItemOf(piece))); },
+        [&](const Parcel& piece, const Parcel& result) {
+          tally.Add(ItemOf(piece), OutcomeOf(result));
+        },
+        [&](const Parcel& piece, const std::string& reason) {
+          tally.Add(ItemOf(piece), {Outcome::Kind::kFailed, reason, 0, {}});
+        });
     all_read = hand_to([&](const Item& item) { workers.Give(ParcelOf(item)); });
     workers.Finish();
   }

@@ -28,10 +28,19 @@ bool WriteAll(const std::string& name, const MailReading& reading, const Request
         Complain(name + ": " + problem);
         all_good = false;
       }
+    } catch (const DiskFull& error) {
+      Complain(ReasonOf(error));
+      return false;
     } catch (const std::exception& error) {
-      Complain(error.what());
+      Complain(ReasonOf(error));
       all_good = false;
     }
+  }
+  for (const AttachedFiles::Empty& file : files.empty()) {
+    const bool is_sent_so = file.problem.empty();
+    Complain(name + ": " + file.name + ": " +
+             (is_sent_so ? "has no bytes and is not written; --all writes it" : file.problem));
+    all_good = all_good && is_sent_so;
   }
   return all_good;
 }

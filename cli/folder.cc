@@ -23,7 +23,9 @@ constexpr const char* kOpenFiles = "/proc/self/fd/";
 }
 
 [[noreturn]] void FailWith(const std::string& path, int error) {
-  Fail(path, std::generic_category().message(error));
+  const std::string reason = std::generic_category().message(error);
+  if (error == ENOSPC || error == EDQUOT) throw DiskFull(path + ": " + reason);
+  Fail(path, reason);
 }
 
 // 0, or the errno of what went wrong.

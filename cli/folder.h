@@ -6,6 +6,7 @@
 // files without names, what a killed process was writing may stay under its unfinished name.
 #pragma once
 
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -13,13 +14,19 @@
 
 namespace zqv::cli {
 
+// Nothing more can be written: the disk is full, or what a user may have of it.
+class DiskFull : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 // What a thing is called until all of it is there: hidden, and the same each time.
 std::string UnfinishedName(const std::string& name);
 
 class Folder {
  public:
   // Opens the folder at `path`, making it and those above it when missing. Throws
-  // std::runtime_error, naming path and reason; so do the others.
+  // std::runtime_error, naming path and reason, and of a full disk DiskFull; so do the others.
   explicit Folder(std::string path);
 
   // The folder in this one, made when missing.

@@ -14,6 +14,7 @@
 #include "cli/transfer_reading.h"
 #include "email/file_name.h"
 #include "email/route.h"
+#include "mime/limits.h"
 
 namespace zqv::cli {
 namespace {
@@ -47,11 +48,6 @@ Type SplitType(std::string_view main) {
   return {Trim(main.substr(0, slash)), Trim(main.substr(slash + 1))};
 }
 
-// What follows a part's header.
-std::string_view BodyOf(const mime::Part& part) {
-  return part.whole.substr(std::min(part.whole.size(), part.header.size()));
-}
-
 // Without a line such as "From ada@example.com Tue May 10 11:28:07 2005" at its front.
 std::string_view WithoutEnvelope(std::string_view message) {
   const std::string_view start = message.substr(0, 6);
@@ -81,13 +77,17 @@ std::string WrittenFileName(const WrittenParameters& disposition, const WrittenP
 FoundFiles::FoundFiles(const MessageSource& source) : FoundFiles(source, 0) {}
 
 FoundFiles::FoundFiles(const MessageSource& source, std::size_t depth)
-    : source_(source), depth_(depth), messages_around_(source.parts().size(), 0) {
+    : source_(source),
+      extents_(ExtentsOf(source)),
+      depth_(depth),
+      messages_around_(source.parts().size(), 0) {
   for (PartIndex i = 1; i < source.parts().size(); ++i) {
     const PartIndex parent = source.parts()[i].parent;
     const bool is_message = source.parts()[parent].kind == PartKind::kMessage;
     messages_around_[i] = messages_around_[parent] + (is_message ? 1 : 0);
   }
   for (PartIndex i = 0; i < source.parts().size(); ++i) {
+    if (extents_[i].is_swallowed) continue;
     switch (source.parts()[i].kind) {
       case PartKind::kLeaf:
         AddLeaf(i);
@@ -99,27 +99,37 @@ FoundFiles::FoundFiles(const MessageSource& source, std::size_t depth)
         AddMultipart(i);
         break;
     }
+    AddParts(i, extents_[i].swallowed);
   }
+}
+
+std::string_view FoundFiles::BodyOf(PartIndex index) const {
+  const std::string_view own = extents_[index].own;
+  return own.substr(std::min(own.size(), source_.parts()[index].header.size()));
 }
 
 email::DecodedBody FoundFiles::Data(const FoundFile& file) const {
   if (file.is_unpacked) return email::DecodedBody(std::string_view(file.unpacked));
   const mime::Part& part = source_.parts()[file.part];
-  const mime::Header header = source_.message().HeaderOf(part);
+  const mime::Header header = HeaderOf(file.part);
   const Transfer transfer = ReadTransfer(FieldBytes(header, FieldName::kContentTransferEncoding));
-  switch (part.kind) {
-    case PartKind::kLeaf:
-      return DecodeBody(transfer, part.body);
-    case PartKind::kMessage:
-      return DecodeBody(transfer, BodyOf(part));
-    case PartKind::kMultipart:
-      break;
-  }
-  return email::DecodedBody(BodyOf(part));
+  if (part.kind == PartKind::kMultipart) return email::DecodedBody(BodyOf(file.part));
+  return DecodeBody(transfer, BodyOf(file.part));
 }
 
-FoundFiles::Header FoundFiles::ReadHeader(const mime::Part& part) const {
-  const mime::Header header = source_.message().HeaderOf(part);
+mime::Header FoundFiles::HeaderOf(PartIndex index) const {
+  const mime::Part& part = source_.parts()[index];
+  const mime::Field* const first = source_.message().fields().data() + part.first_field;
+  const std::string_view own = extents_[index].own;
+  const auto is_own = [&](const mime::Field& field) {
+    return field.bytes.data() < own.data() + own.size();
+  };
+  return {first, static_cast<std::size_t>(
+                     std::find_if_not(first, first + part.field_count, is_own) - first)};
+}
+
+FoundFiles::Header FoundFiles::ReadHeader(PartIndex index) const {
+  const mime::Header header = HeaderOf(index);
   return {WrittenParameters(FieldBytes(header, FieldName::kContentType)),
           WrittenParameters(FieldBytes(header, FieldName::kContentDisposition)),
           FieldBytes(header, FieldName::kContentTransferEncoding),
@@ -161,13 +171,13 @@ bool FoundFiles::IsText(const Header& header, FoundFile* file) {
 
 void FoundFiles::ReadTransferOf(const Header& header, FoundFile* file) const {
   const mime::Part& part = source_.parts()[file->part];
-  if (part.kind == PartKind::kMultipart || IsBlank(BodyOf(part))) return;
+  if (part.kind == PartKind::kMultipart || IsBlank(BodyOf(file->part))) return;
   const Transfer transfer = ReadTransfer(header.transfer);
   const std::string quoted = Quoted(Unfolded(header.transfer));
   if (transfer == Transfer::kUnknown) {
     file->problem = "unknown transfer encoding " + quoted + ": the bytes are as they stand";
   } else if (transfer == Transfer::kUuencode) {
-    std::vector<PackedFile> packed = FindPackedFiles(BodyOf(part));
+    std::vector<PackedFile> packed = FindPackedFiles(BodyOf(file->part));
     if (packed.empty()) {
       file->problem = "nothing in it is in " + quoted + ": the bytes are as they stand";
       return;
@@ -181,7 +191,7 @@ void FoundFiles::ReadTransferOf(const Header& header, FoundFile* file) const {
 }
 
 FoundFile FoundFiles::Describe(PartIndex index) const {
-  const Header header = ReadHeader(source_.parts()[index]);
+  const Header header = ReadHeader(index);
   FoundFile file = FileOf(index, header);
   ReadTransferOf(header, &file);
   return file;
@@ -189,25 +199,26 @@ FoundFile FoundFiles::Describe(PartIndex index) const {
 
 void FoundFiles::AddLeaf(PartIndex index) {
   const mime::Part& part = source_.parts()[index];
-  const Header header = ReadHeader(part);
+  const Header header = ReadHeader(index);
   FoundFile file = FileOf(index, header);
   ReadTransferOf(header, &file);
-  if (!header.has_type && IsInDigest(part) && !IsBlank(part.body)) {
+  if (!header.has_type && IsInDigest(part) && !IsBlank(BodyOf(index))) {
     file.mime_type = "message/rfc822";
     AddMessage(std::move(file), mime::kNoPart);
     return;
   }
   const bool is_text = IsText(header, &file);
-  const bool is_empty = IsBlank(part.body);
+  const bool is_blank = IsBlank(BodyOf(index));
   file.is_frame =
-      file.is_frame || (!file.is_named && (is_empty || (is_text && file.problem.empty())));
+      file.is_frame || (!file.is_named && (is_blank || (is_text && file.problem.empty())));
+  const email::DecodedBody data = Data(file);
+  file.is_empty = data.bytes().empty();
   if (file.is_unpacked) {
     list_.push_back(std::move(file));
     return;
   }
-  const email::DecodedBody data = Data(file);
   if (!file.is_named) file.name = email::MakeUpFileName(file.content_id, data.bytes());
-  const bool may_be_tnef = IsTnefType(file.mime_type) || MayBeTnef(part.body);
+  const bool may_be_tnef = IsTnefType(file.mime_type) || MayBeTnef(BodyOf(index));
   // The library lists a text without a type, and none that has one.
   if (!is_text || file.is_named || !header.has_type || !file.problem.empty()) {
     list_.push_back(std::move(file));
@@ -238,6 +249,7 @@ void FoundFiles::AddMessage(FoundFile file, PartIndex read_as) {
     file.name = (Trim(file.name).empty() ? "message" : file.name) + ".eml";
   }
   const PartIndex index = file.part;
+  file.is_empty = data.bytes().empty();
   list_.push_back(std::move(file));
   if (own) AddNested(index, FoundFiles(*own, depth_ + 1));
 }
@@ -254,14 +266,22 @@ void FoundFiles::AddNested(PartIndex index, const FoundFiles& nested) {
 
 void FoundFiles::AddMessage(PartIndex index) {
   const mime::Part& part = source_.parts()[index];
-  const Header header = ReadHeader(part);
+  const Header header = ReadHeader(index);
   FoundFile file = FileOf(index, header);
   // Of those that nest deeper each would be written once for each that is around it.
-  file.is_frame = IsBlank(BodyOf(part)) || messages_around_[index] > kMostDepth;
+  file.is_frame = IsBlank(BodyOf(index)) || messages_around_[index] > kMostDepth;
   ReadTransferOf(header, &file);
   const Transfer transfer = ReadTransfer(header.transfer);
   const bool is_encoded = transfer == Transfer::kBase64 || transfer == Transfer::kQuotedPrintable;
   AddMessage(std::move(file), is_encoded ? mime::kNoPart : part.first_child);
+}
+
+void FoundFiles::AddParts(PartIndex index, const std::vector<std::string_view>& parts) {
+  if (depth_ >= kMostDepth) return;
+  for (const std::string_view part : parts) {
+    const MessageSource own(part);
+    AddNested(index, FoundFiles(own, depth_ + 1));
+  }
 }
 
 bool FoundFiles::IsInDigest(const mime::Part& part) const {
@@ -273,11 +293,18 @@ bool FoundFiles::IsInDigest(const mime::Part& part) const {
 
 void FoundFiles::AddMultipart(PartIndex index) {
   const mime::Part& part = source_.parts()[index];
-  const Header header = ReadHeader(part);
+  const Header header = ReadHeader(index);
   const Type type = SplitType(header.type.main());
   FoundFile file = FileOf(index, header);
-  const bool is_lost = part.first_child == mime::kNoPart && !IsBlank(BodyOf(part)) &&
-                       messages_around_[index] == 0;  // such as a letter that came back cut short
+  const bool is_undivided = part.first_child == mime::kNoPart && !IsBlank(BodyOf(index));
+  // The library takes a quote that is not closed for a part of the boundary.
+  const std::optional<std::string> boundary = header.type.Text("boundary");
+  if (is_undivided && boundary && !boundary->empty() && depth_ < kMostDepth) {
+    const std::vector<std::string_view> parts = PartsBetween(BodyOf(index), *boundary);
+    if (!parts.empty() && parts.size() <= mime::kMostParts) return AddParts(index, parts);
+  }
+  const bool is_lost =
+      is_undivided && messages_around_[index] == 0;  // such as a letter that came back cut short
   if (email::IsContainer(type.type, type.subtype) && !is_lost) return;
   file.is_frame = !is_lost;
   if (is_lost) file.problem = "no boundary divides the multipart: the bytes are as they stand";
@@ -294,6 +321,7 @@ void FoundFiles::AddPacked(PartIndex part, std::string_view text) {
     file.is_named = true;
     file.unpacked = std::move(packed.bytes);
     file.is_unpacked = true;
+    file.is_empty = file.unpacked.empty();
     if (!packed.is_whole) {
       file.problem = "the file in " + std::string(PackingName(packed.packing)) + " is not whole";
     }
@@ -319,6 +347,7 @@ void FoundFiles::AddTnef(PartIndex part, std::string_view bytes, std::size_t dep
     file.mime_type = packed.mime_type;
     file.unpacked = packed.bytes;
     file.is_unpacked = true;
+    file.is_empty = file.unpacked.empty();
     if (!content.is_whole) file.problem = "the TNEF that holds it is cut off";
     list_.push_back(std::move(file));
   }

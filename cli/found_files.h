@@ -3,7 +3,8 @@
 // reading for every verb that shows, counts or writes files; `json` prints the library's own lists.
 //
 // Known beyond what the library does: transfer encodings in sloppy spelling and uuencode, names in
-// every form of RFC 2231, the bytes of attached messages, parts behind a multipart without an end.
+// every form of RFC 2231, the bytes of attached messages, parts behind a multipart without an end
+// or behind a header without one, and those of a multipart whose boundary lacks its closing quote.
 #pragma once
 
 #include <cstddef>
@@ -14,6 +15,7 @@
 
 #include "cli/message_source.h"
 #include "cli/packed_files.h"
+#include "cli/swallowed_parts.h"
 #include "cli/written_parameters.h"
 #include "email/transfer.h"
 #include "mime/message.h"
@@ -36,6 +38,7 @@ struct FoundFile {
   std::string problem;
   std::string unpacked;  // the bytes of what is packed, or in uuencode
   bool is_unpacked = false;
+  bool is_empty = false;  // no bytes are in it
 };
 
 class FoundFiles {
@@ -68,13 +71,20 @@ class FoundFiles {
 
   FoundFiles(const MessageSource& source, std::size_t depth);
 
-  Header ReadHeader(const mime::Part& part) const;
+  // The fields of a part, without those that its header has swallowed.
+  mime::Header HeaderOf(mime::PartIndex index) const;
+  Header ReadHeader(mime::PartIndex index) const;
+  // What follows the part's header, without what it has swallowed.
+  std::string_view BodyOf(mime::PartIndex index) const;
   FoundFile FileOf(mime::PartIndex index, const Header& header) const;
   void AddLeaf(mime::PartIndex index);
   void AddMessage(mime::PartIndex index);
   // `read_as` is what the parser made of the attached message, if anything.
   void AddMessage(FoundFile file, mime::PartIndex read_as);
   void AddNested(mime::PartIndex index, const FoundFiles& nested);
+  // Parts that the library's tree does not have, each read by itself, as files of the part that
+  // they lie in.
+  void AddParts(mime::PartIndex index, const std::vector<std::string_view>& parts);
   // A part of a digest is a message unless it says otherwise (RFC 2046, section 5.1.5).
   bool IsInDigest(const mime::Part& part) const;
   void AddMultipart(mime::PartIndex index);
@@ -85,6 +95,7 @@ class FoundFiles {
   void ReadTransferOf(const Header& header, FoundFile* file) const;
 
   const MessageSource& source_;
+  const std::vector<PartExtent> extents_;  // by part
   const std::size_t depth_;  // how many messages around this one were read by themselves
   std::vector<std::uint32_t> messages_around_;  // by part: how many attached messages it is in
   std::vector<FoundFile> list_;

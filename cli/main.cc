@@ -4,7 +4,9 @@
 // asked for is not there, or `check` found something; 2 the command line is wrong.
 #include <unistd.h>
 
+#include <cstdlib>
 #include <exception>
+#include <new>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -25,9 +27,27 @@ namespace {
   _exit(1);
 }
 
-int Main(int count, const char* const* values) {
-  EndOnClosedPipe();
-  standin::SetOutOfMemoryHandler(EndWithoutMemory);
+// An exception for which there is no memory, or that nobody catches because it is thrown before
+// main. Others are mistakes of the program, which the system is to report.
+[[noreturn]] void EndOnTerminate() {
+  const std::exception_ptr exception = std::current_exception();
+  if (!exception) EndWithoutMemory({});
+  try {
+    std::rethrow_exception(exception);
+  } catch (const std::bad_alloc&) {
+    EndWithoutMemory({});
+  } catch (...) {
+    std::abort();
+  }
+}
+
+// Made before all other objects of the program.
+struct TerminateHandler {
+  TerminateHandler() { std::set_terminate(EndOnTerminate); }
+};
+__attribute__((init_priority(101))) const TerminateHandler kTerminateHandler;
+
+int Run(int count, const char* const* values) {
   const std::variant<Arguments, int> parsed = ParseArguments(count, values);
   const auto* const arguments = std::get_if<Arguments>(&parsed);
   Output output(arguments == nullptr ? Colour::kNever : arguments->colour);
@@ -38,10 +58,20 @@ int Main(int count, const char* const* values) {
     try {
       code = arguments->verb(Session(arguments->session), arguments->request, &output);
     } catch (const std::exception& error) {
-      Complain(error.what());
+      Complain(ReasonOf(error));
     }
   }
   return output.Finish() ? code : 1;
+}
+
+int Main(int count, const char* const* values) {
+  EndOnClosedPipe();
+  standin::SetOutOfMemoryHandler(EndWithoutMemory);
+  try {
+    return Run(count, values);
+  } catch (const std::bad_alloc&) {
+    EndWithoutMemory({});
+  }
 }
 
 }  // namespace

@@ -30,6 +30,7 @@ std::string_view LinesOf(const mime::Part& part, const LineNumbers& lines) {
 MessageSource::MessageSource(std::string_view bytes)
     : completed_(Completed(base::WithoutByteOrderMark(bytes))),
       bytes_(completed_.empty() ? base::WithoutByteOrderMark(bytes) : completed_),
+      written_(bytes_.substr(0, base::WithoutByteOrderMark(bytes).size())),
       lines_(bytes_),
       message_(bytes_, mime::OuterBoundary::kEndsInner),
       ordinals_(message_.parts().size(), 0) {

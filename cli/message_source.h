@@ -26,6 +26,8 @@ class MessageSource {
 
   const mime::Message& message() const { return message_; }
   const std::vector<mime::Part>& parts() const { return message_.parts(); }
+  // The message's text up to its last byte, without a line end that was added.
+  std::string_view written() const { return written_; }
   // So many of the first parts are the library's.
   std::size_t known() const { return message_.parts_before_outer(); }
 
@@ -45,6 +47,7 @@ class MessageSource {
  private:
   std::string completed_;  // the bytes, when their last line has no line end
   std::string_view bytes_;
+  std::string_view written_;
   LineNumbers lines_;
   mime::Message message_;
   std::vector<mime::PartIndex> ordinals_;  // of each part among its siblings, from 1

@@ -76,7 +76,7 @@ class Search {
     const std::string name = Quoted(file.name);
     if (file.packing != Packing::kNone) {
       findings_.Add(Oddity::kPackedFile, At(file.part), {name, PackingName(file.packing)});
-    } else if (file.is_named && files_.Data(file).bytes().empty()) {
+    } else if (file.is_named && file.is_empty) {
       findings_.Add(Oddity::kEmptyFile, At(file.part), {name});
     } else if (file.is_named &&
                (file.part == files_.plain_text() || file.part == files_.html_text())) {

@@ -9,8 +9,11 @@
 #include "abi/encodings.h"
 #include "base/ascii.h"
 #include "base/unicode.h"
+#include "cli/found_files.h"
 #include "cli/mail_text.h"
 #include "cli/text.h"
+#include "cli/written_parameters.h"
+#include "email/transfer.h"
 
 namespace zqv::cli {
 namespace {
@@ -158,8 +161,8 @@ class Search {
       findings_.Add(Oddity::kEncodedMessage, At(part, kField), {SafeLine(mechanism)});
       return;
     }
-    if (part.has_parts || part.IsOfType("multipart") || part.body.IsNil()) return;
-    if (part.decoded.IsNil() && !mechanism.IsNil() && !is("base64") && !is("quoted-printable")) {
+    if (part.has_parts || part.IsOfType("multipart") || IsNothing(part)) return;
+    if (part.decoded.IsNil() && !email::is_known_mechanism(mechanism.bytes())) {
       findings_.Add(Oddity::kUnknownTransferEncoding, At(part, kField),
                     {Quoted(mechanism.bytes())});
     }
@@ -183,6 +186,17 @@ class Search {
     if (part.decoded.bytes().find('\0') != std::string_view::npos) {
       findings_.Add(Oddity::kZeroByteInText, place);
     }
+  }
+
+  // A leaf without bytes is nothing that could be decoded or listed, unless it is a file: the
+  // library lists an empty one, but not in an unknown transfer encoding.
+  static bool IsNothing(const Part& part) {
+    if (!part.body.IsNil()) return false;
+    const WrittenParameters disposition(TextMember(part.header, "ContentDisposition").bytes());
+    const bool is_named =
+        !WrittenFileName(disposition, WrittenParameters(part.content_type)).empty();
+    return !is_named ||
+           email::is_known_mechanism(TextMember(part.header, "ContentTransferEncoding").bytes());
   }
 
   void CheckName(const Part& part) {
@@ -227,9 +241,8 @@ class Search {
     findings_.Add(Oddity::kFrame, At(part), {Quoted(TypeOf(part.content_type))});
   }
 
-  // An empty leaf is nothing that could be listed.
   void CheckLists(const Part& part) {
-    if (!knows_lists_ || part.has_parts || part.body.IsNil()) return;
+    if (!knows_lists_ || part.has_parts || IsNothing(part)) return;
     if (records_.find(part.index) != records_.end()) return;
     const auto is = [&](const String& text) { return text.bytes() == part.decoded.bytes(); };
     if (!part.decoded.IsNil() && (is(plain_text_) || is(html_text_))) return;

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 #include <system_error>
 
 #include "cli/text.h"
@@ -75,6 +76,10 @@ void ShowPassingLine(std::string_view line) {
   has_passing_line = !line.empty();
   const std::string text = "\r\x1B[K" + std::string(line);
   static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+}
+
+std::string ReasonOf(const std::exception& error) {
+  return dynamic_cast<const std::bad_alloc*>(&error) != nullptr ? "memory ran out" : error.what();
 }
 
 void Complain(std::string_view message) {

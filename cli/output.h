@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -51,6 +52,9 @@ class Output {
 // Shows a safe line on standard error, which the next one or what is written there wipes away. For
 // terminals only. An empty one just wipes.
 void ShowPassingLine(std::string_view line);
+
+// What went wrong, for Complain.
+std::string ReasonOf(const std::exception& error);
 
 // Writes "zqv: message" to standard error, after everything printed so far. The message is made
 // safe for a terminal here.

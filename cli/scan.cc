@@ -235,7 +235,7 @@ std::string Attempt(const Session& session, const Layout& layout, const Item& it
   try {
     return layout.Line(Scanned(item.name, session.Open(item)));
   } catch (const std::exception& error) {
-    return std::string("!") + error.what();
+    return std::string("!") + ReasonOf(error);
   }
 }
 

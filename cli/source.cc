@@ -299,11 +299,11 @@ class Reader {
     try {
       return read();
     } catch (const NoMessage& error) {
-      Complain(name + ": " + error.what());
+      Complain(name + ": " + ReasonOf(error));
       ++refused_;
       if (place.find('/') != std::string::npos) return true;
     } catch (const std::runtime_error& error) {
-      Complain(name + ": " + error.what());
+      Complain(name + ": " + ReasonOf(error));
     }
     all_good_ = false;
     return true;

@@ -1,9 +1,12 @@
 #include "cli/transfer_reading.h"
 
+#include <algorithm>
 #include <string>
 
 #include "base/ascii.h"
-#include "cli/mail_text.h"
+#include "cli/line_numbers.h"
+#include "cli/text.h"
+#include "text/transfer_codes.h"
 
 namespace zqv::cli {
 namespace {
@@ -35,6 +38,61 @@ constexpr Row kRows[] = {
     {"uue", Transfer::kUuencode},
 };
 
+bool IsOfBase64(char c) {
+  return base::IsLetter(c) || base::IsDigit(c) || c == '+' || c == '/' || c == '=';
+}
+
+// Base64 up to the padding that a line of other text follows, such as the footer of a mailing list.
+// Behind other padding the base64 goes on: it was encoded in pieces.
+std::string_view WithoutFooter(std::string_view body) {
+  std::size_t at = 0;
+  while ((at = body.find('=', at)) != std::string_view::npos) {
+    const std::size_t next = body.find_first_not_of("= \t\r\n", at);
+    if (next == std::string_view::npos) return body;
+    const std::size_t end = std::min(body.find_first_of("\r\n", next), body.size());
+    const std::string_view line = Trim(body.substr(next, end - next));
+    if (!std::all_of(line.begin(), line.end(), IsOfBase64)) return body.substr(0, next);
+    // Padding at the end of that line counts again, and nothing else in it.
+    at = next + line.find_last_not_of('=') + 1;
+  }
+  return body;
+}
+
+int HexValue(char c) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  const std::size_t value = kDigits.find(base::LowerAscii(c));
+  return value == std::string_view::npos ? -1 : static_cast<int>(value);
+}
+
+// One line without its end; whether that counts. Blanks at the end were added on the way (RFC 2045,
+// section 6.7, rule 3).
+bool DecodeQuotedLine(std::string_view line, char** out) {
+  while (!line.empty() && base::IsBlank(line.back())) line.remove_suffix(1);
+  const bool is_broken = !line.empty() && line.back() == '=';  // softly (rule 5)
+  if (is_broken) line.remove_suffix(1);
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    const bool has_digits = line[i] == '=' && i + 2 < line.size();
+    const int high = has_digits ? HexValue(line[i + 1]) : -1;
+    const int low = has_digits ? HexValue(line[i + 2]) : -1;
+    const bool is_code = high >= 0 && low >= 0;
+    *(*out)++ = is_code ? static_cast<char>(high * 16 + low) : line[i];
+    if (is_code) i += 2;
+  }
+  return !is_broken;
+}
+
+// With line ends as they stand in the message, of which the library makes line feeds. What begins
+// no code stays.
+text::DecodedBytes DecodeQuotedPrintable(std::string_view body) {
+  text::DecodedBytes decoded(body.size());
+  char* out = decoded.data();
+  ForEachLine(body, [&](std::string_view line, std::string_view line_end) {
+    if (DecodeQuotedLine(line, &out)) out = std::copy(line_end.begin(), line_end.end(), out);
+  });
+  decoded.EndAt(out);
+  return decoded;
+}
+
 }  // namespace
 
 Transfer ReadTransfer(std::string_view value) {
@@ -47,8 +105,10 @@ Transfer ReadTransfer(std::string_view value) {
 }
 
 email::DecodedBody DecodeBody(Transfer transfer, std::string_view body) {
-  if (transfer == Transfer::kBase64) return email::DecodeData("base64", body);
-  if (transfer == Transfer::kQuotedPrintable) return email::DecodeData("quoted-printable", body);
+  if (transfer == Transfer::kBase64) return email::DecodeData("base64", WithoutFooter(body));
+  if (transfer == Transfer::kQuotedPrintable) {
+    return email::DecodedBody(DecodeQuotedPrintable(body));
+  }
   return email::DecodedBody(body);
 }
 

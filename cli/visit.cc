@@ -58,7 +58,7 @@ bool Guarded(const Item& item, const Work& work) {
   try {
     return work();
   } catch (const std::exception& error) {
-    Complain(item.name + ": " + error.what());
+    Complain(item.name + ": " + ReasonOf(error));
     return false;
   }
 }

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Makes the help: one HTML page, and the same as Markdown for reading in the repository.
 
-  zqv classes | make_help.py --version 1.0.0 --notice THIRD_PARTY.md --html index.html
+  zqv classes | make_help.py --version 1.1.0 --notice THIRD_PARTY.md --html index.html
   make_help.py --classes FILE --markdown docs/reference.md
   make_help.py --classes FILE --check-markdown docs/reference.md
 

@@ -6,6 +6,7 @@ import resource
 import unittest
 
 import program
+from packing import tnef, uuencoded, yenc
 from program import SAMPLES, zqv
 
 CLEAN = "nothing odd\n"
@@ -272,6 +273,20 @@ class OddityTest(CheckCase):
             [("empty-multipart", "1", 9), ("unlisted-part", "1", 9), ("no-blank-line", "1", 10),
              ("lost-parts", None, 15)])
 
+    def test_zero_bytes_in_boundaries(self):
+        """`check` and `tree` read the same boundary, which ends at the zero byte."""
+        for boundary, parts, code in (("a\0b", 2, "unterminated-multipart"),
+                                      ("\0b", 2, "no-boundary"),
+                                      ('"a\0b"', 0, "empty-multipart"),
+                                      ('"\0b"', 0, "empty-multipart")):
+            line = "--" + boundary.strip('"')
+            message = HEAD + (f"Content-Type: multipart/mixed; boundary={boundary}\n\n"
+                              f"{line}\n{LETTER}{line}\n{LETTER}{line}--\n")
+            with self.subTest(repr(boundary)):
+                tree = json.loads(zqv("tree", "--json", self.write("a.eml", message)).out)
+                self.assertEqual(len(tree["parts"]), 1 + parts)
+                self.assertEqual(self.codes(message), [code, "zero-byte-in-field"])
+
     def test_attached_message_behind_no_blank_line(self):
         self.assertEqual([finding[:3] for finding in self.findings(
             MIXED + "--cut\nContent-Type: message/rfc822\nno field\nA: b\n\nx\n--cut--\n")],
@@ -360,15 +375,37 @@ class LackingTest(CheckCase):
         self.check(self.PLAIN.replace("ada@example.com", '"x" (<c@d.org>) , <ada@example.com>'))
 
     def test_packed_files(self):
-        self.check(self.PLAIN + "begin 644 a.txt\n#86)C\n`\nend\n",
-                   ("packed-file", "0", 1,
-                    'the file "a.txt" is packed in uuencode: the library does not see it'))
+        text = self.PLAIN.encode()
+        binary = HEAD.encode() + b"Content-Type: application/ms-tnef; name=winmail.dat\n\n"
+        for packing, odd in (("uuencode", text + uuencoded(b"hello", b"a.bin")),
+                             ("yenc", text + yenc(b"hello", b"a.bin")),
+                             ("tnef", binary + tnef(("a.bin", b"hello")))):
+            with self.subTest(packing):
+                findings = [finding for finding in self.findings(odd)
+                            if finding[0] != "guessed-charset"]  # yEnc is no text
+                self.assertEqual(findings, [(
+                    "packed-file", "0", 1,
+                    f'the file "a.bin" is packed in {packing}: the library does not see it')])
+        self.check(self.PLAIN + "begin with a word\n=ybegin\nend\n")
+        self.check(binary + b"hello")
 
     def test_empty_files(self):
         part = "--cut\nContent-Type: image/png; name=a.png\n\n"
         self.check(MIXED + f"{part}--cut--\n",
                    ("empty-file", "1", 9, 'the file "a.png" has no bytes'))
         self.check(MIXED + f"{part}x\n--cut--\n")
+
+    def test_empty_files_in_an_unknown_encoding(self):
+        part = "--cut\nContent-Type: image/png; name=a.png\nContent-Transfer-Encoding: x-none\n\n"
+        empty = ("empty-file", "1", 9, 'the file "a.png" has no bytes')
+        self.check(MIXED + f"{part}--cut--\n", empty, (
+            "unlisted-part", "1", 9,
+            "the part is in no list: no attachment, no inline part, not the message's text"), (
+            "unknown-transfer-encoding", "1", 10,
+            'unknown transfer encoding "x-none": the part is not decoded'))
+        # The library lists it in a known encoding; without a name nobody misses anything.
+        self.check(MIXED + f"{part}--cut--\n".replace("x-none", "7bit"), empty)
+        self.check(MIXED + f"{part}--cut--\n".replace("; name=a.png", ""))
 
     def test_names_of_texts(self):
         self.check(HEAD + "Content-Type: text/plain; name=a.txt\n\nx\n",
@@ -385,6 +422,16 @@ class LackingTest(CheckCase):
                    ("repeated-parameter", "0", 6, "the parameter boundary stands several times in "
                                                   "Content-Type, with different values"))
         self.check(MIXED.replace("=cut", "=cut; boundary=cut") + f"--cut\n{LETTER}--cut--\n")
+        for parameter, field, line, names in (
+                ("name", "Content-Type", 9, "; name=a; name=b"),
+                ("filename", "Content-Disposition", 10,
+                 "\nContent-Disposition: attachment; filename=a; filename=b")):
+            part = f"--cut\nContent-Type: image/png{names}\n\nx\n"
+            with self.subTest(field):
+                self.check(MIXED + f"{part}--cut--\n", (
+                    "repeated-parameter", "1", line, f"the parameter {parameter} stands several "
+                                                     f"times in {field}, with different values"))
+                self.check(MIXED + f"{part}--cut--\n".replace("=b", "=a"))
 
     def test_pieces(self):
         odd = HEAD + "Content-Type: message/partial; id=a; number=1; total=2\n\nx\n"

@@ -1,14 +1,15 @@
 """The files that a person would find in a message: what `list` shows and `extract` writes."""
 
 import base64
-import binascii
 import json
-import struct
+import shutil
 import unittest
 
 import program
+from packing import tnef, uuencoded, yenc
 from program import SAMPLES, zqv
 
+EMPTY = "zqv: {{}}: {}: has no bytes and is not written; --all writes it\n"
 DATA = b"\x00\x01binary \xFF\r\n\n" * 20
 
 
@@ -25,48 +26,13 @@ def file_part(disposition=b'attachment; filename="a.bin"', transfer=b"base64", b
             (base64.encodebytes(DATA) if body is None else body))
 
 
-def uuencoded(data, name=b"a.bin"):
-    """A block as uuencode writes it."""
-    lines = b"".join(binascii.b2a_uu(data[i:i + 45]) for i in range(0, len(data), 45))
-    return b"begin 644 " + name + b"\n" + lines + b"`\nend\n"
-
-
-def yenc(data, name=b"a.bin", size=None):
-    """A block of yEnc."""
-    code = bytearray()
-    for byte in data:
-        byte = (byte + 42) % 256
-        code += bytes([61, (byte + 64) % 256]) if byte in (0, 10, 13, 61) else bytes([byte])
-    lines = b"\n".join(bytes(code[i:i + 128]) for i in range(0, len(code), 128))
-    size = len(data) if size is None else size
-    return (b"=ybegin line=128 size=%d name=" % size) + name + b"\n" + lines + b"\n=yend size=%d\n" % size
-
-
-def attribute(level, number, data):
-    """One attribute of TNEF."""
-    return struct.pack("<BII", level, number, len(data)) + data + struct.pack("<H", sum(data) % 65536)
-
-
-def tnef(*files):
-    """TNEF with these files, (name, data): a short name, and the whole one as a property."""
-    parts = struct.pack("<IH", 0x223E9F78, 1) + attribute(1, 0x00069007, struct.pack("<II", 1252, 0))
-    for name, data in files:
-        wide = (name + "\0").encode("utf-16-le")
-        padding = b"\0" * (-len(wide) % 4)
-        named = (struct.pack("<HH", 3, 0x8001) + bytes(16) + struct.pack("<III", 0, 7, 99))
-        properties = (struct.pack("<I", 2) + named +
-                      struct.pack("<HHII", 0x1F, 0x3707, 1, len(wide)) + wide + padding)
-        parts += (attribute(2, 0x00069002, bytes(14)) + attribute(2, 0x00018010, b"SHORT~1.BIN\0") +
-                  attribute(2, 0x0006800F, data) + attribute(2, 0x00069005, properties))
-    return parts
-
-
 class FilesCase(program.TestCase):
     def extract(self, data, *options, code=0, err=""):
         """The files that are written, by name."""
         path = self.write("a.eml", data)
         target = self.folder / "out"
-        err = err.replace("{}", str(path))
+        shutil.rmtree(target, ignore_errors=True)
+        err = err and err.replace("{}", str(path))
         self.expect(zqv("extract", path, "--dir", target, *options), code, None, err)
         return {file.name: file.read_bytes() for file in target.iterdir()}
 
@@ -80,16 +46,16 @@ class TransferTest(FilesCase):
     def test_sloppy_names_of_encodings(self):
         for name in (b"base64 ", b"Base64;", b"(x) BASE64 (y)", b"base-64", b'"base64"'):
             with self.subTest(name):
-                self.assertEqual(self.extract(multipart(file_part(transfer=name)), "--force"),
+                self.assertEqual(self.extract(multipart(file_part(transfer=name))),
                                  {"a.bin": DATA})
         part = file_part(transfer=b"quoted/printable", body=b"a=00=FFb")
-        self.assertEqual(self.extract(multipart(part), "--force"), {"a.bin": b"a\0\xFFb"})
+        self.assertEqual(self.extract(multipart(part)), {"a.bin": b"a\0\xFFb"})
 
     def test_uuencode(self):
         for name in (b"x-uuencode", b"uuencode", b"X-UUE"):
             with self.subTest(name):
                 part = file_part(transfer=name, body=uuencoded(DATA, b"other.bin"))
-                self.assertEqual(self.extract(multipart(part), "--force"), {"a.bin": DATA})
+                self.assertEqual(self.extract(multipart(part)), {"a.bin": DATA})
 
     def test_uuencode_names_the_file(self):
         part = (b"Content-Type: application/x-any\nContent-Transfer-Encoding: x-uuencode\n\n" +
@@ -108,6 +74,35 @@ class TransferTest(FilesCase):
         result = self.expect(zqv("extract", path, "--stdout", "2"), 1, "what it is\n",
                              f"zqv: {path}: part 2: {problem}")
         self.assertEqual(result.out_bytes, b"what it is\n")
+
+    def test_base_64_ends_where_other_text_begins(self):
+        code = base64.b64encode(b"hello")
+        footer = b"\n-- \nFrom the list of all who are here\n"
+        for body, data in ((code, b"hello"), (code + footer, b"hello"),
+                           (code + b"\n\n" + code, b"hellohello"),
+                           (code + code + footer, b"hellohello"),
+                           (code + b" \n" + code + b"\r\n" + footer, b"hellohello")):
+            with self.subTest(body):
+                self.assertEqual(self.extract(multipart(file_part(body=body))),
+                                 {"a.bin": data})
+
+    def test_lines_of_quoted_printable_end_as_they_are_sent(self):
+        for body, data in ((b"a=0D=0A\r\nb\nc\rd", b"a\r\n\r\nb\nc\rd"),
+                           (b"soft =\r\nbreak= \t\nhere", b"soft breakhere"),
+                           (b"blanks \t\r\nbehind  \n", b"blanks\r\nbehind\n"),
+                           (b"=3d=3D=zz=4", b"===zz=4"), (b"=", None), (b"=E4=\r\n=FC", b"\xE4\xFC")):
+            with self.subTest(body):
+                part = file_part(transfer=b"quoted-printable", body=body)
+                err = EMPTY.format("part 2, a.bin") if data is None else ""
+                self.assertEqual(self.extract(multipart(part), err=err).get("a.bin"), data)
+
+    def test_no_line_end_is_added(self):
+        for end in (b"", b"\n", b"\r\n"):
+            data = b"Content-Type: image/png; name=a.png\n\nx" + end
+            self.assertEqual(self.extract(data), {"a.png": b"x" + end})
+            self.assertEqual(self.extract(
+                b"Content-Type: message/rfc822; name=a.eml\n\nSubject: x\n\nx" + end),
+                {"a.eml": b"Subject: x\n\nx" + end})
 
     def test_export_says_so_too(self):
         path = self.write("a.eml", multipart(file_part(transfer=b"x-secret", body=b"raw")))
@@ -161,6 +156,65 @@ class MessagesTest(FilesCase):
         self.assertEqual(self.extract(data), {"a.bin": DATA})
 
 
+    def test_files_behind_a_header_without_end(self):
+        """A boundary ends a header, too (RFC 2046, section 5.1.2)."""
+        file = file_part(b"attachment; filename=b.bin")
+        letter = b"Content-Type: text/plain\n"
+        for first, expected in ((letter, {}), (b"Content-Type: image/png; name=a.png\n", {}),
+                                (b"Content-Type: message/rfc822; name=a.eml\n\nFrom: a@b.c\n"
+                                 b"Subject: cut short\n",
+                                 {"a.eml": b"From: a@b.c\nSubject: cut short"}),
+                                (b"Content-Type: message/rfc822; name=a.eml\n\n"
+                                 b"Content-Type: multipart/mixed; boundary=in\n",
+                                 {"a.eml": b"Content-Type: multipart/mixed; boundary=in"}),
+                                (b"Content-Type: multipart/mixed; boundary=in\n", {})):
+            with self.subTest(first):
+                data = b"Content-Type: multipart/mixed; boundary=b\n\n--b\n" + first + b"--b\n"
+                data += file + b"\n--b\n" + file_part(b"attachment; filename=c.bin") + b"\n--b--\n"
+                for end in (b"\n", b"\r\n"):
+                    files = self.extract(data.replace(b"\n", end), err=None)
+                    wanted = {name: data.replace(b"\n", end) for name, data in expected.items()}
+                    self.assertEqual(files, {**wanted, "b.bin": DATA, "c.bin": DATA})
+
+    def test_parts_behind_a_header_without_end_have_its_number(self):
+        data = (b"Content-Type: multipart/mixed; boundary=b\n\n--b\n"
+                b"Content-Type: message/rfc822; name=a.eml\n\nSubject: cut short\n--b\n" +
+                file_part(b"attachment; filename=b.bin") + b"\n--b\n" +
+                file_part(b"attachment; filename=c.bin") + b"\n--b--\n")
+        self.assertEqual([(row[0], row[3]) for row in self.list(data)],
+                         [("1", "a.eml"), ("1", "b.bin"), ("2", "c.bin")])
+        path = self.write("a.eml", data)
+        self.expect(zqv("extract", path, "--stdout", "1"), 0, "Subject: cut short")
+
+    def test_a_boundary_in_the_last_header_closes(self):
+        data = (b"Content-Type: multipart/mixed; boundary=b\n\n--b\n"
+                b"Content-Type: message/rfc822; name=a.eml\n\nSubject: cut short\n--b--\nBye\n")
+        self.assertEqual(self.extract(data), {"a.eml": b"Subject: cut short"})
+
+    def test_boundaries_that_look_like_fields(self):
+        """With a colon in it the library takes each for a field of the header."""
+        data = multipart(b"Content-Type: image/png; name=a.png\n--b", file_part()).replace(
+            b"=b\n", b'="b:c"\n').replace(b"--b", b"--b:c")
+        self.assertEqual([(row[0], row[3]) for row in self.list(data)],
+                         [("2", "a.png"), ("2", "a.bin")])
+        self.assertEqual(self.extract(data, err=EMPTY.format("part 2, a.png")), {"a.bin": DATA})
+
+    def test_a_boundary_without_its_closing_quote(self):
+        data = multipart(file_part(), b"Content-Type: message/rfc822\n\nSubject: in\n\nhi").replace(
+            b"boundary=b", b'boundary="b')
+        self.assertEqual(self.extract(data), {"a.bin": DATA, "in.eml": b"Subject: in\n\nhi"})
+        self.assertEqual([(row[0], row[3]) for row in self.list(data)],
+                         [("0", "a.bin"), ("0", "in.eml")])
+        # No more parts than the library itself reads.
+        head = b'Content-Type: multipart/mixed; boundary="b\n\n'
+        self.assertEqual(len(self.list(head + b"--b\nContent-Type: a/b; name=a\n\nx\n" * 10_000)),
+                         10_000)
+        problem = "no boundary divides the multipart: the bytes are as they stand"
+        self.assertEqual(set(self.extract(head + b"--b\n" * 10_001, code=1,
+                                          err="zqv: {}: part 0, attachment: " + problem + "\n")),
+                         {"attachment"})
+
+
 class PackedTest(FilesCase):
     def test_uuencoded_block_in_a_text(self):
         data = b"Subject: x\n\nSee:\n\n" + uuencoded(DATA, b"my file.bin") + b"\nBye\nbegin here\n"
@@ -175,8 +229,10 @@ class PackedTest(FilesCase):
     def test_several_of_several_kinds(self):
         text = uuencoded(b"one", b"1") + yenc(DATA, b"2 b.bin") + uuencoded(b"", b"3")
         text += b"begin-base64 644 4\n" + base64.b64encode(b"four") + b"\n====\n"
-        self.assertEqual(self.extract(b"Content-Transfer-Encoding: 8bit\n\n" + text),
-                         {"1": b"one", "2 b.bin": DATA, "3": b"", "4": b"four"})
+        data = b"Content-Transfer-Encoding: 8bit\n\n" + text
+        self.assertEqual([row[3] for row in self.list(data)], ["1", "2 b.bin", "3", "4"])
+        self.assertEqual(self.extract(data, err=EMPTY.format("part 0, 3")),
+                         {"1": b"one", "2 b.bin": DATA, "4": b"four"})
 
     def test_blocks_that_are_cut_off(self):
         cut = uuencoded(DATA)[:-6]
@@ -184,7 +240,7 @@ class PackedTest(FilesCase):
             b"Subject: x\n\n" + cut, code=1,
             err="zqv: {}: part 0, a.bin: the file in uuencode is not whole\n"), {"a.bin": DATA})
         self.assertEqual(self.extract(
-            b"Subject: x\n\n" + yenc(b"abc", size=4), "--force", code=1,
+            b"Subject: x\n\n" + yenc(b"abc", size=4), code=1,
             err="zqv: {}: part 0, a.bin: the file in yenc is not whole\n"), {"a.bin": b"abc"})
 
     def test_text_that_only_looks_like_it(self):
@@ -196,8 +252,8 @@ class PackedTest(FilesCase):
         data = tnef(("Übersicht.bin", DATA), ("b.txt", b""), ("c.txt", b"see"))
         part = (b"Content-Type: application/ms-tnef; name=winmail.dat\n"
                 b"Content-Transfer-Encoding: base64\n\n" + base64.encodebytes(data))
-        self.assertEqual(self.extract(multipart(part)),
-                         {"winmail.dat": data, "Übersicht.bin": DATA, "b.txt": b"", "c.txt": b"see"})
+        self.assertEqual(self.extract(multipart(part), err=EMPTY.format("part 2, b.txt")),
+                         {"winmail.dat": data, "Übersicht.bin": DATA, "c.txt": b"see"})
         self.assertEqual([row[-1] for row in self.list(multipart(part))],
                          [None, "tnef", "tnef", "tnef"])
 
@@ -225,7 +281,7 @@ class FrameTest(FilesCase):
 
     def test_multiparts(self):
         self.assertEqual(self.extract(self.SIGNED), {"s.asc": b"sign"})
-        files = self.extract(self.SIGNED, "--all", "--force")
+        files = self.extract(self.SIGNED, "--all")
         self.assertEqual(set(files), {"attachment", "attachment (2)", "s.asc"})
         self.assertEqual(files["attachment"], self.SIGNED.partition(b"\n\n")[2])
         self.assertEqual(files["attachment (2)"], b"hello")
@@ -238,8 +294,22 @@ class FrameTest(FilesCase):
     def test_empty_parts_without_a_name(self):
         self.assertEqual(self.extract(multipart(b"Content-Type: image/png\n\n")), {})
 
-    def test_empty_files_with_a_name_are_files(self):
-        self.assertEqual(self.extract(multipart(file_part(body=b""))), {"a.bin": b""})
+    def test_files_without_a_byte_are_said_and_not_written(self):
+        """Most of them are pictures that somebody cut out of the message."""
+        data = multipart(file_part(body=b""), file_part(body=b"\n\n"))
+        self.assertEqual([row[3] for row in self.list(data)], ["a.bin", "a.bin"])
+        lines = EMPTY.format("part 2, a.bin") + EMPTY.format("part 3, a.bin")
+        self.assertEqual(self.extract(data, err=lines), {})
+        self.assertEqual(self.extract(data, "--all"), {"a.bin": b"", "a (2).bin": b"",
+                                                                 "attachment": b"hello"})
+        source = self.write("b.eml", multipart(file_part(body=b""), file_part()))
+        for jobs in ("1", "2"):
+            target = self.folder / jobs
+            result = self.expect(zqv("export", self.folder / "a.eml", source, "--to", target,
+                                     "--form", "attachments", "--jobs", jobs), 0, "", None)
+            self.assertRegex(result.err, r"^zqv: exported 2 messages, without 3 files that have no "
+                                         r"bytes, in .*\n$")
+            self.assertEqual([path.name for path in target.rglob("*") if path.is_file()], ["a.bin"])
 
     def test_the_texts_of_an_attached_message(self):
         rows = [(row[0], row[3]) for row in self.list((SAMPLES / "nested.eml").read_bytes())]

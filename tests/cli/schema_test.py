@@ -1,10 +1,15 @@
-"""docs/schema.json describes every JSON document that the program prints."""
+"""docs/schema.json describes every JSON document that the program prints.
+
+  schema_test.py --mail FOLDER   checks those of all messages in a folder, and counts them
+"""
 
 import copy
 import json
 import os
 import pathlib
 import re
+import subprocess
+import sys
 import unittest
 
 import jsonschema
@@ -27,16 +32,39 @@ ODD = (b"Subject: \xE9\nFrom: a: ;\nContent-Type: text/plain; charset=x-new\n\n\
        b":\n\n", b"x", b"Date: x\nReceived: y\n\n")
 
 
-def documents(text):
-    """All JSON documents in a text."""
+def each_document(text):
+    """All JSON documents in a text, one after the other."""
     decoder = json.JSONDecoder()
-    found = []
-    text = text.strip()
-    while text:
-        document, end = decoder.raw_decode(text)
-        found.append(document)
-        text = text[end:].lstrip()
-    return found
+    at = re.compile(r"\s*").match(text).end()
+    while at < len(text):
+        document, at = decoder.raw_decode(text, at)
+        at = re.compile(r"\s*").match(text, at).end()
+        yield document
+
+
+def documents(text):
+    return list(each_document(text))
+
+
+def problem_of(document):
+    """What does not fit the schema; None when all does."""
+    return jsonschema.exceptions.best_match(VALIDATOR.iter_errors(document))
+
+
+def check_mail(folder):
+    """Prints what is wrong; gives the number of documents that are."""
+    wrong = 0
+    for verb in ON_MESSAGES:
+        run = subprocess.run([program.ZQV, *verb, "--recursive", folder], stdout=subprocess.PIPE,
+                             stderr=subprocess.DEVNULL, env=program.environment(), check=False)
+        count = 0
+        for document in each_document(run.stdout.decode()):
+            count += 1
+            if problem := problem_of(document):
+                wrong += 1
+                print(document.get("file"), verb, problem.json_path, problem.message[:200])
+        print(" ".join(verb), count, "documents, exit code", run.returncode, flush=True)
+    return wrong
 
 
 class SchemaTest(program.TestCase):
@@ -44,7 +72,7 @@ class SchemaTest(program.TestCase):
         found = documents(zqv(*arguments).out)
         self.assertEqual(len(found), count)
         for document in found:
-            problem = jsonschema.exceptions.best_match(VALIDATOR.iter_errors(document))
+            problem = problem_of(document)
             self.assertIsNone(problem, problem)
         return found
 
@@ -98,4 +126,6 @@ class SchemaTest(program.TestCase):
 
 
 if __name__ == "__main__":
+    if sys.argv[1:2] == ["--mail"]:
+        sys.exit(1 if check_mail(sys.argv[2]) else 0)
     unittest.main()

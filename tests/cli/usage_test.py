@@ -1,5 +1,7 @@
 """The command line: what is refused, and that it is refused before anything is done."""
 
+import os
+import pathlib
 import re
 import shlex
 import subprocess
@@ -8,10 +10,11 @@ import unittest
 import program
 from program import SAMPLES, zqv
 
+SOURCE = pathlib.Path(os.environ["ZQV_SOURCE"])
 PLAIN = str(SAMPLES / "plain.eml")
 VERBS = ("show", "headers", "tree", "list", "addresses", "check", "text", "html", "html2text",
          "decode", "strip", "json", "extract", "export", "report", "classes", "bench",
-         "completion")
+         "completion", "scan")
 
 
 class UsageTest(program.TestCase):
@@ -102,7 +105,13 @@ class UsageTest(program.TestCase):
                 self.expect(zqv(*words, cwd=self.folder), 0, None, None)
 
     def test_version(self):
-        self.assertRegex(self.expect(zqv("--version")).out, r"\Azqv \d+\.\d+\.\d+\n\Z")
+        """The program's is the project's, which is the newest that the changelog tells of."""
+        def version(file, pattern):
+            return re.search(pattern, (SOURCE / file).read_text())[1]
+        project = version("CMakeLists.txt", r"\nproject\(\w+ VERSION (\d+\.\d+\.\d+) ")
+        self.assertEqual(self.expect(zqv("--version")).out, f"zqv {project}\n")
+        self.assertEqual(version("CHANGELOG.md", r"\n## (\d+\.\d+\.\d+) "), project)
+        self.assertEqual(version("docs/install.md", r" \./zqv_(\S+)_amd64\.deb"), project)
 
     def test_common_options_stand_before_and_behind_the_verb(self):
         expected = zqv("show", PLAIN).out

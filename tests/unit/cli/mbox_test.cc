@@ -96,5 +96,81 @@ TEST(MboxSplitterTest, StopsWhenToldTo) {
   EXPECT_EQ(count, 2);
 }
 
+// A message whose header says how long its body is.
+std::string WithLength(const std::string& length, const std::string& body) {
+  return "A: 1\nContent-Length: " + length + "\n\n" + body;
+}
+std::string WithLength(const std::string& body) {
+  return WithLength(std::to_string(body.size()), body);
+}
+
+TEST(MboxLengths, KeepLinesThatLookLikeSeparators) {
+  const std::string body = "one\n\n" + kSeparator + ">From here\n\n";
+  const std::string file =
+      kSeparator + WithLength(body) + "\n" + kSeparator + WithLength("two\n") + "\n";
+  for (const std::size_t step : {1U, 2U, 3U, 7U, 16U, 1000U}) {
+    EXPECT_THAT(Split(file, step), ElementsAre(WithLength(body), WithLength("two\n"))) << step;
+  }
+}
+
+TEST(MboxLengths, NeedNoEmptyLineBehindTheMessage) {
+  EXPECT_THAT(Split(kSeparator + WithLength("one\n") + kSeparator + WithLength("two\n"), 1000),
+              ElementsAre(WithLength("one\n"), WithLength("two\n")));
+}
+
+TEST(MboxLengths, ASignGoesWhereNoSeparatorStandsUnquoted) {
+  const std::string body = "one\n>From here\n";
+  EXPECT_THAT(Split(kSeparator + WithLength(body) + "\n" + kSeparator + "A: 2\n\n", 1000),
+              ElementsAre(WithLength(std::to_string(body.size()), "one\nFrom here\n"), "A: 2\n"));
+}
+
+// As if none were there.
+TEST(MboxLengths, ThatAreWrongCountForNothing) {
+  const std::string body = "one\n>From here\n";
+  const std::string plain = "one\nFrom here\n";
+  for (const char* const length :
+       {"0", "1", "3", "5", "14", "17", "18", "19", "100", "-1", "-16", "x", "", "0x10", "67108865",
+        "4294967296", "18446744073709551615", "18446744073709551616", "99999999999999999999999"}) {
+    const std::string file =
+        kSeparator + WithLength(length, body) + "\n" + kSeparator + "A: 2\n\ntwo\n";
+    for (const std::size_t step : {1U, 7U, 1000U}) {
+      EXPECT_THAT(Split(file, step), ElementsAre(WithLength(length, plain), "A: 2\n\ntwo\n"))
+          << length;
+    }
+  }
+}
+
+TEST(MboxLengths, NoneIsBelievedBehindAWrongOne) {
+  const std::string body = "two\n\n" + kSeparator + "x\n";
+  EXPECT_THAT(Split(kSeparator + WithLength("1", "one\n") + "\n" + kSeparator + WithLength(body) +
+                        "\n" + kSeparator + "A: 3\n\n",
+                    1000),
+              ElementsAre(WithLength("1", "one\n"),
+                          WithLength(std::to_string(body.size()), "two\n"), "x\n", "A: 3\n"));
+}
+
+TEST(MboxLengths, OfAnAttachedMessageDoNotCount) {
+  const std::string inner = "B: 1\n\n" + WithLength("1000000", "inner\n");
+  EXPECT_THAT(Split(kSeparator + inner + "\n" + kSeparator + "A: 2\n\n", 1000),
+              ElementsAre(inner, "A: 2\n"));
+}
+
+TEST(MboxLengths, FileThatIsCutAnywhereGivesWhatIsInFront) {
+  const std::string first = WithLength("one\n\n" + kSeparator + "more\n");
+  const std::string file =
+      kSeparator + first + "\n" + kSeparator + WithLength("two\n") + "\n" + kSeparator + "A: 3\n";
+  const std::size_t first_end = kSeparator.size() + first.size();
+  for (std::size_t size = kSeparator.size(); size < file.size(); ++size) {
+    const std::vector<std::string> whole = Split(file.substr(0, size), 1000);
+    EXPECT_EQ(Split(file.substr(0, size), 1), whole) << size;
+    std::size_t bytes = 0;
+    for (const std::string& message : whole) bytes += message.size();
+    EXPECT_LE(bytes, size);
+    if (size >= first_end + 1 + kSeparator.size() || size == first_end) {
+      EXPECT_EQ(whole.at(0), first) << size;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace zqv::cli
