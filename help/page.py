@@ -28,6 +28,7 @@ class Book:
     def __init__(self, classes, texts, version):
         self.classes = [classes[name] for name in texts["classes"]]
         self.guides = texts["guides"]
+        self.recipes = texts["recipes"]
         self.texts = texts["classes"]
         self.version = version
 
@@ -55,7 +56,7 @@ class Book:
         return found
 
     def anchors(self):
-        found = {guide["id"] for guide in self.guides} | {NOTICE}
+        found = {section["id"] for section in [*self.guides, *self.recipes]} | {NOTICE}
         for kind in self.classes:
             found |= {kind.name, *kind.anchors().values(), *self.aliases(kind).values()}
         return found
@@ -103,10 +104,13 @@ class Page:
 
     def contents(self):
         """The table of contents."""
-        rows = ['<p class="part">Guide</p>\n<ul>']
-        rows += [f'<li data-for="{guide["id"]}"><a href="#{guide["id"]}">'
-                 f'{html.escape(guide["title"])}</a></li>' for guide in self.book.guides]
-        rows.append('</ul>\n<p class="part">Classes</p>')
+        rows = []
+        for part, sections in (("Guide", self.book.guides), ("Cookbook", self.book.recipes)):
+            rows.append(f'<p class="part">{part}</p>\n<ul>')
+            rows += [f'<li data-for="{section["id"]}"><a href="#{section["id"]}">'
+                     f'{html.escape(section["title"])}</a></li>' for section in sections]
+            rows.append("</ul>")
+        rows.append('<p class="part">Classes</p>')
         rows += [self.class_contents(kind) for kind in self.book.classes]
         rows.append(f'<ul><li data-for="{NOTICE}"><a href="#{NOTICE}">Third-party notice</a></li>'
                     "</ul>")
@@ -122,10 +126,16 @@ class Page:
         return "\n".join(rows) + "\n</ul></details>"
 
     def guides(self):
-        return "\n".join(
-            f'<section class="guide" id="{guide["id"]}" data-name="{html.escape(guide["title"])}">'
-            f'\n<h2>{html.escape(guide["title"])}{self.mark(guide["id"])}</h2>\n'
-            f'{self.html.text(guide["text"])}\n</section>' for guide in self.book.guides)
+        return "\n".join(self.guide(section)
+                         for section in [*self.book.guides, *self.book.recipes])
+
+    def guide(self, section):
+        """A guide or a recipe; the search finds the latter by its words, too."""
+        anchor, title = section["id"], html.escape(section["title"])
+        name = " ".join(filter(None, [title, html.escape(section.get("words", ""))]))
+        return (f'<section class="guide" id="{anchor}" data-name="{name}">'
+                f"\n<h2>{title}{self.mark(anchor)}</h2>\n"
+                f'{self.html.text(section["text"])}\n</section>')
 
     def mark(self, anchor):
         """The sign beside a heading that links to it."""

@@ -7,11 +7,13 @@ from listing import Problem
 MEMBER_KEYS = {"gives", "nil", "raises", "note", "example"}
 CLASS_KEYS = {"text", "members"}
 GUIDE_KEYS = {"id", "title", "text"}
+RECIPE_KEYS = GUIDE_KEYS | {"words"}
 NEVER_NIL = {None, "Boolean", "Integer"}
 
 
 def load(path):
-    """The texts as they stand in the file: {"guides": [...], "classes": {...}}."""
+    """The texts as they stand in the file: {"guides": [...], "recipes": [...],
+    "classes": {...}}."""
     try:
         return tomllib.loads(path.read_text("utf-8"))
     except (OSError, UnicodeDecodeError, tomllib.TOMLDecodeError) as error:
@@ -20,9 +22,12 @@ def load(path):
 
 def faults(texts, classes):
     """What is missing or stray, one text each."""
-    found = key_faults("the file", texts, {"guides", "classes"}, {"guides", "classes"})
+    chapters = {"guides", "recipes", "classes"}
+    found = key_faults("the file", texts, chapters, chapters)
     for guide in texts.get("guides", []):
         found += key_faults(f"guide {guide.get('id')}", guide, GUIDE_KEYS, GUIDE_KEYS)
+    for recipe in texts.get("recipes", []):
+        found += key_faults(f"recipe {recipe.get('id')}", recipe, RECIPE_KEYS, RECIPE_KEYS)
     written = texts.get("classes", {})
     found += [f"no text for the class {name}" for name in classes if name not in written]
     for name, text in written.items():

@@ -15,6 +15,9 @@ def write(book):
     parts = [HEAD.strip(), contents(book)]
     for guide in book.guides:
         parts += [heading(2, guide["id"], guide["title"]), markup.markdown(guide["text"])]
+    parts.append("## Cookbook")
+    for recipe in book.recipes:
+        parts += [heading(3, recipe["id"], recipe["title"]), markup.markdown(recipe["text"])]
     for kind in book.classes:
         parts += class_parts(book, kind)
     return "\n\n".join(filter(None, parts)) + "\n"
@@ -22,6 +25,8 @@ def write(book):
 
 def contents(book):
     rows = [f"- [{guide['title']}](#{guide['id']})" for guide in book.guides]
+    rows.append("- Cookbook")
+    rows += [f"  - [{recipe['title']}](#{recipe['id']})" for recipe in book.recipes]
     rows += [f"- [`{kind.name}`](#{kind.name})" for kind in book.classes]
     return "\n".join(rows)
 

@@ -150,8 +150,9 @@ Inherits ConsoleApplication
 	#tag Method, Flags = &h21
 		Private Sub ShowText(mail As MimeEmailZQV)
 		  // A message that is nothing but a picture, say, gives the picture's bytes for its PlainText.
+		  // The ContentType is a single slash where the message names none: its PlainText is text then.
 		  Var kind As String = mail.Header.ContentType
-		  If kind <> "" And kind.Left(5) <> "text/" And kind.Left(10) <> "multipart/" Then
+		  If kind <> "/" And kind.Left(5) <> "text/" And kind.Left(10) <> "multipart/" Then
 		    Return
 		  End If
 		  

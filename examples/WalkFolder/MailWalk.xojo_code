@@ -29,7 +29,7 @@ Protected Class MailWalk
 
 	#tag Method, Flags = &h21
 		Private Function DateOf(mail As MimeEmailZQV) As String
-		  // Date is Nil when the message has none, or none that can be read.
+		  // Date is Nil when there is no field Date. A field without a date in it gives some date all the same.
 		  If mail.Date Is Nil Then
 		    Return "no date            "
 		  End If

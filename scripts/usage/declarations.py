@@ -90,3 +90,15 @@ def declaration_of(line):
     if not cursor.take("function", "sub"):
         return None
     return parse_method(cursor, shared=shared)
+
+
+def property_of(line):
+    """The property that a Property line declares, as the IDE copies it into a text, or None."""
+    cursor = Cursor(line.tokens)
+    while cursor.take(*SCOPE_WORDS):
+        pass
+    if not cursor.take("property") or cursor.kind() != "word":
+        return None
+    found = parse_property(cursor)
+    cursor.end()
+    return found

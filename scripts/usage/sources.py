@@ -4,7 +4,7 @@ import dataclasses
 import pathlib
 import re
 
-from usage.declarations import SCOPE_WORDS, declaration_of, parse_property
+from usage.declarations import SCOPE_WORDS, declaration_of, parse_property, property_of
 from usage.lines import Cursor, Line, code_lines, tokenize
 from usage.model import Class, Member, Misunderstood, Type
 
@@ -19,7 +19,7 @@ class Source:
 
 
 def read_document(path, report):
-    """A Markdown file: each ```vb block is a body, its functions are members."""
+    """A Markdown file: each ```vb block is a body, its functions and properties are members."""
     source = Source(path, Class(str(path), "", "project"), [], True)
     block, opened = None, 0
     for number, text in enumerate(path.read_text("utf-8").splitlines(), 1):
@@ -32,14 +32,14 @@ def read_document(path, report):
             block.append((number, text))
     if block is not None:
         report.fault(Line(str(path), opened, ()), "this block of code has no end")
-    collect_functions(source, report)
+    collect_members(source, report)
     return source
 
 
-def collect_functions(source, report):
+def collect_members(source, report):
     for line in (line for body in source.bodies for line in body):
         try:
-            member = declaration_of(line)
+            member = declaration_of(line) or property_of(line)
         except Misunderstood as error:
             report.fault(line, f"not understood: {error}")
             continue

@@ -1,6 +1,6 @@
 """The statements of a method or of a block of code."""
 
-from usage.declarations import SCOPE_WORDS, declaration_of
+from usage.declarations import SCOPE_WORDS, declaration_of, property_of
 from usage.expressions import COMPARISONS, Expressions
 from usage.lines import Cursor
 from usage.model import BOOLEAN, INTEGER, NUMBERS, UNKNOWN, Misunderstood, Type, Value
@@ -84,7 +84,8 @@ class Body(Expressions):
                  "if": self.condition, "while": self.while_loop, "do": self.do_loop,
                  "select": self.select, "case": self.case, "try": lambda: self.open("try"),
                  "catch": self.catch, "return": self.give_back, "raise": self.expression,
-                 "call": self.expression, "end": self.end, "elseif": self.else_if}
+                 "call": self.expression, "end": self.end, "elseif": self.else_if,
+                 "addhandler": self.handler, "removehandler": self.handler}
         if cursor.kind() == "unknown" and cursor.peek("#"):
             cursor.at = len(cursor.tokens)  # for the compiler
         elif cursor.peek("else", "finally"):
@@ -93,6 +94,8 @@ class Body(Expressions):
             self.closer()
         elif cursor.peek("exit", "continue", "break"):
             cursor.at = len(cursor.tokens)
+        elif self.source.is_document and property_of(self.line):
+            cursor.at = len(cursor.tokens)  # a member of the page already
         elif cursor.peek("function", "sub", "shared", *SCOPE_WORDS):
             self.method()
         elif cursor.peek("get", "set") and len(cursor.tokens) == 1:
@@ -115,6 +118,20 @@ class Body(Expressions):
         self.result, self.in_method = member.type, True
         for parameter in member.parameters:
             self.declare(parameter.name, parameter.type)
+
+    def handler(self):
+        """AddHandler object.Event, AddressOf Method"""
+        event = self.postfix()
+        if event.type is not None and event.type.is_known:
+            self.fault(f"{event.text} is no event")
+        self.cursor.need(",")
+        self.cursor.need("addressof")
+        name = self.cursor.next("word")
+        methods = self.world.members(self.source.itself, name)
+        if not methods:
+            self.report.note(self.line, f"the method {name}")
+        elif methods[0].kind != "method" or not methods[0].parameters:
+            self.fault(f"{name} is no method that takes the object whose event it handles")
 
     def declare_variables(self):
         """Var a, b() As T = value, c As New T(arguments)"""

@@ -29,7 +29,7 @@ HELP = "help/reference.toml"
 MANUAL = "packaging/zqv.1"
 DICTIONARY = "en_GB-ise"
 SKIPPED = 77
-CODE_KEYS = {"id", "example"}  # of the help's texts: what is no text
+CODE_KEYS = {"id", "example", "words"}  # of the help's texts: what is no text
 
 URL = re.compile(r"\b[a-z]+://\S+")
 # A piece of a line up to blanks and punctuation, and those that are no word: with a digit, an

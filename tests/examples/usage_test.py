@@ -130,6 +130,23 @@ class AcceptedTest(UsageCase):
         self.accepts("number += -list.Count\nnumber = +(list.Count - 1) Mod 2\n"
                      "word = If(number > 1, mail.Subject, word)")
 
+    def test_properties_of_a_page(self):
+        known = "Public Property Found() As MimeEmailZQV\nProperty Last As MimeEmailZQV\n\n" \
+                "Sub Keep(m As MimeEmailZQV)\nFound.Add(m)\nLast = Found(0)\nEnd Sub\n"
+        self.accepts(known + "Print(Last.Subject)")
+        self.refuses(known + "Print(Last.Topic)", "MimeEmailZQV has no member Topic", 8)
+        self.refuses(known + "Last = mail.Subject", "Last is MimeEmailZQV", 8)
+
+    def test_handlers(self):
+        known = "Sub Work(t As Thread)\nPrint(mail.Subject)\nEnd Sub\nVar t As New Thread\n"
+        self.accepts(known + "AddHandler t.Run, AddressOf Work\n"
+                     "RemoveHandler t.Run, AddressOf Work")
+        self.refuses(known + "AddHandler mail.Subject, AddressOf Work", "is no event", 5)
+        self.refuses("Sub Idle\nEnd Sub\nVar t As New Thread\nAddHandler t.Run, AddressOf Idle",
+                     "Idle is no method that takes", 4)
+        self.skips("Var t As New Thread\nAddHandler t.Run, AddressOf Gone", "the method Gone")
+        self.skips("Var t As New Thread\nAddHandler t.Run", "expected ,")
+
     def test_sized_integers(self):
         self.accepts("Var n As Int32 = list.Count\nPrint(n.ToString)")
 

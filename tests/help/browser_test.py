@@ -29,6 +29,10 @@ except ImportError:
 # Names of the members, or the sections, that one can see.
 SHOWN = """return Array.from(document.querySelectorAll(arguments[0]))
     .filter((element) => element.offsetParent !== null).map((element) => element.id)"""
+RECIPES = {"HTMLViewer": "recipe-html", "reply": "recipe-reply", "forward": "recipe-forward",
+           "datetime": "recipe-date", "real attachments": "recipe-files",
+           "reserved": "saving-attachments", "eml": "recipe-eml", "mbox": "recipe-mbox",
+           "preemptive": "recipe-threads"}
 # Goes to each anchor that a link names; gives those whose target is not then in the window.
 FOLLOW = """const missed = [], done = arguments[0];
 const links = Array.from(new Set(Array.from(document.querySelectorAll("a[href]"))
@@ -148,6 +152,21 @@ class PageTest(Case):
         self.query().send_keys("saving safely")
         self.assertEqual(self.shown("section"), ["saving-attachments"])
 
+    def test_search_for_a_recipe(self):
+        """By the words that a user has for the task, whatever members have them in their names."""
+        for word, recipe in RECIPES.items():
+            with self.subTest(word):
+                self.query().clear()
+                self.query().send_keys(word)
+                self.assertIn(recipe, self.shown("section.guide"))
+                self.assertNotIn("in texts", self.status())
+        self.query().clear()
+        self.query().send_keys("daylight")
+        self.assertEqual(self.shown("section"), ["recipe-date"])
+        self.assertEqual(self.status(), "1 result")
+        self.press(Keys.ENTER)
+        self.assertEqual(self.anchor(), "#recipe-date")
+
     def test_search_that_finds_nothing(self):
         self.query().send_keys("qqqq")
         self.assertEqual(self.shown("section"), [])
@@ -208,7 +227,8 @@ class PageTest(Case):
         for scheme in ("light", "dark"):
             self.appearance(scheme)
             for anchor in ("", "#MimeEmailZQV", "#MimeEmailZQV.Attachments", "#errors",
-                           "#saving-attachments", "#third-party-notice"):
+                           "#saving-attachments", "#third-party-notice", "#cookbook",
+                           *(f"#{recipe}" for recipe in RECIPES.values())):
                 self.open(anchor)
                 self.shoot(f"{scheme}{anchor.replace('#', '-')}")
             self.query().send_keys("parts")
@@ -218,11 +238,13 @@ class PageTest(Case):
         self.assertEqual(grounds, ["rgb(255, 255, 255)", "rgb(20, 24, 29)"])
 
     def test_small_windows_do_not_scroll_sideways(self):
-        for width in (340, 500, 700, 850, 1024):
+        for width in (340, 400, 500, 700, 850, 1024):
             self.size(width, 700)
-            self.open("#MimeEmailZQV")
-            self.shoot(f"width-{width}")
-            self.assertLessEqual(self.script("return document.documentElement.scrollWidth"), width)
+            for anchor in ("#MimeEmailZQV", "#cookbook", "#recipe-reply", "#MimeFieldZQV.Value"):
+                self.open(anchor)
+                self.shoot(f"width-{width}{anchor.replace('#', '-')}")
+                self.assertLessEqual(self.script("return document.documentElement.scrollWidth"),
+                                     width)
 
     def test_without_script(self):
         everything = self.shown()

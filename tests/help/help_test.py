@@ -12,6 +12,7 @@ import pathlib
 import re
 import sys
 import tempfile
+import tomllib
 import unittest
 
 import making
@@ -127,7 +128,8 @@ class MembersTest(Case):
         for anchor in ("MimeEmailZQV.Subject", "MimeEmailZQV.Attachments",
                        "MimeEmailZQV.Attachments-Integer", "MimeEmailZQV.Constructor",
                        "MimeEmailZQV.Constructor-FolderItem", "MimeEmailZQV.Constructor-String",
-                       "MimeHeaderZQV.hasField", "errors", "encodings", "saving-attachments"):
+                       "MimeHeaderZQV.hasField", "errors", "encodings", "saving-attachments",
+                       "cookbook", "recipe-html", "recipe-date"):
             self.assertIn(anchor, ids)
 
     def test_declarations(self):
@@ -193,6 +195,12 @@ class RefusalTest(Case):
                             old=SUBJECT + "\ngives", new=SUBJECT + "\ngiven")
         self.expect_refused("property Subject as String: needs nil", old='nil = "If the message '
                             'has no subject."\n', new="")
+
+    def test_missing_and_unknown_keys_of_recipes(self):
+        self.expect_refused("recipe recipe-mbox: needs words", old='words = "mbox mailbox batch '
+                            'many archive export import Thunderbird bulk"\n', new="")
+        self.expect_refused("guide dates: unknown key words", old='title = "Dates"\n',
+                            new='title = "Dates"\nwords = "x"\n')
 
     def test_links_that_lead_nowhere(self):
         for gone, new in (("MimeEmailZQV.Subjekt", "`MimeEmailZQV.Subjekt`"),
@@ -330,6 +338,13 @@ class OutputTest(Case):
         frame = {"search", "query", "status", "contents", "main", "intro", "third-party-notice"}
         anchors = re.findall(r'<a id="([^"]+)"></a>', self.markdown())
         self.assertEqual(sorted(anchors), sorted(set(self.page().ids) - frame))
+
+    def test_recipes_stand_below_the_cookbook(self):
+        text = self.markdown()
+        cookbook = text[text.index("\n## Cookbook\n"):text.index("\n## MimeEmailZQV\n")]
+        self.assertEqual(re.findall(r'<a id="([^"]+)"></a>\n\n### ', cookbook),
+                         [recipe["id"] for recipe in tomllib.loads(TEXTS.read_text("utf-8"))
+                          ["recipes"]])
 
     def test_markdown_has_every_example(self):
         text = self.markdown()

@@ -199,6 +199,23 @@ TEST_F(Strip, OfAStringIsReadInTheStringsEncoding) {
             "0x600 A: b\r\rcafe\r");
 }
 
+// Bytes that are called ISO 8859-1 come out as UTF-8 of the same code points, control characters
+// included: converted back they are what they were. Of them, ESC makes the text no UTF-8 to the
+// detection, which changes its label and no byte.
+TEST_F(Strip, OfIsoLatin1KeepsEveryByte) {
+  Start();
+  std::string source = "A: b\n\n";
+  std::string utf8 = "A: b\r\r";
+  for (int byte = 0x80; byte <= 0xFF; ++byte) {
+    source.push_back(static_cast<char>(byte));
+    utf8.push_back(byte < 0xC0 ? '\xC2' : '\xC3');
+    utf8.push_back(static_cast<char>(0x80 + byte % 0x40));
+  }
+  EXPECT_EQ(Stripped(FromString(MakeString(source, abi::kIsoLatin1))), "0x8000100 " + utf8);
+  EXPECT_EQ(Stripped(FromString(MakeString(source + "\x1B", abi::kIsoLatin1))),
+            "0x0 " + utf8 + "\x1B");
+}
+
 // The message was parsed from the string's bytes, of which the file's disposition is not seen;
 // the source is read as text.
 TEST_F(Strip, OfAUtf16StringIsReadAsText) {
