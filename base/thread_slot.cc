@@ -6,6 +6,8 @@
 
 #if defined(__APPLE__)
 #include <pthread.h>
+
+#include <atomic>
 #elif defined(_WIN32)
 #include <windows.h>
 #endif
@@ -15,11 +17,19 @@ namespace {
 
 #if defined(__APPLE__)
 
-// The key of the slot; null when the system has no slot left.
-const pthread_key_t* Key() noexcept {
-  static pthread_key_t g_key;
-  static const bool is_made = pthread_key_create(&g_key, nullptr) == 0;
-  return is_made ? &g_key : nullptr;
+pthread_key_t g_key;
+std::atomic<bool> g_has_key{false};
+
+// False when the system has no slot left, and once the library is unloaded or the process ends.
+bool HasKey() noexcept {
+  static const bool was_made = g_has_key = pthread_key_create(&g_key, nullptr) == 0;
+  return was_made && g_has_key;
+}
+
+// A process has some hundred slots. One that loads and unloads the library again and again would
+// run out of them.
+[[gnu::destructor]] void GiveKeyBack() {
+  if (g_has_key.exchange(false)) static_cast<void>(pthread_key_delete(g_key));
 }
 
 #elif defined(_WIN32)
@@ -40,9 +50,9 @@ DWORD GetIndex() noexcept {
 }  // namespace
 
 #if defined(__APPLE__)
-void* GetThreadSlot() noexcept { return Key() != nullptr ? pthread_getspecific(*Key()) : nullptr; }
+void* GetThreadSlot() noexcept { return HasKey() ? pthread_getspecific(g_key) : nullptr; }
 void SetThreadSlot(void* value) noexcept {
-  if (Key() != nullptr) static_cast<void>(pthread_setspecific(*Key(), value));
+  if (HasKey()) static_cast<void>(pthread_setspecific(g_key, value));
 }
 #elif defined(_WIN32)
 void* GetThreadSlot() noexcept {

@@ -42,7 +42,9 @@ def names_of(path):
     if platform == "macos":
         lines = output("llvm-nm-19", "-u", "--arch=all", "--format=just-symbols", str(path))
         return platform, {line for line in lines.split() if line.startswith(("_", "dyld_"))}
-    return platform, set(pe.File(path.read_bytes()).imported())
+    file = pe.File(path.read_bytes())
+    # Windows for arm64 began with what other processors got much later.
+    return f"windows-{file.processor}", set(file.imported())
 
 
 def faults_of(path, without=None):

@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <exception>
 
+#include "tests/interface/files.h"
+
 // Only there when the leak checker is linked in.
 extern "C" __attribute__((weak)) int __lsan_do_recoverable_leak_check();
 
@@ -91,6 +93,14 @@ void InChild(const std::string& configuration, const std::function<void()>& body
     ADD_FAILURE() << configuration << ": the child " << HowItEnded(status) << "\n" << Text(output);
   }
   close(output);
+}
+
+std::string TextFromChild(const std::string& configuration,
+                          const std::function<std::string()>& body, unsigned seconds) {
+  const TemporaryFolder folder;
+  InChild(
+      configuration, [&] { folder.Write("text", body()); }, seconds);
+  return ReadWholeFile(folder.Path("text"));
 }
 
 }  // namespace zqv::interface_test

@@ -54,6 +54,10 @@ constexpr int Repetitions(int plain, int slow) { return kSanitized || kWine ? sl
 void InChild(const std::string& configuration, const std::function<void()>& body,
              unsigned seconds = 60);
 
+// The same; gives the text that `body` gave there.
+std::string TextFromChild(const std::string& configuration,
+                          const std::function<std::string()>& body, unsigned seconds = 60);
+
 #if !defined(_WIN32)
 // Plain data that a child writes and its parent reads.
 template <typename T>

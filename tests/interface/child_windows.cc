@@ -1,20 +1,24 @@
 // There is no fork there: the present test runs once more in a process that leaves out all of its
-// children but this one, and ends with it. What a child shares with its parent does not get there.
+// children but this one, and ends with it. A text gets from there to the parent through a file.
 #include <gtest/gtest.h>
 #include <windows.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <fstream>
 
 #include "tests/interface/again.h"
 #include "tests/interface/child.h"
+#include "tests/interface/files.h"
 
 namespace zqv::interface_test {
 namespace {
 
 // Tells a process which of the test's children it is to be, counted from 1.
 constexpr const char* kNumber = "ZQV_CHILD";
+// Names the file for the text that the child gives.
+constexpr const char* kTextFile = "ZQV_CHILD_TEXT";
 
 int FailedParts() {
   const auto* const test = ::testing::UnitTest::GetInstance()->current_test_info();
@@ -50,6 +54,22 @@ void InChild(const std::string& configuration, const std::function<void()>& body
   SetEnvironmentVariableA(kNumber, std::to_string(number).c_str());
   EXPECT_TRUE(PassesAgain(seconds)) << configuration;
   SetEnvironmentVariableA(kNumber, nullptr);
+}
+
+std::string TextFromChild(const std::string& configuration,
+                          const std::function<std::string()>& body, unsigned seconds) {
+  if (const char* const path = std::getenv(kTextFile)) {
+    InChild(
+        configuration, [&] { std::ofstream(path, std::ios::binary) << body(); }, seconds);
+    return {};  // this process is to be another child
+  }
+  const TemporaryFolder folder;
+  const std::string path = folder.Path("text");
+  SetEnvironmentVariableA(kTextFile, path.c_str());
+  InChild(
+      configuration, [] {}, seconds);
+  SetEnvironmentVariableA(kTextFile, nullptr);
+  return ReadWholeFile(path);
 }
 
 }  // namespace zqv::interface_test

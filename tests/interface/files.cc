@@ -7,6 +7,7 @@
 #include <process.h>
 
 #include <atomic>
+#include <cerrno>
 #endif
 
 #include <cstdlib>
@@ -16,19 +17,35 @@
 
 namespace zqv::interface_test {
 
-TemporaryFolder::TemporaryFolder()
-    : path_((std::filesystem::temp_directory_path() / "zqv-interface-XXXXXX").string()) {
+namespace {
+
+// Makes a folder whose path begins so; gives its path, or an empty one.
+std::string MakeFolder(const std::string& start) {
 #if defined(_WIN32)
   static std::atomic<int> number{0};  // several threads make some at once
-  path_ += std::to_string(_getpid()) + "-" + std::to_string(++number);
-  const bool is_made = _mkdir(path_.c_str()) == 0;
+  const std::string with_process = start + std::to_string(_getpid()) + "-";
+  // An earlier process of that number may have left some behind.
+  std::string path;
+  do {
+    path = with_process + std::to_string(++number);
+    errno = 0;
+  } while (_mkdir(path.c_str()) != 0 && errno == EEXIST);
+  return errno == 0 ? path : std::string();
 #else
-  const bool is_made = mkdtemp(path_.data()) != nullptr;
+  std::string path = start + "XXXXXX";
+  return mkdtemp(path.data()) != nullptr ? path : std::string();
 #endif
-  if (!is_made) ADD_FAILURE() << "no temporary folder " << path_;
+}
+
+}  // namespace
+
+TemporaryFolder::TemporaryFolder()
+    : path_(MakeFolder((std::filesystem::temp_directory_path() / "zqv-interface-").string())) {
+  if (path_.empty()) ADD_FAILURE() << "no temporary folder";
 }
 
 TemporaryFolder::~TemporaryFolder() {
+  if (path_.empty()) return;
   std::error_code ignored;
   std::filesystem::remove_all(path_, ignored);
 }

@@ -3,7 +3,10 @@
 #include <windows.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "tests/interface/files.h"
 #include "tests/interface/messages.h"
@@ -27,8 +30,58 @@ class Holder {
   Holder(const Holder&) = delete;
   Holder& operator=(const Holder&) = delete;
 
+  // Others may neither read nor write so many bytes from `start` on.
+  void Lock(DWORD start, DWORD length) const {
+    OVERLAPPED range = {};
+    range.Offset = start;
+    EXPECT_NE(LockFileEx(handle_, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, length, 0,
+                         &range),
+              0);
+  }
+
+  void CutTo(LONG length) const {
+    EXPECT_EQ(SetFilePointer(handle_, length, nullptr, FILE_BEGIN), static_cast<DWORD>(length));
+    EXPECT_NE(SetEndOfFile(handle_), 0);
+  }
+
+  bool CanRead() const {
+    char byte = 0;
+    DWORD read = 0;
+    return ReadFile(handle_, &byte, 1, &read, nullptr) != 0;
+  }
+
  private:
   const HANDLE handle_;
+};
+
+// While it lives, does something when the library has asked for the length of a file that it has
+// opened, and not read it yet: with the log on, a line of it comes then.
+class OnceLengthIsKnown {
+ public:
+  explicit OnceLengthIsKnown(std::function<void()> action)
+      : handler_(AddVectoredExceptionHandler(1, &SeeLine)) {
+    g_action = std::move(action);
+    SetShared("MimeEmailZQV", "Debugging", true);
+  }
+  ~OnceLengthIsKnown() {
+    RemoveVectoredExceptionHandler(handler_);
+    EXPECT_EQ(g_action, nullptr) << "no such line";
+  }
+  OnceLengthIsKnown(const OnceLengthIsKnown&) = delete;
+  OnceLengthIsKnown& operator=(const OnceLengthIsKnown&) = delete;
+
+ private:
+  static LONG CALLBACK SeeLine(EXCEPTION_POINTERS* raised) {
+    constexpr DWORD kPrinted = 0x40010006;  // DBG_PRINTEXCEPTION_C: length with the NUL, address
+    const EXCEPTION_RECORD& record = *raised->ExceptionRecord;
+    if (record.ExceptionCode != kPrinted) return EXCEPTION_CONTINUE_SEARCH;
+    const std::string_view line = reinterpret_cast<const char*>(record.ExceptionInformation[1]);
+    if (line.find("fileLen") != std::string_view::npos) std::exchange(g_action, nullptr)();
+    return EXCEPTION_CONTINUE_EXECUTION;
+  }
+
+  static inline std::function<void()> g_action;
+  void* const handler_;
 };
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
@@ -52,6 +105,36 @@ TEST_F(Files, ThatOthersLockAreNotOpened) {
     ExpectNothingSet(ConstructWith(kFromFile, MakeFolderItem(path)), kNotOpened);
   }
   EXPECT_EQ(RaisedByFile(path), "");
+}
+
+TEST_F(Files, WithBytesThatOthersLockAreNotRead) {
+  Start();
+  const TemporaryFolder folder;
+  const std::string path = folder.Write("a.eml", PlainMessage());
+  {
+    const Holder holder(path, kShareAll);
+    holder.Lock(0, 10);
+    if (Holder(path, kShareAll).CanRead()) GTEST_SKIP() << "nothing keeps others from reading";
+    ExpectNothingSet(ConstructWith(kFromFile, MakeFolderItem(path)), kNotRead);
+  }
+  EXPECT_EQ(RaisedByFile(path), "");
+}
+
+TEST_F(Files, ThatShrinkMeanwhileAreNotRead) {
+  Start();
+  const TemporaryFolder folder;
+  const std::string path = folder.Write("a.eml", PlainMessage());
+  const OnceLengthIsKnown shrink([&] { Holder(path, kShareAll).CutTo(10); });
+  ExpectNothingSet(ConstructWith(kFromFile, MakeFolderItem(path)), kNotRead);
+}
+
+TEST_F(Files, ThatVanishMeanwhileAreRead) {
+  Start();
+  const TemporaryFolder folder;
+  const std::string path = folder.Write("a.eml", PlainMessage());
+  const OnceLengthIsKnown vanish([&] { EXPECT_TRUE(std::filesystem::remove(path)); });
+  EXPECT_EQ(RaisedByFile(path), "");
+  EXPECT_FALSE(std::filesystem::exists(path));
 }
 
 TEST_F(Files, ThatOthersWriteAreRead) {

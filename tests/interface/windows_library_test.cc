@@ -1,7 +1,9 @@
 // Loading and unloading, and exceptions that cross from the host's file into the library's.
 #include <gtest/gtest.h>
-#include <psapi.h>  // wants the former
 #include <windows.h>
+
+// Uses the types of windows.h, so it comes later.
+#include <psapi.h>
 
 #include <string>
 

@@ -133,6 +133,10 @@ Image::Image(const std::string& path, const Resolve& resolve, const Resolve& res
                     compact_.size != 0 ? base_ + compact_.address : nullptr, compact_.size};
 }
 
+Image::~Image() {
+  if (base_ != nullptr) munmap(base_, size_);
+}
+
 void Image::ReadCommands() {
   if (file_.size() < sizeof(Header)) throw std::runtime_error(path_ + ": too short");
   const auto header = Read<Header>(file_.data());

@@ -27,11 +27,14 @@ class Image {
   // file's, which has an underscore before that of the source.
   using Resolve = std::function<void*(const std::string& name)>;
 
-  // Loads the file, which stays for the life of the process. Throws std::runtime_error for what is
-  // not understood.
+  // Loads the file. Throws std::runtime_error for what is not understood.
   // Symbols that the process may define in the library's place are bound by `resolve_weak`, which
   // gives null for those that it does not.
   Image(const std::string& path, const Resolve& resolve, const Resolve& resolve_weak);
+  // Nothing may call the library any more.
+  ~Image();
+  Image(const Image&) = delete;
+  Image& operator=(const Image&) = delete;
 
   // Runs the library's initialisers: once, and when exceptions in them can find its tables.
   void Initialise() const;

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <pthread.h>
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <cerrno>
@@ -26,6 +27,19 @@ namespace zqv::macho {
 namespace {
 
 std::vector<const Image*> g_images;
+
+// What is to run before the library is gone that has the address `owner`.
+struct Ending {
+  void (*function)(void*);
+  void* argument;
+  const void* owner;
+};
+std::vector<Ending> g_endings;
+
+int RunAtEnd(void (*function)(void*), void* argument, const void* owner) {
+  g_endings.push_back({function, argument, owner});
+  return 0;
+}
 
 // What the unwinder asks for an address: the tables of the library that has it.
 struct UnwindSections {
@@ -150,6 +164,7 @@ int CreateKey(std::uint64_t* key, void (*destructor)(void*)) {
   *key = own;
   return result;
 }
+int DeleteKey(std::uint64_t key) { return pthread_key_delete(static_cast<pthread_key_t>(key)); }
 void* GetSpecific(std::uint64_t key) {
   return pthread_getspecific(static_cast<pthread_key_t>(key));
 }
@@ -210,6 +225,7 @@ const Symbol kRows[] = {
     {"_pthread_mach_thread_np", At(&Succeed)},
     {"_pthread_once", At(&CallOnce)},
     {"_pthread_key_create", At(&CreateKey)},
+    {"_pthread_key_delete", At(&DeleteKey)},
     {"_pthread_getspecific", At(&GetSpecific)},
     {"_pthread_setspecific", At(&SetSpecific)},
     {"__DefaultRuneLocale", &g_rune_locale},
@@ -235,7 +251,7 @@ const Symbol kRows[] = {
     {"_catopen", At(&GiveNothing)},
     {"_catgets", At(&GiveNothing)},
     {"_catclose", At(&Succeed)},
-    {"___cxa_atexit", At(&Succeed)},  // nothing of the libraries runs when the process ends
+    {"___cxa_atexit", At(&RunAtEnd)},
     {"__dyld_find_unwind_sections", At(&FindUnwindSections)},
     {"__dyld_register_func_for_remove_image", At(&Succeed)},
     {"dyld_stub_binder", At(&std::abort)},  // everything is bound at once
@@ -244,6 +260,16 @@ const Symbol kRows[] = {
 }  // namespace
 
 void AddImage(const Image& image) { g_images.push_back(&image); }
+
+void RemoveImage(const Image& image) {
+  for (std::size_t left = g_endings.size(); left > 0; --left) {
+    const Ending ending = g_endings[left - 1];
+    if (!image.Contains(ending.owner)) continue;
+    g_endings.erase(g_endings.begin() + static_cast<std::ptrdiff_t>(left - 1));
+    ending.function(ending.argument);
+  }
+  g_images.erase(std::remove(g_images.begin(), g_images.end(), &image), g_images.end());
+}
 
 void* FindSystemSymbol(const std::string& name) {
   if (void* const function = FindVariadicFunction(name)) return function;

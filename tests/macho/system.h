@@ -12,7 +12,10 @@ class Image;
 // has it.
 void* FindSystemSymbol(const std::string& name);
 
-// From now on exceptions find their way through the image, which must stay.
+// From now on exceptions find their way through the image, which must stay until it is removed.
 void AddImage(const Image& image);
+
+// Runs what the image has asked to be run at its end, the last first, and forgets the image.
+void RemoveImage(const Image& image);
 
 }  // namespace zqv::macho

@@ -107,7 +107,7 @@ def main():
         count, found = compare(on_linux(options.linux), on_windows(windows, library), folders,
                                options.full)
     print("\n".join(found))
-    print(f"{count} descriptions of messages, {len(found)} differ")
+    print(f"Under Wine: {count} descriptions of messages, {len(found)} differ")
     return 1 if found or not count else 0
 
 

@@ -2,8 +2,10 @@
 """Runs a GoogleTest program for Windows by Wine.
 
   run_tests.py BUILD PROGRAM ZONE FILTER
+  run_tests.py --self-test
 
-Fails when a test failed, and when the filter fits none.
+Says how many tests ran, and which of them were skipped. Fails when a test failed, when the filter
+fits none, and when they take too long.
 """
 
 import pathlib
@@ -13,22 +15,55 @@ import sys
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import wine  # noqa: E402: beside this file
 
+SECONDS = 1200
+
+
+def count_tests(text):
+    """How many tests ran, and the names of those that were skipped. Each runs in a process of its
+    own, which says so for itself; the last to speak is the process that started all of them."""
+    ran = re.findall(r"^\[==========\] (\d+) tests? from \d+ test suites? ran", text, re.MULTILINE)
+    skipped = re.findall(r"^\[  SKIPPED \] 1 test, listed below:\n\[  SKIPPED \] (\S+)", text,
+                         re.MULTILINE)
+    return int(ran[-1]) if ran else 0, skipped
+
+
+def verdict(code, text):
+    """The program's exit code, or another where nothing ran; and a line that tells what ran."""
+    ran, skipped = count_tests(text)
+    names = f" ({', '.join(skipped)})" if skipped else ""
+    line = f"Under Wine: {ran} tests ran, {len(skipped)} of them skipped{names}"
+    return code or (1 if ran == len(skipped) else 0), line
+
+
+def self_test():
+    one = "[==========] 1 test from 1 test suite ran. (7 ms total)\n"
+    skip = "[  PASSED  ] 0 tests.\n[  SKIPPED ] 1 test, listed below:\n[  SKIPPED ] A.B\n"
+    end = "[==========] 2 tests from 1 test suite ran. (9 ms total)\n"
+    none = "[==========] 0 tests from 0 test suites ran. (0 ms total)\n"
+    failures = [f"{text!r} gave {found}, not {wanted}" for text, code, wanted in (
+        ("", 0, 1), (none, 0, 1), (one + none, 0, 1), (one + skip + end, 0, 0), (one + end, 3, 3),
+        (one + skip + one + skip + end, 0, 1)) if (found := verdict(code, text)[0]) != wanted]
+    if not verdict(0, one + skip + end)[1].endswith("2 tests ran, 1 of them skipped (A.B)"):
+        failures.append("the line does not tell what ran")
+    print("\n".join(failures) or "all was seen")
+    return 1 if failures else 0
+
 
 def main():
+    if sys.argv[1:] == ["--self-test"]:
+        return self_test()
     if len(sys.argv) != 5:
         sys.exit(__doc__)
     build, program, zone, tests = sys.argv[1:]
     with wine.server(pathlib.Path(build) / "wine"):
         code, text = wine.run(
             ["wine", wine.path(program), f"--gtest_filter={tests}", "--gtest_brief=1"],
-            wine.environment(TZ=zone, ZQV_ZONE=zone), 1700)
-    # Tests that ran in a process of their own call themselves skipped in the first one.
-    print("\n".join(line for line in text.splitlines()
-                    if "[  SKIPPED ]" not in line and "ran in a process of its own" not in line))
-    count = re.search(r"\[==========\] (\d+) tests? from \d+ test suites? ran", text)
-    if count is None or count[1] == "0":
-        print("no test ran")
-        return 1
+            wine.environment(TZ=zone, ZQV_ZONE=zone), SECONDS)
+    text = text.replace("\r\n", "\n")
+    code, line = verdict(code, text)
+    if code != 0:
+        print(text)
+    print(line)
     return code
 
 

@@ -3,9 +3,12 @@
 import contextlib
 import os
 import pathlib
+import shutil
 import subprocess
 import tempfile
 import time
+
+TOO_LATE = 124  # exit code of what was ended
 
 
 def environment(prefix=None, **more):
@@ -17,13 +20,19 @@ def environment(prefix=None, **more):
 
 
 def run(command, variables, seconds):
-    """Runs a program; gives its exit code and what it wrote. Not through a pipe: what Wine starts
-    besides keeps it open after the program has ended."""
+    """Runs a program; gives its exit code and what it wrote. One that takes longer is ended, with an
+    exit code of its own. Not through a pipe: what Wine starts besides keeps it open after the program
+    has ended."""
     with tempfile.TemporaryFile() as output:
-        code = subprocess.run(command, env=variables, timeout=seconds, check=False, stdout=output,
-                              stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL).returncode
+        late = ""
+        try:
+            code = subprocess.run(command, env=variables, timeout=seconds, check=False,
+                                  stdout=output, stderr=subprocess.STDOUT,
+                                  stdin=subprocess.DEVNULL).returncode
+        except subprocess.TimeoutExpired:
+            code, late = TOO_LATE, f"\nended after {seconds} seconds\n"
         output.seek(0)
-        return code, output.read().decode("utf-8", "replace")
+        return code, output.read().decode("utf-8", "replace") + late
 
 
 def path(place):
@@ -53,11 +62,18 @@ def server(prefix):
         prefix.parent.mkdir(parents=True, exist_ok=True)
         run(["wineboot", "--init"], environment(), 600)
         wait_for_end(prefix)
+    remove_left_files(prefix)
     run(["wineserver", "--persistent"], environment(), 60)
     try:
         yield
     finally:
         stop(prefix)
+
+
+def remove_left_files(prefix):
+    """Processes that end in the midst of a test, or are ended, leave their temporary folders."""
+    for folder in prefix.glob("drive_c/users/*/Temp/zqv-*"):
+        shutil.rmtree(folder, ignore_errors=True)
 
 
 def wait_for_end(prefix):
