@@ -39,7 +39,8 @@ inline constexpr bool kShips = false;
 inline constexpr bool kShips = true;
 #endif
 
-// Whether programs for Windows are run by Wine, where a lock goes slowly from thread to thread.
+// Whether programs for Windows are run by Wine, where threads that share the host's lock take three
+// times as long.
 #if defined(_WIN32)
 inline constexpr bool kWine = true;
 #else
