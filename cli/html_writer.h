@@ -6,6 +6,8 @@
 #include <string_view>
 #include <utility>
 
+#include "cli/safe_html.h"
+
 namespace zqv::cli {
 
 class HtmlWriter {
@@ -14,6 +16,12 @@ class HtmlWriter {
   template <std::size_t kSize>
   HtmlWriter& Markup(const char (&literal)[kSize]) {
     html_.append(literal, kSize - 1);
+    return *this;
+  }
+
+  // Markup that SafeHtml made, as it is.
+  HtmlWriter& Made(const SafeLetter& letter) {
+    html_ += letter.html;
     return *this;
   }
 

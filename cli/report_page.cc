@@ -12,11 +12,13 @@
 #include "cli/findings.h"
 #include "cli/header_reading.h"
 #include "cli/html_writer.h"
+#include "cli/links.h"
 #include "cli/message.h"
 #include "cli/oddities.h"
 #include "cli/picture.h"
 #include "cli/report_style.h"
 #include "cli/safe_html.h"
+#include "cli/sha256.h"
 #include "cli/summary.h"
 #include "cli/text.h"
 #include "cli/utf8.h"
@@ -32,6 +34,8 @@ constexpr std::size_t kMostText = 1U << 20U;
 constexpr std::size_t kMostHtml = 4U << 20U;
 constexpr std::size_t kMostPartText = 1U << 16U;
 constexpr std::size_t kMostPartTexts = 4U << 20U;  // of all parts together
+constexpr std::size_t kMostTarget = 2000;          // of one link
+constexpr std::size_t kMostLinkColumns = 200;
 
 // Deeper parts are not moved any further.
 constexpr std::size_t kDeepestIndent = 12;
@@ -49,13 +53,7 @@ std::string SizeText(std::size_t bytes) {
   return text;
 }
 
-// How high the frame of a text is, which nobody can measure without a script.
-std::string_view FrameClass(std::string_view html) {
-  constexpr std::size_t kShort = 1000;
-  constexpr std::size_t kMedium = 5000;
-  if (html.size() <= kShort) return "short";
-  return html.size() <= kMedium ? "medium" : "tall";
-}
+std::string Line(std::string_view text) { return SafeText(text, Lines::kOne); }
 
 // A Content-ID without its brackets.
 std::string_view BareId(std::string_view id) {
@@ -68,7 +66,7 @@ std::string_view BareId(std::string_view id) {
 class PageWriter {
  public:
   PageWriter(const std::string& name, const Object& email)
-      : name_(SafeText(name, Lines::kOne)),
+      : name_(Line(name)),
         email_(email),
         tree_(email),
         reading_(email),
@@ -83,8 +81,7 @@ class PageWriter {
   }
 
   std::string Run() {
-    const std::string subject =
-        SafeText(std::string_view(WrittenText(reading_.source(), "Subject")), Lines::kOne);
+    const std::string subject = Line(WrittenText(reading_.source(), "Subject"));
     const std::string title = subject.empty() ? "(no subject)" : subject;
     page_.Markup(kPageStart);
     page_.Markup("<title>").Text(title).Markup("</title>\n</head>\n<body>\n<main>\n<header>\n");
@@ -95,6 +92,7 @@ class PageWriter {
     WritePlainText();
     WriteHtml();
     WriteAttached();
+    WriteSums();
     WriteParts();
     page_.Markup("</main>\n</body>\n</html>\n");
     return page_.Take();
@@ -166,15 +164,58 @@ class PageWriter {
     const std::string html = DataText(html_text_);
     const std::string_view shown =
         std::string_view(html).substr(0, WholeSequences(html, kMostHtml));
-    const std::string safe =
+    const SafeLetter letter =
         SafeHtml(shown, [this](std::string_view id) { return PictureOfId(id); });
     page_.Markup(
         "<section id=\"html\">\n<h2>HTML<small>without links, forms, scripts and what is ");
-    page_.Markup("elsewhere</small></h2>\n<iframe sandbox class=\"").Text(FrameClass(safe));
-    page_.Markup("\" title=\"HTML of the message\" srcdoc=\"");
-    page_.Text(kFrameStart).Text(safe).Markup("\"></iframe>\n");
+    page_.Markup("elsewhere</small></h2>\n<div class=\"letter\">");
+    page_.Markup(kCopyStart).Made(letter).Markup(kCopyEnd);
+    page_.Markup("<iframe sandbox title=\"HTML of the message\" srcdoc=\"");
+    page_.Text(kFrameStart).Text(letter.html).Markup("\"></iframe></div>\n");
     WriteCut(shown.size(), html.size());
     page_.Markup("</section>\n");
+    WriteLinks(letter.links);
+  }
+
+  void WriteLinks(const LinkList& links) {
+    if (links.list().empty() && links.left_out() == 0) return;
+    page_.Markup("<section id=\"links\">\n<h2>Links of the HTML<small>");
+    page_.Text(Grouped(links.list().size() + links.left_out()));
+    page_.Markup("</small></h2>\n<ul class=\"links\">\n");
+    for (const Link& link : links.list()) WriteLink(link, HostOf(link.target, links.base()));
+    page_.Markup("</ul>\n");
+    if (links.left_out() > 0) {
+      page_.Markup("<p class=\"note\">").Text(Counted(links.left_out(), "more link"));
+      page_.Text(links.left_out() == 1 ? " is" : " are").Markup(" not shown.</p>\n");
+    }
+    page_.Markup("</section>\n");
+  }
+
+  // Targets are text, which nobody can click on.
+  void WriteLink(const Link& link, const std::string& host) {
+    const std::string named = HostNamedIn(link.text);
+    const bool is_other = !named.empty() && !IsSameHost(named, host);
+    page_.Markup("<li").Text(is_other ? " class=differs" : "").Markup("><span class=\"says\">");
+    if (link.kind != LinkKind::kLink || link.text.empty()) {
+      page_.Markup("<i>").Text(LinkKindName(link.kind)).Markup("</i>");
+    } else {
+      page_.Text(CutToWidth(Line(Trim(link.text)), kMostLinkColumns));
+    }
+    page_.Markup("</span><span class=\"goes\">");
+    if (!host.empty()) page_.Markup("<b>").Text(Line(host)).Markup("</b> ");
+    const std::string_view shown =
+        std::string_view(link.target).substr(0, WholeSequences(link.target, kMostTarget));
+    page_.Text(Line(shown)).Markup("</span>");
+    WriteCut(shown.size(), link.target.size());
+    if (is_other) {
+      page_.Markup("<span class=\"mark\">The text names ").Text(Line(named));
+      page_.Markup(", the link leads ").Text(host.empty() ? "to no host" : "elsewhere");
+      page_.Markup("</span>");
+    }
+    if (IsInternational(host)) {
+      page_.Markup("<span class=\"mark\">The host has letters that are not ASCII</span>");
+    }
+    page_.Markup("</li>\n");
   }
 
   void WriteAttached() {
@@ -187,8 +228,8 @@ class PageWriter {
 
   void WriteFile(const FoundFile& file) {
     const email::DecodedBody data = reading_.files().Data(file);
-    const std::string name = SafeText(std::string_view(file.name), Lines::kOne);
-    const std::string type = SafeText(std::string_view(file.mime_type), Lines::kOne);
+    const std::string name = Line(file.name);
+    const std::string type = Line(file.mime_type);
     page_.Markup("<li>");
     const std::string uri = pictures_.DataUri(data.bytes());
     if (!uri.empty()) {
@@ -208,6 +249,24 @@ class PageWriter {
       page_.Markup("<span class=\"about\">").Text(file.problem).Markup("</span>");
     }
     page_.Markup("</div></li>\n");
+  }
+
+  void WriteSums() {
+    page_.Markup("<section id=\"sums\">\n<h2>SHA-256</h2>\n<ul class=\"sums\">\n");
+    const String bytes = TextMember(email_, "Source");
+    WriteSum(name_, "message/rfc822", bytes.bytes());
+    for (const FoundFile* file : files_) {
+      const email::DecodedBody data = reading_.files().Data(*file);
+      WriteSum(Line(file->name), Line(file->mime_type), data.bytes());
+    }
+    page_.Markup("</ul>\n</section>\n");
+  }
+
+  // Of what has this name and type, both safe text.
+  void WriteSum(std::string_view name, std::string_view type, std::string_view bytes) {
+    page_.Markup("<li><span class=\"name\">").Text(name).Markup("</span><span class=\"about\">");
+    page_.Text(type).Text(type.empty() ? "" : ", ").Text(Counted(bytes.size(), "byte"));
+    page_.Markup("</span><code>").Text(Sha256(bytes)).Markup("</code></li>\n");
   }
 
   void WriteParts() {
@@ -230,7 +289,7 @@ class PageWriter {
     page_.Markup("</span>");
     if (file != by_part_.end()) {
       page_.Markup(" <span class=\"name\">");
-      page_.Text(SafeText(std::string_view(file->second->name), Lines::kOne)).Markup("</span>");
+      page_.Text(Line(file->second->name)).Markup("</span>");
     }
     if (!body.IsNil() || !part.has_parts) {
       page_.Markup(" <span class=\"size\">").Text(SizeText(body.bytes().size())).Markup("</span>");
@@ -248,9 +307,9 @@ class PageWriter {
     const std::size_t count = index < parts.size() ? parts[index].field_count : 0;
     for (std::size_t i = 0; i < count; ++i) {
       const mime::Field& field = reading_.source().message().fields()[parts[index].first_field + i];
-      page_.Markup("<dt>").Text(SafeText(field.name, Lines::kOne)).Markup("</dt><dd>");
+      page_.Markup("<dt>").Text(Line(field.name)).Markup("</dt><dd>");
       const std::string value = ReadHeaderText(ValueBytes(field));
-      page_.Text(SafeText(std::string_view(value), Lines::kOne)).Markup("</dd>\n");
+      page_.Text(Line(value)).Markup("</dd>\n");
     }
     page_.Markup("</dl>\n");
   }

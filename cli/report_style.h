@@ -22,7 +22,7 @@ inline constexpr char kPageStart[] =
   --ground: #f4f5f7; --card: #fff; --ink: #1c2128; --faint: #616b78; --line: #dde1e6;
   --accent: #0b5cad; --odd: #8a4b00; --odd-ground: #fff4e0; --odd-line: #f0d3a0;
 }
-@media (prefers-color-scheme: dark) {
+@media screen and (prefers-color-scheme: dark) {
   :root {
     --ground: #14181d; --card: #1d232b; --ink: #e3e7ec; --faint: #98a3b0; --line: #333c47;
     --accent: #79b8ff; --odd: #ffc67d; --odd-ground: #33281a; --odd-line: #5c4526;
@@ -52,12 +52,14 @@ pre {
   margin: 0; white-space: pre-wrap; overflow-wrap: anywhere; tab-size: 4;
   font: .875rem/1.5 ui-monospace, "SF Mono", Menlo, Consolas, "DejaVu Sans Mono", monospace;
 }
-iframe {
-  display: block; width: 100%; height: 40rem; resize: vertical;
+.letter {
+  position: relative; display: grid; grid-template-columns: minmax(0, 1fr); overflow: hidden;
+  min-height: 3rem; resize: vertical; contain: layout paint; isolation: isolate;
   border: 1px solid var(--line); border-radius: .4rem; background: #fff; color-scheme: light;
 }
-iframe.short { height: 14rem; }
-iframe.medium { height: 26rem; }
+.copy { max-height: max(20rem, 85vh); opacity: 0; overflow: hidden; contain: content; }
+.copy > template { display: block; height: 26rem; }
+iframe { position: absolute; inset: 0; width: 100%; height: 100%; border: 0; background: #fff; }
 ul { list-style: none; margin: 0; padding: 0; }
 .findings li { display: flex; gap: .1rem 1rem; flex-wrap: wrap; padding: .3rem 0; }
 .findings li + li { border-top: 1px solid var(--odd-line); }
@@ -90,6 +92,16 @@ summary:hover .type, summary:focus-visible .type { color: var(--accent); }
 .within { padding: .35rem 0 .9rem 1.7rem; }
 .within pre { margin-top: .8rem; padding-top: .8rem; border-top: 1px dashed var(--line); }
 .fields { font-size: .875rem; }
+.links li, .sums li { display: flex; flex-direction: column; padding: .45rem 0; overflow-wrap: anywhere; }
+.links li + li, .sums li + li { border-top: 1px solid var(--line); }
+.links .says, .links .goes, .sums .name { unicode-bidi: isolate; }
+.links .goes { color: var(--faint); font-size: .875rem; }
+.links b { color: var(--ink); margin-right: .5em; }
+.links .mark { color: var(--odd); font-size: .875rem; }
+.links .differs { border-left: 3px solid var(--odd); padding-left: .6rem; }
+.sums .name { font-weight: 600; }
+.sums .about { color: var(--faint); font-size: .85rem; }
+code { font: .8rem/1.5 ui-monospace, "SF Mono", Menlo, Consolas, "DejaVu Sans Mono", monospace; }
 @media (max-width: 36rem) {
   main { padding: 1rem .6rem 2rem; }
   section { padding: .85rem .8rem; }
@@ -99,18 +111,60 @@ summary:hover .type, summary:focus-visible .type { color: var(--accent); }
   .parts summary { flex-wrap: wrap; }
   .within { padding-left: .4rem; }
 }
-@media print { details > summary::before { content: none; } }
+@media print {
+  :root { color-scheme: light; --ground: #fff; }
+  main { max-width: none; padding: 0; }
+  h2 { break-after: avoid; }
+  .files li, .links li, .sums li, .findings li { break-inside: avoid; }
+  details > summary::before { content: none; }
+  details:not([open])::details-content { content-visibility: visible; }
+  iframe { display: none; }
+  .letter { display: block; resize: none; }
+  .copy { max-height: none; opacity: 1; }
+  .copy > template { height: auto; }
+  .copy > template::after { content: "This browser does not print the HTML of the message."; }
+}
 </style>
 )";
 
-// The inside of the frame that shows HTML, up to the message's own. The policy holds for it too.
+// The HTML of a message stands on the page twice.
+//
+// What a reader looks at is a frame without rights: a document of its own, where even markup that
+// should not be there could run nothing, send nothing, cover nothing of the page and lead nowhere.
+// A frame has a fixed height, though, and printing cuts it there; without a script nothing can tell
+// how high its content is.
+//
+// So there is a copy in a shadow tree that the browser's parser makes (shadowrootmode, no script).
+// Styles of the letter end at the shadow tree, its end tags at the template, and .letter and .copy,
+// which no style of the letter reaches, clip what it paints. On the screen the copy is transparent,
+// inert and under the frame: all that it does is to give the frame its height. On paper, where
+// nobody can click, the copy is what is shown. Browsers without such shadow trees show the frame at
+// a fixed height and print a note.
+#define ZQV_LETTER_STYLE                                                                       \
+  "zqv-html{display:flow-root;background:#fff;color:#000;font:16px/1.45 system-ui,sans-serif;" \
+  "overflow-wrap:break-word}zqv-body{display:block;margin:.8rem}"                              \
+  "a[title]{color:#0b5cad;text-decoration:underline;cursor:help}img{max-width:100%}"
+
+// On paper a letter is as high as its text and no wider than the page, whatever it says itself: a
+// layer of important declarations wins over the letter's own.
+inline constexpr char kCopyStart[] =
+    "<div class=\"copy\" inert><div><template shadowrootmode=\"open\"><style>"
+    ":host{all:initial;display:block;color-scheme:light}" ZQV_LETTER_STYLE
+    R"(
+@media print{@layer paper{
+*{max-width:100%!important;max-height:none!important;min-width:0!important;overflow:visible!important;
+text-wrap-mode:wrap!important;overflow-wrap:anywhere!important;content-visibility:visible!important}
+:not(img,hr){height:auto!important}
+}}</style>)";
+inline constexpr char kCopyEnd[] = "</template></div></div>\n";
+
+// The inside of the frame, up to the message's own. The policy holds for it too.
 inline constexpr char kFrameStart[] =
     R"(<!doctype html><meta http-equiv="Content-Security-Policy" content=")" ZQV_REPORT_POLICY
-    R"("><style>:root{color-scheme:light}
-body{margin:.8rem;background:#fff;color:#000;font:16px/1.45 system-ui,sans-serif;overflow-wrap:break-word}
-a[title]{color:#0b5cad;text-decoration:underline;cursor:help}img{max-width:100%}</style>
-)";
+    R"("><style>:root{color-scheme:light}body{margin:0}zqv-html{min-height:100vh})" ZQV_LETTER_STYLE
+    "</style>\n";
 
+#undef ZQV_LETTER_STYLE
 #undef ZQV_REPORT_POLICY
 
 }  // namespace zqv::cli

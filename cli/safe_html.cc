@@ -2,17 +2,21 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <iterator>
+#include <map>
 #include <unordered_set>
 #include <utility>
 
 #include "base/ascii.h"
+#include "cli/html_references.h"
 #include "cli/mail_text.h"
+#include "cli/safe_css.h"
+#include "cli/text.h"
 
 namespace zqv::cli {
 namespace {
 
-using base::EqualsIgnoringCase;
 using base::LowerAscii;
 
 constexpr std::size_t kNowhere = std::string_view::npos;
@@ -22,25 +26,25 @@ using Names = std::unordered_set<std::string_view>;
 
 const Names& Elements() {
   static const Names kNames = {
-      "a",     "abbr",     "address",    "article", "aside",   "b",      "bdi",  "bdo",
-      "big",   "body",     "blockquote", "br",      "caption", "center", "cite", "code",
-      "col",   "colgroup", "dd",         "del",     "dfn",     "dir",    "div",  "dl",
-      "dt",    "em",       "figcaption", "figure",  "font",    "footer", "h1",   "h2",
-      "h3",    "h4",       "h5",         "h6",      "header",  "hr",     "i",    "img",
-      "ins",   "kbd",      "li",         "main",    "mark",    "menu",   "nav",  "nobr",
-      "ol",    "p",        "pre",        "q",       "rp",      "rt",     "ruby", "s",
-      "samp",  "section",  "small",      "span",    "strike",  "strong", "sub",  "sup",
-      "table", "tbody",    "td",         "tfoot",   "th",      "thead",  "tr",   "tt",
-      "u",     "ul",       "var",        "wbr"};
+      "a",        "abbr",       "address", "article", "aside",  "b",    "bdi",  "bdo",
+      "big",      "blockquote", "br",      "caption", "center", "cite", "code", "col",
+      "colgroup", "dd",         "del",     "dfn",     "dir",    "div",  "dl",   "dt",
+      "em",       "figcaption", "figure",  "font",    "footer", "h1",   "h2",   "h3",
+      "h4",       "h5",         "h6",      "header",  "hr",     "i",    "img",  "ins",
+      "kbd",      "li",         "main",    "mark",    "menu",   "nav",  "nobr", "ol",
+      "p",        "pre",        "q",       "rp",      "rt",     "ruby", "s",    "samp",
+      "section",  "small",      "span",    "strike",  "strong", "sub",  "sup",  "table",
+      "tbody",    "td",         "tfoot",   "th",      "thead",  "tr",   "tt",   "u",
+      "ul",       "var",        "wbr"};
   return kNames;
 }
 
 const Names& Attributes() {
   static const Names kNames = {
-      "align",   "alt",      "bgcolor", "border", "cellpadding", "cellspacing", "class", "color",
-      "colspan", "compact",  "dir",     "face",   "height",      "hspace",      "id",    "lang",
-      "nowrap",  "reversed", "rowspan", "size",   "span",        "start",       "style", "text",
-      "title",   "type",     "valign",  "value",  "vspace",      "width"};
+      "align", "alt",     "bgcolor", "border",   "cellpadding", "cellspacing", "class",
+      "color", "colspan", "compact", "dir",      "face",        "height",      "hspace",
+      "id",    "lang",    "nowrap",  "reversed", "rowspan",     "size",        "span",
+      "start", "title",   "type",    "valign",   "value",       "vspace",      "width"};
   return kNames;
 }
 
@@ -51,17 +55,19 @@ const Names& RawElements() {
   return kNames;
 }
 
-// What ends with its start tag, or is closed for good by its end tag too early.
+// Elements that part the words on both sides.
+const Names& PartingElements() {
+  static const Names kNames = {"br", "div", "li", "p", "table", "td", "th", "tr"};
+  return kNames;
+}
+
+// What ends with its start tag.
 bool HasNoEndTag(std::string_view element) {
   return element == "br" || element == "col" || element == "hr" || element == "img" ||
-         element == "wbr" || element == "body";
+         element == "wbr";
 }
 
 bool Holds(const Names& names, std::string_view name) { return names.find(name) != names.end(); }
-
-bool StartsWith(std::string_view text, std::string_view start) {
-  return EqualsIgnoringCase(text.substr(0, start.size()), start);
-}
 
 // A picture that is in the text itself.
 bool IsPictureUri(std::string_view uri) {
@@ -69,17 +75,41 @@ bool IsPictureUri(std::string_view uri) {
          uri.find_first_of("&<>\"'") == kNowhere;
 }
 
+// A color of HTML ("#fff", "fff000", "red") as one of CSS; empty for anything else.
+std::string ColorOf(std::string_view value) {
+  constexpr std::size_t kDigits = 6;
+  std::string_view digits = value;
+  if (StartsWith(digits, "#")) digits.remove_prefix(1);
+  const bool is_number = std::all_of(digits.begin(), digits.end(),
+                                     [](char c) { return base::HexadecimalValue(c) >= 0; });
+  if (is_number && (digits.size() == kDigits || digits.size() == kDigits / 2)) {
+    return '#' + std::string(digits);
+  }
+  const bool is_word = std::all_of(value.begin(), value.end(), base::IsLetter);
+  return is_word ? std::string(value) : std::string();
+}
+
 // Reads the text once, from its front.
 class Cleaner {
  public:
   Cleaner(std::string_view html, const PictureOf& picture) : rest_(html), picture_(picture) {}
 
-  std::string Run() {
+  SafeLetter Run() {
     while (!rest_.empty()) {
-      AppendText(Take(rest_.find('<')));
+      ReadText(Take(rest_.find('<')));
       if (!rest_.empty()) ReadMarkup();
     }
-    return std::move(safe_);
+    SafeLetter letter;
+    using std::literals::string_view_literals::operator""sv;
+    for (const std::string_view text : {"<"sv, kLetterRoot, "><"sv, kLetterBody}) {
+      letter.html += text;
+    }
+    letter.html += BodyAttributes() + '>' + safe_;
+    for (const std::string_view text : {"</"sv, kLetterBody, "></"sv, kLetterRoot, ">"sv}) {
+      letter.html += text;
+    }
+    letter.links = std::move(links_);
+    return letter;
   }
 
  private:
@@ -98,17 +128,19 @@ class Cleaner {
 
   void SkipBlanks() { Take(rest_.find_first_not_of(kBlanks)); }
 
+  void AppendText(std::string_view text) { AppendSafe(text, &safe_); }
+
   // Content or an attribute's value: references stay, what could end it does not.
-  void AppendText(std::string_view text) {
+  static void AppendSafe(std::string_view text, std::string* to) {
     for (const char c : text) {
       if (c == '<') {
-        safe_ += "&lt;";
+        *to += "&lt;";
       } else if (c == '>') {
-        safe_ += "&gt;";
+        *to += "&gt;";
       } else if (c == '"') {
-        safe_ += "&quot;";
+        *to += "&quot;";
       } else {
-        safe_ += c;
+        *to += c;
       }
     }
   }
@@ -128,8 +160,15 @@ class Cleaner {
       Take(2);
       ReadTag(true);
     } else {
-      AppendText(Take(1));
+      ReadText(Take(1));
     }
+  }
+
+  void ReadText(std::string_view text) {
+    AppendText(text);
+    // Of a text much longer than a list shows, only the beginning is decoded.
+    constexpr std::size_t kMostLinkText = 4096;
+    links_.AppendText(WithoutReferences(text.substr(0, kMostLinkText), HtmlPlace::kContent));
   }
 
   std::string ReadName(std::string_view ends) {
@@ -148,7 +187,9 @@ class Cleaner {
       safe_ += element;
     }
     const bool is_written = safe_.size() > before;
-    const bool is_whole = ReadAttributes(is_written && !is_end ? element : std::string());
+    if (element == "a") links_.EndText();
+    if (Holds(PartingElements(), element)) links_.AppendText(" ");
+    const bool is_whole = ReadAttributes(is_end ? std::string() : element, is_written);
     if (!is_whole) {
       safe_.resize(before);
     } else if (is_written) {
@@ -157,9 +198,10 @@ class Cleaner {
     if (!is_end && Holds(RawElements(), element)) ReadRawContent(element);
   }
 
-  // Up to ">", and that too; false when the text ends first. Writes those that `element` may have;
-  // none for an empty name.
-  bool ReadAttributes(const std::string& element) {
+  // Up to ">", and that too; false when the text ends first. Of a start tag, `element` is the name;
+  // those that the element may have are written when it `is_written` itself.
+  bool ReadAttributes(const std::string& element, bool is_written) {
+    bool has_target = false;
     while (true) {
       Take(rest_.find_first_not_of(" \t\n\r\f/"));
       if (rest_.empty()) return false;
@@ -175,7 +217,10 @@ class Cleaner {
         SkipBlanks();
         value = ReadValue();
       }
-      if (!element.empty()) AppendAttribute(element, name, value);
+      if (element.empty()) continue;
+      has_target = has_target || NoteTarget(element, name, value);  // of two the first one counts
+      if (is_written) AppendAttribute(element, name, value);
+      if (element == "body") body_.emplace(name, value);  // the first one counts
     }
     Take(1);
     return true;
@@ -193,28 +238,92 @@ class Cleaner {
 
   void AppendAttribute(std::string_view element, std::string_view name, std::string_view value) {
     if (element == "a" && name == "title") return;
+    if (element == "img" && name == "alt") {
+      links_.AppendText(WithoutReferences(value, HtmlPlace::kAttribute));
+    }
     if (element == "a" && name == "href") name = "title";
-    std::string uri;
+    std::string made;
     if (element == "img" && name == "src") {
-      uri = PictureFor(value);
-      if (uri.empty()) return;
-      value = uri;
+      made = PictureFor(value);
+      if (made.empty()) return;
+      value = made;
+    } else if (name == "style") {
+      return AppendStyle(WithoutReferences(value, HtmlPlace::kAttribute), &safe_);
     } else if (!Holds(Attributes(), name)) {
       return;
     }
-    safe_ += ' ';
-    safe_ += name;
-    safe_ += "=\"";
-    AppendText(value);
-    safe_ += '"';
+    AppendQuoted(name, value, &safe_);
   }
 
+  static void AppendQuoted(std::string_view name, std::string_view value, std::string* to) {
+    to->append(1, ' ').append(name).append("=\"");
+    AppendSafe(value, to);
+    *to += '"';
+  }
+
+  // `css` has no references.
+  void AppendStyle(std::string_view css, std::string* to) const {
+    const std::string safe = SafeDeclarations(css, PictureReader());
+    std::string escaped;
+    for (const char c : safe) escaped += c == '&' ? std::string("&amp;") : std::string(1, c);
+    AppendQuoted("style", escaped, to);
+  }
+
+  // The colors that a body element has for attributes have no meaning on another one.
+  std::string BodyAttributes() const {
+    std::string attributes;
+    std::string style;
+    const auto value_of = [this](std::string_view name) {
+      const auto found = body_.find(name);
+      const std::string_view value = found == body_.end() ? std::string_view() : found->second;
+      return WithoutReferences(value, HtmlPlace::kAttribute);
+    };
+    for (const auto& [name, property] :
+         {std::pair("bgcolor", "background-color"), std::pair("text", "color")}) {
+      const std::string color = ColorOf(value_of(name));
+      if (!color.empty()) style.append(property).append(": ").append(color).append("; ");
+    }
+    style += value_of("style");
+    if (!style.empty()) AppendStyle(style, &attributes);
+    for (const auto& [name, value] : body_) {
+      if (name != "bgcolor" && Holds(Attributes(), name)) AppendQuoted(name, value, &attributes);
+    }
+    return attributes;
+  }
+
+  // What a reader may want to know before it is clicked on elsewhere. False for another attribute.
+  bool NoteTarget(std::string_view element, std::string_view name, std::string_view value) {
+    struct Place {
+      std::string_view element;
+      std::string_view attribute;
+      LinkKind kind;
+    };
+    static constexpr Place kPlaces[] = {{"a", "href", LinkKind::kLink},
+                                        {"a", "xlink:href", LinkKind::kLink},
+                                        {"area", "href", LinkKind::kArea},
+                                        {"form", "action", LinkKind::kForm},
+                                        {"button", "formaction", LinkKind::kButton},
+                                        {"input", "formaction", LinkKind::kButton},
+                                        {"base", "href", LinkKind::kBase}};
+    for (const Place& place : kPlaces) {
+      if (element != place.element || name != place.attribute) continue;
+      links_.Add(place.kind, WithoutReferences(value, HtmlPlace::kAttribute));
+      return true;
+    }
+    return false;
+  }
+
+  // Of `source`, which may have blanks in front; empty when it is not in the message.
   std::string PictureFor(std::string_view source) const {
     constexpr std::string_view kContentId = "cid:";
     source.remove_prefix(std::min(source.find_first_not_of(kBlanks), source.size()));
     if (IsPictureUri(source)) return std::string(source);
     if (!StartsWith(source, kContentId)) return {};
     return picture_(Unescaped(source.substr(kContentId.size())));
+  }
+
+  PictureAt PictureReader() const {
+    return [this](std::string_view url) { return PictureFor(url); };
   }
 
   // Behind the start tag, up to the end tag. Without one, everything.
@@ -225,18 +334,20 @@ class Cleaner {
     const std::string_view content = Take(at);
     if (element != "style" || at == kNowhere) return;
     safe_ += "<style>";
-    safe_ += content;
+    safe_ += SafeStyleSheet(content, PictureReader());
     safe_ += "</style>";
   }
 
   std::string_view rest_;
   std::string safe_;
+  LinkList links_;
+  std::map<std::string, std::string_view, std::less<>> body_;  // attributes of body elements
   const PictureOf& picture_;
 };
 
 }  // namespace
 
-std::string SafeHtml(std::string_view html, const PictureOf& picture) {
+SafeLetter SafeHtml(std::string_view html, const PictureOf& picture) {
   // Before anything is read: what only looks like another name must not become that name later.
   std::string visible;
   std::copy_if(html.begin(), html.end(), std::back_inserter(visible), [](char c) {

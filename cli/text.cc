@@ -154,6 +154,10 @@ std::string Lowered(std::string_view text) {
   return lower;
 }
 
+bool StartsWith(std::string_view text, std::string_view start) {
+  return base::EqualsIgnoringCase(text.substr(0, start.size()), start);
+}
+
 std::size_t DisplayWidth(std::string_view text) { return Fit(text, kAnyWidth).columns; }
 
 std::string CutToWidth(std::string_view text, std::size_t width) {

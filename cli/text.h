@@ -45,6 +45,9 @@ std::optional<std::size_t> ReadNumber(std::string_view text);
 // `text` with its ASCII letters in lower case.
 std::string Lowered(std::string_view text);
 
+// Whether `text` begins with `start`, but for the case of ASCII letters.
+bool StartsWith(std::string_view text, std::string_view start);
+
 // `text` without spaces and tabs at both ends.
 std::string_view Trim(std::string_view text);
 

@@ -48,6 +48,23 @@ CodePoint FirstCodePoint(std::string_view text) {
   return {value, lead.bytes, true};
 }
 
+void AppendUtf8(char32_t c, std::string* text) {
+  const auto append = [text](char32_t byte) { *text += static_cast<char>(byte); };
+  const auto append_rest = [&](unsigned shift) { append(0x80U | (c >> shift & 0x3FU)); };
+  if (c < 0x80) return append(c);
+  if (c < 0x800) {
+    append(0xC0U | c >> 6U);
+  } else if (c < 0x10000) {
+    append(0xE0U | c >> 12U);
+    append_rest(6);
+  } else {
+    append(0xF0U | c >> 18U);
+    append_rest(12);
+    append_rest(6);
+  }
+  append_rest(0);
+}
+
 std::size_t WholeSequences(std::string_view text, std::size_t most) {
   std::size_t length = 0;
   while (length < text.size()) {
