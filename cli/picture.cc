@@ -36,10 +36,10 @@ std::string_view PictureType(std::string_view bytes) {
   return {};
 }
 
-std::string Pictures::DataUri(std::string_view bytes) {
+std::string Pictures::DataUri(std::string_view bytes, std::size_t copies) {
   const std::string_view type = PictureType(bytes);
-  if (type.empty() || bytes.size() > kMostBytes || bytes.size() > left_) return {};
-  left_ -= bytes.size();
+  if (type.empty() || bytes.size() > kMostBytes || bytes.size() > left_ / copies) return {};
+  left_ -= bytes.size() * copies;
   std::string uri = "data:";
   uri += type;
   uri += ";base64,";

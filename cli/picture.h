@@ -14,8 +14,9 @@ std::string_view PictureType(std::string_view bytes);
 // Makes data URIs until they are too many: a message may show one picture thousands of times.
 class Pictures {
  public:
-  // Empty for what is no picture, for a large one, and when enough were given.
-  std::string DataUri(std::string_view bytes);
+  // Empty for what is no picture, for a large one, and when enough were given. `copies`: how often
+  // the page holds what this gives.
+  std::string DataUri(std::string_view bytes, std::size_t copies = 1);
 
  private:
   static constexpr std::size_t kMostBytes = 8U << 20U;  // of one picture

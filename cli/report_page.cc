@@ -156,7 +156,8 @@ class PageWriter {
   std::string PictureOfId(std::string_view id) {
     const auto found = by_id_.find(std::string(BareId(id)));
     if (found == by_id_.end()) return {};
-    return pictures_.DataUri(reading_.files().Data(*found->second).bytes());
+    constexpr std::size_t kCopies = 2;  // in the frame and in what is printed
+    return pictures_.DataUri(reading_.files().Data(*found->second).bytes(), kCopies);
   }
 
   void WriteHtml() {

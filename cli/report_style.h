@@ -45,8 +45,8 @@ section.odd { background: var(--odd-ground); border-color: var(--odd-line); }
 section.odd h2 { color: var(--odd); }
 .file, .note { color: var(--faint); font-size: .9rem; margin: 0; overflow-wrap: anywhere; }
 .note { margin-top: .6rem; }
-dl { display: grid; grid-template-columns: max-content 1fr; gap: .3rem 1.1rem; margin: 0; }
-dt { color: var(--faint); }
+dl { display: grid; grid-template-columns: fit-content(35%) minmax(0, 1fr); gap: .3rem 1.1rem; margin: 0; }
+dt { color: var(--faint); overflow-wrap: anywhere; }
 dd { margin: 0; overflow-wrap: anywhere; unicode-bidi: isolate; }
 pre {
   margin: 0; white-space: pre-wrap; overflow-wrap: anywhere; tab-size: 4;
@@ -58,7 +58,7 @@ pre {
   border: 1px solid var(--line); border-radius: .4rem; background: #fff; color-scheme: light;
 }
 .copy { max-height: max(20rem, 85vh); opacity: 0; overflow: hidden; contain: content; }
-.copy > template { display: block; height: 26rem; }
+.copy template { display: block; height: 26rem; }
 iframe { position: absolute; inset: 0; width: 100%; height: 100%; border: 0; background: #fff; }
 ul { list-style: none; margin: 0; padding: 0; }
 .findings li { display: flex; gap: .1rem 1rem; flex-wrap: wrap; padding: .3rem 0; }
@@ -92,7 +92,9 @@ summary:hover .type, summary:focus-visible .type { color: var(--accent); }
 .within { padding: .35rem 0 .9rem 1.7rem; }
 .within pre { margin-top: .8rem; padding-top: .8rem; border-top: 1px dashed var(--line); }
 .fields { font-size: .875rem; }
-.links li, .sums li { display: flex; flex-direction: column; padding: .45rem 0; overflow-wrap: anywhere; }
+.links li, .sums li {
+  display: flex; flex-direction: column; padding: .45rem 0; overflow-wrap: anywhere;
+}
 .links li + li, .sums li + li { border-top: 1px solid var(--line); }
 .links .says, .links .goes, .sums .name { unicode-bidi: isolate; }
 .links .goes { color: var(--faint); font-size: .875rem; }
@@ -121,8 +123,8 @@ code { font: .8rem/1.5 ui-monospace, "SF Mono", Menlo, Consolas, "DejaVu Sans Mo
   iframe { display: none; }
   .letter { display: block; resize: none; }
   .copy { max-height: none; opacity: 1; }
-  .copy > template { height: auto; }
-  .copy > template::after { content: "This browser does not print the HTML of the message."; }
+  .copy template { height: auto; }
+  .copy template::after { content: "This browser does not print the HTML of the message."; }
 }
 </style>
 )";

@@ -49,8 +49,10 @@ const links = Array.from(new Set(Array.from(document.querySelectorAll("a[href]")
 })();"""
 
 
-class Case(unittest.TestCase):
+class Case(browser.Window, unittest.TestCase):
     """A test with the page, just made, in a browser."""
+
+    shots = OPTIONS.shots
 
     @classmethod
     def setUpClass(cls):
@@ -66,23 +68,9 @@ class Case(unittest.TestCase):
         cls.browser = browser.start()
         cls.addClassCleanup(cls.browser.quit)
 
-    def command(self, name, **values):
-        self.browser.execute_cdp_cmd(name, values)
-
-    def size(self, width, height):
-        self.command("Emulation.setDeviceMetricsOverride", width=width, height=height,
-                     deviceScaleFactor=1, mobile=False)
-
-    def appearance(self, scheme):
-        self.command("Emulation.setEmulatedMedia",
-                     features=[{"name": "prefers-color-scheme", "value": scheme}])
-
     def open(self, anchor=""):
         self.browser.get("about:blank")
         self.browser.get(self.page.as_uri() + anchor)
-
-    def script(self, code, *arguments):
-        return self.browser.execute_script(code, *arguments)
 
     def query(self):
         return self.browser.find_element(By.ID, "query")
@@ -101,11 +89,6 @@ class Case(unittest.TestCase):
 
     def anchor(self):
         return self.script("return location.hash")
-
-    def shoot(self, name):
-        if OPTIONS.shots:
-            OPTIONS.shots.mkdir(parents=True, exist_ok=True)
-            self.browser.save_screenshot(str(OPTIONS.shots / f"{name}.png"))
 
 
 class PageTest(Case):

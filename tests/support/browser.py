@@ -1,7 +1,10 @@
 """A browser without a window, for tests that look at pages."""
 
+import base64
 import os
+import pathlib
 import shutil
+import subprocess
 import time
 
 try:
@@ -38,3 +41,45 @@ def wait_for_console(driver, seconds=20):
         if said or time.monotonic() > deadline:
             return said
         time.sleep(0.05)
+
+
+class Window:
+    """For a test case with a browser: what it does with `self.browser`, and pictures of the page in
+    the folder `self.shots`, if it is not None."""
+
+    browser = None
+    shots = None
+
+    def command(self, name, **values):
+        return self.browser.execute_cdp_cmd(name, values)
+
+    def size(self, width, height):
+        self.command("Emulation.setDeviceMetricsOverride", width=width, height=height,
+                     deviceScaleFactor=1, mobile=False)
+
+    def appearance(self, scheme):
+        self.command("Emulation.setEmulatedMedia",
+                     features=[{"name": "prefers-color-scheme", "value": scheme}])
+
+    def script(self, code, *arguments):
+        return self.browser.execute_script(code, *arguments)
+
+    def shoot(self, name):
+        if self.shots:
+            folder = pathlib.Path(self.shots)
+            folder.mkdir(parents=True, exist_ok=True)
+            self.browser.save_screenshot(str(folder / f"{name}.png"))
+
+    def printed(self, **options):
+        """The page as the bytes of a PDF."""
+        return base64.b64decode(self.command("Page.printToPDF", **options)["data"])
+
+
+PDF_READER = shutil.which("pdftotext")  # of Debian's poppler-utils
+
+
+def text_of_pdf(data):
+    """The words of a PDF, with single blanks between them."""
+    run = subprocess.run([PDF_READER, "-", "-"], input=data, stdout=subprocess.PIPE, check=True,
+                         timeout=60)
+    return " ".join(run.stdout.decode("utf-8").split())
