@@ -39,7 +39,7 @@ h2 { font-size: 1.05rem; margin: 0 0 .75rem; }
 h2 small { font-weight: normal; color: var(--faint); margin-left: .35em; }
 section {
   background: var(--card); border: 1px solid var(--line); border-radius: .6rem;
-  padding: 1rem 1.15rem; margin-top: 1rem;
+  padding: 1rem 1.125rem; margin-top: 1rem;
 }
 section.odd { background: var(--odd-ground); border-color: var(--odd-line); }
 section.odd h2 { color: var(--odd); }
@@ -57,7 +57,10 @@ pre {
   min-height: 3rem; resize: vertical; contain: layout paint; isolation: isolate;
   border: 1px solid var(--line); border-radius: .4rem; background: #fff; color-scheme: light;
 }
-.copy { max-height: max(20rem, 85vh); opacity: 0; overflow: hidden; contain: content; }
+.copy {
+  max-height: max(20rem, 85vh); padding-bottom: 1px;
+  opacity: 0; overflow: hidden; contain: content;
+}
 .copy template { display: block; height: 26rem; }
 iframe { position: absolute; inset: 0; width: 100%; height: 100%; border: 0; background: #fff; }
 ul { list-style: none; margin: 0; padding: 0; }
@@ -105,8 +108,8 @@ summary:hover .type, summary:focus-visible .type { color: var(--accent); }
 .sums .about { color: var(--faint); font-size: .85rem; }
 code { font: .8rem/1.5 ui-monospace, "SF Mono", Menlo, Consolas, "DejaVu Sans Mono", monospace; }
 @media (max-width: 36rem) {
-  main { padding: 1rem .6rem 2rem; }
-  section { padding: .85rem .8rem; }
+  main { padding: 1rem .625rem 2rem; }
+  section { padding: .875rem .75rem; }
   dl { display: block; }
   dd { margin-bottom: .4rem; }
   .parts li { padding-left: 0 !important; }
@@ -142,10 +145,16 @@ code { font: .8rem/1.5 ui-monospace, "SF Mono", Menlo, Consolas, "DejaVu Sans Mo
 // inert and under the frame: all that it does is to give the frame its height. On paper, where
 // nobody can click, the copy is what is shown. Browsers without such shadow trees show the frame at
 // a fixed height and print a note.
-#define ZQV_LETTER_STYLE                                                                       \
-  "zqv-html{display:flow-root;background:#fff;color:#000;font:16px/1.45 system-ui,sans-serif;" \
-  "overflow-wrap:break-word}zqv-body{display:block;margin:.8rem}"                              \
-  "a[title]{color:#0b5cad;text-decoration:underline;cursor:help}img{max-width:100%}"
+//
+// Frames are cut to whole pixels, which could make a line wrap that does not wrap in the copy: all
+// widths around are whole pixels, and the copy is one pixel higher than its text.
+//
+// A wide letter scrolls sideways itself, not its frame, whose bar would take height from it.
+#define ZQV_LETTER_STYLE                                                                  \
+  "zqv-html{display:flow-root;overflow-x:auto;background:#fff;color:#000;"                \
+  "font:16px/1.45 system-ui,sans-serif;overflow-wrap:break-word}"                         \
+  "zqv-body{display:block;margin:.8rem}a[title]{color:#0b5cad;text-decoration:underline;" \
+  "cursor:help}img{max-width:100%}"
 
 // On paper a letter is as high as its text and no wider than the page, whatever it says itself: a
 // layer of important declarations wins over the letter's own.
@@ -163,8 +172,8 @@ inline constexpr char kCopyEnd[] = "</template></div></div>\n";
 // The inside of the frame, up to the message's own. The policy holds for it too.
 inline constexpr char kFrameStart[] =
     R"(<!doctype html><meta http-equiv="Content-Security-Policy" content=")" ZQV_REPORT_POLICY
-    R"("><style>:root{color-scheme:light}body{margin:0}zqv-html{min-height:100vh})" ZQV_LETTER_STYLE
-    "</style>\n";
+    R"("><style>:root{color-scheme:light}html,body{height:100%}body{margin:0})"
+    "zqv-html{min-height:100%}" ZQV_LETTER_STYLE "</style>\n";
 
 #undef ZQV_LETTER_STYLE
 #undef ZQV_REPORT_POLICY

@@ -103,7 +103,8 @@ class WindowCase(browser.Window, ReportCase):
         """By how many pixels the text in the frame is higher than the frame."""
         self.browser.switch_to.frame(self.browser.find_element(By.TAG_NAME, "iframe"))
         try:
-            return self.script("return document.documentElement.scrollHeight - innerHeight")
+            return self.script("return document.documentElement.scrollHeight - "
+                               "document.documentElement.clientHeight")
         finally:
             self.browser.switch_to.default_content()
 
@@ -197,6 +198,13 @@ class FrameTest(WindowCase):
                           "<body text=white style='font-size: 30px'>x"))
         self.assertAlmostEqual(self.frame_height(), 200 + 1.45 * 30, delta=3)
         self.assertEqual(self.frame_scrolls(), 0)
+
+    def test_wide_letter(self):
+        # The bar with which the frame scrolls sideways takes room, too.
+        self.size(NARROW, 900)
+        self.show(message("<table width=900><tr><td>x</table><p>" + "word " * 40))
+        self.assertEqual(self.frame_scrolls(), 0)
+        self.assertEqual(self.wider(), 0)
 
     def test_letter_without_text(self):
         self.show(message("<img src='https://a.example/'>"))

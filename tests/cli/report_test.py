@@ -467,13 +467,25 @@ class BrowserTest(browser.Window, ReportCase):
         # As if the text had been put into the frame as it is. Why it is not: for these two the
         # browser opens a connection before it asks the policy.
         early = ("connection", "frame")
-        tricks = [trick for name, trick in LOADING.items() if name not in early]
-        tricks = self.armed("".join(tricks) + BREAKING.replace("\0", "") + WAITING)
-        page = self.page(message("MARK", subject="Alone"))
-        self.assertEqual(page.count("MARK"), 1)
-        self.open(page.replace("MARK", html.escape(tricks)))
+        tricks = "".join(trick for name, trick in LOADING.items() if name not in early)
+        self.open(self.with_raw_text(frame=tricks + BREAKING.replace("\0", "") + WAITING))
         self.assertEqual(self.browser.title, "Alone")
         self.assertEqual(self.server.take(), 0)
+
+    def test_policy_holds_alone(self):
+        # The same for the copy; a policy does not stop the page itself from going elsewhere.
+        others = ("connection", "frame", "refresh")
+        tricks = "".join(trick for name, trick in LOADING.items() if name not in others)
+        self.open(self.with_raw_text(copy=tricks + BREAKING.replace("\0", "") + WAITING))
+        self.command("Page.printToPDF", printBackground=True)
+        self.assertEqual(self.browser.title, "Alone")
+        self.assertEqual(self.server.take(), 0)
+
+    def with_raw_text(self, copy="", frame=""):
+        """A page with HTML that was not cleaned."""
+        page = self.page(message("MARK", subject="Alone")).split("MARK")
+        self.assertEqual(len(page), 3)
+        return (page[0] + self.armed(copy) + page[1] + html.escape(self.armed(frame)) + page[2])
 
     def test_good_page(self):
         self.open(self.page(SAMPLES / "attachments.eml"))
