@@ -27,6 +27,7 @@ class LinkList {
   // Text of the link that was added last, while it lasts; nothing happens without one.
   void AppendText(std::string_view text);
   void EndText() { is_open_ = false; }
+  bool takes_text() const { return is_open_; }
 
   const std::vector<Link>& list() const { return links_; }
   std::size_t left_out() const { return left_out_; }

@@ -45,7 +45,10 @@ section.odd { background: var(--odd-ground); border-color: var(--odd-line); }
 section.odd h2 { color: var(--odd); }
 .file, .note { color: var(--faint); font-size: .9rem; margin: 0; overflow-wrap: anywhere; }
 .note { margin-top: .6rem; }
-dl { display: grid; grid-template-columns: fit-content(35%) minmax(0, 1fr); gap: .3rem 1.1rem; margin: 0; }
+dl {
+  display: grid; grid-template-columns: fit-content(35%) minmax(0, 1fr); gap: .3rem 1.1rem;
+  margin: 0;
+}
 dt { color: var(--faint); overflow-wrap: anywhere; }
 dd { margin: 0; overflow-wrap: anywhere; unicode-bidi: isolate; }
 pre {
@@ -163,8 +166,9 @@ inline constexpr char kCopyStart[] =
     ":host{all:initial;display:block;color-scheme:light}" ZQV_LETTER_STYLE
     R"(
 @media print{@layer paper{
-*{max-width:100%!important;max-height:none!important;min-width:0!important;overflow:visible!important;
-text-wrap-mode:wrap!important;overflow-wrap:anywhere!important;content-visibility:visible!important}
+*{max-width:100%!important;max-height:none!important;min-width:0!important;
+overflow:visible!important;text-wrap-mode:wrap!important;overflow-wrap:anywhere!important;
+content-visibility:visible!important}
 :not(img,hr){height:auto!important}
 }}</style>)";
 inline constexpr char kCopyEnd[] = "</template></div></div>\n";

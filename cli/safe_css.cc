@@ -15,70 +15,23 @@ using Names = std::unordered_set<std::string_view>;
 bool Holds(const Names& names, const std::string& name) { return names.find(name) != names.end(); }
 
 bool IsSafeValueFunction(const std::string& name) {
+  // clang-format off
   static const Names kNames = {
-      "blur",
-      "brightness",
-      "calc",
-      "circle",
-      "clamp",
-      "color",
-      "color-mix",
-      "conic-gradient",
-      "contrast",
-      "counter",
-      "counters",
-      "cubic-bezier",
-      "drop-shadow",
-      "ellipse",
-      "fit-content",
-      "grayscale",
-      "hsl",
-      "hsla",
-      "hue-rotate",
-      "hwb",
-      "inset",
-      "invert",
-      "lab",
-      "lch",
-      "linear-gradient",
-      "matrix",
-      "max",
-      "min",
-      "minmax",
-      "oklab",
-      "oklch",
-      "opacity",
-      "perspective",
-      "polygon",
-      "radial-gradient",
-      "rect",
-      "repeat",
-      "repeating-conic-gradient",
-      "repeating-linear-gradient",
-      "repeating-radial-gradient",
-      "rgb",
-      "rgba",
-      "rotate",
-      "saturate",
-      "scale",
-      "scalex",
-      "scaley",
-      "sepia",
-      "skew",
-      "skewx",
-      "skewy",
-      "steps",
-      "translate",
-      "translatex",
-      "translatey",
-      "var",
-  };
+      "blur", "brightness", "calc", "circle", "clamp", "color", "color-mix", "conic-gradient",
+      "contrast", "counter", "counters", "cubic-bezier", "drop-shadow", "ellipse",
+      "fit-content", "grayscale", "hsl", "hsla", "hue-rotate", "hwb", "inset", "invert", "lab",
+      "lch", "linear-gradient", "matrix", "max", "min", "minmax", "oklab", "oklch", "opacity",
+      "perspective", "polygon", "radial-gradient", "rect", "repeat", "repeating-conic-gradient",
+      "repeating-linear-gradient", "repeating-radial-gradient", "rgb", "rgba", "rotate",
+      "saturate", "scale", "scalex", "scaley", "sepia", "skew", "skewx", "skewy", "steps",
+      "translate", "translatex", "translatey", "var"};
+  // clang-format on
   return Holds(kNames, name);
 }
 
 bool IsSafeSelectorFunction(const std::string& name) {
   static const Names kNames = {
-      "dir",         "has",  "is", "lang", "not", "nth-child", "nth-last-child", "nth-last-of-type",
+      "dir",         "is",   "lang", "not", "nth-child", "nth-last-child", "nth-last-of-type",
       "nth-of-type", "where"};
   return Holds(kNames, name);
 }

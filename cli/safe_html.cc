@@ -166,6 +166,7 @@ class Cleaner {
 
   void ReadText(std::string_view text) {
     AppendText(text);
+    if (!links_.takes_text()) return;
     // Of a text much longer than a list shows, only the beginning is decoded.
     constexpr std::size_t kMostLinkText = 4096;
     links_.AppendText(WithoutReferences(text.substr(0, kMostLinkText), HtmlPlace::kContent));

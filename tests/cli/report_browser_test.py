@@ -244,7 +244,8 @@ class PaperTest(WindowCase):
         self.assertIn("LASTLINE", words)
 
     def test_closed_parts_are_open(self):
-        words = self.paper(message("x", "Content-Type: text/csv\nX-Closed: CLOSEDFIELD\n\nCLOSEDTEXT"))
+        part = "Content-Type: text/csv\nX-Closed: CLOSEDFIELD\n\nCLOSEDTEXT"
+        words = self.paper(message("x", part))
         self.assertEqual(self.script("return document.querySelectorAll('details[open]').length"), 1)
         self.assertIn("CLOSEDFIELD", words)
         self.assertIn("CLOSEDTEXT", words)
