@@ -61,7 +61,7 @@ pre {
   border: 1px solid var(--line); border-radius: .4rem; background: #fff; color-scheme: light;
 }
 .copy {
-  max-height: max(20rem, 85vh); padding-bottom: 1px;
+  max-height: max(20rem, 85vh); padding-bottom: 1px; scrollbar-gutter: stable;
   opacity: 0; overflow: hidden; contain: content;
 }
 .copy template { display: block; height: 26rem; }
@@ -128,7 +128,7 @@ code { font: .8rem/1.5 ui-monospace, "SF Mono", Menlo, Consolas, "DejaVu Sans Mo
   details:not([open])::details-content { content-visibility: visible; }
   iframe { display: none; }
   .letter { display: block; resize: none; }
-  .copy { max-height: none; opacity: 1; }
+  .copy { max-height: none; scrollbar-gutter: auto; opacity: 1; }
   .copy template { height: auto; }
   .copy template::after { content: "This browser does not print the HTML of the message."; }
 }
@@ -151,6 +151,10 @@ code { font: .8rem/1.5 ui-monospace, "SF Mono", Menlo, Consolas, "DejaVu Sans Mo
 //
 // Frames are cut to whole pixels, which could make a line wrap that does not wrap in the copy: all
 // widths around are whole pixels, and the copy is one pixel higher than its text.
+//
+// Both keep room for a bar that scrolls down, whether it is there or not. Without that room, a
+// frame that is too low while the page is being laid out gets a bar, which makes lines wrap and so
+// stays.
 //
 // A wide letter scrolls sideways itself, not its frame, whose bar would take height from it.
 #define ZQV_LETTER_STYLE                                                                  \
@@ -176,8 +180,8 @@ inline constexpr char kCopyEnd[] = "</template></div></div>\n";
 // The inside of the frame, up to the message's own. The policy holds for it too.
 inline constexpr char kFrameStart[] =
     R"(<!doctype html><meta http-equiv="Content-Security-Policy" content=")" ZQV_REPORT_POLICY
-    R"("><style>:root{color-scheme:light}html,body{height:100%}body{margin:0})"
-    "zqv-html{min-height:100%}" ZQV_LETTER_STYLE "</style>\n";
+    R"("><style>:root{color-scheme:light;scrollbar-gutter:stable}html,body{height:100%})"
+    "body{margin:0}zqv-html{min-height:100%}" ZQV_LETTER_STYLE "</style>\n";
 
 #undef ZQV_LETTER_STYLE
 #undef ZQV_REPORT_POLICY
