@@ -31,6 +31,7 @@ constexpr double kFirstVersionOfNewLayout = 2021.0;
 constexpr int kGapByte = 0xC5;     // what nobody may write into, inside an instance
 constexpr int kFieldsByte = 0xA5;  // fills the unused bytes of an array's fields
 constexpr std::int32_t kWrongLocksBias = 1;
+constexpr std::size_t kFewElements = 16;  // an array has room for, without a ledger
 
 const TypeInfo kStringType{"String"};
 const TypeInfo kObjectArrayType{"Array of objects"};
@@ -162,6 +163,8 @@ ArrayThing* Store::NewArray(int element_type, std::int64_t upper_bound, const ch
   auto* const array =
       Begin<ArrayThing>(kArraySize, sizeof(ArrayThing), type, ThingKind::kArray, creator);
   array->body = new (array + 1) ArrayBody{element_type, {}, {}};
+  // With a ledger the storage moves as often as it can, which is what a plug-in must bear.
+  if (!ledger_.enabled()) array->body->slots.reserve(kFewElements);
   array->body->slots.resize(static_cast<std::size_t>(upper_bound + 1));
   if (layout_ == ArrayLayout::kWrongLocks) {
     array->lock_bias = kWrongLocksBias;
