@@ -11,7 +11,6 @@
 namespace zqv::abi {
 
 using RBInteger = std::int64_t;
-using RBUInteger = std::uint64_t;
 using RBBoolean = std::int8_t;  // 0 or 1
 using REALproc = void (*)();
 
@@ -122,7 +121,6 @@ inline constexpr int kIntegerElements = 11;
 inline constexpr std::uint32_t kFlagRunTimeOnly = 0x2;
 inline constexpr std::uint32_t kFlagAllTargets = 0x4;
 inline constexpr std::uint32_t kFlagConsole = 0x8;
-inline constexpr std::uint32_t kFlagGlobal = 0x10;
 inline constexpr std::uint32_t kFlagPublic = 0x20;
 inline constexpr std::uint32_t kFlagProtected = 0x40;
 inline constexpr std::uint32_t kFlagPrivate = 0x80;

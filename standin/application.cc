@@ -230,7 +230,6 @@ bool IsWholeDeclaration(std::string_view text, const Declaration& declaration) {
   return text.find('(') != std::string_view::npos || !declaration.result.name.empty();
 }
 
-// The one method of the class line that `text` and the arguments leave.
 // The method of the class itself that was registered with this very text, as a compiler finds it
 // once for all calls; null when there is none that takes the values.
 const Method* FindExactMethod(const std::vector<Method>& methods, std::string_view text,
