@@ -22,8 +22,8 @@ extern std::atomic<bool> DebuggingEnabled;
 
 inline bool IsLogging() { return DebuggingEnabled.load(std::memory_order_relaxed); }
 
-// The text that begins every line. ZQV_LOG passes it as the first string argument of every format.
-inline constexpr char kLogPrefix[] = "ZQV Debug: ";
+// The text that begins every line of ZQV_LOG.
+#define ZQV_LOG_PREFIX "ZQV Debug: "
 
 // Formats like printf and writes the result as one line to the platform's log (system_log.h), even
 // when the switch is off. The result is cut after 4095 bytes.
@@ -31,11 +31,10 @@ inline constexpr char kLogPrefix[] = "ZQV Debug: ";
 
 }  // namespace zqv::base
 
-// Logs a line while debugging is on. The first conversion of `format` must be the %s that takes the
-// prefix. A macro, so that the arguments are not evaluated while debugging is off and the compiler
-// checks them against the format.
-#define ZQV_LOG(format, ...)                                                  \
-  do {                                                                        \
-    if (::zqv::base::IsLogging())                                             \
-      ::zqv::base::LogMessageX(format, ::zqv::base::kLogPrefix, __VA_ARGS__); \
+// Logs a line while debugging is on: ZQV_LOG(FORMAT, ARGUMENT...), as printf takes them; FORMAT is
+// a string literal. A macro, so that the arguments are not evaluated while debugging is off and the
+// compiler checks them against the format.
+#define ZQV_LOG(...)                                                                    \
+  do {                                                                                  \
+    if (::zqv::base::IsLogging()) ::zqv::base::LogMessageX(ZQV_LOG_PREFIX __VA_ARGS__); \
   } while (false)

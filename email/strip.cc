@@ -32,7 +32,7 @@ constexpr std::string_view kLineEnd = "\r\n";
 // Whether a part is to be removed.
 bool IsFile(const mime::Header& header) {
   const std::string_view disposition = header.content_disposition().type();
-  ZQV_LOG("%s%s %s", "IsAttachment", std::string(disposition).c_str());
+  ZQV_LOG("IsAttachment %s", std::string(disposition).c_str());
   return base::EqualsIgnoringCase(disposition, "inline") ||
          base::EqualsIgnoringCase(disposition, "attachment");
 }
@@ -69,7 +69,7 @@ class StayingParts {
         at = part.next_sibling;
         continue;
       }
-      ZQV_LOG("%s%s", "Removed an attachment.");
+      ZQV_LOG("Removed an attachment.");
       stays_[at] = false;
       // While debugging is on, the siblings are examined again from the first after each removal.
       // That repeats lines of the debug log and has no other effect.
@@ -192,9 +192,9 @@ std::string WriteWithoutFiles(std::string_view source) {
   const Message message(source);
   const StayingParts stays(message);
   std::string text = Writer(message, stays).Write();
-  ZQV_LOG("%s%s", "FixLineEndings");
+  ZQV_LOG("FixLineEndings");
   const std::size_t removed = RewriteLineBreaks(text);
-  ZQV_LOG("%s%s %zu", "removed characters", removed);
+  ZQV_LOG("removed characters %zu", removed);
   text.resize(std::min(text.find('\0'), text.size()));
   return text;
 }

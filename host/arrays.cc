@@ -119,7 +119,7 @@ std::int64_t REALGetArrayValueInteger(abi::REALarray array, std::int64_t index) 
 // Returns whether the values are equal; logs `failure` and the value if not.
 bool Expect(std::int64_t value, std::int64_t expected, const char* failure) {
   if (value == expected) return true;
-  ZQV_LOG("%s%s %lld", failure, static_cast<long long>(value));
+  ZQV_LOG("%s %lld", failure, static_cast<long long>(value));
   return false;
 }
 
@@ -137,7 +137,7 @@ bool PassesLayoutTest(abi::REALarray array) {
     return false;
   const char* storage = Storage(array);
   if (storage == nullptr) {
-    ZQV_LOG("%s%s", "data is nil");
+    ZQV_LOG("data is nil");
     return false;
   }
   for (const TestElement& element : kWritten) {
@@ -152,7 +152,7 @@ bool PassesLayoutTest(abi::REALarray array) {
 // through the host and then from memory.
 bool PassesTest(abi::REALarray array) {
   if (array == nullptr) {
-    ZQV_LOG("%s%s", "Failed to allocate array");
+    ZQV_LOG("Failed to allocate array");
     return false;
   }
   if (!Expect(UpperBound(array), kTestUpperBound, "ubound failed")) return false;
@@ -167,7 +167,7 @@ bool PassesTest(abi::REALarray array) {
 
 void TestArrayAccessOnce() {
   if (ArrayAccessTested.exchange(true)) return;
-  ZQV_LOG("%s%s %f", "TestArray", HostVersion());
+  ZQV_LOG("TestArray %f", HostVersion());
   const auto array = ArrayRef::Adopt(
       entry::RuntimeArrayCreateSingleDimBoundedArray(abi::kIntegerElements, kTestUpperBound));
   ArrayAccessSuccess = PassesTest(array.get());
@@ -206,7 +206,7 @@ std::int64_t ArrayCount(abi::REALarray array) {
 
 ObjectRef REALGetArrayObject(abi::REALarray array, std::int64_t index) {
   if (array == nullptr) {
-    ZQV_LOG("%s%s %s", "REALGetArrayObject", "Array is nil");
+    ZQV_LOG("REALGetArrayObject Array is nil");
     return {};
   }
   if (!IsAccessible(array, index)) return {};

@@ -107,7 +107,7 @@ void RaiseCurrentException() noexcept {
   } catch (const std::exception& e) {
     RaiseRuntimeException(e);
   } catch (...) {
-    ZQV_LOG("%s%s", "Unnamed C++ Exception.");
+    ZQV_LOG("Unnamed C++ Exception.");
     RaiseException(kRuntimeException, "Sorry, but there was an unnamed C++ Exception.");
   }
 }

@@ -90,7 +90,7 @@ CFStringRef CreateFromOwnBytes(abi::REALstring string, abi::Encoding encoding) {
     case abi::kUtf32:
       break;
     default:
-      ZQV_LOG("%s%s %u", "other encoding", encoding);
+      ZQV_LOG("other encoding %u", encoding);
   }
   return CreateWithBytes(bytes, encoding, false);
 }

@@ -32,7 +32,7 @@ rbData::rbData(abi::REALstring string) : hold_(StringRef::Share(string)) {
   }
   if (data_ == nullptr) {
     length_ = 0;
-    ZQV_LOG("%s%s", "data is NULL, so size fixed to zero.");
+    ZQV_LOG("data is NULL, so size fixed to zero.");
   }
 }
 

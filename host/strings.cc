@@ -46,7 +46,7 @@ StringRef BuildThroughUtf16(const char32_t* code_points, std::size_t count) {
   if (count * sizeof(char32_t) >= kStackBytes) {
     on_heap = base::AllocateZeroed<char16_t>(2 * count + 1);
     if (on_heap == nullptr) {
-      ZQV_LOG("%s%s", "Out of memory in REALBuildUnicodeStringUTF32.");
+      ZQV_LOG("Out of memory in REALBuildUnicodeStringUTF32.");
       return {};
     }
     units = on_heap.get();
@@ -87,7 +87,7 @@ StringRef Build(std::string_view bytes, abi::Encoding encoding) {
     case abi::kUtf32:
       return BuildUtf32(data, length);
     default:
-      ZQV_LOG("%s%s %u", "Unknown encoding in REALBuildUnicodeString", encoding);
+      ZQV_LOG("Unknown encoding in REALBuildUnicodeString %u", encoding);
   }
   return BuildLabelled(data, length, encoding);
 }
@@ -97,7 +97,7 @@ StringRef Build(std::string_view bytes, abi::Encoding encoding) {
 StringRef BuildStringOrThrow(std::string_view bytes, abi::Encoding encoding) {
   if (bytes.empty()) return {};
   if (bytes.size() > std::numeric_limits<std::int32_t>::max()) {
-    ZQV_LOG("%s%s", "Count too big for REALBuildUnicodeString.");
+    ZQV_LOG("Count too big for REALBuildUnicodeString.");
     return {};
   }
   return Build(bytes, encoding);
@@ -120,7 +120,7 @@ StringRef REALBuildUnicodeString(const void* bytes, std::int64_t length, abi::En
 StringRef REALBuildUnicodeStringUTF16(const char16_t* units, std::int64_t byte_length) {
   const StringRef string = BuildLabelled(units, byte_length, abi::kUtf16);
   if (!string) {
-    ZQV_LOG("%s%s", "Out of memory in REALBuildUnicodeStringUTF16.");
+    ZQV_LOG("Out of memory in REALBuildUnicodeStringUTF16.");
     return {};
   }
   return ConvertToUtf8(string);

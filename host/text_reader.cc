@@ -24,7 +24,6 @@ constexpr std::uint32_t kGuard = 0x5A515654;  // "ZQVT"
 
 // The data of empty views, with zeros at the end as in all views.
 constexpr char kNoBytes[4] = {};
-constexpr char16_t kNoUtf16[2] = {};
 constexpr char32_t kNoUtf32[2] = {};
 
 constexpr char32_t kByteOrderMark = 0xFEFF;
@@ -50,7 +49,7 @@ char32_t SwapBytes(char32_t c) {
 }
 
 void LogIllegal(const base::Conversion& conversion) {
-  if (!conversion.legal) ZQV_LOG("%s%s %zu", "Illegal UTF-8 sequence!", conversion.stopped);
+  if (!conversion.legal) ZQV_LOG("Illegal UTF-8 sequence! %zu", conversion.stopped);
 }
 
 bool IsAligned(const void* data, std::size_t alignment) {
@@ -96,8 +95,8 @@ rbText::rbText(abi::REALstring string)
 }
 
 rbText::~rbText() {
-  if (head_guard_ != kGuard) ZQV_LOG("%s%s %u", "Check1 in rbText invalid", head_guard_);
-  if (tail_guard_ != kGuard) ZQV_LOG("%s%s %u", "Check2 in rbText invalid", tail_guard_);
+  if (head_guard_ != kGuard) ZQV_LOG("Check1 in rbText invalid %u", head_guard_);
+  if (tail_guard_ != kGuard) ZQV_LOG("Check2 in rbText invalid %u", tail_guard_);
 }
 
 // Sets all views to "not made yet" or, for a nil string, to the empty text.
@@ -107,7 +106,6 @@ void rbText::Reset() {
   const std::int64_t length = string_ == nullptr ? 0 : -1;
   ascii_ = {kNoBytes, length};
   utf8_ = {kNoBytes, length};
-  utf16_ = {kNoUtf16, length};
   utf32_ = {kNoUtf32, length};
 }
 
@@ -145,7 +143,7 @@ void rbText::ReadUnknownEncoding() {
   }
   flag_ = true;
   if (data.length() < 0) {
-    ZQV_LOG("%s%s", "Out of Memory.");
+    ZQV_LOG("Out of Memory.");
     return;
   }
   replaced_ = BuildString(data.bytes(), abi::kMacRoman);
@@ -156,7 +154,7 @@ void rbText::ReadUnknownEncoding() {
   // QUIRK: logged once in a process, even when the copy was made. Part of the interface's contract;
   // changing it is a major version. Test: TextReader.SaysOnceThatTheRebuildFailed.
   static std::atomic<bool> g_logged{false};
-  if (!g_logged.exchange(true)) ZQV_LOG("%s%s", "REALBuildUnicodeString failed");
+  if (!g_logged.exchange(true)) ZQV_LOG("REALBuildUnicodeString failed");
 }
 
 // Requests the text in `encoding` from the host; it lives as long as the reader. Returns false, and
@@ -168,7 +166,7 @@ bool rbText::GetHostText(abi::Encoding encoding, const HostTextData** text) {
     *text = &fresh;
     return true;
   }
-  ZQV_LOG("%s%s", "REALGetStringData failed.");
+  ZQV_LOG("REALGetStringData failed.");
   flag_ = true;
   return false;
 }
@@ -183,14 +181,14 @@ void rbText::ConvertUTF8() {
     }
   }
   if (utf8_.length < 1 || utf8_.data[utf8_.length] == '\0') return;
-  ZQV_LOG("%s%s", "String is not zero terminated. Fixed.");
+  ZQV_LOG("String is not zero terminated. Fixed.");
   const auto length = static_cast<std::size_t>(utf8_.length);
   try {
     std::vector<char>& copy = byte_buffers_.emplace_front(length + 4);
     std::copy_n(utf8_.data, length, copy.data());
     utf8_.data = copy.data();
   } catch (const std::bad_alloc&) {
-    ZQV_LOG("%s%s", "Out of memory");
+    ZQV_LOG("Out of memory");
     utf8_ = {kNoBytes, 0};
   }
 }
@@ -201,7 +199,7 @@ char32_t* rbText::NewUtf32Buffer(std::size_t units) {
   try {
     return unit_buffers_.emplace_front(units).data();
   } catch (const std::bad_alloc&) {
-    ZQV_LOG("%s%s", "Out of memory");
+    ZQV_LOG("Out of memory");
     utf32_ = {kNoUtf32, 0};
     return nullptr;
   }
@@ -218,7 +216,7 @@ void rbText::WidenAscii() {
 
 // Makes the UTF-32 view from the UTF-8 view, up to the first ill-formed sequence.
 void rbText::DecodeUtf8() {
-  ZQV_LOG("%s%s", "Try UTF8 to UTF32 conversion...");
+  ZQV_LOG("Try UTF8 to UTF32 conversion...");
   if (utf8_.length < 0) ConvertUTF8();
   if (utf8_.length == 0) return;
   const auto length = static_cast<std::size_t>(utf8_.length);
@@ -241,15 +239,15 @@ void rbText::ReadHostUtf32() {
 void rbText::ConvertUTF32_viaUTF16() {
   utf32_ = {kNoUtf32, 0};
   if (string() == nullptr) return;
-  ZQV_LOG("%s%s", "Try UTF8 to UTF16 conversion...");
+  ZQV_LOG("Try UTF8 to UTF16 conversion...");
   const HostTextData* text = nullptr;
   if (!GetHostText(abi::kUtf16, &text) || text->data() == nullptr) return;
-  ZQV_LOG("%s%s", "Try UTF16 to UTF32 conversion...");
+  ZQV_LOG("Try UTF16 to UTF32 conversion...");
   const std::size_t count = text->byte_length() / sizeof(char16_t);
   char32_t* units = NewUtf32Buffer(count + 4);
   if (units == nullptr) return;
-  utf16_ = {static_cast<const char16_t*>(text->data()), static_cast<std::int64_t>(count)};
-  const base::Conversion conversion = base::Utf16ToUtf32(utf16_.data, count, units);
+  const base::Conversion conversion =
+      base::Utf16ToUtf32(static_cast<const char16_t*>(text->data()), count, units);
   LogIllegal(conversion);
   utf32_ = {units, static_cast<std::int64_t>(conversion.written)};
 }
@@ -277,7 +275,7 @@ void rbText::TerminateUtf32() {
   const auto count = static_cast<std::size_t>(utf32_.length);
   const bool aligned = IsAligned(utf32_.data, alignof(char32_t));
   if (aligned && utf32_.data[count] == 0) return;
-  if (aligned) ZQV_LOG("%s%s", "String is not zero terminated. Fixed.");
+  if (aligned) ZQV_LOG("String is not zero terminated. Fixed.");
   const char* source = reinterpret_cast<const char*>(utf32_.data);
   char32_t* units = NewUtf32Buffer(count + 1);
   if (units == nullptr) return;
@@ -288,7 +286,7 @@ void rbText::TerminateUtf32() {
 // Swaps the byte order of the UTF-32 view when it begins with a byte-order mark in the other order.
 void rbText::SwapUtf32() {
   if (utf32_.length < 1 || utf32_.data[0] != kSwappedMark32) return;
-  ZQV_LOG("%s%s", "String is Little Endian. Swap.");
+  ZQV_LOG("String is Little Endian. Swap.");
   const char32_t* source = utf32_.data;
   const std::int64_t length = utf32_.length;
   char32_t* units = NewUtf32Buffer(static_cast<std::size_t>(length) + 1);

@@ -99,7 +99,6 @@ class rbText {
   StringRef replaced_;        // for a text of unknown encoding: a copy labelled Mac Roman
   TextView<char> ascii_;
   TextView<char> utf8_;
-  TextView<char16_t> utf16_;
   TextView<char32_t> utf32_;
   // Memory that the views point into. Lists, so that adding a buffer moves no other.
   std::forward_list<std::vector<char>> byte_buffers_;

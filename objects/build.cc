@@ -121,7 +121,7 @@ void CompleteSinglePart(MimeEntityClassData& record, const mime::Message& messag
   } else if (email::IsText(type.type(), type.subtype(), "html")) {
     if (!record.HTMLText) StoreHtmlText(record, record.BodyDecoded);
   } else {
-    ZQV_LOG("%s%s", "no mime type, make it text");
+    ZQV_LOG("no mime type, make it text");
     record.PlainText.Put(record.BodyDecoded.Share());
   }
 }
@@ -131,7 +131,7 @@ void ParseAndBuild(MimeEntityClassData& record, std::string_view bytes) {
   const mime::Message message(bytes);
   std::optional<email::DecodedBody> decoded = TreeBuilder(message, record).Run();
   const std::size_t parts = message.top().child_count;
-  ZQV_LOG("%s%s %zu", "parts count", parts);
+  ZQV_LOG("parts count %zu", parts);
   if (parts == 0) CompleteSinglePart(record, message, std::move(decoded));
   const mime::Field* const subject =
       message.HeaderOf(message.top()).Find(mime::FieldName::kSubject);
@@ -142,7 +142,7 @@ void ParseAndBuild(MimeEntityClassData& record, std::string_view bytes) {
 
 void MimeEmailConstructor(abi::REALobject self, MessageBytes message, abi::REALstring source) {
   std::string_view bytes = message.bytes();
-  ZQV_LOG("%s%s %zu", "MimeEmailConstructor", bytes.size());
+  ZQV_LOG("MimeEmailConstructor %zu", bytes.size());
   auto* record = host::RecordOf<MimeEntityClassData>(self);
   if (record == nullptr) return;
   Begin(*record, bytes, source);

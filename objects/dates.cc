@@ -39,13 +39,13 @@ constexpr double kNoOffset = -10000.0;
 
 email::DateFields ReadFields(std::string_view text) {
   const email::DateFields fields = email::ReadDateText(text);
-  ZQV_LOG("%s%s %d", "day", static_cast<int>(fields.day));
-  ZQV_LOG("%s%s %d", "month", static_cast<int>(fields.month));
-  ZQV_LOG("%s%s %d", "year", static_cast<int>(fields.year));
-  ZQV_LOG("%s%s %d", "hour", static_cast<int>(fields.hour));
-  ZQV_LOG("%s%s %d", "minute", static_cast<int>(fields.minute));
-  ZQV_LOG("%s%s %d", "second", static_cast<int>(fields.second));
-  ZQV_LOG("%s%s %d", "zone", fields.zone);
+  ZQV_LOG("day %d", static_cast<int>(fields.day));
+  ZQV_LOG("month %d", static_cast<int>(fields.month));
+  ZQV_LOG("year %d", static_cast<int>(fields.year));
+  ZQV_LOG("hour %d", static_cast<int>(fields.hour));
+  ZQV_LOG("minute %d", static_cast<int>(fields.minute));
+  ZQV_LOG("second %d", static_cast<int>(fields.second));
+  ZQV_LOG("zone %d", fields.zone);
   return fields;
 }
 
@@ -74,18 +74,18 @@ ObjectRef ConvertDate(std::string_view text, LocalOffset& local_offset) {
       NewDate(fields.year, fields.month, fields.day, fields.hour, fields.minute, fields.second);
   double seconds = 0.0;
   if (date) host::entry::REALGetPropValueDouble(date.get(), "TotalSeconds", &seconds);
-  ZQV_LOG("%s%s %f", "GetDateTotalSeconds", seconds);
-  ZQV_LOG("%s%s %f", "seconds", seconds);
+  ZQV_LOG("GetDateTotalSeconds %f", seconds);
+  ZQV_LOG("seconds %f", seconds);
   if (fields.zone != 0) {
     const double offset = ZoneOffset(fields.zone);
-    ZQV_LOG("%s%s %f", "zoneOffset", offset);
+    ZQV_LOG("zoneOffset %f", offset);
     seconds -= offset;
   }
   if (const std::optional<std::int64_t> offset = local_offset.Get()) {
-    ZQV_LOG("%s%s %lld", "tm_gmtoff", static_cast<long long>(*offset));
+    ZQV_LOG("tm_gmtoff %lld", static_cast<long long>(*offset));
     seconds += static_cast<double>(*offset);
   }
-  ZQV_LOG("%s%s %f", "seconds", seconds);
+  ZQV_LOG("seconds %f", seconds);
   if (date) host::entry::REALSetPropValueDouble(date.get(), "TotalSeconds", seconds);
   return date;
 }
@@ -120,25 +120,25 @@ double ZoneOffset(int zone) {
 
 ObjectRef NewDate(std::int64_t year, std::int64_t month, std::int64_t day, std::int64_t hour,
                   std::int64_t minute, std::int64_t second) {
-  ZQV_LOG("%s%s %lld, %lld, %lld, %lld, %lld, %lld", "NewDate", static_cast<long long>(year),
+  ZQV_LOG("NewDate %lld, %lld, %lld, %lld, %lld, %lld", static_cast<long long>(year),
           static_cast<long long>(month), static_cast<long long>(day), static_cast<long long>(hour),
           static_cast<long long>(minute), static_cast<long long>(second));
   auto date = ObjectRef::Adopt(host::entry::PluginNewInstance("Date"));
   if (!date) return {};
   void* seven = host::entry::REALLoadObjectMethod(date.get(), kSevenArguments);
-  ZQV_LOG("%s%s %p", "f1", seven);
+  ZQV_LOG("f1 %p", seven);
   if (seven != nullptr) {
     host::ProcedureAt<SevenArguments>(seven)(date.get(), year, month, day, hour, minute, second,
                                              kNoOffset);
     return date;
   }
   void* six = host::entry::REALLoadObjectMethod(date.get(), kSixArguments);
-  ZQV_LOG("%s%s %p", "f2", six);
+  ZQV_LOG("f2 %p", six);
   if (six != nullptr) {
     host::ProcedureAt<SixArguments>(six)(date.get(), year, month, day, hour, minute, second);
     return date;
   }
-  ZQV_LOG("%s%s", "Date Constructor 3 missing!?");
+  ZQV_LOG("Date Constructor 3 missing!?");
   SetProperties(date.get(), {year, month, day, hour, minute, second, 0});
   return date;
 }
@@ -149,9 +149,9 @@ void ParseDate(MimeEntityClassData& record, const mime::Header& header, LocalOff
     try {
       ParseField(record, header, i, local_offset);
     } catch (const std::exception& e) {
-      ZQV_LOG("%s%s %s, %s", "C++ Exception: ", typeid(e).name(), e.what());
+      ZQV_LOG("C++ Exception:  %s, %s", typeid(e).name(), e.what());
     } catch (...) {
-      ZQV_LOG("%s%s", "Unknown C++ exception in ParseDate.");
+      ZQV_LOG("Unknown C++ exception in ParseDate.");
     }
   }
 }

@@ -18,7 +18,7 @@ namespace zqv::objects {
 
 void MimeEmailConstructor1(abi::REALobject self, abi::REALstring content) {
   host::Guard([=] {
-    ZQV_LOG("%s%s", "MimeEmailConstructor1");
+    ZQV_LOG("MimeEmailConstructor1");
     const host::rbData data(content);
     MimeEmailConstructor(self, data.bytes(), content);
   });
@@ -26,7 +26,7 @@ void MimeEmailConstructor1(abi::REALobject self, abi::REALstring content) {
 
 void MimeEmailConstructor2(abi::REALobject self, abi::REALobject block) {
   host::Guard([=] {
-    ZQV_LOG("%s%s", "MimeEmailConstructor2");
+    ZQV_LOG("MimeEmailConstructor2");
     const BlockBytes data(block);
     MimeEmailConstructor(self, data.bytes(), nullptr);
   });
@@ -34,7 +34,7 @@ void MimeEmailConstructor2(abi::REALobject self, abi::REALobject block) {
 
 void MimeEmailConstructor3(abi::REALobject self, abi::REALobject file) {
   host::Guard([=] {
-    ZQV_LOG("%s%s", "MimeEmailConstructor3");
+    ZQV_LOG("MimeEmailConstructor3");
     std::optional<MessageBytes> data = ReadFile(file);
     if (data.has_value()) MimeEmailConstructor(self, std::move(*data), nullptr);
   });

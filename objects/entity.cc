@@ -15,7 +15,7 @@ namespace {
 
 void RoutePart(const PartContext& context, std::string_view decoded) {
   const email::PartTraits part = email::TraitsOf(context.header);
-  ZQV_LOG("%s%s %s, %s", "decoded body of type", std::string(part.type).c_str(),
+  ZQV_LOG("decoded body of type %s, %s", std::string(part.type).c_str(),
           std::string(part.subtype).c_str());
   MimeEntityClassData& email = context.email_record;
   switch (
@@ -55,12 +55,12 @@ host::StringRef BuildBodyText(const mime::Header& header, std::string_view decod
 }
 
 void StorePlainText(MimeEntityClassData& email_record, const StringSlot& text) {
-  ZQV_LOG("%s%s", "Set email plainText");
+  ZQV_LOG("Set email plainText");
   email_record.PlainText.Put(text.Share());
 }
 
 void StoreHtmlText(MimeEntityClassData& email_record, const StringSlot& text) {
-  ZQV_LOG("%s%s", "Set email htmlText");
+  ZQV_LOG("Set email htmlText");
   email_record.HTMLText.Put(text.Share());
 }
 

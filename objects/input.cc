@@ -18,7 +18,7 @@ constexpr std::int64_t kSlack = 4;               // zero bytes after the file's 
 // Opens the file of a FolderItem; null, with lines in the debug log, on failure.
 host::File OpenFile(abi::REALobject file) {
   if (file == nullptr) {
-    ZQV_LOG("%s%s", "folderitem is nil");
+    ZQV_LOG("folderitem is nil");
     return nullptr;
   }
   host::File stream;
@@ -27,9 +27,9 @@ host::File OpenFile(abi::REALobject file) {
     stream = host::OpenForReading(path);
     if (stream != nullptr)
       static_cast<void>(std::setvbuf(stream.get(), nullptr, _IOFBF, kStreamBuffer));
-    ZQV_LOG("%s%s %p", "result", static_cast<void*>(stream.get()));
+    ZQV_LOG("result %p", static_cast<void*>(stream.get()));
   }
-  ZQV_LOG("%s%s %p", "f", static_cast<void*>(stream.get()));
+  ZQV_LOG("f %p", static_cast<void*>(stream.get()));
   return stream;
 }
 
@@ -49,7 +49,7 @@ std::optional<MessageBytes> ReadFile(abi::REALobject file) {
     return std::nullopt;
   }
   const std::int64_t length = host::LengthOf(stream.get());
-  ZQV_LOG("%s%s %llu", "fileLen", static_cast<unsigned long long>(length));
+  ZQV_LOG("fileLen %llu", static_cast<unsigned long long>(length));
   std::rewind(stream.get());
 
   // The length of a directory, which Linux opens like a file, is 2^63 - 1.
@@ -62,7 +62,7 @@ std::optional<MessageBytes> ReadFile(abi::REALobject file) {
     return std::nullopt;
   }
   const std::size_t got = std::fread(memory.get(), 1, wanted, stream.get());
-  ZQV_LOG("%s%s %zu", "r", got);
+  ZQV_LOG("r %zu", got);
   if (got != wanted || length < 0) {
     host::RaiseException(host::kIOException, "Failed to read data from file.");
     return std::nullopt;

@@ -23,7 +23,7 @@ abi::RBBoolean getDebugging() { return base::IsLogging() ? 1 : 0; }
 
 void setDebugging(abi::RBBoolean value) {
   const bool was_on = base::DebuggingEnabled.exchange(value != 0);
-  if (!was_on) ZQV_LOG("%s%s", "ZQV debug logging enabled.");
+  if (!was_on) ZQV_LOG("ZQV debug logging enabled.");
 }
 
 }  // namespace zqv::objects

@@ -46,9 +46,9 @@ host::StringRef NewPlainText(abi::REALstring html) {
   if (html == nullptr) return {};
   const std::u32string text = ConvertHtml(html);
   const std::size_t size = text.size();
-  ZQV_LOG("%s%s %zu", "output.size", size);
+  ZQV_LOG("output.size %zu", size);
   if (text.empty()) return {};
-  ZQV_LOG("%s%s %zu", "dlen", size);
+  ZQV_LOG("dlen %zu", size);
   return host::REALBuildUnicodeString(
       text.data(), static_cast<std::int64_t>(size * sizeof(char32_t)), abi::kUtf32);
 }

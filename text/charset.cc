@@ -179,7 +179,7 @@ std::optional<abi::Encoding> FindCharset(std::string_view name) {
     return base::EqualsIgnoringCase(r.name, normalised);
   });
   if (row != std::end(kCharsets)) return row->encoding;
-  ZQV_LOG("%s%s %s", "unknown charset", normalised.c_str());
+  ZQV_LOG("unknown charset %s", normalised.c_str());
   return std::nullopt;
 }
 

@@ -110,7 +110,7 @@ class EncodedWordScanner {
     // space, and an "=" after it counts as another word. Part of the interface's contract; changing
     // it is a major version. Test: EncodedWords.OnlyASingleSpaceBetweenWordsIsDropped.
     if (closing == '=' && Peek(0) == ' ' && Peek(1) == '=') {
-      ZQV_LOG("%s%s", "Skip extra space");
+      ZQV_LOG("Skip extra space");
       ++at_;
     }
   }
@@ -127,7 +127,7 @@ class EncodedWordScanner {
 // Logs `shown`, a part of `all`, when `all` is labelled ASCII and is not.
 void LogUnlessAscii(std::string_view all, std::string_view shown) {
   if (shown.empty() || base::IsAscii(all)) return;
-  ZQV_LOG("%s%s %s", "Error: text is not ascii", std::string(shown).c_str());
+  ZQV_LOG("Error: text is not ascii %s", std::string(shown).c_str());
 }
 
 HeaderText Undecoded(std::string_view text, bool unquote) {
@@ -156,7 +156,7 @@ HeaderText DecodeEncodedWords(std::string_view text, bool unquote) {
   const abi::Encoding encoding = found.value_or(abi::kUnknownEncoding);
   if (encoding == abi::kUnknownEncoding) {
     const std::string charset(scanner.charset());
-    ZQV_LOG("%s%s %s", "unhandled encoding", charset.c_str());
+    ZQV_LOG("unhandled encoding %s", charset.c_str());
     HeaderText undecoded = Undecoded(text, unquote);
     if (!found.has_value()) undecoded.unknown_charset = charset;
     undecoded.charset_without_encoding = charset;

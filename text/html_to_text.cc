@@ -241,11 +241,11 @@ class HtmlPass {
   }
 
   void SkipComment() {
-    ZQV_LOG("%s%s %zu", "start of comment found", at_ + 1);
+    ZQV_LOG("start of comment found %zu", at_ + 1);
     constexpr Unit kEnd[] = {'-', '-', '>'};
     const std::size_t end = html_.find(kEnd, at_ + 4, std::size(kEnd));
     if (end == View::npos) return Skip(html_.size());
-    ZQV_LOG("%s%s %zu", "end of comment found", end);
+    ZQV_LOG("end of comment found %zu", end);
     at_ = end + 3;
     if (Peek(0) == kReturn) Skip(1);
     if (Peek(0) == kLineFeed) Skip(1);

@@ -10,7 +10,7 @@ LogCapture::~LogCapture() { base::DebuggingEnabled = was_on_; }
 
 std::string Logged(std::initializer_list<std::string> lines) {
   std::string text;
-  for (const std::string& line : lines) text += base::kLogPrefix + line + '\n';
+  for (const std::string& line : lines) text += ZQV_LOG_PREFIX + line + '\n';
   return text;
 }
 

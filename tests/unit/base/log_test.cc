@@ -40,21 +40,21 @@ TEST_F(DebugLog, MacroAsksTheSwitchBeforeItComputesAnything) {
   int computed = 0;
   const auto compute = [&] { return ++computed; };
   DebuggingEnabled = false;
-  ZQV_LOG("%s%s %d", "number", compute());
+  ZQV_LOG("number %d", compute());
   EXPECT_EQ(computed, 0);
   DebuggingEnabled = true;
-  ZQV_LOG("%s%s %d", "number", compute());
+  ZQV_LOG("number %d", compute());
   EXPECT_EQ(log.Text(), Logged({"number 1"}));
 }
 
 TEST_F(DebugLog, EachFormatOfALine) {
   const LogCapture log;
-  ZQV_LOG("%s%s %s, %s", "subject", "a", "b");
-  ZQV_LOG("%s%s %ld", "subject", -3L);
-  ZQV_LOG("%s%s %lu", "subject", 3UL);
-  ZQV_LOG("%s%s %lld", "subject", -9000000000LL);
-  ZQV_LOG("%s%s %lld, %lld, %lld, %lld, %lld, %lld", "NewDate", 1LL, 2LL, 3LL, 4LL, 5LL, 6LL);
-  ZQV_LOG("%s%s %f", "subject", 2013.04);
+  ZQV_LOG("subject %s, %s", "a", "b");
+  ZQV_LOG("subject %ld", -3L);
+  ZQV_LOG("subject %lu", 3UL);
+  ZQV_LOG("subject %lld", -9000000000LL);
+  ZQV_LOG("NewDate %lld, %lld, %lld, %lld, %lld, %lld", 1LL, 2LL, 3LL, 4LL, 5LL, 6LL);
+  ZQV_LOG("subject %f", 2013.04);
   EXPECT_EQ(log.Text(), Logged({"subject a, b", "subject -3", "subject 3", "subject -9000000000",
                                 "NewDate 1, 2, 3, 4, 5, 6", "subject 2013.040000"}));
 }
