@@ -8,7 +8,7 @@
 set -euo pipefail
 export LC_ALL=C
 
-folders=(abi host text mime email plugin standin cli bench)
+folders=(abi base text mime email host objects plugin standin cli bench)
 
 # Prints the findings in the current folder; its own failures are findings.
 findings() {

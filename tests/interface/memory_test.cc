@@ -382,8 +382,8 @@ bool ConstructDeep(std::size_t more, const std::string& text, std::size_t levels
       EXPECT_EQ(LevelsOf(constructed.message), levels);
     }
   }
-  // A header object that cannot be filled raises at once, with the memory of all levels still taken:
-  // then the host may have none for the exception's text.
+  // A header object that cannot be filled raises at once, with the memory of all levels still
+  // taken: then the host may have none for the exception's text.
   EXPECT_TRUE(constructed.raised.empty() || IsClear(constructed.raised) ||
               constructed.raised == "OutOfMemoryException, 0: ")
       << constructed.raised;
