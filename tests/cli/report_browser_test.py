@@ -4,7 +4,6 @@ Needs Debian's chromium, chromium-driver, python3-selenium and poppler-utils; wi
 skipped. With ZQV_SHOTS it leaves pictures of the pages in that folder, to be looked at.
 """
 
-import os
 import pathlib
 import re
 import sys
@@ -12,7 +11,7 @@ import time
 import unittest
 
 from program import SAMPLES
-from report_pages import DOT, ReportCase, Server, file_part, message
+from report_pages import DOT, BrowserCase, file_part, message
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
 import browser
@@ -60,22 +59,11 @@ return found.sort((a, b) => a[0] - b[0]);
 
 
 @unittest.skipIf(MISSING, f"needs {', '.join(MISSING)}")
-class WindowCase(browser.Window, ReportCase):
+class WindowCase(BrowserCase):
     """A test that looks at pages, and at the end demands a quiet console and no connection."""
-
-    @classmethod
-    def setUpClass(cls):
-        cls.browser = browser.start()
-        cls.addClassCleanup(cls.browser.quit)
-        cls.server = Server()
-        cls.addClassCleanup(cls.server.close)
-        cls.shots = os.environ.get("ZQV_SHOTS")
 
     def setUp(self):
         super().setUp()
-        self.browser.get("about:blank")
-        self.browser.get_log("browser")
-        self.server.take()
         self.size(WIDE, 900)
         self.appearance("light")
 

@@ -2,12 +2,18 @@
 
 import base64
 import html.parser
+import os
+import pathlib
 import socket
+import sys
 import threading
 import time
 
 import program
 from program import zqv
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+import browser
 
 DOT = base64.b64decode("R0lGODlhAQABAIAAAAAAAP///yH5BAEAAAAALAAAAAABAAEAAAIBRAA7")  # a GIF
 COPY_START, COPY_END = "<template shadowrootmode=\"open\">", "</template>"
@@ -101,3 +107,24 @@ class ReportCase(program.TestCase):
         """The page of a message."""
         path = self.write("letter.eml", text) if isinstance(text, (str, bytes)) else text
         return self.expect(zqv("report", path, "-o", "-", **options)).out
+
+
+class BrowserCase(browser.Window, ReportCase):
+    """A test with a browser, `width` pixels wide, and a server that its pages must leave alone. What
+    the environment has as ZQV_SHOTS is the folder of its pictures."""
+
+    width = 1280
+
+    @classmethod
+    def setUpClass(cls):
+        cls.browser = browser.start(width=cls.width)
+        cls.addClassCleanup(cls.browser.quit)
+        cls.server = Server()
+        cls.addClassCleanup(cls.server.close)
+        cls.shots = os.environ.get("ZQV_SHOTS")
+
+    def setUp(self):
+        super().setUp()
+        self.browser.get("about:blank")
+        self.browser.get_log("browser")
+        self.server.take()

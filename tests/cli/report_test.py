@@ -8,7 +8,6 @@ which is there for Debian's own Python.
 import base64
 import hashlib
 import html
-import os
 import pathlib
 import re
 import resource
@@ -19,7 +18,7 @@ import unittest
 
 import program
 from program import SAMPLES, ZQV, zqv
-from report_pages import DOT, Page, ReportCase, Server, file_part, message
+from report_pages import DOT, BrowserCase, Page, ReportCase, file_part, message
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
 import browser
@@ -384,20 +383,8 @@ class FileTest(ReportCase):
 
 
 @unittest.skipIf(browser.MISSING, f"needs {', '.join(browser.MISSING)}")
-class BrowserTest(browser.Window, ReportCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.browser = browser.start(width=1100)
-        cls.addClassCleanup(cls.browser.quit)
-        cls.server = Server()
-        cls.addClassCleanup(cls.server.close)
-        cls.shots = os.environ.get("ZQV_SHOTS")
-
-    def setUp(self):
-        super().setUp()
-        self.browser.get("about:blank")
-        self.browser.get_log("browser")
-        self.server.take()
+class BrowserTest(BrowserCase):
+    width = 1100
 
     def armed(self, text):
         return text.replace("@/", self.server.address + "/")
