@@ -12,9 +12,8 @@
 namespace zqv::cli {
 
 // Hands out the messages of a request that pass its filter, or the one that it chooses by its
-// number. `visit` gives
-// false to end it. False when an input could not be read or the message is not there, which has
-// been said.
+// number. `visit` gives false to end it. False when an input could not be read or the message is
+// not there, which has been said.
 bool ForEachChosen(const Session& session, const Request& request, const VisitItem& visit);
 
 // A message that has not been parsed yet as work for another process, and back.
@@ -29,10 +28,9 @@ using Visit = std::function<bool(const std::string& name, const standin::Object&
 enum class Headings { kAlways, kAboveSomething };
 
 // Opens the messages one after the other and visits each, below a heading when there are several
-// and JSON is not wanted, which names its message itself.
-// What goes wrong with one is said and does not keep the others from being visited. With the
-// request's `message` only that one is visited, counted from 1 over all inputs. The exit code: 0,
-// or 1 when anything went wrong.
+// and JSON is not wanted, which names its message itself. What goes wrong with one is said and does
+// not keep the others from being visited. With the request's `message` only that one is visited,
+// counted from 1 over all inputs. The exit code: 0, or 1 when anything went wrong.
 int ForEachMessage(const Session& session, const Request& request, Output* output,
                    const Visit& visit, Headings headings = Headings::kAlways);
 
