@@ -11,7 +11,7 @@ import json
 import pathlib
 import sys
 
-FOLDERS = ["host", "text", "mime", "email", "plugin"]
+FOLDERS = ["base", "text", "mime", "email", "host", "objects", "plugin"]
 LEAST = 95
 
 
