@@ -18,6 +18,7 @@ constexpr bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 constexpr bool IsLineEnd(char c) { return c == '\r' || c == '\n'; }
 constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool IsLetter(char c) { return LowerAscii(c) >= 'a' && LowerAscii(c) <= 'z'; }
+constexpr bool IsAlphanumeric(char c) { return IsLetter(c) || IsDigit(c); }
 
 // The value, 0 to 15, of a hexadecimal digit of either case; -1 for any other character.
 constexpr int HexadecimalValue(char c) {

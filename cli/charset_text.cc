@@ -13,6 +13,7 @@
 #include "base/unicode.h"
 #include "cli/text.h"
 #include "cli/utf8.h"
+#include "standin/text.h"
 
 namespace zqv::cli {
 namespace {
@@ -33,7 +34,7 @@ using Converter = std::unique_ptr<std::remove_pointer_t<iconv_t>, CloseIconv>;
 bool IsName(std::string_view name) {
   return !name.empty() && name.size() <= kMostNameBytes &&
          std::all_of(name.begin(), name.end(), [](char c) {
-           return base::IsLetter(c) || base::IsDigit(c) ||
+           return base::IsAlphanumeric(c) ||
                   std::string_view("-_.:+()").find(c) != std::string_view::npos;
          });
 }
@@ -81,7 +82,7 @@ std::string Converted(iconv_t converter, std::string_view bytes) {
 
 std::optional<std::string> Utf8Of(std::string_view bytes, std::string_view charset) {
   if (!IsName(charset)) return std::nullopt;
-  const std::string name = Lowered(charset);
+  const std::string name = standin::LowerName(charset);
   if (name == "us-ascii" || name == "ascii") return GuessedUtf8(bytes);
   if ((name == "utf-8" || name == "utf8") && IsWellFormedUtf8(bytes)) return std::string(bytes);
   const iconv_t converter = ConverterFrom(name);

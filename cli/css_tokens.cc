@@ -14,7 +14,6 @@ using base::IsLetter;
 
 constexpr std::string_view kBlanks = " \t\n\r\f";
 constexpr std::string_view kLineEnds = "\n\r\f";
-constexpr char32_t kReplacement = 0xFFFD;
 
 bool IsOf(std::string_view set, char c) { return set.find(c) != std::string_view::npos; }
 bool IsNameStart(char c) {
@@ -128,7 +127,7 @@ void CssReader::ReadEscape(std::string* text) {
     value = value * 16 + static_cast<char32_t>(HexadecimalValue(rest_[digits]));
   }
   if (digits == 0) {
-    if (rest_.empty()) return AppendUtf8(kReplacement, text);
+    if (rest_.empty()) return AppendCharacter(0, text);
     *text += Take(FirstCodePoint(rest_).bytes);
     return;
   }
@@ -138,9 +137,7 @@ void CssReader::ReadEscape(std::string* text) {
   } else if (IsOf(kBlanks, At(0))) {
     Take(1);
   }
-  const bool is_character =
-      value != 0 && value <= 0x10FFFF && !(value >= 0xD800 && value <= 0xDFFF);
-  AppendUtf8(is_character ? value : kReplacement, text);
+  AppendCharacter(value, text);
 }
 
 std::string CssReader::ReadName() {

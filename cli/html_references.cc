@@ -12,8 +12,6 @@
 namespace zqv::cli {
 namespace {
 
-constexpr char32_t kReplacement = 0xFFFD;
-
 // Names that HTML has beyond HTML 4.01 for characters of ASCII: with them a URL can be written so
 // that nobody recognises it.
 constexpr text::HtmlEntity kAsciiNames[] = {
@@ -55,8 +53,6 @@ bool NeedsNoSemicolon(std::string_view name, char32_t c) {
   return std::find(std::begin(kOld), std::end(kOld), name) != std::end(kOld);
 }
 
-bool IsAlphanumeric(char c) { return base::IsLetter(c) || base::IsDigit(c); }
-
 struct Reference {
   std::size_t bytes = 0;  // 0: none
   char32_t value = 0;
@@ -64,12 +60,10 @@ struct Reference {
 
 char32_t Character(char32_t number) {
   constexpr char32_t kFirst = 0x80;
-  constexpr char32_t kMost = 0x10FFFF;
   if (number >= kFirst && number - kFirst < std::size(kWindows1252)) {
     return kWindows1252[number - kFirst];
   }
-  const bool is_surrogate = number >= 0xD800 && number <= 0xDFFF;
-  return number == 0 || number > kMost || is_surrogate ? kReplacement : number;
+  return number;
 }
 
 // Of a text that begins with "&#".
@@ -95,7 +89,7 @@ Reference NamedAtFront(std::string_view text, HtmlPlace place) {
   constexpr std::size_t kLongestName = 16;
   const std::size_t most = std::min(text.size(), kLongestName + 1);
   std::size_t end = 1;
-  while (end < most && IsAlphanumeric(text[end])) ++end;
+  while (end < most && base::IsAlphanumeric(text[end])) ++end;
   if (end < text.size() && text[end] == ';') {
     const auto found = KnownNames().find(text.substr(1, end - 1));
     if (found != KnownNames().end()) return {end + 1, found->second};
@@ -106,7 +100,7 @@ Reference NamedAtFront(std::string_view text, HtmlPlace place) {
     const auto found = KnownNames().find(name);
     if (found == KnownNames().end() || !NeedsNoSemicolon(name, found->second)) continue;
     const char next = end < text.size() ? text[end] : '\0';
-    if (place == HtmlPlace::kAttribute && (next == '=' || IsAlphanumeric(next))) return {};
+    if (place == HtmlPlace::kAttribute && (next == '=' || base::IsAlphanumeric(next))) return {};
     return {end, found->second};
   }
   return {};
@@ -124,7 +118,7 @@ std::string WithoutReferences(std::string_view text, HtmlPlace place) {
   while (!text.empty()) {
     const Reference reference = text.front() == '&' ? AtFront(text, place) : Reference();
     if (reference.bytes > 0) {
-      AppendUtf8(reference.value, &decoded);
+      AppendCharacter(reference.value, &decoded);
       text.remove_prefix(reference.bytes);
     } else {
       decoded += text.front();

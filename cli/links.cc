@@ -7,13 +7,13 @@
 #include "cli/mail_text.h"
 #include "cli/text.h"
 #include "cli/utf8.h"
+#include "standin/text.h"
 
 namespace zqv::cli {
 namespace {
 
 constexpr std::size_t kNowhere = std::string_view::npos;
 
-bool IsAsciiAlphanumeric(char c) { return base::IsLetter(c) || base::IsDigit(c); }
 bool IsBeyondAscii(char c) { return static_cast<unsigned char>(c) >= 0x80; }
 
 template <std::size_t kCount>
@@ -26,7 +26,7 @@ bool IsOneOf(const std::string_view (&words)[kCount], std::string_view word) {
 std::string_view SchemeOf(std::string_view target) {
   if (target.empty() || !base::IsLetter(target.front())) return {};
   const auto end = std::find_if(target.begin(), target.end(), [](char c) {
-    return !IsAsciiAlphanumeric(c) && c != '+' && c != '-' && c != '.';
+    return !base::IsAlphanumeric(c) && c != '+' && c != '-' && c != '.';
   });
   if (end == target.end() || *end != ':') return {};
   return target.substr(0, static_cast<std::size_t>(end - target.begin()));
@@ -45,7 +45,7 @@ bool IsOpaqueScheme(std::string_view scheme) {
 }
 
 std::string CleanHost(std::string_view host) {
-  std::string clean = Lowered(Unescaped(host));
+  std::string clean = standin::LowerName(Unescaped(host));
   if (!clean.empty() && clean.back() == '.') clean.pop_back();
   return clean;
 }
@@ -83,7 +83,7 @@ std::string WithoutInvisible(std::string_view text) {
 // Labels with dots between them, the last one of letters.
 bool LooksLikeHost(std::string_view host) {
   const auto is_label_character = [](char c) {
-    return IsAsciiAlphanumeric(c) || IsBeyondAscii(c) || c == '-' || c == '.' || c == '_';
+    return base::IsAlphanumeric(c) || IsBeyondAscii(c) || c == '-' || c == '.' || c == '_';
   };
   const std::size_t dot = host.rfind('.');
   if (dot == kNowhere || dot == 0 || host.front() == '.' || host.find("..") != kNowhere) {
@@ -124,7 +124,7 @@ std::string HostOfWord(std::string_view word, bool is_alone) {
   const std::size_t slashes = word.find("://");
   if (slashes != kNowhere) {
     std::size_t begin = slashes;
-    while (begin > 0 && IsAsciiAlphanumeric(word[begin - 1])) --begin;
+    while (begin > 0 && base::IsAlphanumeric(word[begin - 1])) --begin;
     return HostOf(word.substr(begin), {});
   }
   const std::string_view authority = UpTo("/?#\\", word);

@@ -6,6 +6,7 @@
 
 #include "cli/css_tokens.h"
 #include "cli/text.h"
+#include "standin/text.h"
 
 namespace zqv::cli {
 namespace {
@@ -94,7 +95,7 @@ class StyleCleaner {
   void ReadAtRule() {
     constexpr std::size_t kMostGroups = 32;
     const std::size_t before = safe_.size();
-    const std::string name = Lowered(token_.value);
+    const std::string name = standin::LowerName(token_.value);
     Advance();
     if (name == "media" || name == "supports") {
       safe_ += '@' + name;
@@ -140,7 +141,7 @@ class StyleCleaner {
 
   void ReadDeclaration() {
     const std::size_t before = safe_.size();
-    const std::string name = Lowered(token_.value);
+    const std::string name = standin::LowerName(token_.value);
     safe_ += CssText(token_);
     Advance();
     while (token_.kind == CssKind::kSpace || token_.kind == CssKind::kComment) Advance();
@@ -220,7 +221,7 @@ class StyleCleaner {
   }
 
   bool AppendIdent(Context context, const std::string& closers, char before) {
-    const std::string name = Lowered(token_.value);
+    const std::string name = standin::LowerName(token_.value);
     if (context == Context::kQuery) {
       safe_ += CssText(token_);
       return name != "print" && name != "not";
@@ -243,7 +244,7 @@ class StyleCleaner {
   }
 
   bool ReadFunction(Context context, std::string* closers) {
-    const std::string name = Lowered(token_.value);
+    const std::string name = standin::LowerName(token_.value);
     const bool is_selector = context == Context::kSelector;
     const bool is_value = context == Context::kValue;
     if ((is_selector && IsSafeSelectorFunction(name)) || (is_value && IsSafeValueFunction(name))) {

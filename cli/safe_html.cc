@@ -13,6 +13,7 @@
 #include "cli/mail_text.h"
 #include "cli/safe_css.h"
 #include "cli/text.h"
+#include "standin/text.h"
 
 namespace zqv::cli {
 namespace {
@@ -173,9 +174,7 @@ class Cleaner {
   }
 
   std::string ReadName(std::string_view ends) {
-    std::string name(Take(rest_.find_first_of(ends)));
-    std::transform(name.begin(), name.end(), name.begin(), LowerAscii);
-    return name;
+    return standin::LowerName(Take(rest_.find_first_of(ends)));
   }
 
   // Behind "<" or "</".

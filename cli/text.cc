@@ -148,12 +148,6 @@ std::optional<std::size_t> ReadNumber(std::string_view text) {
   return number;
 }
 
-std::string Lowered(std::string_view text) {
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(), base::LowerAscii);
-  return lower;
-}
-
 bool StartsWith(std::string_view text, std::string_view start) {
   return base::EqualsIgnoringCase(text.substr(0, start.size()), start);
 }

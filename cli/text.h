@@ -42,9 +42,6 @@ std::size_t DisplayWidth(std::string_view text);
 // The number that `text` is in decimal digits; nothing when it is anything else.
 std::optional<std::size_t> ReadNumber(std::string_view text);
 
-// `text` with its ASCII letters in lower case.
-std::string Lowered(std::string_view text);
-
 // Whether `text` begins with `start`, but for the case of ASCII letters.
 bool StartsWith(std::string_view text, std::string_view start);
 

@@ -20,7 +20,7 @@ std::string Bare(std::string_view value) {
       ++depth;
     } else if (c == ')') {
       depth -= depth > 0 ? 1 : 0;
-    } else if (depth == 0 && (base::IsLetter(c) || base::IsDigit(c))) {
+    } else if (depth == 0 && base::IsAlphanumeric(c)) {
       bare += base::LowerAscii(c);
     }
   }
@@ -38,9 +38,7 @@ constexpr Row kRows[] = {
     {"uue", Transfer::kUuencode},
 };
 
-bool IsOfBase64(char c) {
-  return base::IsLetter(c) || base::IsDigit(c) || c == '+' || c == '/' || c == '=';
-}
+bool IsOfBase64(char c) { return base::IsAlphanumeric(c) || c == '+' || c == '/' || c == '='; }
 
 // Base64 up to the padding that a line of other text follows, such as the footer of a mailing list.
 // Behind other padding the base64 goes on: it was encoded in pieces.
@@ -58,12 +56,6 @@ std::string_view WithoutFooter(std::string_view body) {
   return body;
 }
 
-int HexValue(char c) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  const std::size_t value = kDigits.find(base::LowerAscii(c));
-  return value == std::string_view::npos ? -1 : static_cast<int>(value);
-}
-
 // One line without its end; whether that counts. Blanks at the end were added on the way (RFC 2045,
 // section 6.7, rule 3).
 bool DecodeQuotedLine(std::string_view line, char** out) {
@@ -72,8 +64,8 @@ bool DecodeQuotedLine(std::string_view line, char** out) {
   if (is_broken) line.remove_suffix(1);
   for (std::size_t i = 0; i < line.size(); ++i) {
     const bool has_digits = line[i] == '=' && i + 2 < line.size();
-    const int high = has_digits ? HexValue(line[i + 1]) : -1;
-    const int low = has_digits ? HexValue(line[i + 2]) : -1;
+    const int high = has_digits ? base::HexadecimalValue(line[i + 1]) : -1;
+    const int low = has_digits ? base::HexadecimalValue(line[i + 2]) : -1;
     const bool is_code = high >= 0 && low >= 0;
     *(*out)++ = is_code ? static_cast<char>(high * 16 + low) : line[i];
     if (is_code) i += 2;

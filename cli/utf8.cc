@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "standin/charset.h"
+
 namespace zqv::cli {
 namespace {
 
@@ -48,21 +50,12 @@ CodePoint FirstCodePoint(std::string_view text) {
   return {value, lead.bytes, true};
 }
 
-void AppendUtf8(char32_t c, std::string* text) {
-  const auto append = [text](char32_t byte) { *text += static_cast<char>(byte); };
-  const auto append_rest = [&](unsigned shift) { append(0x80U | (c >> shift & 0x3FU)); };
-  if (c < 0x80) return append(c);
-  if (c < 0x800) {
-    append(0xC0U | c >> 6U);
-  } else if (c < 0x10000) {
-    append(0xE0U | c >> 12U);
-    append_rest(6);
-  } else {
-    append(0xF0U | c >> 18U);
-    append_rest(12);
-    append_rest(6);
-  }
-  append_rest(0);
+void AppendCharacter(char32_t number, std::string* text) {
+  constexpr char32_t kReplacement = 0xFFFD;
+  constexpr char32_t kMost = 0x10FFFF;
+  const bool is_surrogate = number >= 0xD800 && number <= 0xDFFF;
+  const bool is_character = number != 0 && number <= kMost && !is_surrogate;
+  standin::AppendUtf8(is_character ? number : kReplacement, text);
 }
 
 std::size_t WholeSequences(std::string_view text, std::size_t most) {

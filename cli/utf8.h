@@ -16,8 +16,9 @@ struct CodePoint {
 // The first code point of a text that is not empty.
 CodePoint FirstCodePoint(std::string_view text);
 
-// Appends a code point, which is at most U+10FFFF and no surrogate, as UTF-8.
-void AppendUtf8(char32_t c, std::string* text);
+// Appends the character of a number that HTML or CSS has for one: U+FFFD for 0, for surrogates and
+// beyond U+10FFFF (HTML, section 13.2.5.80; CSS Syntax, section 4.3.7).
+void AppendCharacter(char32_t number, std::string* text);
 
 // How many bytes of `text` fit into `most` bytes without cutting through a sequence.
 std::size_t WholeSequences(std::string_view text, std::size_t most);

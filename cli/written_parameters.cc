@@ -9,6 +9,7 @@
 #include "cli/header_reading.h"
 #include "cli/mail_text.h"
 #include "cli/text.h"
+#include "standin/text.h"
 
 namespace zqv::cli {
 namespace {
@@ -94,7 +95,7 @@ WrittenParameters::WrittenParameters(std::string_view value) {
   const std::string line = Unfolded(value);
   std::string_view rest = line;
   SkipBlanksAndComments(&rest);
-  main_ = Lowered(TakeUpTo(";(", &rest));
+  main_ = standin::LowerName(TakeUpTo(";(", &rest));
   while (!rest.empty()) {
     SkipBlanksAndComments(&rest);
     if (rest.empty()) break;
@@ -113,7 +114,7 @@ WrittenParameters::WrittenParameters(std::string_view value) {
     } else {
       text = TakeUpTo(";", &rest);
     }
-    list_.push_back({Lowered(name), std::move(text)});
+    list_.push_back({standin::LowerName(name), std::move(text)});
   }
 }
 

@@ -2,6 +2,7 @@
 // platform's own tables are asked. Strict in both directions, nothing is replaced.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +20,16 @@ std::optional<std::u32string> DecodeCharset(std::string_view bytes, const char* 
 
 // The whole text in the charset, or nothing when it cannot hold a character. As above for names.
 std::optional<std::string> EncodeCharset(std::u32string_view text, const char* name);
+
+// Appends a code point, which is at most U+10FFFF and no surrogate, as UTF-8.
+inline void AppendUtf8(char32_t c, std::string* bytes) {
+  const std::size_t length = c < 0x80 ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4;
+  static constexpr unsigned char kFirst[] = {0, 0, 0xC0, 0xE0, 0xF0};
+  for (std::size_t i = length; i-- > 0;) {
+    const char32_t bits = length == 1 ? c : c >> 6U * i & 0x3FU;
+    *bytes += static_cast<char>(i + 1 == length ? kFirst[length] | bits : 0x80 | bits);
+  }
+}
 
 // The small letter of a capital one, in no language's own way; any other character as it is.
 char32_t FoldCase(char32_t c);

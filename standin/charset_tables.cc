@@ -218,15 +218,6 @@ void AppendUnit(char32_t unit, std::size_t size, bool is_little, std::string* by
   }
 }
 
-void AppendUtf8(char32_t c, std::string* bytes) {
-  const std::size_t length = c < 0x80 ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4;
-  static constexpr unsigned char kFirst[] = {0, 0, 0xC0, 0xE0, 0xF0};
-  for (std::size_t i = length; i-- > 0;) {
-    const char32_t bits = length == 1 ? c : c >> 6U * i & 0x3FU;
-    *bytes += static_cast<char>(i + 1 == length ? kFirst[length] | bits : 0x80 | bits);
-  }
-}
-
 void AppendUtf16(char32_t c, bool is_little, std::string* bytes) {
   if (c >= 0x10000) {
     AppendUnit(0xD800 + ((c - 0x10000) >> 10U), 2, is_little, bytes);

@@ -11,7 +11,7 @@
 namespace zqv::standin {
 namespace {
 
-bool IsNameByte(char c) { return base::IsLetter(c) || base::IsDigit(c) || c == '_'; }
+bool IsNameByte(char c) { return base::IsAlphanumeric(c) || c == '_'; }
 
 // Reads words and punctuation from the front of a text, skipping blanks.
 class Reader {

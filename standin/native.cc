@@ -39,7 +39,7 @@ bool IsMissing(const ClassInfo& info, const char* property,
 }
 
 bool IsPlainInUrl(char c) {
-  return base::IsLetter(c) || base::IsDigit(c) ||
+  return base::IsAlphanumeric(c) ||
          std::string_view("/-._~!$&'()*+,;=:@").find(c) != std::string_view::npos;
 }
 
