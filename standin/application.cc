@@ -1,8 +1,8 @@
-// Reading members and calling methods by their registered tables.
+// Reading members and calling methods, by the tables that the plug-in registered.
 //
-// Every call into the plug-in is: find the member, put the arguments into registers, call, take the
-// result over, deliver the pending exception. The result is taken over before the exception is
-// thrown, so that unwinding gives its lock back.
+// A call of the plug-in has five steps: find the member, put the arguments into registers, call,
+// take ownership of the result, throw the pending exception. Ownership comes before the exception,
+// so that unwinding gives back the lock of the result.
 #include "standin/application.h"
 
 #include <cstring>
@@ -40,13 +40,13 @@ const ClassInfo& ClassOfObject(const Object& object) {
   return *info;
 }
 
-// One call into the plug-in: whatever was pending before is a stray, what is pending afterwards
-// belongs to this call.
+// Delivers the exception that one call of the plug-in raises. An exception that is pending before
+// the call is counted as stray. One that is pending after the call belongs to it.
 class Delivery {
  public:
   Delivery() : host_(TheHost()) { host_.DropStray(); }
 
-  // Throws the pending exception, if there is one.
+  // Throws the pending exception as HostException, if there is one.
   void Deliver() const {
     NativeThing* const pending = host_.TakePending();
     if (pending == nullptr) return;
@@ -64,14 +64,14 @@ class Delivery {
   Host& host_;
 };
 
-// The message for a result of another type than the declaration promises.
+// The message for a result whose type is not the declared one.
 std::string Expected(const std::string& name, const TypeText& type, const Thing& thing) {
   return name + ": the result is not " + type.name + (type.is_array ? "()" : "") + " but " +
          Describe(thing);
 }
 
-// Takes over the one lock of a reference that the plug-in returned; fatal when it is not of the
-// declared type.
+// Takes ownership of the one lock of a reference that the plug-in returned. Fatal when it is not of
+// the declared type.
 Value Receive(std::int64_t raw, TypeKind kind, const TypeText& type, const std::string& name) {
   if (raw == 0) return std::monostate();
   const HostLock lock;
@@ -91,7 +91,8 @@ Value Receive(std::int64_t raw, TypeKind kind, const TypeText& type, const std::
   return Object::Adopt(thing);
 }
 
-// Calls by the result's kind, which decides the register that the result comes back in.
+// Calls a function. `kind` is the type of its result, which decides the register that the result is
+// in.
 Value CallFor(TypeKind kind, const TypeText& type, abi::REALproc function,
               const CallArguments& arguments, const std::string& name) {
   switch (kind) {
@@ -109,7 +110,8 @@ Value CallFor(TypeKind kind, const TypeText& type, abi::REALproc function,
   }
 }
 
-// The standard getter: the field's value, with a lock for the application.
+// Reads a property from the record, as the host does for a property without a getter. Adds a lock
+// for the application.
 Value ReadField(const ClassInfo& info, const Property& property, const Thing& object) {
   const std::string& name = property.full_name;
   if (info.definition->forSystemUse != static_cast<abi::RBInteger>(info.offset)) {
@@ -140,7 +142,7 @@ Value ReadField(const ClassInfo& info, const Property& property, const Thing& ob
   return Receive(raw, property.kind, property.type, name);
 }
 
-// A getter function; a pending exception is delivered.
+// Calls a getter and throws the exception that it raised.
 Value CallGetter(const Property& property, const CallArguments& arguments) {
   const Delivery delivery;
   Value value =
@@ -149,7 +151,7 @@ Value CallGetter(const Property& property, const CallArguments& arguments) {
   return value;
 }
 
-// A property of one of the host's own classes. No code of the plug-in runs.
+// Reads a property of a native class. Runs no code of the plug-in.
 Value ReadNative(const Object& object, const ClassInfo& info, std::string_view name) {
   const NativeProperty* const property =
       FindNativeProperty(info, name, TheHost().capabilities().missing_properties);
@@ -164,13 +166,14 @@ Value ReadNative(const Object& object, const ClassInfo& info, std::string_view n
   return String::Adopt(message);
 }
 
-// A property and the class, of the object's line, that has it.
+// A property, and the class or super class that has it.
 struct FoundProperty {
   const ClassInfo* info;
   const Property* property;
 };
 
-// `table` is the member of ClassInfo to search: the properties or the shared ones.
+// Searches a class and its super classes. `table` is the member of ClassInfo to search: the
+// properties or the shared ones.
 FoundProperty FindProperty(const ClassInfo& info, std::vector<Property> ClassInfo::*table,
                            std::string_view name) {
   for (const ClassInfo* c = &info; c != nullptr; c = c->super) {
@@ -181,7 +184,7 @@ FoundProperty FindProperty(const ClassInfo& info, std::vector<Property> ClassInf
   Refuse(info.name + " has no property " + std::string(name));
 }
 
-// Adds one argument to the call; false when it does not fit the parameter.
+// Adds one argument to the call. False when its type does not match the parameter.
 bool Marshal(const TypeText& type, const Value& value, CallArguments* call) {
   const TypeKind kind = KindOf(type);
   if (kind == TypeKind::kBoolean) {
@@ -215,7 +218,7 @@ bool Marshal(const TypeText& type, const Value& value, CallArguments* call) {
   return kind == TypeKind::kArray ? object->IsArray() : object->IsA(type.name);
 }
 
-// Adds all arguments; false when their number or one of them does not fit.
+// Adds all arguments. False when their number or a type does not match.
 bool Marshal(const Declaration& declaration, const std::vector<Value>& values,
              CallArguments* call) {
   if (declaration.parameters.size() != values.size()) return false;
@@ -225,13 +228,15 @@ bool Marshal(const Declaration& declaration, const std::vector<Value>& values,
   return true;
 }
 
-// "Parts as Thing()" and "Parts(...)" are whole; "Parts" is only a name.
+// Whether a text has parameters or a result: true for "Parts as Thing()" and "Parts(...)", false
+// for "Parts", which is only a name.
 bool IsWholeDeclaration(std::string_view text, const Declaration& declaration) {
   return text.find('(') != std::string_view::npos || !declaration.result.name.empty();
 }
 
-// The method of the class itself that was registered with this very text, as a compiler finds it
-// once for all calls; null when there is none that takes the values.
+// Finds the method whose registered declaration is exactly `text` and whose parameters accept the
+// values. Searches the class only, not its super classes. Null when there is none. This is the fast
+// path, so that a call costs no more than in a compiled application.
 const Method* FindExactMethod(const std::vector<Method>& methods, std::string_view text,
                               const std::vector<Value>& values) {
   for (const Method& method : methods) {
@@ -243,8 +248,8 @@ const Method* FindExactMethod(const std::vector<Method>& methods, std::string_vi
   return nullptr;
 }
 
-// By name, or by the whole declaration, in the class and those above it; refuses when there is not
-// exactly one that takes the values.
+// Finds a method by name or by whole declaration in the class and its super classes. Throws unless
+// exactly one method accepts the values.
 const Method& FindOnlyMethod(const ClassInfo& info, std::vector<Method> ClassInfo::*table,
                              std::string_view text, const std::vector<Value>& values) {
   const std::optional<Declaration> wanted = ParseDeclaration(text);
@@ -262,7 +267,7 @@ const Method& FindOnlyMethod(const ClassInfo& info, std::vector<Method> ClassInf
       if (found != nullptr) Refuse(std::string(text) + ": more than one method fits");
       found = &method;
     }
-    // A class's own constructors hide those of its super class.
+    // Constructors of a class hide those of its super class.
     if (name_exists && base::EqualsIgnoringCase(wanted->name, kConstructor)) break;
   }
   if (!name_exists) Refuse(info.name + " has no method " + std::string(text));
@@ -280,7 +285,7 @@ const Method& FindMethod(const ClassInfo& info, std::vector<Method> ClassInfo::*
   return *found;
 }
 
-// The lock counts of borrowed arguments before a call, to be compared with those after it.
+// Stores the lock counts of borrowed arguments before a call and compares them afterwards.
 class BorrowCheck {
  public:
   explicit BorrowCheck(const std::vector<Value>& values) : values_(values) {
@@ -290,8 +295,8 @@ class BorrowCheck {
     for (const Value& value : values) locks_before_.push_back(CountLocks(value));
   }
 
-  // Fatal when an argument lost locks and no other thread was in the host since the beginning,
-  // which may have given back locks of its own. `name` is the method's.
+  // Fatal when an argument has lost locks. Does nothing when another thread used the host
+  // meanwhile, since it may have given back locks of its own. `name` is the method's.
   void Finish(const std::string& name) const {
     const HostLock lock;
     if (handovers_ != HostLock::Handovers()) return;
@@ -314,7 +319,7 @@ class BorrowCheck {
   std::uint64_t handovers_ = 0;
 };
 
-// `instance` is null for a shared method. The arguments have been found to fit.
+// Calls a method. `instance` is null for a shared method. The arguments must match the parameters.
 Value Invoke(const Method& method, Thing* instance, const std::vector<Value>& values) {
   const std::string& name = method.full_name;
   CallArguments arguments;
@@ -340,7 +345,7 @@ StringThing* NewString(std::string_view bytes, abi::Encoding encoding) {
   return TheHost().store().NewString(bytes, encoding, kUser);
 }
 
-// The block's memory is exactly as long as `bytes`, so that reading past it shows.
+// Allocates exactly as many bytes as `bytes` has, so that reading beyond the end is detected.
 Object NewMemoryBlock(std::string_view bytes, std::int64_t size) {
   NativeThing* const thing = NewNative("MemoryBlock");
   auto& block = std::get<MemoryBlock>(*thing->state);

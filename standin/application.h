@@ -1,14 +1,15 @@
-// What an application can do with the plug-in's classes: make objects, read properties, call
-// methods, and receive exceptions.
+// The application side of the stand-in host: functions that do what the code of an application does
+// with the plug-in's classes. They make objects, read properties, call methods, and receive
+// exceptions.
 //
-// Members are found by name, ignoring case, in the class and then its super classes. A member that
-// is not there, a private one, or arguments that do not fit throw std::invalid_argument: that is
-// the caller's mistake. An exception that the plug-in raised is thrown as HostException when the
-// call has returned, in the thread that made the call. What the plug-in does wrong is fatal.
+// Members are found by name, ignoring case, first in the object's class and then in its super
+// classes. std::invalid_argument is thrown when there is no such member, when it is private, or
+// when the arguments do not fit: the caller of these functions made a mistake. An exception that
+// the plug-in raised during a call is thrown as HostException when the call has returned, in the
+// thread that made the call. A mistake of the plug-in is fatal (standin/fatal.h).
 //
-// All of this may be done in several threads at the same time. Nothing keeps two threads from
-// changing one object of the plug-in or of the host at once: as in a real host, that is for the
-// application to see to.
+// These functions may be called from several threads at the same time. As in a real host, nothing
+// keeps two threads from changing one object at once: the application must prevent it.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +24,7 @@
 
 namespace zqv::standin {
 
-// A pending exception of the host, delivered.
+// A pending exception of the host, as the application receives it.
 class HostException : public std::exception {
  public:
   HostException(std::string class_name_text, std::string message_text, std::int64_t number);
@@ -37,32 +38,34 @@ class HostException : public std::exception {
   const std::string what_;
 };
 
-// A new string with its bytes labelled as given; no bytes give nil.
+// Makes a new string of `bytes`, which are labelled with `encoding` and not checked. Nil when there
+// are no bytes.
 String MakeString(std::string_view bytes, abi::Encoding encoding = abi::kUtf8);
-// An empty string that is not nil.
+// Makes an empty string that is not nil.
 String MakeEmptyString(abi::Encoding encoding);
 
 Object MakeMemoryBlock(std::string_view bytes);
-// Has a pointer, but tells size -1.
+// Makes a block that has a pointer but reports the size -1.
 Object MakeMemoryBlockOfUnknownSize(std::string_view bytes);
-// Tells a size, but has no pointer.
+// Makes a block that reports a size but has no pointer.
 Object MakeMemoryBlockWithoutPointer(std::int64_t size);
-// A reference to a file that need not exist.
+// Makes a reference to a file, which need not exist.
 Object MakeFolderItem(std::string_view path);
 
-// A new instance of any class; no Constructor runs.
+// Makes an instance of any class, without calling a Constructor.
 Object NewInstance(std::string_view class_name);
 
-// Reads a property of a plug-in's class or of the host's own.
+// Read a property, GetShared a shared one. The class may be the plug-in's or the host's own.
 Value Get(const Object& object, std::string_view property);
 Value GetShared(std::string_view class_name, std::string_view property);
 void SetShared(std::string_view class_name, std::string_view property, const Value& value);
 
-// `method` is a whole declaration, or a name when the arguments leave only one method of it.
+// Call a method. `method` is a whole declaration, or only a name if the arguments fit exactly one
+// method of that name.
 Value CallWith(const Object& object, std::string_view method, const std::vector<Value>& arguments);
 Value CallSharedWith(std::string_view class_name, std::string_view method,
                      const std::vector<Value>& arguments);
-// `new class_name(arguments)`: an instance, then the matching Constructor on it.
+// Does `new class_name(arguments)`: makes an instance, then calls the matching Constructor.
 Object ConstructWith(std::string_view class_name, std::string_view constructor,
                      const std::vector<Value>& arguments);
 
@@ -83,12 +86,12 @@ Object Construct(std::string_view class_name, std::string_view constructor,
   return ConstructWith(class_name, constructor, std::vector<Value>{ToValue(arguments)...});
 }
 
-// The plug-in's own function behind a method, for benchmarks that call it directly. The declaration
-// must be whole; private methods are given too.
+// Returns the plug-in's function that implements a method, for benchmarks that call it directly.
+// `declaration` must be whole. Private methods are found too.
 abi::REALproc FunctionOf(std::string_view class_name, std::string_view declaration);
 
-// Short cuts for results. Each throws std::bad_variant_access for a value of another type, but
-// takes nil as an empty text, a nil object.
+// Convert a result. Nil gives an empty text or a nil object. A value of another type throws
+// std::bad_variant_access.
 std::string BytesOf(const Value& value);
 Object ObjectOf(const Value& value);
 inline bool IsNil(const Value& value) { return std::holds_alternative<std::monostate>(value); }

@@ -1,4 +1,5 @@
-// The C library's own converter: iconv, which refuses surrogates and what lies beyond U+10FFFF.
+// Conversion of charsets by iconv of the C library, which rejects surrogates and code points above
+// U+10FFFF.
 #include <iconv.h>
 #include <locale.h>
 #include <wctype.h>
@@ -20,8 +21,8 @@ struct CloseIconv {
 };
 using IconvHandle = std::unique_ptr<std::remove_pointer_t<iconv_t>, CloseIconv>;
 
-// An open converter, kept for the life of the thread, since two threads cannot use one; the names
-// are literals of the table.
+// Returns a converter that stays open until the thread ends; threads cannot share one. The names
+// are literals of the table of encodings, so their addresses are the key.
 iconv_t Converter(const char* from, const char* to) {
   thread_local std::map<std::pair<const char*, const char*>, IconvHandle> open;
   IconvHandle& handle = open[{from, to}];
@@ -35,7 +36,7 @@ iconv_t Converter(const char* from, const char* to) {
   return handle.get();
 }
 
-// The whole input converted, or nothing. An inexact conversion counts as failed.
+// Converts the whole input. Nothing when that fails or is inexact.
 std::optional<std::string> RunIconv(std::string_view bytes, const char* from, const char* to) {
   iconv_t converter = Converter(from, to);
   iconv(converter, nullptr, nullptr, nullptr, nullptr);
@@ -64,7 +65,7 @@ std::optional<std::string> RunIconv(std::string_view bytes, const char* from, co
   }
 }
 
-// The locale whose tables fold case, whatever locale the process runs in.
+// The locale that lower-case forms come from, whatever the locale of the process.
 locale_t FoldingLocale() {
   static locale_t const made = [] {
     locale_t const locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);

@@ -1,4 +1,4 @@
-// Charsets from the file of tables, and those of Unicode by their rules.
+// Conversion of charsets by a file of tables, and of Unicode's encoding forms by code.
 #include "standin/charset_tables.h"
 
 #include <algorithm>
@@ -17,7 +17,7 @@ namespace {
 constexpr char32_t kLast = 0x10FFFF;
 constexpr bool IsSurrogate(char32_t c) { return c >= 0xD800 && c < 0xE000; }
 
-// The runs of one table, by the lengths of their keys.
+// The runs of one table, sorted by the length of the key and then by the key.
 class Mapping {
  public:
   void Add(const Run& run) {
@@ -26,7 +26,7 @@ class Mapping {
   }
   std::size_t longest() const { return longest_; }
 
-  // The run that has this key, or null.
+  // Finds the run that contains the key. Null when there is none.
   const Run* Find(std::size_t length, std::uint32_t key) const {
     const auto after = std::upper_bound(
         runs_.begin(), runs_.end(), key, [length](std::uint32_t wanted, const Run& run) {
@@ -43,7 +43,7 @@ class Mapping {
 };
 
 struct Charset {
-  std::map<std::string, Mapping> states;  // by what leads to them
+  std::map<std::string, Mapping> states;  // by the sequence that switches to the state
   Mapping encode;
 };
 
@@ -95,7 +95,7 @@ const Charset& CharsetOf(std::string_view name) {
   return found->second;
 }
 
-// Reads a text by the tables of one charset.
+// Decodes a text with the tables of one charset.
 class Decoder {
  public:
   Decoder(const Charset& charset, std::string_view bytes)
@@ -119,7 +119,8 @@ class Decoder {
     return false;
   }
 
-  // The longest that there is: a letter and its accent may have an entry of their own.
+  // Takes the longest match, because a letter with an accent may have an entry of its own. False
+  // when there is no match.
   bool TakeCharacter() {
     for (std::size_t length = std::min(state_->longest(), rest_.size()); length > 0; --length) {
       std::uint32_t key = 0;
@@ -156,14 +157,14 @@ std::optional<std::string> EncodeByTable(std::u32string_view text, const Mapping
   return bytes;
 }
 
-// Bytes of Unicode's forms, one character at a time.
+// Decodes UTF-8, UTF-16 and UTF-32, one character at a time.
 class UnicodeBytes {
  public:
   explicit UnicodeBytes(std::string_view bytes) : rest_(bytes) {}
 
   bool IsAtEnd() const { return rest_.empty(); }
 
-  // Nothing where there is no well-formed character.
+  // Each function below returns nothing when no well-formed character follows.
   std::optional<char32_t> TakeUtf8() {
     const auto first = static_cast<unsigned char>(rest_[0]);
     if (first < 0x80) return TakeUnit(1, false);
@@ -226,7 +227,8 @@ void AppendUtf16(char32_t c, bool is_little, std::string* bytes) {
   AppendUnit(c, 2, is_little, bytes);
 }
 
-// UTF-7 (RFC 2152), read only: UTF-16 in base64 between "+" and what is no digit of it.
+// Decodes UTF-7 (RFC 2152): UTF-16 in base64, between "+" and the first character that is not a
+// base64 digit. Encoding is not supported.
 std::optional<std::u32string> DecodeUtf7(std::string_view bytes) {
   static constexpr std::string_view kDigits =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -265,7 +267,7 @@ std::optional<std::u32string> DecodeUtf7(std::string_view bytes) {
   return text;
 }
 
-// A form of Unicode, or ASCII, by its name.
+// Unicode's encoding forms, and ASCII.
 struct Form {
   enum class Kind { kAscii, kUtf8, kUtf16, kUtf32 };
   Kind kind;

@@ -1,8 +1,9 @@
-// Reads a definition's tables row by row, checks every row, and gives the class its place.
+// Registration of classes: parses and checks each row of a definition's tables, then chooses the
+// place of the record.
 //
-// Types may name classes that are registered later; CheckTypes looks them up in the end. Records
-// lie in an instance behind its head: the super class's first, with gaps between them that belong
-// to nobody, so that a wrong offset is noticed.
+// A type may name a class that is registered later, so CheckTypes looks up type names at the end.
+// In an instance the records follow the head, the super class's first. Between them are gaps that
+// belong to nobody, so that access with a wrong offset is detected.
 #include "standin/class_table.h"
 
 #include <algorithm>
@@ -17,10 +18,10 @@ namespace zqv::standin {
 namespace {
 
 constexpr std::size_t kRecordAlignment = 16;
-constexpr std::size_t kFirstOffset = 64;  // leaves a gap behind the head
+constexpr std::size_t kFirstOffset = 64;  // leaves a gap after the head
 constexpr std::uint32_t kFirstVersionWithDelegates = 11;
 
-// Types that are no class.
+// The types that are not classes.
 struct BuiltInType {
   const char* name;
   TypeKind kind;
@@ -31,10 +32,10 @@ constexpr std::array kBuiltInTypes = {
     BuiltInType{"Variant", TypeKind::kVariant},
 };
 
-// The host's own classes; a super class stands above its subclasses.
+// The host's own classes. A super class must be above its subclasses.
 struct NativeClass {
   const char* name;
-  const char* super;  // null: none
+  const char* super;  // null: it has none
   NativeKind kind;
 };
 constexpr std::array kNativeClasses = {
@@ -49,7 +50,7 @@ constexpr std::array kNativeClasses = {
     NativeClass{"UnsupportedOperationException", "RuntimeException", NativeKind::kException},
 };
 
-// The checks of one definition. Every message begins with the entry point and the class name.
+// Checks one definition. Every message begins with the entry point and the class name.
 class Checker {
  public:
   Checker(std::string prefix, const abi::REALclassDefinition& definition)
@@ -59,18 +60,18 @@ class Checker {
     if (!condition) Fatal(prefix_ + ": " + message);
   }
 
-  // A table is there exactly when it has rows.
+  // Fatal unless the table is null exactly when it has no rows.
   void CheckTable(const char* what, const void* table, std::size_t count) const {
     Require((table != nullptr) == (count > 0),
             std::string(what) + ": the table and its count do not agree");
   }
 
-  // A kind of member that this host does not know.
+  // Fatal unless the table is absent: this host does not know its kind of member.
   void CheckUnused(const char* what, const void* table, std::size_t count) const {
     Require(table == nullptr && count == 0, std::string(what) + " must be null and 0");
   }
 
-  // The last two tables lie in the part that definitions of a lower version do not have.
+  // The last two tables are in the part of a definition that lower versions do not have.
   void CheckTables() const {
     const abi::REALclassDefinition& d = definition_;
     CheckTable("properties", d.properties, d.propertyCount);
@@ -96,7 +97,7 @@ class Checker {
     }
   }
 
-  // A property row, of the shared table or the other.
+  // Parses a row of a property table. `shared` tells that it is the table of shared properties.
   Property Read(const abi::REALproperty& row, bool shared) const {
     Require(row.name != nullptr && *row.name != '\0', "a property without a name");
     const std::string name = row.name;
@@ -141,7 +142,7 @@ class Checker {
     return std::string(definition_.name) + "." + member;
   }
 
-  // The field that the standard getter reads lies inside the record.
+  // Fatal unless the field that the host reads lies inside the record.
   void CheckField(const Property& property) const {
     const std::string name(property.name);
     const std::size_t size = property.kind == TypeKind::kBoolean ? sizeof(abi::RBBoolean) : 8;
@@ -155,7 +156,8 @@ class Checker {
   const abi::REALclassDefinition& definition_;
 };
 
-// Fatal when two members of one class, or of its tables together, could not be told apart.
+// Fatal when two properties have the same name, two methods the same signature, or a method and a
+// property the same name. Shared members count, too.
 void CheckDuplicates(const ClassInfo& info, const Checker& checker) {
   std::set<std::string> properties;
   std::set<std::string> signatures;
@@ -175,7 +177,7 @@ void CheckDuplicates(const ClassInfo& info, const Checker& checker) {
   }
 }
 
-// Fills the four tables of `info`; fatal on the first row that is wrong.
+// Fills the four tables of `info`. Fatal at the first row that is wrong.
 void ReadMembers(const abi::REALclassDefinition& d, const Checker& checker, ClassInfo* info) {
   for (std::size_t i = 0; i < d.propertyCount; ++i) {
     info->properties.push_back(checker.Read(d.properties[i], false));
@@ -226,8 +228,8 @@ ClassInfo* ClassTable::Add(std::string_view name, const ClassInfo* super) {
 }
 
 const ClassInfo* ClassTable::Find(std::string_view name) const {
-  // Multiplied by 2^64 divided by the golden ratio, addresses that are close go to places that are
-  // not.
+  // 2^64 divided by the golden ratio. Multiplying by it spreads addresses that are close to each
+  // other over all slots (Fibonacci hashing).
   constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15;
   const auto place = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(name.data()));
   std::atomic<const ClassInfo*>& slot = recent_[(place * kSpread >> 32) % recent_.size()];

@@ -1,6 +1,6 @@
-// Every conversion passes through UTF-32, where iconv refuses surrogates and what lies beyond
-// U+10FFFF. The table maps the host's encoding numbers to iconv's names; a row without a name is an
-// encoding that the host numbers but cannot convert.
+// Conversions go through UTF-32. The table below maps the host's encoding numbers to the names of
+// charsets (standin/charset.h). A row without a name is an encoding that the host numbers but
+// cannot convert.
 #include "standin/convert.h"
 
 #include <algorithm>
@@ -19,11 +19,11 @@ namespace {
 struct Row {
   abi::Encoding encoding;
   const char* name;  // null: cannot be converted
-  bool has_ascii;    // a text of bytes below 0x80 only is ASCII
+  bool has_ascii;    // bytes below 0x80 mean the same as in ASCII
 };
 
-// Sorted by number. 0x0822 is read by the converter of its superset 0x0821.
-// clang-format off
+// Sorted by number. 0x0822 is decoded by the converter of 0x0821, a superset of it. clang-format
+// off
 constexpr std::array kRows = {
     Row{0x0000, "MACINTOSH", true},
     Row{0x0007, "MAC-CYRILLIC", true},
@@ -124,8 +124,8 @@ const Row* FindRow(abi::Encoding encoding) {
   return row != kRows.end() && row->encoding == encoding ? &*row : nullptr;
 }
 
-// What iconv gives, without its two passes: hosts convert between their own encodings fast, and
-// every text made from HTML comes this way.
+// Converts UTF-32 to UTF-8 with the same results as iconv, but in one pass. Hosts convert between
+// their own encodings fast, and every text made from HTML comes this way.
 std::optional<std::string> Utf32ToUtf8(std::string_view bytes) {
   if (bytes.size() % sizeof(char32_t) != 0) return std::nullopt;
   std::string text(bytes.size(), '\0');

@@ -1,5 +1,5 @@
-// Text conversion between the host's encodings: strict in both directions, nothing is replaced.
-// Several threads may convert at the same time.
+// Conversion of text between the host's encodings. It is strict: malformed bytes and missing
+// characters make it fail, nothing is replaced. Several threads may convert at the same time.
 #pragma once
 
 #include <optional>
@@ -10,22 +10,22 @@
 
 namespace zqv::standin {
 
-// The text of `bytes` in encoding `to`. Nothing when the bytes are not well-formed in `from`, when
-// `to` cannot hold a character, or when an encoding is not known. Unknown (0xFFFF) converts only
-// to itself, unchanged.
+// Converts `bytes` from one encoding to another. Returns nothing when the bytes are not well-formed
+// in `from`, when `to` lacks a character, or when an encoding is not known. kUnknownEncoding
+// (0xFFFF) converts to itself only, without a change.
 std::optional<std::string> Convert(std::string_view bytes, abi::Encoding from, abi::Encoding to);
 
-// The code points of `bytes`; nothing as for Convert.
+// Decodes `bytes` to code points. Returns nothing in the cases in which Convert does.
 std::optional<std::u32string> CodePoints(std::string_view bytes, abi::Encoding from);
 
-// A readable name ("UTF-8"), "unknown" for 0xFFFF, or the number in hexadecimal.
+// Returns a readable name ("UTF-8"), "unknown" for kUnknownEncoding, or the number in hexadecimal.
 std::string EncodingName(abi::Encoding encoding);
 
-// For tests and tables: whether Convert knows the encoding at all.
+// Whether Convert supports the encoding.
 bool IsKnownEncoding(abi::Encoding encoding);
 
-// Both texts with case removed, compared as text: below 0, 0 or above 0. Texts that cannot be
-// converted are compared as bytes, ignoring ASCII case.
+// Compares two texts without regard to case. Returns a number below 0, 0, or above 0. Texts that
+// cannot be converted are compared as bytes without regard to ASCII case.
 int CompareText(std::string_view left, abi::Encoding left_encoding, std::string_view right,
                 abi::Encoding right_encoding);
 

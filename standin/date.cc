@@ -1,5 +1,5 @@
-// The proleptic Gregorian calendar in whole days and seconds; the limits keep every sum far from
-// the ends of 64 bits and exact in a double.
+// The proleptic Gregorian calendar in whole days and seconds. Values are limited, so that every sum
+// fits 64 bits and is exact in a double.
 #include "standin/date.h"
 
 #include <cmath>
@@ -13,7 +13,7 @@ constexpr std::int64_t kMaxField = 1'000'000'000;
 constexpr double kMaxSeconds = 3e13;
 constexpr std::int64_t kEpochYear = 1904;
 
-// Division that rounds towards minus infinity; `b` is positive.
+// Division that rounds down. `b` must be positive.
 constexpr std::int64_t FloorDiv(std::int64_t a, std::int64_t b) {
   return a / b - (a % b != 0 && (a % b < 0) != (b < 0) ? 1 : 0);
 }
@@ -28,7 +28,7 @@ constexpr std::int64_t DaysInMonth(std::int64_t year, std::size_t month_index) {
   return kMonthDays[month_index] + (month_index == 1 && IsLeap(year) ? 1 : 0);
 }
 
-// Days from the first day of the epoch's year to the first day of `year`.
+// Days from January 1 of the epoch's year to January 1 of `year`.
 constexpr std::int64_t DaysBeforeYear(std::int64_t year) {
   const auto leaps = [](std::int64_t before) {
     return FloorDiv(before, 4) - FloorDiv(before, 100) + FloorDiv(before, 400);
@@ -37,8 +37,8 @@ constexpr std::int64_t DaysBeforeYear(std::int64_t year) {
 }
 static_assert(DaysBeforeYear(1904) == 0 && DaysBeforeYear(1905) == 366);
 
-// The year that holds a day, counted from the epoch's first day. The estimate by the average year
-// is right or too late, since the epoch begins with a leap year.
+// The year that contains a day; days count from the epoch. The estimate by the average length of a
+// year is right or one too late, because the epoch begins with a leap year.
 std::int64_t YearOfDay(std::int64_t day) {
   std::int64_t year = kEpochYear + FloorDiv(day * 400, 146'097);
   while (DaysBeforeYear(year) > day) --year;

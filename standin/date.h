@@ -1,5 +1,5 @@
-// The arithmetic behind the host's class "Date": a count of seconds since 1904-01-01 00:00:00 in
-// the date's own local reckoning, and its calendar fields.
+// The value of an object of the host's class "Date": seconds since 1904-01-01 00:00:00 in the
+// date's own time zone, which is not stored, and calendar fields that are calculated from them.
 #pragma once
 
 #include <array>
@@ -15,25 +15,25 @@ class Date {
   static constexpr std::size_t kFieldCount = 6;
   using Fields = std::array<std::int64_t, kFieldCount>;
 
-  // The new date of a fixed moment, so that tests repeat:
-  // 2001-01-31 12:34:56: a day that most months do not have, so that setting the month of a new
-  // date before its day shows.
+  // 2001-01-31 12:34:56, the value of every new date. It is fixed, so that tests are repeatable.
+  // Most months have no day 31, so code that sets the month of a new date before its day gives a
+  // wrong date, which tests notice.
   Date();
 
-  // Year, month from 1, day from 1, hour, minute, second; fractions are cut off.
+  // Year, month from 1, day from 1, hour, minute, second. Fractions of a second are cut off.
   Fields fields() const;
 
-  // Fields out of range roll over: day 31 of June is 1 July. False, and nothing set, for values
-  // too large to be reckoned with.
+  // Set all fields or one. A field out of range rolls over: day 31 of June is 1 July. False,
+  // without a change, when a value is too large for the calculation.
   bool SetFields(const Fields& fields);
   bool SetField(Field field, std::int64_t value);
 
-  // Fractions included.
+  // With the fraction of a second.
   double total_seconds() const { return total_seconds_; }
-  // False, and nothing set, for what is no number or too large.
+  // False, without a change, when `seconds` is not a number or too large.
   bool SetTotalSeconds(double seconds);
 
-  // "2019-01-01T10:00:00"
+  // Date and time without a zone: "2019-01-01T10:00:00".
   std::string IsoText() const;
 
  private:

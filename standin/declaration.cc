@@ -1,5 +1,5 @@
-// A reader for one line of the host's declaration syntax: name, parameters in parentheses, "as" and
-// a type. Blanks separate; keywords ignore case; there is nothing else in the grammar.
+// Parser for one declaration: a name, parameters in parentheses, "as" and a type. Blanks separate
+// words, and keywords ignore case. The grammar contains nothing else.
 #include "standin/declaration.h"
 
 #include <cstddef>
@@ -13,7 +13,7 @@ namespace {
 
 bool IsNameByte(char c) { return base::IsAlphanumeric(c) || c == '_'; }
 
-// Reads words and punctuation from the front of a text, skipping blanks.
+// Takes words and punctuation from the front of a text, and skips blanks.
 class Reader {
  public:
   explicit Reader(std::string_view text) : text_(text) { SkipBlanks(); }
@@ -36,7 +36,7 @@ class Reader {
     return name;
   }
 
-  // "as" and the type after it; false when the type is not there.
+  // Takes "as" and the type after it. False when they are missing.
   bool TakeType(TypeText* type) {
     if (!base::EqualsIgnoringCase(TakeName(), "as")) return false;
     type->name = TakeName();

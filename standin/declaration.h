@@ -1,5 +1,5 @@
-// Member declarations as the host writes them: "Parts(index as Integer) as MimeEntityZQV",
-// "Parts as MimeEntityZQV()", "Constructor".
+// Parser for declarations of members in the syntax of the host's language: "Parts(index as Integer)
+// as MimeEntityZQV", "Parts as MimeEntityZQV()", "Constructor".
 #pragma once
 
 #include <optional>
@@ -9,7 +9,7 @@
 
 namespace zqv::standin {
 
-// A type text taken apart: "MimeEntityZQV()" is an array of MimeEntityZQV.
+// A parsed type: "MimeEntityZQV()" is an array of MimeEntityZQV.
 struct TypeText {
   std::string name;  // empty: no result
   bool is_array = false;
@@ -21,21 +21,22 @@ struct Parameter {
   TypeText type;
 };
 
-// A declaration's parts, spelt as they were written.
+// A parsed declaration. Names are spelt as in the text.
 struct Declaration {
   std::string name;
   std::vector<Parameter> parameters;
   TypeText result;
 };
 
-// Nothing when the text does not follow the grammar.
+// Parses a declaration. Returns nothing when the text does not follow the grammar.
 std::optional<Declaration> ParseDeclaration(std::string_view text);
 
-// The name and the parameter types in lower case, "parts(integer)": two members of one class must
-// not agree in it.
+// Returns the name and the parameter types in lower case: "parts(integer)". Two members of one
+// class must not have the same signature.
 std::string Signature(const Declaration& declaration);
 
-// Name, parameter types and result agree, ignoring case. Parameter names do not matter.
+// Whether name, parameter types and result are equal, ignoring case. Parameter names are not
+// compared.
 bool SameDeclaration(const Declaration& left, const Declaration& right);
 
 }  // namespace zqv::standin

@@ -1,4 +1,4 @@
-// The entry points for arrays, and the procedures that they hand out.
+// The entry points for arrays, and the functions whose addresses they return.
 #include <string>
 
 #include "standin/entry_points.h"
@@ -8,9 +8,9 @@
 namespace zqv::standin {
 namespace {
 
-constexpr std::int64_t kMaxUpperBound = 1 << 24;  // beyond it, the bound is surely a mistake
+constexpr std::int64_t kMaxUpperBound = 1 << 24;  // an upper bound above this is surely a mistake
 
-// A live array of that kind of elements; fatal otherwise.
+// Returns the array. Fatal unless it is alive and its elements are of this type.
 ArrayThing* Typed(const void* raw, int element_type, const char* user) {
   ArrayThing* const array = Host::Get(user).store().Array(raw, user);
   if (array->body->element_type == element_type) return array;
@@ -43,7 +43,7 @@ void SetInteger(abi::REALarray array, abi::RBInteger value, abi::RBInteger index
                                       kName);
 }
 
-// The procedure, if the array holds elements of that kind.
+// Returns the function, or null if the array's elements are of another type.
 template <typename Procedure>
 void* ProcedureFor(abi::REALarray raw, int element_type, Procedure* procedure, const char* user) {
   const ArrayThing* const array = Host::Get(user).store().Array(raw, user);

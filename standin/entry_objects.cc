@@ -1,5 +1,5 @@
-// The entry points for start, registration, objects, locks, exceptions, and the properties and
-// methods of the host's own classes.
+// The entry points for start-up, registration, objects, locks and exceptions, and for the
+// properties and methods of native classes.
 #include <array>
 #include <optional>
 #include <string>
@@ -13,7 +13,7 @@
 namespace zqv::standin {
 namespace {
 
-// The exact declaration texts of Date's two constructors; any other text finds nothing.
+// The declarations of Date's two constructors. Only exactly these texts find them.
 constexpr std::string_view kSevenArguments =
     "Constructor(Year as Integer, Month as Integer, Day as Integer, Hour as Integer, "
     "Minute as Integer, Second as Integer, GMTOffset as Double)";
@@ -34,21 +34,22 @@ void ConstructDate6(abi::REALobject object, abi::RBInteger year, abi::RBInteger 
   SetDate(object, {year, month, day, hour, minute, second});
 }
 
-// The offset is ignored: the fields are taken in the date's own reckoning.
+// Ignores the last argument, the offset from UTC: a date does not store its time zone.
 void ConstructDate7(abi::REALobject object, abi::RBInteger year, abi::RBInteger month,
                     abi::RBInteger day, abi::RBInteger hour, abi::RBInteger minute,
                     abi::RBInteger second, double) {
   SetDate(object, {year, month, day, hour, minute, second});
 }
 
-// A native object and the property asked for; `property` is null when there is no such property
-// of the wanted kind.
+// An object of a native class and one of its properties. `property` is null when there is no such
+// property of the wanted type.
 struct Target {
   NativeThing* thing = nullptr;
   const NativeProperty* property = nullptr;
 };
 
-// An unknown property is no misuse: the caller is told 0. A dead object or a null name is.
+// Finds a property by name. An unknown name is not a mistake: the entry point returns 0. Fatal when
+// the object is not alive or `name` is null.
 Target FindTarget(abi::REALobject object, const char* name, TypeKind kind, const char* user) {
   Host& host = Host::Get(user);
   Thing* const thing = host.store().Object(object, user);
@@ -133,7 +134,7 @@ void* REALLoadObjectMethod(REALobject object, const char* declaration) {
   return nullptr;
 }
 
-// In the encoding that this host's paths have.
+// Makes a string in the encoding of this host's paths.
 StringThing* NewPath(const std::string& path, Host& host, const char* creator) {
   const abi::Encoding label = host.capabilities().path_encoding;
   const abi::Encoding encoding = label == abi::kUnknownEncoding ? abi::kMacRoman : label;

@@ -1,5 +1,5 @@
-// The entry points, declared from the list that host and plug-in share: one that is not written
-// fails to link.
+// Declarations of all entry points, made from the list that host and plug-in share. An entry point
+// without an implementation is an error of the linker.
 #pragma once
 
 #include <cstddef>
@@ -12,16 +12,15 @@
 
 namespace zqv::standin {
 
-// Their numbers, in the order of the list.
-// kEntryCount is how many there are.
+// Numbers of the entry points, in the order of the list; kEntryCount is their count.
 enum EntryId : std::size_t {
 #define ZQV_ENTRY_POINT(name, result, arguments, ownership) k##name,
 #include "abi/entry_points.def"
   kEntryCount
 };
 
-// A call of an entry point, of the resolver or of a function that either gave: the plug-in does not
-// run meanwhile, and the host's lock is held.
+// Marks that the host runs and holds its mutex. It is created at the start of every entry point, of
+// the resolver, and of every function whose address one of them returned.
 class EntryScope {
  public:
   EntryScope() : plugin_(false) {}
@@ -31,10 +30,11 @@ class EntryScope {
   const HostLock lock_;
 };
 
-// What each does once its call was counted and no fault has stopped it.
+// The implementations of the entry points. They run after the call was counted and if no fault
+// prevents it.
 namespace entry {
 
-// The list names the interface's types without their namespace.
+// The shared list names the interface's types without their namespace.
 using abi::PlatformString;
 using abi::RBBoolean;
 using abi::RBInteger;

@@ -1,5 +1,5 @@
-// The entry points for strings. Nil stands for the empty string everywhere; a length of 0 builds
-// nil.
+// The entry points for strings. In arguments, nil means the empty string. Building a string of
+// length 0 returns nil.
 #include <cstdlib>
 #include <cstring>
 #include <optional>
@@ -18,7 +18,7 @@ constexpr std::string_view kLengthDeclaration = "LenB( s as string ) as integer"
 constexpr std::uint32_t kRecordMark = 0x5A515653;
 constexpr std::size_t kTailSize = 4;
 
-// A string argument; nil reads as empty text in an encoding that fits any other.
+// A string argument. Nil is an empty text in ASCII, which is valid in all encodings.
 struct Text {
   std::string_view bytes;
   abi::Encoding encoding = abi::kAscii;
@@ -30,7 +30,7 @@ Text Read(abi::REALstring raw, const char* user) {
   return {string->bytes(), string->encoding};
 }
 
-// A new string with one lock; `user` is the entry point.
+// Makes a string with one lock. `user` is the name of the entry point.
 abi::REALstring Build(const char* bytes, int length, abi::Encoding encoding, const char* user) {
   if (length < 0) Fatal(std::string(user) + ": the length is negative");
   if (length == 0) return nullptr;
@@ -39,13 +39,13 @@ abi::REALstring Build(const char* bytes, int length, abi::Encoding encoding, con
   return ToHost(Host::Get(user).store().NewString(text, encoding, user));
 }
 
-// The global method that measures a string in bytes.
+// A global method of the host, which returns the length of a string in bytes.
 abi::RBInteger LenB(abi::REALstring string) {
   const EntryScope scope;
   return static_cast<abi::RBInteger>(Read(string, "LenB").bytes.size());
 }
 
-// UTF-32 in the other byte order, behind a byte-order mark.
+// Returns UTF-32 in the other byte order, after a byte-order mark.
 std::string SwapUtf32(std::string_view text) {
   static constexpr char kMark[] = {'\0', '\0', '\xFE', '\xFF'};
   std::string swapped = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
@@ -57,7 +57,8 @@ std::string SwapUtf32(std::string_view text) {
   return swapped;
 }
 
-// Fills a record with a copy of the text; private1 is the buffer to be freed.
+// Fills a record with a copy of the text. Its field private1 points to the buffer, which must be
+// freed.
 void Lend(std::string_view text, abi::Encoding encoding, bool terminated,
           abi::REALstringData* data) {
   char* const buffer = static_cast<char*>(std::malloc(text.size() + kTailSize));
@@ -154,7 +155,7 @@ REALstring RuntimeAddString(REALstring left, REALstring right) {
   if (a.encoding == b.encoding) return ToHost(store.NewString(joined, a.encoding, kName));
   const std::optional<std::string> first = Convert(a.bytes, a.encoding, abi::kUtf8);
   const std::optional<std::string> second = Convert(b.bytes, b.encoding, abi::kUtf8);
-  // What cannot be converted keeps its bytes and loses its encoding.
+  // Bytes that cannot be converted are joined unchanged, without a label.
   if (first && second) return ToHost(store.NewString(*first + *second, abi::kUtf8, kName));
   return ToHost(store.NewString(joined, abi::kUnknownEncoding, kName));
 }

@@ -1,4 +1,5 @@
-// The one way in which the stand-in host ends on misuse.
+// Ends the process when the plug-in, or the user of the stand-in host, makes a mistake. Comments
+// call such a mistake fatal.
 #pragma once
 
 #include <string>
@@ -8,8 +9,8 @@ namespace zqv::standin {
 // Writes "stand-in host: <message>" to standard error and aborts the process.
 [[noreturn]] void Fatal(const std::string& message);
 
-// The end of a process whose host got no memory: Fatal, unless a program has set something else,
-// which must not return.
+// Called when the host gets no memory for a thing; `creator` is the entry point that needed it.
+// Calls Fatal, or the handler that was set, which must not return.
 using OutOfMemoryHandler = void (*)(const std::string& creator);
 void SetOutOfMemoryHandler(OutOfMemoryHandler handler);
 [[noreturn]] void OutOfMemory(const std::string& creator);

@@ -1,5 +1,4 @@
-// The locks behind the handles. A handle's lock is counted as any other; only its user's name in a
-// message differs.
+// The locks of handles. They are counted like all other locks.
 #include "standin/handles.h"
 
 #include <stdexcept>

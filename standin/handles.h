@@ -1,8 +1,8 @@
-// What an application holds: typed handles to strings and objects, and values.
+// The references and values that application code holds: handles to strings and objects.
 //
-// Each non-nil handle has one lock of its own; copying a handle adds a lock, its end gives it
-// back. Handles must not outlive the host. Several threads may use handles to one thing at the same
-// time, but a handle of its own is needed by a thread that changes it.
+// A non-nil handle owns one lock of the thing: copying the handle adds a lock, destroying it gives
+// the lock back. Handles must not outlive the host. Several threads may have handles to one thing
+// at the same time. One handle must not be changed while another thread uses it.
 #pragma once
 
 #include <cstdint>
@@ -19,13 +19,13 @@
 
 namespace zqv::standin {
 
-// Adds and gives back an application's lock; nil is ignored.
+// Add a lock for the application, and give one back. Nil is ignored.
 void AddLock(Thing* thing);
 void GiveBack(Thing* thing);
-// The locks of all holders together; 0 for nil.
+// The number of locks of a thing, whoever owns them. 0 for nil.
 std::int64_t LocksOf(const Thing* thing);
 
-// The part that strings and objects share. T is the thing's struct.
+// What String and Object have in common. T is the struct of the thing.
 template <typename T>
 class Handle {
  public:
@@ -39,12 +39,12 @@ class Handle {
   ~Handle() { GiveBack(thing_); }
 
   bool IsNil() const { return thing_ == nullptr; }
-  // Borrowed; null for nil.
+  // The thing; null for nil. [borrowed]
   T* thing() const { return thing_; }
-  // The locks of all holders together; 0 for nil.
+  // The number of locks of the thing, whoever owns them. 0 for nil.
   std::int64_t locks() const { return LocksOf(thing_); }
 
-  // The very same thing, not equal contents.
+  // Whether both are handles to the same thing. Contents are not compared.
   friend bool operator==(const Handle& a, const Handle& b) { return a.thing_ == b.thing_; }
   friend bool operator!=(const Handle& a, const Handle& b) { return a.thing_ != b.thing_; }
 
@@ -55,19 +55,20 @@ class Handle {
   T* thing_ = nullptr;
 };
 
-// A host string. Its encoding is a label: the bytes may not be well-formed in it.
+// A handle to a string of the host. The encoding is only a label: the bytes may not be well-formed
+// in it.
 class String : public Handle<StringThing> {
  public:
   String() = default;
-  // Takes over one lock.
+  // Takes ownership of one lock.
   static String Adopt(StringThing* thing) { return String(thing); }
 
-  // The string's own bytes, valid while a lock is held; empty for nil.
+  // The bytes of the string, valid while somebody owns a lock. Empty for nil.
   std::string_view bytes() const { return IsNil() ? std::string_view() : thing()->bytes(); }
   abi::Encoding encoding() const { return IsNil() ? abi::kUnknownEncoding : thing()->encoding; }
-  // The text in UTF-8, nothing when it cannot be had; empty text for nil.
+  // The text in UTF-8; empty for nil. Nothing when it cannot be converted.
   std::optional<std::string> Utf8() const;
-  // For calling entry points directly; borrowed.
+  // The reference in the type that entry points take, for calling one directly. [borrowed]
   abi::REALstring raw() const { return ToHost(thing()); }
 
  private:
@@ -76,34 +77,37 @@ class String : public Handle<StringThing> {
 
 class Object;
 
-// The nil of any reference type is std::monostate.
+// An argument or a result. Nil of any reference type is std::monostate.
 using Value = std::variant<std::monostate, bool, std::int64_t, double, String, Object>;
 
-// A host object or array.
+// A handle to an object or array of the host.
 class Object : public Handle<Thing> {
  public:
   Object() = default;
-  // Takes over one lock.
+  // Takes ownership of one lock.
   static Object Adopt(Thing* thing) { return Object(thing); }
 
-  // The rest is for non-nil objects; nil throws std::invalid_argument.
+  // The functions below are for non-nil objects: except IsArray, they throw std::invalid_argument
+  // for nil.
   const std::string& ClassName() const;
-  // Of this class or a subclass of it, ignoring case.
+  // Whether the object is of this class or a subclass of it. Case is ignored.
   bool IsA(std::string_view class_name) const;
   bool IsArray() const;
-  // Arrays only; an index out of bounds throws std::out_of_range.
+  // For arrays only, else std::invalid_argument is thrown. An index out of bounds throws
+  // std::out_of_range.
   std::int64_t Size() const;
   Value At(std::int64_t index) const;
-  // Object arrays only: what an application may do to an array that it was handed.
+  // Appends to an array of objects, as an application may do with an array that a method returned.
+  // Throws std::invalid_argument for any other object.
   void Append(const Object& element) const;
-  // For calling entry points directly; borrowed.
+  // The reference in the type that entry points take, for calling one directly. [borrowed]
   abi::REALobject raw() const { return ToHost(thing()); }
 
  private:
   explicit Object(Thing* thing) : Handle(thing) {}
 };
 
-// Makes a Value of whatever a caller has at hand.
+// Convert an argument of Call and Construct to a Value.
 inline Value ToValue(std::nullptr_t) { return std::monostate(); }
 inline Value ToValue(bool value) { return value; }
 inline Value ToValue(double value) { return value; }

@@ -1,5 +1,6 @@
-// The one running host, the table of entry points made from the shared list, and what every call
-// goes through: mark that the host runs, count, apply the fault, do the work.
+// The one host of the process, and the table of entry points, made from the list that host and
+// plug-in share. Every call of an entry point marks that the host runs, is counted, applies the
+// fault, and then does its work.
 #include "standin/host.h"
 
 #include <stdexcept>
@@ -13,7 +14,8 @@
 namespace zqv::standin {
 namespace {
 
-// What the resolver gives for one entry point: counts, applies the fault, then does the work.
+// The function that the resolver returns for an entry point: it counts the call, applies the fault,
+// and calls the implementation.
 template <EntryId kId, auto kBody>
 struct Counted;
 
@@ -26,7 +28,7 @@ struct Counted<kId, kBody> {
   }
 };
 
-// An entry point's name and what the resolver gives for it.
+// An entry point: its name, and the function that the resolver returns.
 struct EntryRow {
   std::string_view name;
   void* address;
@@ -41,7 +43,7 @@ const std::array<EntryRow, kEntryCount>& Entries() {
   return kEntries;
 }
 
-// Nothing for a name that no host has.
+// Finds an entry point by name. Nothing when no host has one of that name.
 std::optional<EntryId> FindEntry(std::string_view name) {
   for (std::size_t i = 0; i < kEntryCount; ++i) {
     if (Entries()[i].name == name) return static_cast<EntryId>(i);
@@ -49,7 +51,7 @@ std::optional<EntryId> FindEntry(std::string_view name) {
   return std::nullopt;
 }
 
-// Fatal for such a name.
+// Finds an entry point by name. Fatal when no host has one of that name.
 EntryId EntryOf(std::string_view name) {
   const std::optional<EntryId> id = FindEntry(name);
   if (!id) Fatal("there is no entry point \"" + std::string(name) + "\"");
@@ -87,7 +89,7 @@ void* Host::Resolve(const char* name) {
     return nullptr;
   }
   EntryState& state = host.entries_[*id];
-  ++state.askings;
+  ++state.lookups;
   if (state.fault && state.fault->kind == Fault::Kind::kMissing) return nullptr;
   if (*id == kREALGetStringCFString && !host.capabilities_.platform_string) return nullptr;
   return Entries()[*id].address;
@@ -98,7 +100,7 @@ const Host::EntryState& Host::State(std::string_view name) const { return entrie
 std::uint64_t Host::CallCount(std::string_view name) const { return Locked(State(name).calls); }
 
 std::uint64_t Host::ResolveCount(std::string_view name) const {
-  return Locked(State(name).askings);
+  return Locked(State(name).lookups);
 }
 
 void Host::SetFault(std::string_view name, std::optional<Fault> fault) {

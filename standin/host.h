@@ -1,14 +1,15 @@
-// The stand-in host: the resolver, every entry point behind it, and what they share.
+// The stand-in host: the resolver, the entry points that it returns, and the state that they share.
 //
-// One host per process at a time, since the resolver carries no context. The host counts every
-// asking and every call of an entry point and applies its fault before the call does anything.
-// The application side (standin/application.h) works beside the entry points: it is neither
-// counted nor subject to faults.
+// A process has at most one host at a time, since the resolver has no argument that could name one.
+// The host counts every lookup of an entry point and every call. Before a call does anything, the
+// host applies the fault of the entry point, if it has one. The application side
+// (standin/application.h) does not use entry points, so faults do not affect it and it is not
+// counted.
 //
-// Entry points and the application side may be called from several threads at the same time; see
-// standin/host_lock.h. A host starts, ends and has classes registered while one thread uses it. The
-// functions of this class take the host's lock themselves where a comment does not say that it must
-// be held.
+// Entry points and the application side may be called from several threads at the same time, see
+// standin/host_lock.h. A host must be started, ended, and given its classes while one thread uses
+// it. The member functions of this class acquire the host's mutex (HostLock), unless their comment
+// says that the caller must hold it.
 #pragma once
 
 #include <array>
@@ -33,72 +34,78 @@ namespace zqv::standin {
 
 class Host {
  public:
-  // Fatal while another host lives. The host ends when the pointer goes: what the plug-in or the
-  // application still hold is freed, and their handles must not be used any more.
+  // Starts a host. Fatal when the process has one already. Destroying the result ends the host and
+  // frees all things of the plug-in and the application. Their handles must not be used afterwards.
   static std::unique_ptr<Host> Start(Capabilities capabilities = {});
   ~Host();
   Host(const Host&) = delete;
   Host& operator=(const Host&) = delete;
 
-  // Null when no host lives.
+  // The host of the process, or null.
   static Host* Current() { return current_; }
-  // Fatal when no host lives.
+  // The host of the process. Fatal when there is none; `user` names the caller in the message.
   static Host& Get(const char* user) {
     if (current_ == nullptr) FailWithoutHost(user);
     return *current_;
   }
 
-  // What the plug-in's exported function receives. It serves whichever host lives.
+  // The argument for the plug-in's exported function. It serves the current host, also one that is
+  // started later.
   abi::Resolver resolver() const;
 
-  // As given at the start; SetFault does not change them.
+  // The capabilities at the start. SetFault does not change them.
   const Capabilities& capabilities() const { return capabilities_; }
-  // The lock must be held for using these two when there are several threads.
+  // With several threads, the caller must hold the mutex while it uses the ledger or the store.
   Ledger& ledger() { return store_.ledger(); }
   Store& store() { return store_; }
   ClassTable& classes() { return classes_; }
   const ClassTable& classes() const { return classes_; }
 
-  // How often an entry point was called, or asked of the resolver. Names that are no entry point
-  // are fatal to ask about, so that a mistyped one does not count as 0.
+  // How often an entry point was called, or was looked up through the resolver. A name that is not
+  // an entry point is fatal, so that a mistyped name is not counted as 0.
   std::uint64_t CallCount(std::string_view name) const;
   std::uint64_t ResolveCount(std::string_view name) const;
-  // Calls of all entry points together.
+  // The number of calls of all entry points.
   std::uint64_t TotalCalls() const { return Locked(total_calls_); }
-  // How often names were asked that no host has.
+  // How often the plug-in looked up names that no host has.
   std::uint64_t StrangeNames() const { return Locked(strange_names_); }
 
-  // Replaces the fault of one entry point from now on; calls count from the host's start. A
-  // missing one is missed only by those who have not resolved it yet.
+  // Replaces the fault of one entry point; std::nullopt removes it. Its `from_call` counts
+  // calls from the host's start. With kMissing, code that has looked up the entry point before can
+  // still call it.
   void SetFault(std::string_view name, std::optional<Fault> fault);
 
-  // Whether lock counts mean anything: false once a lock or unlock entry point has had a fault.
+  // Whether lock counts are correct: false once an entry point that locks or unlocks has had a
+  // fault.
   bool CountsLocks() const { return Locked(counts_locks_); }
 
-  // Fatal when a registered member names a type that is no class. To be called once the plug-in
-  // has registered everything.
+  // Fatal when a registered member's type names an unknown class. Call it after the plug-in has
+  // registered everything.
   void FinishRegistration() const { classes_.CheckTypes(); }
 
-  // A stable text of every registered class and member, without addresses.
+  // Lists all registered classes and members, one a line. The text contains no addresses, so that
+  // it is the same in every run.
   std::string ListClasses() const;
 
   // A pending exception belongs to the thread that raised it.
   //
-  // This thread's, handed over with its lock; null when there is none.
+  // Returns the pending exception of this thread and gives the caller its lock; null when there is
+  // none. [new lock]
   NativeThing* TakePending();
-  // Makes an exception pending in this thread with a lock of its own, unless one is pending there
-  // already. The lock must be held.
+  // Makes `exception` pending in this thread and adds a lock. If one is pending already, it only
+  // counts `exception` as dropped. The caller must hold the mutex.
   void Raise(NativeThing* exception);
-  // Exceptions raised while another was pending, and those pending when nothing was being called.
+  // Dropped exceptions were raised while another was pending. Stray exceptions were pending when no
+  // call of the plug-in was in progress that could deliver them.
   std::uint64_t DroppedExceptions() const { return Locked(dropped_exceptions_); }
   std::uint64_t StrayExceptions() const { return Locked(stray_exceptions_); }
-  // Lets go of an exception of this thread that nobody waits for, and counts it.
+  // Releases the pending exception of this thread, if there is one, and counts it as stray.
   void DropStray();
-  // The same for every thread, those that have ended included.
+  // Does the same for all threads, also those that have ended.
   void DropAllStrays();
 
-  // Counts a call of an entry point and applies its fault: true when the call must do nothing. The
-  // lock must be held.
+  // Counts a call of an entry point and applies its fault. Returns true when the call must do
+  // nothing. Throws when the fault says so. The caller must hold the mutex.
   bool Enter(EntryId id) {
     ++total_calls_;
     EntryState& state = entries_[id];
@@ -106,14 +113,14 @@ class Host {
     return state.fault.has_value() && ApplyFault(id);
   }
 
-  // Whether "PluginNewInstance" must give nil for this class.
+  // Whether "PluginNewInstance" must return nil for this class.
   bool IsUnknownClass(std::string_view name) const;
 
  private:
-  // What is counted for one entry point, and its fault if it has one.
+  // The counts of one entry point, and its fault.
   struct EntryState {
     std::uint64_t calls = 0;
-    std::uint64_t askings = 0;
+    std::uint64_t lookups = 0;
     std::optional<Fault> fault;
   };
 
@@ -122,7 +129,7 @@ class Host {
   [[noreturn]] static void FailWithoutHost(const char* user);
   bool ApplyFault(EntryId id) const;
   const EntryState& State(std::string_view name) const;
-  // The lock must be held.
+  // The caller must hold the mutex.
   NativeThing* TakePendingLocked();
 
   template <typename T>
@@ -131,7 +138,8 @@ class Host {
     return member;
   }
 
-  inline static Host* current_ = nullptr;  // the resolver has no context to carry it
+  // Static, because the resolver has no argument that could name a host.
+  inline static Host* current_ = nullptr;
 
   const Capabilities capabilities_;
   ClassTable classes_;

@@ -1,13 +1,14 @@
-// The host's lock: whatever several threads ask of the host takes place in some order.
+// The host's mutex. Holding it is called holding the host's lock; it has nothing to do with the
+// locks of things, which are references.
 //
-// One lock for all that the host keeps: counts, faults, things and their lock counts, the ledger,
-// the quarantine, pending exceptions. An entry point holds it for the whole of its call, and the
-// application side for each of its small steps; it is never held while a function of the plug-in
-// runs, so constructors, getters and methods of several threads run side by side. The store gives
-// it up around a destructor that it calls.
+// It protects everything that the host stores: counts, faults, things and their lock counts, the
+// ledger, the quarantine, pending exceptions. An entry point holds it during its whole call. The
+// application side holds it for single steps. It is never held while a function of the plug-in
+// runs, so constructors, getters and methods can run in several threads at the same time. Therefore
+// the store releases it while it calls a destructor.
 //
-// A thread holds it at most once; taking it twice is fatal. While the process has had no second
-// thread, no mutex is touched and taking it costs next to nothing.
+// The mutex is not recursive: acquiring it twice in one thread is fatal. As long as the process has
+// had only one thread, the mutex itself is not used, so that acquiring costs almost nothing.
 #pragma once
 
 #include <cstdint>
@@ -24,17 +25,17 @@ namespace internal {
 
 enum class Hold : unsigned char {
   kNone,
-  kWithoutMutex,  // taken while there was one thread
+  kWithoutMutex,  // acquired while the process had one thread
   kWithMutex,
 };
 
 inline std::mutex g_host_mutex;
 inline thread_local Hold g_hold = Hold::kNone;
-// Guarded by the mutex.
-inline const Hold* g_last_holder = nullptr;  // tells threads apart
+// The variables below are protected by the mutex.
+inline const Hold* g_last_holder = nullptr;  // compared only; identifies the thread
 inline std::uint64_t g_handovers = 0;
 
-// False when that is not known.
+// False also when the C library does not tell.
 inline bool IsSingleThreaded() {
 #if __has_include(<sys/single_threaded.h>)
   return __libc_single_threaded != 0;
@@ -43,7 +44,7 @@ inline bool IsSingleThreaded() {
 #endif
 }
 
-// Where there are, or may be, several threads, and where it is held already.
+// The slow path: there are or may be several threads, or this thread holds the mutex already.
 __attribute__((noinline)) inline void AcquireAmongThreads() noexcept {
   if (g_hold != Hold::kNone) Fatal("the host's lock is taken twice by one thread");
   g_host_mutex.lock();
@@ -66,7 +67,7 @@ inline void ReleaseHost() noexcept {
 
 }  // namespace internal
 
-// Holds the lock while it lives.
+// Holds the host's mutex during its lifetime.
 class HostLock {
  public:
   HostLock() { internal::AcquireHost(); }
@@ -74,13 +75,13 @@ class HostLock {
   HostLock(const HostLock&) = delete;
   HostLock& operator=(const HostLock&) = delete;
 
-  // How often the lock went from one thread to another. When two calls give the same number, no
-  // other thread was in the host between them.
+  // How often the mutex was acquired by another thread than the time before. If two calls return
+  // the same number, no other thread used the host between them. The caller must hold the mutex.
   static std::uint64_t Handovers() { return internal::g_handovers; }
 };
 
-// Gives the lock up while it lives, for a function of the plug-in; does nothing where the lock is
-// not held.
+// Releases the host's mutex during its lifetime, so that a function of the plug-in can run. Does
+// nothing when this thread does not hold the mutex.
 class HostLockGap {
  public:
   HostLockGap() : is_held_(internal::g_hold != internal::Hold::kNone) {

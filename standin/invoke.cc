@@ -1,11 +1,11 @@
-// The only place that calls a function through a type of its own choosing.
+// The only file that calls a function through a type that it chooses itself.
 #include "standin/invoke.h"
 
 #include <exception>
 
 #include "standin/fatal.h"
 
-// The type differs from the function's own on purpose.
+// Allows a call through another type than the function's own.
 #if defined(__clang__)
 #define ZQV_ANY_FUNCTION_TYPE __attribute__((no_sanitize("function")))
 #else
@@ -25,7 +25,8 @@ ZQV_ANY_FUNCTION_TYPE Result Jump(abi::REALproc function, const CallArguments& a
   return reinterpret_cast<Function>(function)(i[0], i[1], i[2], i[3], i[4], i[5], d[0], d[1]);
 }
 
-// A C++ exception must not cross the border; it would end the real host.
+// Calls the function. A C++ exception that leaves the plug-in would end a real host, so here it is
+// fatal.
 template <typename Result>
 Result Call(abi::REALproc function, const CallArguments& arguments, const std::string& what) {
   if (function == nullptr) Fatal(what + ": the function is null");

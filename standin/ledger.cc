@@ -1,5 +1,5 @@
-// Freed things are filled with a fixed byte and poisoned, and their memory is kept from the
-// allocator until the quarantine is full.
+// Freed things are filled with a fixed byte and poisoned. Their memory stays allocated until the
+// quarantine is full.
 #include "standin/ledger.h"
 
 #include <cstdlib>
@@ -23,7 +23,7 @@ std::string Origin(const TypeInfo& type, const char* creator) {
   return type.name + " created by " + creator;
 }
 
-// Padding apart, byte for byte.
+// Compares all members. memcmp would compare the padding, too.
 bool SameRecord(const abi::REALstringData& left, const abi::REALstringData& right) {
   return left.data == right.data && left.length == right.length &&
          left.encoding == right.encoding && left.private1 == right.private1 &&
@@ -63,7 +63,7 @@ void Ledger::Bury(Thing* thing, std::size_t bytes) {
 }
 
 void Ledger::Trim(std::size_t max_entries, std::size_t max_bytes) {
-  // The oldest go first.
+  // The oldest leave first.
   while (!dead_order_.empty() && (dead_order_.size() > max_entries || dead_bytes_ > max_bytes)) {
     void* const oldest = dead_order_.front();
     dead_order_.pop_front();

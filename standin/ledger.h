@@ -1,10 +1,11 @@
-// The book of every string, object, array and lent string data: what lives, what was freed.
+// The ledger records every thing (string, object, array) and all string data that was lent: what is
+// alive, and what was freed recently.
 //
-// `live_` holds exactly the things that were born and have not died; `dead_` those freed whose
-// memory is still held back, so that no new thing has the address of a recently freed one. With
-// the ledger off only the counts are kept and freed memory is given back at once.
+// `live_` contains the living things. `dead_` contains the freed things in quarantine, whose memory
+// is not freed yet, so that no new thing gets the address of a recently freed one. A disabled
+// ledger keeps only counts, and freed memory is reused at once.
 //
-// The host's lock must be held for every call when there are several threads.
+// With several threads, the caller must hold the host's mutex (standin/host_lock.h) for every call.
 #pragma once
 
 #include <array>
@@ -22,7 +23,7 @@
 
 namespace zqv::standin {
 
-// How many things are outstanding.
+// The number of living things of each kind, and of lent string data.
 struct LiveCounts {
   std::int64_t strings = 0;
   std::int64_t objects = 0;
@@ -34,7 +35,8 @@ struct LiveCounts {
 
 class Ledger {
  public:
-  // The quarantine holds at most so many things and bytes, whichever is reached first.
+  // The last two arguments limit the quarantine. The oldest thing leaves it when one of them is
+  // exceeded.
   Ledger(bool enabled, std::size_t quarantine_entries, std::size_t quarantine_bytes);
   ~Ledger();
   Ledger(const Ledger&) = delete;
@@ -42,15 +44,16 @@ class Ledger {
 
   bool enabled() const { return enabled_; }
 
-  // Memory for a thing; null when there is none.
+  // Allocates the memory of a thing. Null when there is no memory.
   void* Allocate(std::size_t bytes) { return enabled_ ? std::malloc(bytes) : memory_.Take(bytes); }
 
-  // The thing's head must be filled in.
+  // Records a new thing, whose head must be filled in.
   void Born(const Thing* thing) {
     ++Count(thing->kind);
     if (enabled_) Enter(thing);
   }
-  // Takes over the thing's memory, for which Allocate was asked for so many bytes.
+  // Records that the thing was freed, and takes ownership of its memory. `bytes` is the number that
+  // was passed to Allocate.
   void Died(Thing* thing, std::size_t bytes) {
     --Count(thing->kind);
     if (enabled_) {
@@ -60,26 +63,29 @@ class Ledger {
     }
   }
 
-  // Fatal unless `pointer` is a live thing; `user` names who uses it.
+  // Fatal unless `pointer` is a living thing. `user` names who uses it.
   void CheckAlive(const void* pointer, const char* user) const {
     if (enabled_) Look(pointer, user);
   }
 
-  // Books a filled string-data record by its address; fatal when that one is still outstanding.
+  // Records that `record` was filled with lent string data. Fatal when the same record was filled
+  // before and not given back.
   void Lent(const abi::REALstringData* record, const char* user);
-  // Fatal unless `record` was lent at this very address, is unchanged and not given back yet.
+  // Records that string data was given back. Fatal unless `record` has the address of one that was
+  // lent, is unchanged, and was not given back yet.
   void GivenBack(const abi::REALstringData* record, const char* user);
 
-  // Kept with the ledger off, too.
+  // Correct also when the ledger is disabled.
   LiveCounts Live() const;
 
-  // One line for each class and creator with the number of things and of locks, sorted; empty
-  // when nothing is outstanding. A test's fixture expects it to equal "".
+  // A leak report: for each class and creator, one line with the number of living things and of
+  // their locks, sorted. Empty when nothing is alive. The fixture of the interface tests demands an
+  // empty report.
   std::string Report() const;
 
-  // The live things, for the host's end.
+  // All living things, to be freed when the host ends.
   std::vector<Thing*> LiveThings() const;
-  // The buffers of string data never given back, for the host's end.
+  // The buffers of all string data that was not given back, to be freed when the host ends.
   std::vector<void*> LentBuffers() const;
 
  private:
@@ -98,8 +104,8 @@ class Ledger {
   const bool enabled_;
   const std::size_t quarantine_entries_;
   const std::size_t quarantine_bytes_;
-  ThingMemory memory_;                    // without the ledger
-  std::array<std::int64_t, 3> counts_{};  // of living things, by their kind
+  ThingMemory memory_;                    // used when the ledger is disabled
+  std::array<std::int64_t, 3> counts_{};  // living things, by ThingKind
   std::int64_t lent_count_ = 0;
   std::unordered_map<const void*, const Thing*> live_;
   std::unordered_map<const void*, Dead> dead_;
@@ -108,7 +114,7 @@ class Ledger {
   std::unordered_map<const void*, abi::REALstringData> lent_;
 };
 
-// "String created by REALBuildString, 2 locks": how messages name a thing.
+// Names a thing in messages: "String created by REALBuildString, 2 locks".
 std::string Describe(const Thing& thing);
 
 }  // namespace zqv::standin

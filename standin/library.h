@@ -1,4 +1,4 @@
-// Loads a built plug-in file as a host does and runs its one exported function.
+// Loads the file of a built plug-in as a host does, and calls its one exported function.
 #pragma once
 
 #include <string>
@@ -8,23 +8,23 @@
 
 namespace zqv::standin {
 
-// How a file becomes its exported function; null when it exports none.
+// Opens a file and returns its exported function; null when it exports none.
 using Opener = abi::REALproc (*)(const std::string& path);
 
-// From now on files are opened in this way instead of by the system's loader: for tests that run
-// libraries made for other systems.
+// Replaces the system's loader by `opener`. Tests use it to run libraries that were built for other
+// systems.
 void UseOpener(Opener opener);
 
 class Library {
  public:
-  // Loads the file with all its symbols bound at once and kept to itself; it stays loaded for the
-  // life of the process. Throws std::runtime_error, naming file and reason, when the file cannot
-  // be loaded or does not export "REALPluginMain".
+  // Loads the file. All its symbols are bound at once and are not visible to other libraries. It
+  // stays loaded until the process ends. Throws std::runtime_error, naming file and reason, when
+  // the file cannot be loaded or does not export "REALPluginMain".
   explicit Library(const std::string& path);
 
-  // Runs the exported function with the host's resolver, then checks what was registered.
+  // Calls the exported function with the host's resolver, then checks the registered classes.
   void Enter(const Host& host) const;
-  // Runs the exported function with any resolver, null included.
+  // Calls the exported function with any resolver. Null is allowed.
   void EnterWith(abi::Resolver resolver) const;
 
  private:

@@ -1,4 +1,5 @@
-// The text form of everything registered, one member a line, for comparison with a kept listing.
+// Lists all registered classes and members as text, one member a line, for comparison with a stored
+// listing.
 #include <array>
 #include <cstdio>
 #include <string>

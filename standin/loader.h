@@ -1,4 +1,4 @@
-// The system's loader of shared libraries.
+// Access to the system's loader of shared libraries.
 #pragma once
 
 #include <string>
@@ -7,12 +7,12 @@
 
 namespace zqv::standin {
 
-// Loads the file with all its symbols bound at once and kept to itself, and gives the exported
-// function of this name; null when either cannot be had. The file stays loaded for the life of the
-// process.
+// Loads a file and returns its exported function of this name. Null when the file cannot be loaded
+// or lacks the function. All symbols of the file are bound at once and are not visible to other
+// libraries. It stays loaded until the process ends.
 abi::REALproc LoadFunction(const std::string& path, const char* name);
 
-// Why this thread's last LoadFunction gave null.
+// The reason why this thread's last LoadFunction returned null.
 std::string WhyNotLoaded();
 
 }  // namespace zqv::standin

@@ -1,6 +1,7 @@
-// Writes the tables of standin/charset_tables.h from what this machine's iconv says:
+// Writes a file of charset tables (standin/charset_tables.h) by asking this machine's iconv:
 //   make_charset_tables FILE CHARSET...
-// Characters are found by trying: bytes that iconv calls unfinished are gone on with.
+// It finds the characters of a charset by trying all bytes. When iconv calls a sequence incomplete,
+// it tries all bytes after that sequence.
 #include <iconv.h>
 #include <locale.h>
 #include <wctype.h>
@@ -26,7 +27,7 @@ using Points = std::vector<std::uint32_t>;
   std::exit(1);
 }
 
-// One direction of a charset.
+// Converts in one direction between a charset and UTF-32.
 class Converter {
  public:
   Converter(const std::string& from, const std::string& to)
@@ -39,7 +40,7 @@ class Converter {
 
   enum class Answer { kWhole, kUnfinished, kRefused };
 
-  // Leaves the result in output().
+  // Converts `input`. output() returns the result.
   Answer Run(const std::string& input) {
     iconv(handle_, nullptr, nullptr, nullptr, nullptr);
     char* in = const_cast<char*>(input.data());
@@ -51,7 +52,8 @@ class Converter {
       return errno == EINVAL ? Answer::kUnfinished : Answer::kRefused;
     }
     if (inexact != 0) return Answer::kRefused;
-    iconv(handle_, nullptr, nullptr, &out, &out_left);  // what it holds back for the next character
+    // Flushes a character that iconv holds back to combine it with the next one.
+    iconv(handle_, nullptr, nullptr, &out, &out_left);
     output_.assign(buffer_, sizeof buffer_ - out_left);
     return Answer::kWhole;
   }
@@ -74,7 +76,7 @@ std::uint32_t NumberOf(const std::string& bytes) {
   return number;
 }
 
-// Puts entries together in runs; they come sorted.
+// Joins consecutive entries into runs. Entries must be added in ascending order.
 class Runs {
  public:
   void Add(std::uint32_t length, std::uint32_t key, const Points& values, std::uint32_t size) {
@@ -132,15 +134,15 @@ class File {
   std::ofstream file_;
 };
 
-// The state that a sequence of bytes leads to; null: of a charset that has no states.
+// The sequence of bytes that switches to a state; null for a charset without states.
 using State = const std::string*;
 
-// All characters that begin with `bytes`, in that state.
+// Finds all characters that begin with `bytes`, in this state.
 void FindCharacters(Converter* converter, State state, const std::string& bytes, Runs* runs) {
   for (int last = 0; last < 256; ++last) {
     const std::string tried = bytes + static_cast<char>(last);
     if (state != nullptr && std::strchr("\x1B\x0E\x0F", tried[0]) != nullptr && tried[0] != '\0') {
-      continue;  // leads to another state
+      continue;  // switches to another state
     }
     const Converter::Answer answer = converter->Run(state != nullptr ? *state + tried : tried);
     if (answer == Converter::Answer::kWhole && !converter->output().empty()) {
@@ -152,7 +154,8 @@ void FindCharacters(Converter* converter, State state, const std::string& bytes,
   }
 }
 
-// Characters that become another one together: a letter and its accent.
+// Finds sequences of characters, such as a letter and its accent, whose code points differ from the
+// code points of the single characters.
 void FindCompositions(Converter* converter, const std::string& first, Runs* runs) {
   if (converter->Run(first) != Converter::Answer::kWhole) return;
   const Points before = converter->points();
@@ -195,7 +198,7 @@ void WriteStateless(const std::string& charset, File* file) {
   file->Write(charset, "", TableKind::kEncode, encoded);
 }
 
-// A state: what leads to it in a text, and in a text that begins with it.
+// A shift to a state: the sequence within a text, and the sequence at the start of a text.
 struct Shift {
   std::string bytes;
   std::string from_start;
@@ -203,7 +206,7 @@ struct Shift {
 
 struct Stateful {
   const char* charset;
-  std::vector<Shift> shifts;  // the first is the state at the beginning
+  std::vector<Shift> shifts;  // the first is the initial state
 };
 
 std::vector<Shift> Plain(const std::vector<std::string>& sequences) {

@@ -1,7 +1,7 @@
-// The walk keeps a stack of places still to be filled. Opening an object reads all its members
-// first and makes their places; only then do the objects among them go on the stack, so that no
-// place moves while it is waiting. A path is kept as its last step and the path before it: whole
-// paths would take memory by the square of a tree's depth.
+// A loop with a stack of objects and arrays that are still to be written. Opening an object first
+// reads all its members and creates their JSON values. Only then are its objects pushed, so that no
+// JSON value moves while the stack points to it. A path is stored as its last step and the number
+// of the path before it; storing whole paths would take memory quadratic in the depth.
 #include "standin/mirror.h"
 
 #include <algorithm>
@@ -39,14 +39,14 @@ class Walk {
   }
 
  private:
-  // The number of a path in `steps_`.
+  // The index of a path's last step in `steps_`.
   using Path = std::size_t;
   struct Step {
-    Path before;  // the top's own for the top
+    Path before;  // for the top: the top itself
     std::string name;
   };
-  // An object or array still to be written. `place` stays valid: a container is filled with all
-  // its members before any of them is opened.
+  // An object or array that is still to be written to `place`. The pointer stays valid, because all
+  // members of a container are created before any of them is opened.
   struct Item {
     Object object;
     Json* place;
@@ -58,13 +58,14 @@ class Walk {
     Value value;
     bool is_variant;
   };
-  // Held, so that no later object can have the address of an earlier one.
+  // An object that was written. The handle keeps it alive, so that no later object gets its
+  // address.
   struct Seen {
     Object object;
     Path path;
   };
 
-  // "/Body/Parts/0"; empty for the top.
+  // The path as text: "/Body/Parts/0". Empty for the top.
   std::string PathText(Path path) const {
     std::vector<Path> steps;
     for (; path != 0; path = steps_[path].before) steps.push_back(path);
@@ -73,8 +74,8 @@ class Walk {
     return text;
   }
 
-  // Writes a plain value; an object's place stays null until its turn comes. `name` is that of the
-  // value within the holder.
+  // Writes a string, number or Boolean to `place`. Pushes an object, which leaves null there until
+  // it is opened. `name` is the last step of the value's path.
   void Put(const Value& value, Json* place, const Item& holder, const std::string& name) {
     if (const auto* const object = std::get_if<Object>(&value)) {
       if (object->IsNil()) return;
@@ -111,7 +112,7 @@ class Walk {
     } else {
       OpenObject(item, *info);
     }
-    // The last one pushed is opened next, and that should be the first member.
+    // The stack opens the last item first, but the first member shall be written first.
     std::reverse(waiting_.begin() + static_cast<std::ptrdiff_t>(first_new_), waiting_.end());
   }
 
@@ -138,7 +139,8 @@ class Walk {
     Collect(item.object, info, &members);
     *item.place = {{"class", info.name}};
     for (const Member& member : members) (*item.place)[member.name] = nullptr;
-    // A Variant shows what another member shows by its own type, so it comes last.
+    // A Variant may contain an object that another member has by its own type. The Variant comes
+    // last, so that it is the one written as {"same": path}.
     for (const bool variants : {false, true}) {
       for (const Member& member : members) {
         if (member.is_variant != variants) continue;
@@ -147,7 +149,7 @@ class Walk {
     }
   }
 
-  // Reads the members, those of super classes first.
+  // Reads all members, those of super classes first.
   void Collect(const Object& object, const ClassInfo& info, std::vector<Member>* members) const {
     if (info.super != nullptr) Collect(object, *info.super, members);
     const auto wanted = [&](std::string_view name) {

@@ -1,4 +1,4 @@
-// One table says which properties the host's own classes have; reading and writing go by its rows.
+// One table lists the properties of all native classes. Reading and writing follow its rows.
 #include "standin/native.h"
 
 #include <array>
@@ -10,7 +10,7 @@
 namespace zqv::standin {
 namespace {
 
-// The first six rows follow Date::Field.
+// The first six rows are in the order of Date::Field.
 constexpr std::array kProperties = {
     NativeProperty{NativeKind::kDate, "Year", TypeKind::kInteger},
     NativeProperty{NativeKind::kDate, "Month", TypeKind::kInteger},
@@ -70,7 +70,7 @@ std::unique_ptr<NativeState> NewState(NativeKind kind) {
 std::string FileUrl(std::string_view path) {
   static constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string url = "file://";
-  // A path that begins with a drive, as on Windows.
+  // A Windows path with a drive letter needs a slash before it.
   if (path.size() > 1 && path[1] == ':') url += '/';
   for (const char c : path) {
     if (IsPlainInUrl(c)) {

@@ -1,5 +1,4 @@
-// The host's own classes: what their objects hold and which properties they offer. An exception
-// object holds one lock on its message.
+// The host's own classes, called native: the state of their objects, and their properties.
 #pragma once
 
 #include <cstdint>
@@ -15,21 +14,21 @@
 
 namespace zqv::standin {
 
-// What "memoryBlockGetPtr" and "memoryBlockGetSize" tell; they need not agree.
+// The results of "memoryBlockGetPtr" and "memoryBlockGetSize". They need not agree.
 struct MemoryBlock {
   std::unique_ptr<char[]> bytes;  // null: the block has no pointer
   std::int64_t size = 0;          // -1: unknown
 };
 
-// Both paths are UTF-8 and of the same file.
+// Two forms of one path, both in UTF-8.
 struct FolderItem {
   std::string native_path;
   std::string url_path;
 };
 
-// Shared by all exception classes.
+// The state of an object of any exception class.
 struct ExceptionState {
-  StringThing* message = nullptr;  // one lock, or nil
+  StringThing* message = nullptr;  // nil, or a string of which it owns one lock
   std::int64_t error_number = 0;
 };
 
@@ -40,31 +39,31 @@ struct NativeThing : Thing {
   NativeState* state;  // owned
 };
 
-// A new, empty state for a class of this kind, which must not be kNone.
+// Makes an empty state for a class of this kind, which must not be kNone.
 std::unique_ptr<NativeState> NewState(NativeKind kind);
 
-// "file:///a/b%20c" of "/a/b c".
+// Returns the URL of a path: "file:///a/b%20c" for "/a/b c".
 std::string FileUrl(std::string_view path);
 
-// One property of a native class, as its object holds it.
+// One property of a native class.
 struct NativeProperty {
   NativeKind owner;
   const char* name;
   TypeKind kind;  // kString, kInteger or kDouble
 };
 
-// Null when the class has no such property, or `missing` holds "Class.Property" of the class
-// itself or a super class.
+// Finds a property of a class or of its super classes. Null when there is none, or when `missing`
+// contains "Class.Property" for the class itself or a super class.
 const NativeProperty* FindNativeProperty(const ClassInfo& info, std::string_view name,
                                          const std::set<std::string, std::less<>>& missing);
 
-// Reading and writing; the property is one that FindNativeProperty gave for this thing's class,
-// of the fitting kind. Writing gives false when the value is refused.
+// Read or write a property. `property` comes from FindNativeProperty for the class of `thing` and
+// has the type that the function names. Writing returns false when the value is not accepted.
 std::int64_t ReadInteger(const NativeThing& thing, const NativeProperty& property);
 double ReadDouble(const NativeThing& thing, const NativeProperty& property);
 bool WriteInteger(NativeThing* thing, const NativeProperty& property, std::int64_t value);
 bool WriteDouble(NativeThing* thing, const NativeProperty& property, double value);
-// A file's paths; the message of an exception is a string of its own and not read here.
+// For the path properties of FolderItem only; not for the message of an exception.
 const std::string& ReadPath(const NativeThing& thing, const NativeProperty& property);
 
 }  // namespace zqv::standin

@@ -1,4 +1,5 @@
-// Marks memory as untouchable while AddressSanitizer watches; does nothing otherwise.
+// Makes memory inaccessible when the program is built with AddressSanitizer; otherwise these
+// functions do nothing.
 #pragma once
 
 #include <cstddef>
@@ -18,8 +19,8 @@
 
 namespace zqv::standin {
 
-// `kPoisonWorks` tells whether touching poisoned memory is noticed at all. Both functions take any
-// stretch that begins at a multiple of 8.
+// `kPoisonWorks` tells whether access to poisoned memory is detected. The start of a poisoned or
+// unpoisoned range must be a multiple of 8.
 #ifdef ZQV_STANDIN_ASAN
 inline constexpr bool kPoisonWorks = true;
 inline void Poison(const void* start, std::size_t size) {

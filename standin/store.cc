@@ -1,8 +1,8 @@
-// How things are laid out, shown to the plug-in and taken down again.
+// Layout, allocation and destruction of things.
 //
-// The parts of an instance that belong to no record are filled with a fixed byte and poisoned at
-// birth, and looked at when the instance is freed. A string's bytes are summed up at birth and
-// again at its end, because nobody may write to them.
+// Bytes of an instance that belong to no record are filled with a fixed value and poisoned when it
+// is made. When it is freed, they must be unchanged. For the same purpose a string has a checksum,
+// because nobody may write to its bytes.
 #include "standin/store.h"
 
 #if defined(_WIN32)
@@ -28,16 +28,16 @@ namespace zqv::standin {
 namespace {
 
 constexpr double kFirstVersionOfNewLayout = 2021.0;
-constexpr int kGapByte = 0xC5;     // what nobody may write into, inside an instance
+constexpr int kGapByte = 0xC5;     // fills the bytes of an instance that belong to no record
 constexpr int kFieldsByte = 0xA5;  // fills the unused bytes of an array's fields
 constexpr std::int32_t kWrongLocksBias = 1;
-constexpr std::size_t kFewElements = 16;  // an array has room for, without a ledger
+constexpr std::size_t kFewElements = 16;  // capacity of a new array when the ledger is disabled
 
 const TypeInfo kStringType{"String"};
 const TypeInfo kObjectArrayType{"Array of objects"};
 const TypeInfo kIntegerArrayType{"Array of integers"};
 
-// The layout that "by version" stands for.
+// The layout of arrays. Resolves kByVersion.
 ArrayLayout LayoutOf(const Capabilities& capabilities) {
   if (capabilities.array_layout != ArrayLayout::kByVersion) return capabilities.array_layout;
   return capabilities.version >= kFirstVersionOfNewLayout ? ArrayLayout::kNew : ArrayLayout::kOld;
@@ -45,7 +45,7 @@ ArrayLayout LayoutOf(const Capabilities& capabilities) {
 
 std::uint64_t Checksum(std::string_view bytes) { return std::hash<std::string_view>()(bytes); }
 
-// Calls `visit(start, size)` for every stretch of an instance that is neither head nor record.
+// Calls `visit(start, size)` for every range of an instance that is neither head nor record.
 template <typename Visit>
 void VisitGaps(const Thing* object, const ClassInfo& info, Visit visit) {
   const char* const start = static_cast<const char*>(static_cast<const void*>(object));
@@ -75,13 +75,13 @@ void CheckGaps(const Thing* object, const ClassInfo& info) {
   });
 }
 
-// Writes one of the fields that the plug-in may read; the offset counts from the array's start.
+// Writes one of the fields that the plug-in reads. `offset` counts from the start of the array.
 template <typename T>
 void PutField(ArrayThing* array, std::size_t offset, T value) {
   std::memcpy(array->fields + (offset - kArrayStorageOffset), &value, sizeof value);
 }
 
-// From the top class down, as destructors run from the bottom up.
+// Runs the constructors of the super classes first. Destructors run in the reverse order.
 void RunConstructors(const CallArguments& object, const ClassInfo& info) {
   if (info.super != nullptr) RunConstructors(object, *info.super);
   if (info.definition->constructor == nullptr) return;
@@ -163,7 +163,8 @@ ArrayThing* Store::NewArray(int element_type, std::int64_t upper_bound, const ch
   auto* const array =
       Begin<ArrayThing>(kArraySize, sizeof(ArrayThing), type, ThingKind::kArray, creator);
   array->body = new (array + 1) ArrayBody{element_type, {}, {}};
-  // With a ledger the storage moves as often as it can, which is what a plug-in must bear.
+  // With a ledger no capacity is reserved. So the storage moves as often as possible, and a plug-in
+  // that keeps a pointer to it is detected.
   if (!ledger_.enabled()) array->body->slots.reserve(kFewElements);
   array->body->slots.resize(static_cast<std::size_t>(upper_bound + 1));
   if (layout_ == ArrayLayout::kWrongLocks) {
@@ -176,7 +177,7 @@ ArrayThing* Store::NewArray(int element_type, std::int64_t upper_bound, const ch
   return array;
 }
 
-// Writes the fields that the plug-in may read, as the layout has them or breaks them.
+// Writes the fields that the plug-in reads, according to the layout.
 void Store::ShowFields(ArrayThing* array) const {
   ArrayBody& body = *array->body;
   const std::int64_t* storage = body.slots.empty() ? nullptr : body.slots.data();
@@ -198,7 +199,8 @@ void Store::ShowFields(ArrayThing* array) const {
     PutField(array, kArrayDimensionsOffset, std::int64_t{dimensions});
     PutField(array, kArrayNewUpperBoundOffset, upper_bound);
   } else {
-    // Both places agree, so that a broken layout is broken in one respect for any host version.
+    // The upper bound is in the places of both layouts. So a layout that is wrong on purpose is
+    // wrong in one respect only, for every version of the host.
     PutField(array, kArrayDimensionsOffset, std::int64_t{dimensions});
     PutField(array, kArrayOldUpperBoundOffset, upper_bound);
     PutField(array, kArrayNewUpperBoundOffset, upper_bound);
@@ -233,9 +235,9 @@ void Store::End(Thing* thing) {
   }
 }
 
-// Never inlined: the stack must be free again when it returns. Written to from the top down, a page
-// at a time, so that it meets the guard page of a stack that is too small, and once more in the
-// end, so that it is kept meanwhile.
+// Never inlined: the stack must be free again when it returns. It writes to one byte of each page,
+// from the highest address down, so that it meets the guard page of a stack that is too small. The
+// write after Destroy keeps the compiler from freeing the stack before the call.
 __attribute__((noinline)) void Store::DestroyOnStack(std::size_t bytes, Thing* thing) {
   constexpr std::size_t kPage = 4096;
   volatile char* const frame = static_cast<volatile char*>(alloca(bytes));
@@ -337,7 +339,7 @@ void Store::Insert(ArrayThing* array, std::int64_t index, Thing* element, const 
   }
   if (element != nullptr) Lock(element, user);
   auto& slots = array->body->slots;
-  // The storage may move; the fields shown must follow.
+  // The insertion may have moved the storage, so the fields that point to it are written again.
   slots.insert(slots.begin() + index, reinterpret_cast<std::int64_t>(element));
   ShowFields(array);
 }

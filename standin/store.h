@@ -1,11 +1,12 @@
-// Makes, locks and frees every thing that the host hands out.
+// The store makes, locks and frees all things: the strings, objects and arrays of the host.
 //
-// Invariant: a thing is freed at the moment its last lock goes, after the destructors of its class
-// and super classes have run; nobody may lock it once that has begun. With a broken lock or unlock
-// entry point the counts mean nothing: then things of that kind live until the host ends.
+// A thing is freed as soon as its last lock is given back, after the destructors of its class and
+// super classes have run. Adding a lock after the destructors have begun is fatal. When an entry
+// point that locks or unlocks has a fault, counts are wrong: then things of that kind live until
+// the host ends.
 //
-// The host's lock must be held for every call when there are several threads. It is given up while
-// a constructor or destructor of the plug-in runs, that is in NewObject and Unlock.
+// With several threads, the caller must hold the host's mutex for every call. NewObject and Unlock
+// release it while they run a constructor or destructor of the plug-in.
 #pragma once
 
 #include <cstddef>
@@ -26,28 +27,30 @@ namespace zqv::standin {
 class Store {
  public:
   explicit Store(const Capabilities& capabilities);
-  // Frees whatever lives, running no destructors.
+  // Frees everything that is alive, without running destructors.
   ~Store();
   Store(const Store&) = delete;
   Store& operator=(const Store&) = delete;
 
-  // For checks of liveness and for reports.
+  // Used to check whether things are alive, and for leak reports.
   Ledger& ledger() { return ledger_; }
 
-  // Each new thing has one lock. `creator` is a literal: an entry point's name or "application".
+  // Make a thing with one lock. `creator` is a string literal: the name of an entry point, or
+  // "application". [new lock]
   StringThing* NewString(std::string_view bytes, abi::Encoding encoding, const char* creator);
   Thing* NewObject(const ClassInfo& info, const char* creator);
   NativeThing* NewNative(const ClassInfo& info, const char* creator);
   ArrayThing* NewArray(int element_type, std::int64_t upper_bound, const char* creator);
 
-  // The thing behind a pointer that came from outside; fatal when it is not alive or of another
-  // kind. `user` names who uses it. Nil is fatal too.
+  // Check a pointer that came from the plug-in or the application and return the thing. Fatal when
+  // it is nil, not alive, or of another kind. `user` names who uses it. [borrowed]
   StringThing* String(const void* raw, const char* user) const;
-  Thing* Object(const void* raw, const char* user) const;  // an object or an array
+  Thing* Object(const void* raw, const char* user) const;  // also accepts an array
   ArrayThing* Array(const void* raw, const char* user) const;
   NativeThing* Native(const void* raw, NativeKind kind, const char* user) const;
 
-  // The thing must be alive. Unlock may free it, and whatever it alone held.
+  // Add a lock, and give one back. The thing must be alive. Unlock frees it, and the things that
+  // only it had locked, when no lock is left.
   void Lock(Thing* thing, const char* user) {
     if (thing->dying) RefuseLock(*thing, user);
     ++thing->locks;
@@ -57,24 +60,24 @@ class Store {
     if (thing->LockCount() <= 0) RefuseUnlock(*thing, user);
     if (--thing->locks == thing->lock_bias) End(thing);
   }
-  // From now on things of that kind are not freed. Objects include arrays.
+  // From now on things of this kind are not freed. kObject includes arrays.
   void MakeImmortal(ThingKind kind);
 
-  // Array elements; the index must be within bounds, which Insert alone may exceed by one.
+  // Access to elements. `index` must be within bounds; Insert also accepts the end of the array.
   std::int64_t UpperBound(const ArrayThing& array) const;
   std::int64_t Element(const ArrayThing& array, std::int64_t index, const char* user) const;
   void SetInteger(ArrayThing* array, std::int64_t index, std::int64_t value, const char* user);
-  // The array adds its own lock; nil is allowed.
+  // Adds a lock for the array. `element` may be nil.
   void Insert(ArrayThing* array, std::int64_t index, Thing* element, const char* user);
 
  private:
-  // Allocates a thing, zeroes its first bytes and fills in its head, with one lock; fatal when
-  // there is no memory.
+  // Allocates `size` bytes for a thing, zeroes the first `zeroed` of them, and fills in its head,
+  // with one lock. Fatal when there is no memory.
   template <typename T>
   T* Begin(std::size_t size, std::size_t zeroed, const TypeInfo& type, ThingKind kind,
            const char* creator);
-  // The thing behind a pointer; fatal unless it lives and `is_wanted` is true of its kind, which
-  // `wanted` names.
+  // Returns the thing that `raw` points to. Fatal unless it is alive and `is_wanted` returns true
+  // for its kind, which `wanted` names in the message.
   template <typename IsWanted>
   Thing* Checked(const void* raw, const char* user, const char* wanted, IsWanted is_wanted) const;
   [[noreturn]] static void RefuseLock(const Thing& thing, const char* user);
@@ -84,14 +87,15 @@ class Store {
   bool IsImmortal(ThingKind kind) const {
     return kind == ThingKind::kString ? strings_are_immortal_ : objects_are_immortal_;
   }
-  // Its last lock is gone.
+  // Frees a thing without locks, on an enlarged stack if the capabilities ask for it.
   void End(Thing* thing);
-  // On so much more stack than it takes itself.
+  // Calls Destroy after it has taken `bytes` more of the stack.
   void DestroyOnStack(std::size_t bytes, Thing* thing);
   void Destroy(Thing* thing);
   void RunDestructors(Thing* object, const ClassInfo& info) const;
   static void CheckBytes(const StringThing& string);
-  // Give up what the thing holds apart from its own memory. `unlock`: locks on other things too.
+  // Free what a thing owns besides its own memory. `unlock` tells whether to give back its locks on
+  // other things.
   void Release(Thing* thing, bool unlock);
   void ReleaseState(NativeThing* thing, bool unlock);
   void ReleaseBody(ArrayThing* array, bool unlock);
@@ -104,7 +108,7 @@ class Store {
   bool objects_are_immortal_ = false;
 };
 
-// The class of an object; null for strings and arrays.
+// The class of an object; null for a string or array.
 inline const ClassInfo* ClassOf(const Thing& thing) {
   return thing.kind == ThingKind::kObject ? static_cast<const ClassInfo*>(thing.type) : nullptr;
 }

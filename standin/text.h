@@ -1,4 +1,4 @@
-// Small helpers for names: the host compares every name without regard to ASCII case.
+// Helpers for comparing names. The host ignores ASCII case in every name.
 #pragma once
 
 #include <algorithm>
@@ -12,17 +12,18 @@
 
 namespace zqv::standin {
 
-// For keys of ordered containers and for comparing signatures.
+// Returns the name in lower case, for keys of ordered containers and for signatures.
 inline std::string LowerName(std::string_view name) {
   std::string lower(name);
   for (char& c : lower) c = base::LowerAscii(c);
   return lower;
 }
 
-// Hash and equality of names for unordered containers.
+// Hash of names for unordered containers. Names that differ in case only have the same hash.
 struct NameHash {
   std::size_t operator()(std::string_view name) const {
-    constexpr std::uint64_t kCaseBits = 0x2020202020202020U;  // by which a letter's cases differ
+    // The bits in which upper and lower case differ.
+    constexpr std::uint64_t kCaseBits = 0x2020202020202020U;
     std::uint64_t hash = 14695981039346656037U ^ name.size();
     while (!name.empty()) {
       std::uint64_t word = 0;

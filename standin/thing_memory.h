@@ -1,5 +1,5 @@
-// Memory of things in a host without a ledger: small pieces are kept and given out again, as the
-// allocators of hosts do. In a host with a ledger freed memory goes through the quarantine instead.
+// Allocator of things for a host without a ledger. It keeps freed small blocks for reuse, as the
+// allocators of hosts do. With a ledger it is not used: freed memory goes to the quarantine.
 #pragma once
 
 #include <array>
@@ -13,14 +13,15 @@
 
 namespace zqv::standin {
 
-// Not for several threads at the same time.
+// Not thread-safe.
 class ThingMemory {
  public:
   ThingMemory() = default;
   ThingMemory(const ThingMemory&) = delete;
   ThingMemory& operator=(const ThingMemory&) = delete;
 
-  // Null when there is no memory. What is not given back is freed when this goes, if it is small.
+  // Allocates memory; null when there is none. Small blocks are freed when this object is
+  // destroyed, also those that are in use.
   void* Take(std::size_t size) {
     if (!IsSmall(size)) return std::malloc(size);
     Piece*& free_pieces = free_[ClassOf(size)];
@@ -30,7 +31,7 @@ class ThingMemory {
     return piece;
   }
 
-  // `size` is what was asked for.
+  // Frees a block. `size` is the size that was passed to Take.
   void GiveBack(void* memory, std::size_t size) {
     if (!IsSmall(size)) return std::free(memory);
     Piece*& free_pieces = free_[ClassOf(size)];
@@ -46,7 +47,8 @@ class ThingMemory {
   static constexpr std::size_t kLargest = 512;
   static constexpr std::size_t kChunk = std::size_t{64} * 1024;
 
-  // AddressSanitizer sees nothing of pieces, so all of its memory comes from malloc.
+  // With AddressSanitizer all memory comes from malloc, since the sanitizer cannot see blocks
+  // inside a chunk.
   static bool IsSmall(std::size_t size) { return !kPoisonWorks && size <= kLargest; }
   static std::size_t ClassOf(std::size_t size) { return size == 0 ? 0 : (size - 1) / kStep; }
 
@@ -61,7 +63,7 @@ class ThingMemory {
     return piece;
   }
 
-  std::array<Piece*, kLargest / kStep> free_{};  // by size
+  std::array<Piece*, kLargest / kStep> free_{};  // freed blocks, by size class
   std::vector<std::unique_ptr<char[]>> chunks_;
   std::size_t unused_ = 0;  // bytes at the end of the last chunk
 };
