@@ -1,6 +1,6 @@
-# The tables of charsets that the stand-in host converts by where the system has no iconv, made from
-# what that of the building machine says. Names are those of standin/convert.cc; what is left out has
-# no table: the forms of Unicode need none, and no test reads a text in the others there.
+# Makes the charset tables of the stand-in host for systems without iconv, from the iconv of the
+# building machine. The names of the charsets are taken from standin/convert.cc. The encoding forms
+# of Unicode need no table. The other excluded charsets are not used by any test on such a system.
 function(zqv_use_charset_tables target)
   find_program(ZQV_BUILD_CXX NAMES g++ c++ REQUIRED)
   set(source ${PROJECT_SOURCE_DIR}/standin)

@@ -1,5 +1,5 @@
-# The zqv program as a Debian package: the program and the library that it loads beside it, a link
-# where programs are looked for, the manual page and the notices.
+# The zqv program as a Debian package: the program and its library in one folder, a link to the
+# program in the folder of commands, the manual page, shell completions and the notices.
 include(GNUInstallDirs)
 
 set(home ${CMAKE_INSTALL_LIBDIR}/zqv)
@@ -9,7 +9,7 @@ file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/packaging)
 file(CREATE_LINK ../${home}/zqv ${PROJECT_BINARY_DIR}/packaging/zqv SYMBOLIC)
 install(FILES ${PROJECT_BINARY_DIR}/packaging/zqv DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-# Debian wants manual pages compressed, without the time of it.
+# Debian requires compressed manual pages. -n omits the time, so that the build is reproducible.
 find_program(ZQV_GZIP NAMES gzip REQUIRED)
 add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/packaging/zqv.1.gz
   COMMAND ${ZQV_GZIP} -9nc ${PROJECT_SOURCE_DIR}/packaging/zqv.1
@@ -18,7 +18,7 @@ add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/packaging/zqv.1.gz
 add_custom_target(manual ALL DEPENDS ${PROJECT_BINARY_DIR}/packaging/zqv.1.gz)
 add_dependencies(product manual)
 install(FILES ${PROJECT_BINARY_DIR}/packaging/zqv.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-# What makes shells complete command lines, under the names that they look for.
+# Completion scripts, with the file names that the shells expect.
 set(completions)
 foreach(pair bash:zqv zsh:_zqv fish:zqv.fish)
   string(REPLACE ":" ";" pair ${pair})

@@ -1,17 +1,17 @@
-# Instrumentation for the whole tree, mimetic included: a mix of instrumented and plain code misses
-# faults in the plain half.
+# Instrumentation by sanitizers, fuzzer and coverage. It applies to all code, mimetic included:
+# faults in code without instrumentation are not detected.
 set(ZQV_SANITIZE "" CACHE STRING "Sanitizers for all code, e.g. address,undefined")
 option(ZQV_FUZZER "Instrument all code for libFuzzer (clang only)" OFF)
 option(ZQV_COVERAGE "Count executed lines (g++ only)" OFF)
 
-# Instrumented frames are several times as large, which the limit on nesting takes into account.
+# Instrumented stack frames are several times as large, so the code lowers its limit on nesting.
 if(ZQV_SANITIZE OR ZQV_FUZZER)
   add_compile_definitions(ZQV_INSTRUMENTED)
 endif()
 
 if(ZQV_SANITIZE)
-  # UBSan's `function` is off: a host calls the registered functions through pointers of other
-  # types, and so does the stand-in.
+  # The check `function` is off, because hosts, including the stand-in host, call the registered
+  # functions through pointers of other types.
   add_compile_options(
     -fsanitize=${ZQV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
     $<$<CXX_COMPILER_ID:Clang>:-fno-sanitize=function>)

@@ -1,6 +1,6 @@
-# The locales that tests set, made in the build folder from the sources of Debian's package
-# `locales`: no locale needs to be installed. Without these sources there is an empty folder, and
-# the tests say so and are skipped.
+# Makes the locales that tests use, in the build folder, from the sources in Debian's package
+# `locales`. So no locale needs to be installed. Without these sources the folder stays empty and
+# the tests are skipped.
 function(zqv_use_test_locales target)
   set(folder ${CMAKE_CURRENT_BINARY_DIR}/locales)
   file(MAKE_DIRECTORY ${folder})
@@ -12,7 +12,7 @@ function(zqv_use_test_locales target)
   endif()
   foreach(name tr_TR.UTF-8 tr_TR.ISO-8859-9 de_DE.ISO-8859-1)
     string(REGEX MATCH "^([^.]+)\\.(.+)$" ignored ${name})
-    # LC_IDENTIFICATION is written like the other files; one of them stands for all.
+    # A locale has several files; the rule names one of them for all.
     add_custom_command(OUTPUT ${folder}/${name}/LC_IDENTIFICATION
       COMMAND ${ZQV_LOCALEDEF} --no-archive -i ${CMAKE_MATCH_1} -f ${CMAKE_MATCH_2}
         ${folder}/${name}

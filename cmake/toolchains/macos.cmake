@@ -1,5 +1,5 @@
 # Cross-builds the plug-in for macOS with clang 19 and an SDK-shaped folder (scripts/macos-sdk).
-# ZQV_MAC_ARCH: x86_64 or arm64. A Mac needs none of this.
+# ZQV_MAC_ARCH: x86_64 or arm64. Not used for builds on a Mac.
 set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_SYSTEM_VERSION 20)
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ZQV_MAC_ARCH ZQV_MAC_SDK)
@@ -19,7 +19,7 @@ set(CMAKE_OSX_SYSROOT ${ZQV_MAC_SDK} CACHE PATH "Headers and link stubs")
 set(CMAKE_CXX_COMPILER clang++-19)
 set(CMAKE_CXX_COMPILER_TARGET ${ZQV_MAC_ARCH}-apple-macos${oldest})
 foreach(kind SHARED MODULE EXE)
-  # By this name clang knows which options the linker takes; with a path it would not.
+  # clang recognises the kind of linker, and so its options, by this name; a path would hide it.
   set(CMAKE_${kind}_LINKER_FLAGS_INIT "-fuse-ld=lld")
 endforeach()
 find_program(CMAKE_AR llvm-ar-19)

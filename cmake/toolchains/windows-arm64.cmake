@@ -1,5 +1,5 @@
 # Cross-builds for Windows on arm64 with the compiler that scripts/windows-arm64-compiler fetches.
-# Nothing here runs what was built.
+# The result cannot be run on the building machine.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR arm64)
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ZQV_WINDOWS_COMPILER)
