@@ -7,8 +7,7 @@
 namespace zqv::cli {
 namespace {
 
-// Without the quotes around a name that reads the same without them, and without the brackets
-// around an address that stands alone.
+// Removes the quotes of a name that needs none, and the brackets of an address without a name.
 std::string Bare(const std::string& entry) {
   const std::string mailbox = MailboxOf(entry);
   if (entry == "<" + mailbox + ">") return mailbox;

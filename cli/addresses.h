@@ -1,4 +1,4 @@
-// The addresses of a header, as they are written.
+// The address fields of a message's header, as the sender wrote them.
 #pragma once
 
 #include <array>
@@ -10,11 +10,11 @@
 
 namespace zqv::cli {
 
-// A header field that holds addresses.
+// A header field that contains addresses.
 struct AddressField {
   const char* field;
-  const char* property;  // of the header object that has them
-  const char* key;       // in JSON
+  const char* property;  // the property of the class of headers that holds the field's value
+  const char* key;       // the key of the field in JSON
 };
 
 // In the order in which a reader expects them.
@@ -27,8 +27,8 @@ inline constexpr std::array<AddressField, 6> kAddressFields = {{
     {"Reply-To", "replyto", "reply_to"},
 }};
 
-// One line for each entry of the message's fields of that name, as it is written and decoded for
-// reading: `Ada Moss <ada@example.com>`, `Crew: ada@example.com;`. Not made safe yet.
+// Returns one line for each entry of the message's fields of this name, decoded for reading: `Ada
+// Moss <ada@example.com>`, `Crew: ada@example.com;`. The lines are not escaped (cli/text.h).
 std::vector<std::string> AddressLines(const MessageSource& source, std::string_view name);
 
 }  // namespace zqv::cli

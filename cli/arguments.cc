@@ -20,11 +20,12 @@ namespace {
 constexpr const char* kAbout =
     "Shows mail messages through the MimeEmailZQV library, as an application would see them.";
 
-// Put before words behind "--" that look like options.
+// Marks a word after "--" that looks like an option. No command line contains this character.
 constexpr std::string_view kNoOption = "\x01";
 
-// What the user wrote, without the program's name. Behind "--" there are only inputs; the parser
-// forgets that once it has met one, so those that look like options are marked.
+// The words of the command line without the program's name. All words after "--" are inputs, but
+// the parser applies "--" to the next word only. So words after it that look like options are
+// marked.
 std::vector<std::string> Words(int count, const char* const* values) {
   std::vector<std::string> words;
   bool only_inputs = false;
@@ -37,7 +38,8 @@ std::vector<std::string> Words(int count, const char* const* values) {
   return words;
 }
 
-// Of the marked words; files get a path's look, so that "-" and nothing else is standard input.
+// Removes the marks. A marked file name becomes a path, so that the name "-" after "--" does not
+// mean standard input.
 void RemoveMarks(Arguments* arguments) {
   for (std::string& input : arguments->request.source.inputs) {
     if (input.compare(0, kNoOption.size(), kNoOption) != 0) continue;
@@ -45,7 +47,7 @@ void RemoveMarks(Arguments* arguments) {
   }
 }
 
-// What is wrong with a command line, in a few words.
+// Describes an error of the command line in a few words.
 std::string Explain(const CLI::App& app, const CLI::ParseError& error) {
   const bool lacks_something =
       error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError);
@@ -63,8 +65,7 @@ std::string Explain(const CLI::App& app, const CLI::ParseError& error) {
   return (is_option ? "there is no option " : "there is no verb ") + words.front();
 }
 
-// The exit code for what was printed through the stream: 1 when it could not be written, which is
-// said.
+// Flushes the output of the parser. Returns `code`, or 1 if that fails, which it then reports.
 int Flushed(int code) {
   std::cout.flush();
   if (std::cout) return code;
@@ -84,7 +85,7 @@ std::variant<Arguments, int> ParseArguments(int count, const char* const* values
   DescribeCommandLine(&app, holder.get());
   try {
     std::vector<std::string> words = Words(count, values);
-    std::reverse(words.begin(), words.end());  // as the parser wants them
+    std::reverse(words.begin(), words.end());  // the parser expects them in reverse order
     app.parse(std::move(words));
     RemoveMarks(holder.get());
   } catch (const CLI::Success& help) {

@@ -1,4 +1,4 @@
-// Reads the program's command line.
+// Parses the program's command line.
 #pragma once
 
 #include <variant>
@@ -9,8 +9,9 @@ namespace zqv::cli {
 
 inline constexpr int kUsageError = 2;
 
-// The arguments; or the exit code, after help was printed (0) or a mistake was explained on
-// standard error (kUsageError).
+// Returns the parsed arguments. If there is nothing to do, returns the exit code: 0 after help or
+// the version was printed, kUsageError after an error of the command line was printed to standard
+// error.
 std::variant<Arguments, int> ParseArguments(int count, const char* const* values);
 
 }  // namespace zqv::cli

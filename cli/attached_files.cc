@@ -22,7 +22,7 @@ std::string_view WrittenField(const MessageSource& source, mime::PartIndex index
 AttachedFiles::AttachedFiles(const MailReading& reading, bool all) : reading_(reading) {
   FileNames names;
   for (const FoundFile& file : reading.files().list()) {
-    if (!all && file.is_frame) continue;
+    if (!all && file.is_structural) continue;
     const std::string name = CleanFileName(file.name);
     if (!all && file.is_empty) {
       empty_.push_back({NameOf(file, name), file.problem});

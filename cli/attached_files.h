@@ -1,4 +1,4 @@
-// What is found in a message, as files with names that are fit for a folder.
+// The files in a message, with names that are safe to use in a folder.
 #pragma once
 
 #include <cstddef>
@@ -12,12 +12,13 @@
 
 namespace zqv::cli {
 
-// A message as people read it: its bytes, where its parts lie, and the files in it.
+// A message as a reader understands it: its bytes, the places of its parts in them (MessageSource),
+// and the files in it (FoundFiles).
 class MailReading {
  public:
-  // Of a MimeEmailZQV. Throws std::runtime_error for a message beyond the limits.
+  // `email` is a MimeEmailZQV. Throws std::runtime_error when the message exceeds a limit.
   explicit MailReading(const standin::Object& email);
-  // `bytes` must outlive this.
+  // `bytes` must outlive this object.
   explicit MailReading(std::string_view bytes) : source_(bytes), files_(source_) {}
 
   const MessageSource& source() const { return source_; }
@@ -29,27 +30,27 @@ class MailReading {
   const FoundFiles files_;
 };
 
-// The value of a part's first field of that name as it is written, its bytes behind the colon;
-// empty when there is none.
+// Returns the value of a part's first field of this name, undecoded: the bytes after its colon. A
+// null view when there is none.
 std::string_view WrittenField(const MessageSource& source, mime::PartIndex part,
                               std::string_view name);
 
-// The files that are to be written, each with a clean name that no other of them has.
+// The files that are to be written, each with a safe name that none of the others has.
 class AttachedFiles {
  public:
-  // `reading` must outlive this. With `all` those, too, that nobody calls files, and those without
-  // a byte.
+  // `reading` must outlive this object. Unless `all` is set, it leaves out files that are only
+  // structure of the message (FoundFile::is_structural) and files without a byte.
   AttachedFiles(const MailReading& reading, bool all);
 
   std::size_t count() const { return files_.size(); }
   const std::string& Name(std::size_t index) const { return files_[index].name; }
   email::DecodedBody Data(std::size_t index) const;
-  // What keeps it from being the file that was sent, with its number and name; empty when nothing
-  // does.
+  // Why the bytes of a file differ from the file that was sent, with its part number and name;
+  // empty when they do not.
   std::string Problem(std::size_t index) const;
 
-  // Files without a byte, which are not among them: each with its number, its name, and what keeps
-  // it from being the file that was sent, if anything does.
+  // A file without a byte that was left out: its part number and name, and why it differs from the
+  // file that was sent (empty: it does not).
   struct Empty {
     std::string name;
     std::string problem;

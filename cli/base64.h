@@ -1,4 +1,4 @@
-// Bytes as base64.
+// Encoding in base64.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace zqv::cli {
 
-// RFC 4648, section 4, in one line.
+// Encodes bytes in base64 (RFC 4648, section 4), in one line.
 std::string Base64(std::string_view bytes);
 
 }  // namespace zqv::cli

@@ -1,7 +1,7 @@
-// `zqv bench`: how fast the library constructs messages, here and now.
+// `zqv bench`: measures how fast the library constructs messages on this machine.
 //
-// All messages are read first; a round constructs each of them from its bytes and lets go of it.
-// The host is the stand-in, whose own work counts.
+// It reads all messages first. A round constructs each of them from its bytes and releases it. The
+// time includes the work of the stand-in host.
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -28,7 +28,7 @@ struct Load {
   std::size_t bytes = 0;
 };
 
-// Constructs it once, so that what cannot be parsed is said and left out.
+// Adds a message. Constructs it once before, to report and skip a message that cannot be parsed.
 bool AddTo(Load* load, Item&& item, const Session& session) {
   try {
     session.Open(item);

@@ -1,4 +1,4 @@
-// `zqv text` and `zqv html`: one text of a message.
+// `zqv text` and `zqv html`: print the plain text or the HTML of messages.
 #include <string>
 
 #include "cli/message.h"

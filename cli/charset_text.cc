@@ -29,8 +29,8 @@ struct CloseIconv {
 };
 using Converter = std::unique_ptr<std::remove_pointer_t<iconv_t>, CloseIconv>;
 
-// Names such as "iso-8859-1", "ks_c_5601-1987" and "ISO_8859-1:1987". A slash would ask iconv for
-// more than a charset.
+// Whether a text can be the name of a charset, such as "iso-8859-1", "ks_c_5601-1987" or
+// "ISO_8859-1:1987". A slash is not allowed, because iconv takes the text after it for options.
 bool IsName(std::string_view name) {
   return !name.empty() && name.size() <= kMostNameBytes &&
          std::all_of(name.begin(), name.end(), [](char c) {
@@ -39,8 +39,8 @@ bool IsName(std::string_view name) {
          });
 }
 
-// Null for a charset that the system does not know. Opening one takes longer than using it, so the
-// first ones are kept.
+// Returns a converter from a charset to UTF-8, null when the system does not know the charset.
+// Opening a converter takes longer than using it, so converters are cached.
 iconv_t ConverterFrom(const std::string& charset) {
   static std::unordered_map<std::string, Converter> converters;
   const auto found = converters.find(charset);

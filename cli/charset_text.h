@@ -1,5 +1,5 @@
-// Bytes in some charset as UTF-8, for people: nothing is refused, and what cannot be read is
-// marked.
+// Conversion of bytes in any charset to UTF-8 for a reader. It never fails because of malformed
+// bytes: each becomes U+FFFD.
 #pragma once
 
 #include <optional>
@@ -8,16 +8,16 @@
 
 namespace zqv::cli {
 
-// `bytes` in the charset of that name, whatever its case; what is not well-formed in it becomes
-// U+FFFD. Bytes that call themselves ASCII and are not are taken for GuessedUtf8. Nothing for a
-// charset that the system does not know.
+// Converts `bytes` from the charset with this name, ignoring case. Malformed bytes become U+FFFD.
+// If the charset is ASCII, calls GuessedUtf8, since mail often has other bytes there. Nothing when
+// the system does not know the charset.
 std::optional<std::string> Utf8Of(std::string_view bytes, std::string_view charset);
 
-// `bytes` of no known charset: as they are when they are well-formed UTF-8, else as Windows-1252,
-// which most mail of that kind is written in.
+// Converts `bytes` of an unknown charset. Well-formed UTF-8 is returned unchanged. Other bytes are
+// decoded as Windows-1252, which is the charset of most mail that names none.
 std::string GuessedUtf8(std::string_view bytes);
 
-// Whether every sequence is well-formed UTF-8 (RFC 3629).
+// Whether the whole text is well-formed UTF-8 (RFC 3629).
 bool IsWellFormedUtf8(std::string_view bytes);
 
 }  // namespace zqv::cli

@@ -1,14 +1,14 @@
-// `zqv check`: what is odd about messages, one finding a line.
+// `zqv check`: prints the findings about messages, one on each line.
 //
-// Columns: part, line of the message's bytes, words. Of several messages those with nothing odd are
-// not named; in JSON they have an empty list.
+// Columns: part, line in the bytes of the message, text. With several messages, those without
+// findings are not named; in JSON they have an empty list.
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "cli/check_message.h"
 #include "cli/findings.h"
 #include "cli/message.h"
-#include "cli/oddities.h"
 #include "cli/print_json.h"
 #include "cli/table.h"
 #include "cli/verbs.h"
@@ -45,7 +45,7 @@ JsonValue DescribeFindings(const std::vector<Finding>& findings, const PartTree&
 int Check(const Session& session, const Request& request, Output* output) {
   const auto visit = [&](const std::string& name, const Object& email) {
     const PartTree tree(email);
-    const std::vector<Finding> findings = FindOddities(email, tree, ListAttached(email, tree));
+    const std::vector<Finding> findings = CheckMessage(email, tree, ListAttached(email, tree));
     if (request.json) {
       PrintDocument(name, "findings", DescribeFindings(findings, tree), output);
     } else {
@@ -54,7 +54,7 @@ int Check(const Session& session, const Request& request, Output* output) {
     return findings.empty();
   };
   const int code = ForEachMessage(session, request, output, visit, Headings::kAboveSomething);
-  if (code == 0 && !request.json) output->PrintLine("nothing odd");
+  if (code == 0 && !request.json) output->PrintLine("no findings");
   return code;
 }
 

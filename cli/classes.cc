@@ -1,4 +1,4 @@
-// `zqv classes`: every class and member that the library registered.
+// `zqv classes`: prints all classes and members that the library registers.
 #include <string>
 #include <vector>
 

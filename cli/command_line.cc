@@ -15,7 +15,7 @@
 namespace zqv::cli {
 namespace {
 
-// Of host versions and part numbers.
+// Characters of host versions and part numbers.
 constexpr std::string_view kNumberCharacters = "0123456789.";
 constexpr std::size_t kMostJobs = 1024;
 
@@ -40,7 +40,7 @@ std::string CheckNotEmpty(const std::string& text) {
   return text.empty() ? "is empty" : std::string();
 }
 
-// Of numbers from 1.
+// Accepts numbers from 1 to `most`.
 CLI::Validator UpTo(std::size_t most) {
   return CLI::Validator(
       [most](const std::string& text) {
@@ -51,7 +51,7 @@ CLI::Validator UpTo(std::size_t most) {
       "");
 }
 
-// Of "3/8"; nothing when it is none.
+// Parses a shard such as "3/8". Nothing when it is not valid.
 std::optional<Shard> ReadShard(std::string_view text) {
   const std::size_t slash = text.find('/');
   if (slash == std::string_view::npos) return std::nullopt;
@@ -69,7 +69,7 @@ std::string CheckDate(const std::string& text) {
   return ReadPeriod(text) ? std::string() : "no date such as 2024, 2024-01 or 2024-01-20: " + text;
 }
 
-// A word that stands for a value. In the order in which help lists them.
+// The words that an option accepts, with their values, in the order in which the help lists them.
 template <typename T>
 using Choices = std::vector<std::pair<std::string, T>>;
 
@@ -80,7 +80,7 @@ std::vector<std::string> WordsOf(const Choices<T>& choices) {
   return words;
 }
 
-// Of a word that is one of the choices.
+// The value of a word, which must be one of the choices.
 template <typename T>
 T ValueOf(const std::string& word, const Choices<T>& choices) {
   const auto found = std::find_if(choices.begin(), choices.end(),
@@ -88,7 +88,7 @@ T ValueOf(const std::string& word, const Choices<T>& choices) {
   return found->second;
 }
 
-// What the option `name` gets as its value, one of the words.
+// Adds an option that accepts one of some words and sets `value` accordingly.
 template <typename T>
 void AddChoice(CLI::App* app, const char* name, T* value, const Choices<T>& choices,
                const char* about) {
@@ -99,10 +99,10 @@ void AddChoice(CLI::App* app, const char* name, T* value, const Choices<T>& choi
       ->check(CLI::IsMember(WordsOf(choices)));
 }
 
-// How a verb takes its messages.
+// The number of messages that a verb takes.
 enum class Inputs { kOne, kSeveral };
 
-// Nothing that is handed to the parser refers to it.
+// Describes the command line to the parser. The parser keeps no reference to this object.
 class CommandLine {
  public:
   CommandLine(CLI::App* app, Arguments* arguments)
@@ -122,14 +122,14 @@ class CommandLine {
   void AddCommonOptions() {
     SessionOptions* const session = &arguments_->session;
     app_->add_option("--library", session->library,
-                     "The library to load instead of MimeEmailZQV.so beside the program")
+                     "The library to load; otherwise MimeEmailZQV.so in the folder of the program")
         ->type_name("FILE")
         ->check(CheckNotEmpty);
-    app_->add_option("--host-version", session->host_version, "Play a host of this version")
+    app_->add_option("--host-version", session->host_version, "Behave like a host of this version")
         ->type_name("VERSION")
         ->check(CheckVersion);
     app_->add_option("--without", session->without,
-                     "Play a host that lacks this entry point; may be repeated")
+                     "Behave like a host without this entry point; may be repeated")
         ->type_name("NAME")
         ->allow_extra_args(false)
         ->check(CheckEntryPoint);
@@ -137,7 +137,7 @@ class CommandLine {
     AddChoice<Colour>(
         app_, "--color", &arguments_->colour,
         {{"auto", Colour::kAuto}, {"always", Colour::kAlways}, {"never", Colour::kNever}},
-        "Colour headings; auto does so on terminals");
+        "When to colour headings; auto: on terminals");
   }
 
   CLI::App* AddVerb(const char* name, const char* about, const char* example, Verb* verb) {
@@ -149,7 +149,7 @@ class CommandLine {
     return command;
   }
 
-  // A verb that works on messages.
+  // Adds a verb that works on messages.
   CLI::App* AddVerbOnMessages(const char* name, const char* about, const char* example, Verb* verb,
                               Inputs inputs = Inputs::kSeveral) {
     CLI::App* const command = AddVerb(name, about, example, verb);
@@ -159,21 +159,22 @@ class CommandLine {
                      "Messages, mbox files, Maildirs, folders; - is standard input")
         ->type_name("SOURCE")
         ->required();
-    command->add_flag("-r,--recursive", source->recursive, "Read what is in folders");
+    command->add_flag("-r,--recursive", source->recursive, "Read the messages in folders");
     AddChoice<InputForm>(
         command, "--input", &source->form,
         {{"auto", InputForm::kAuto}, {"message", InputForm::kMessage}, {"mbox", InputForm::kMbox}},
-        "What files are; auto: their first lines tell");
+        "The format of the files; auto: recognised by their first bytes");
     command
         ->add_option("--message", request_->message,
-                     inputs == Inputs::kOne ? "Of several messages the one with this number, from 1"
-                                            : "Only the message with this number, from 1")
+                     inputs == Inputs::kOne
+                         ? "The message with this number, counted from 1, if there are several"
+                         : "Only the message with this number, counted from 1")
         ->type_name("NUMBER")
         ->check(UpTo(std::numeric_limits<std::size_t>::max()));
     return command;
   }
 
-  // A verb that works on one file that is no message.
+  // Adds a verb that works on one file, which is not a message.
   CLI::App* AddVerbOnFile(const char* name, const char* about, const char* example, Verb* verb) {
     CLI::App* const command = AddVerb(name, about, example, verb);
     command->add_option("file", request_->source.inputs, "The file; - is standard input")
@@ -192,7 +193,7 @@ class CommandLine {
   }
 
   void AddForce(CLI::App* command) {
-    command->add_flag("--force", request_->force, "Replace files that are there already");
+    command->add_flag("--force", request_->force, "Replace existing files");
   }
 
   void AddFileForm(CLI::App* command, const char* about) {
@@ -204,16 +205,19 @@ class CommandLine {
 
   void AddAll(CLI::App* command) {
     command->add_flag("--all", request_->all,
-                      "Also what the library lists and nobody calls a file, such as multiparts");
+                      "Include parts that only the library takes for files, such as multiparts");
   }
 
   void AddFolder(CLI::App* command, const char* name) {
-    command->add_option(name, request_->folder, "The folder, made when it is missing")
+    command
+        ->add_option(name, request_->folder,
+                     "The folder to write to; it is created if it does not exist")
         ->type_name("FOLDER")
         ->check(CheckNotEmpty);
   }
 
-  // `--to` is a folder for export.
+  // Adds the options that select messages. `to` lists the names of the option for recipients;
+  // export uses `--to` for its folder.
   void AddFilter(CLI::App* command, const char* to = "--to,--recipient") {
     Filter* const filter = &request_->filter;
     const auto add_text = [&](const char* names, std::string* text, const char* about) {
@@ -227,14 +231,15 @@ class CommandLine {
     AddDay(command, "--until", "Only messages of this day, month or year, or earlier",
            [filter](Period p) { filter->until = p.last; });
     command->add_flag("--has-attachment", filter->has_attachment,
-                      "Only messages with a file that is not shown within the text");
+                      "Only messages with a file that is not displayed within the text");
     command
-        ->add_option("--has-finding", filter->finding, "Only messages about which check says this")
+        ->add_option("--has-finding", filter->finding,
+                     "Only messages for which check reports this finding")
         ->type_name("CODE")
         ->check(CLI::IsMember(FindingCodes()));
     command
         ->add_option("--include", request_->source.include,
-                     "In folders and archives only files whose names match, such as '*.eml'")
+                     "In folders and archives, only files whose names match, such as '*.eml'")
         ->type_name("PATTERN")
         ->allow_extra_args(false)
         ->check(CheckNotEmpty);
@@ -250,14 +255,17 @@ class CommandLine {
   }
 
   void AddJobs(CLI::App* command) {
-    command->add_option("-j,--jobs", request_->jobs, "So many processes side by side")
+    command
+        ->add_option("-j,--jobs", request_->jobs,
+                     "The number of processes that work at the same time")
         ->type_name("NUMBER")
         ->check(UpTo(kMostJobs));
   }
 
   void AddScan() {
     CLI::App* const scan = AddVerbOnMessages(
-        "scan", "Show one line a message: file, date, from, subject, bytes, attachments, findings",
+        "scan",
+        "Show one line per message: file, date, from, subject, bytes, attachments, findings",
         "scan --recursive Mail", Scan);
     const auto add_form = [&](const char* name, ScanForm form, const char* about) {
       return scan->add_flag_callback(
@@ -265,7 +273,7 @@ class CommandLine {
     };
     CLI::Option* const csv = add_form("--csv", ScanForm::kCsv, "Print comma-separated values");
     add_form("--jsonl", ScanForm::kJsonLines,
-             "Print a line of JSON for each message, with its files and SHA-256 sums")
+             "Print a line of JSON for each message, with its files and SHA-256 hashes")
         ->excludes(csv);
     AddFilter(scan);
     AddJobs(scan);
@@ -274,20 +282,23 @@ class CommandLine {
   void AddVerbsThatShow() {
     group_ = "Verbs that show";
     AddScan();
-    AddJson(AddVerbOnMessages("show", "Show messages: who, when, what about, what is in them",
-                              "show letter.eml", Show));
+    AddJson(AddVerbOnMessages(
+        "show", "Show messages: subject, dates, addresses, attachments and plain text",
+        "show letter.eml", Show));
 
     CLI::App* const headers = AddVerbOnMessages("headers", "Print header fields",
                                                 "headers --name Received letter.eml", Headers);
     AddJson(headers);
-    headers->add_option("--name", request_->field, "Only the fields of this name")
+    headers->add_option("--name", request_->field, "Only the fields with this name")
         ->type_name("NAME")
         ->check(CheckNotEmpty);
-    headers->add_option("--part", request_->part, "The header of this part, as tree counts")
+    headers
+        ->add_option("--part", request_->part,
+                     "The header of the part with this number, as shown by tree")
         ->type_name("PART")
         ->check(CheckPart);
     AddRaw(headers, "Print the bytes of the fields as they stand in the message");
-    headers->add_flag("--classes", request_->classes, "Print the fields as the classes give them")
+    headers->add_flag("--classes", request_->classes, "Print the fields as the classes return them")
         ->excludes("--raw");
     headers->get_option("--json")->excludes("--raw");
 
@@ -301,35 +312,36 @@ class CommandLine {
     AddFilter(list);
     AddJson(AddVerbOnMessages("addresses", "List the addresses: field, address, name, group",
                               "addresses --recursive Mail", Addresses));
-    AddJson(AddVerbOnMessages("check",
-                              "Say what is odd about messages; exit code 1 when anything is",
-                              "check letter.eml", Check));
+    AddJson(AddVerbOnMessages(
+        "check", "Report faults and unexpected results; exit code 1 when there are any",
+        "check letter.eml", Check));
   }
 
   void AddVerbsThatConvert() {
     group_ = "Verbs that convert";
-    constexpr const char* kRawText = "Print the bytes as they are, in their own encoding";
+    constexpr const char* kRawText = "Print the bytes unchanged, in their own encoding";
     AddRaw(AddVerbOnMessages("text", "Print the plain text of messages", "text letter.eml", Text),
            kRawText);
     AddRaw(AddVerbOnMessages("html", "Print the HTML of messages", "html letter.eml", Html),
            kRawText);
-    AddVerbOnFile("html2text", "Turn a file of HTML into text", "html2text page.html", HtmlToText);
+    AddVerbOnFile("html2text", "Convert an HTML file to text", "html2text page.html", HtmlToText);
 
     CLI::App* const decode = AddVerb("decode", "Decode encoded words in header texts",
                                      "decode '=?utf-8?Q?Caf=C3=A9?='", Decode);
     AddJson(decode);
     decode
-        ->add_option("text", request_->source.inputs, "Header texts; - is lines of standard input")
+        ->add_option("text", request_->source.inputs,
+                     "Header texts; - stands for the lines of standard input")
         ->type_name("TEXT")
         ->required();
 
     AddRaw(AddVerbOnMessages("strip", "Print a message without its files",
                              "strip letter.eml > small.eml", Strip, Inputs::kOne),
-           "Print the line breaks as they are: single CRs");
-    CLI::App* const json = AddVerbOnMessages("json", "Print all that the classes give, as JSON",
-                                             "json letter.eml", Json);
-    AddRaw(json, "Give each text as its bytes in base64 and the number of its encoding");
-    AddFileForm(json, "How the bytes of files and of the source are given; at first text");
+           "Print the line breaks unchanged: single CRs");
+    CLI::App* const json = AddVerbOnMessages(
+        "json", "Print everything that the classes return, as JSON", "json letter.eml", Json);
+    AddRaw(json, "Print each text as its bytes in base64 and the number of its encoding");
+    AddFileForm(json, "How to print the bytes of files and of the source; default: text");
     json->add_flag("--lines", request_->lines, "Print each document on one line");
     json->callback([arguments = arguments_] {
       arguments->verb = Json;
@@ -340,7 +352,7 @@ class CommandLine {
   void AddVerbsThatWrite() {
     group_ = "Verbs that write files";
     CLI::App* const extract =
-        AddVerbOnMessages("extract", "Write what is attached into a folder",
+        AddVerbOnMessages("extract", "Write the files in a message to a folder",
                           "extract letter.eml --dir letter", Extract, Inputs::kOne);
     AddFolder(extract, "--dir");
     AddForce(extract);
@@ -348,8 +360,9 @@ class CommandLine {
     AddFilter(extract);
     CLI::Option* const part =
         extract
-            ->add_option("--stdout", request_->sent_part,
-                         "Print the bytes of this part, as tree counts, and write nothing")
+            ->add_option(
+                "--stdout", request_->sent_part,
+                "Print the bytes of the part with this number, as shown by tree, and write nothing")
             ->type_name("PART")
             ->check(CheckPart);
     extract->get_option("--dir")->excludes(part);
@@ -363,9 +376,9 @@ class CommandLine {
     AddExport();
 
     CLI::App* const report =
-        AddVerbOnMessages("report", "Write one page that shows a message and all that is in it",
+        AddVerbOnMessages("report", "Write an HTML page with a message and everything in it",
                           "report letter.eml -o letter.html", Report, Inputs::kOne);
-    report->add_option("-o,--output", request_->page, "The page; - is standard output")
+    report->add_option("-o,--output", request_->page, "The file to write; - is standard output")
         ->type_name("FILE")
         ->check(CheckNotEmpty)
         ->required();
@@ -374,7 +387,7 @@ class CommandLine {
 
   void AddExport() {
     CLI::App* const command =
-        AddVerbOnMessages("export", "Write many messages into a folder, each under its own name",
+        AddVerbOnMessages("export", "Write many messages to a folder, each under its own name",
                           "export Mail --recursive --to out --jobs 4", Export);
     AddFolder(command, "--to");
     command->get_option("--to")->required();
@@ -390,18 +403,17 @@ class CommandLine {
                 request->forms.push_back(ValueOf(word, forms));
               }
             },
-            "What to write of each, at first json; several with commas")
+            "What to write of each message, separated by commas; default: json")
         ->type_name("WORD")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->check(CLI::IsMember(WordsOf(forms)));
-    command->add_flag("--skip-existing", request_->skip_existing,
-                      "Leave out what is there already");
+    command->add_flag("--skip-existing", request_->skip_existing, "Skip files that exist already");
     AddForce(command);
     AddAll(command);
     command->get_option("--force")->excludes("--skip-existing");
-    AddRaw(command, "In JSON give each text as its bytes, as json --raw does");
-    AddFileForm(command, "In JSON how the bytes of files and the source are given; at first none");
+    AddRaw(command, "In JSON, write each text as its bytes, like json --raw");
+    AddFileForm(command, "How JSON contains the bytes of files and of the source; default: none");
     AddJobs(command);
     AddFilter(command, "--recipient");
     command
@@ -410,7 +422,7 @@ class CommandLine {
             [request = request_](const std::string& text) {
               request->shard = ReadShard(text).value_or(Shard());
             },
-            "Only this share of the messages: 3/8 is the third of eight")
+            "Only one part of the messages: 3/8 is the third of eight parts")
         ->type_name("I/N")
         ->check(CheckShard);
   }
@@ -421,19 +433,19 @@ class CommandLine {
     CLI::App* const bench = AddVerbOnMessages(
         "bench", "Measure how fast the library constructs messages", "bench letter.eml", Bench);
     AddJson(bench);
-    bench->add_option("--rounds", request_->rounds, "Construct everything so many times")
+    bench->add_option("--rounds", request_->rounds, "How often to construct each message")
         ->type_name("NUMBER")
         ->check(UpTo(1000000));
-    app_->add_subcommand("completion", "Print what makes a shell complete command lines")
+    app_->add_subcommand("completion", "Print a script by which a shell completes command lines")
         ->group(group_)
         ->footer("Example: zqv completion bash > /etc/bash_completion.d/zqv")
-        ->add_option("shell", arguments_->shell, "Which one")
+        ->add_option("shell", arguments_->shell, "The shell")
         ->type_name("SHELL")
         ->check(CLI::IsMember(CompletionShells()))
         ->required();
   }
 
-  const char* group_ = "";  // under which help lists the verbs that are added
+  const char* group_ = "";  // the heading of the verbs that are being added, in the help
   CLI::App* const app_;
   Arguments* const arguments_;
   Request* const request_;

@@ -1,5 +1,5 @@
-// What the program understands: its verbs and their options. One description serves the parser, the
-// help and the completion of shells.
+// The verbs of the program and their options. This one description serves the parser, the help and
+// the shell completion.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -11,16 +11,17 @@
 
 namespace zqv::cli {
 
-// What was asked for.
+// A parsed command line.
 struct Arguments {
   Verb* verb = nullptr;
   Request request;
   SessionOptions session;
   Colour colour = Colour::kAuto;
-  std::string shell;  // whose completion is wanted, instead of a verb; empty: none
+  std::string shell;  // shell for which a completion script is wanted; empty: a verb is wanted
 };
 
-// Describes all verbs to an empty `app`. Parsing fills `arguments`, which must outlive it.
+// Adds all verbs and options to an empty `app`. When `app` parses a command line, it stores the
+// result in `arguments`, which must outlive it.
 void DescribeCommandLine(CLI::App* app, Arguments* arguments);
 
 }  // namespace zqv::cli

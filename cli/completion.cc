@@ -8,7 +8,7 @@
 namespace zqv::cli {
 namespace {
 
-// What may stand for an option's value, or for a verb's argument.
+// The kind of word that an option's value or a verb's argument is.
 enum class Kind { kNothing, kAnything, kFile, kFolder, kWord };
 
 struct OptionInfo {
@@ -31,7 +31,7 @@ struct Program {
   std::vector<VerbInfo> verbs;
 };
 
-// The words of "WORD:{auto,always,never}".
+// Returns the words in a type name such as "WORD:{auto,always,never}".
 std::vector<std::string> WordsOf(const std::string& type) {
   std::vector<std::string> words;
   const std::size_t open = type.find('{');
@@ -87,7 +87,8 @@ std::string Joined(const std::vector<std::string>& words) {
   return text;
 }
 
-// In single quotes, as all three shells read it; `escaped` are put behind a backslash first.
+// Puts a text in single quotes, which all three shells understand. Characters of `escaped` get a
+// backslash.
 std::string Quoted(std::string_view text, std::string_view escaped = {}) {
   std::string quoted = "'";
   for (const char c : text) {
@@ -110,9 +111,10 @@ std::vector<std::string> NamesOf(const std::vector<OptionInfo>& options) {
   return names;
 }
 
-// --- bash
+// --- bash ---
 
-// The reply to a word that is a value, or an argument; the word is $cur.
+// Returns code that sets the completions of an option's value or a verb's argument. The word to
+// complete is $cur.
 std::string BashReply(const OptionInfo& option) {
   switch (option.value) {
     case Kind::kFile:
@@ -186,7 +188,7 @@ std::string BashScript(const Program& program) {
          "complete -o filenames -F _zqv zqv\n";
 }
 
-// --- zsh
+// --- zsh ---
 
 std::string ZshAction(const OptionInfo& option) {
   switch (option.value) {
@@ -203,7 +205,7 @@ std::string ZshAction(const OptionInfo& option) {
   return " ";
 }
 
-// One argument of _arguments for each name.
+// Returns one argument of the zsh function _arguments for each name of each option.
 std::string ZshOptions(const std::vector<OptionInfo>& options, const char* indent) {
   std::string rows;
   for (const OptionInfo& option : options) {
@@ -249,7 +251,7 @@ std::string ZshScript(const Program& program) {
          "_zqv \"$@\"\n";
 }
 
-// --- fish
+// --- fish ---
 
 std::string FishValue(const OptionInfo& option) {
   switch (option.value) {

@@ -1,4 +1,4 @@
-// What makes shells complete the program's command lines.
+// Scripts by which a shell completes command lines of the program.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -7,10 +7,10 @@
 
 namespace zqv::cli {
 
-// "bash", "zsh", "fish".
+// The supported shells: "bash", "zsh", "fish".
 std::vector<std::string> CompletionShells();
 
-// A script for one of these shells that offers the verbs, options and words of `app`.
+// Returns a script for one of these shells, which completes the verbs, options and words of `app`.
 std::string CompletionScript(const CLI::App& app, const std::string& shell);
 
 }  // namespace zqv::cli

@@ -37,7 +37,7 @@ struct Container::State {
                              (reason == nullptr ? "it is damaged" : reason));
   }
 
-  // Called by libarchive, through which no exception may pass.
+  // A callback of libarchive. No exception may pass through that library.
   static la_ssize_t Read(archive*, void* data, const void** block) {
     auto* const state = static_cast<State*>(data);
     try {

@@ -1,4 +1,4 @@
-// Files that hold messages in another form, compressed ones and archives, read by libarchive.
+// Compressed files and archives, read with libarchive.
 #pragma once
 
 #include <functional>
@@ -8,15 +8,16 @@
 
 namespace zqv::cli {
 
-// Gives the next bytes, valid until it is asked again; none at the end. May throw.
+// A function that returns the next bytes of a file, empty at its end. They are valid until the next
+// call. May throw.
 using NextBlock = std::function<std::string_view()>;
 
-// Whether a file that begins with `start` is one that Container reads: gzip, bzip2, xz, zstd, zip
-// or tar.
+// Whether Container can read a file that begins with `start`: gzip, bzip2, xz, zstd, zip or tar.
 bool IsContainer(std::string_view start);
 
-// The files in a container one after the other. A compressed file that is no archive counts as a
-// container of one file without a name. Throws std::runtime_error for what cannot be read.
+// Reads the files in a container one after the other. A compressed file that is not an archive is a
+// container of one file without a name. Functions throw std::runtime_error when the container
+// cannot be read.
 class Container {
  public:
   explicit Container(NextBlock source);
@@ -24,11 +25,12 @@ class Container {
   Container(const Container&) = delete;
   Container& operator=(const Container&) = delete;
 
-  // Goes to the next plain file; false at the end.
+  // Moves to the next regular file. False at the end.
   bool Next();
-  // Its name in the container, which whoever made that has chosen; empty when it has none.
+  // The file's name in the container, chosen by its author and not to be trusted. Empty when it has
+  // none.
   const std::string& name() const;
-  // The file's next bytes, as NextBlock.
+  // The next bytes of the file; see NextBlock.
   std::string_view Block();
 
  private:

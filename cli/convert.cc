@@ -1,4 +1,4 @@
-// `zqv html2text` and `zqv decode`: texts that are in no message.
+// `zqv html2text` and `zqv decode`: convert texts that are not in a message.
 #include "standin/convert.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ namespace {
 
 using standin::String;
 
-// Bytes that are no UTF-8 are of unknown encoding; the library has a rule for those.
+// Labels bytes that are not UTF-8 with the unknown encoding, for which the library has a rule.
 String StringOf(const std::string& bytes) {
   const bool is_utf8 = standin::Convert(bytes, abi::kUtf8, abi::kUtf8).has_value();
   return standin::MakeString(bytes, is_utf8 ? abi::kUtf8 : abi::kUnknownEncoding);
@@ -35,7 +35,7 @@ std::string Decoded(const std::string& text, Lines lines) {
   return lines == Lines::kOne ? SafeText(decoded, lines) : DataText(decoded);
 }
 
-// Calls `use` with each text; "-" stands for the lines of standard input.
+// Calls `use` with each text. "-" stands for the lines of standard input.
 template <typename Use>
 void ForEachText(const std::vector<std::string>& texts, const Use& use) {
   for (const std::string& text : texts) {
@@ -73,7 +73,8 @@ int Decode(const Session&, const Request& request, Output* output) {
       list.push_back(
           {{"text", DataText(StringOf(text))}, {"decoded", Decoded(text, Lines::kMany)}});
     } else {
-      output->PrintLine(Decoded(text, Lines::kOne));  // a line, whatever it decodes to
+      // Prints an empty line for an empty result, too.
+      output->PrintLine(Decoded(text, Lines::kOne));
     }
   });
   if (request.json) PrintDocument("texts", std::move(list), output);

@@ -27,10 +27,11 @@ void AppendEscaped(char c, std::string* text) {
   *text += '\\';
   *text += kDigits[byte >> 4U];
   *text += kDigits[byte & 15U];
-  *text += ' ';  // belongs to the escape
+  *text += ' ';  // the blank ends the escape
 }
 
-// A name from its decoded text; with `is_ident` one that may stand alone.
+// Writes a decoded name with the escapes that it needs. `is_ident`: it must not look like a number
+// at its start.
 std::string NameText(std::string_view name, bool is_ident) {
   std::string text;
   for (std::size_t i = 0; i < name.size(); ++i) {
@@ -117,7 +118,7 @@ CssToken CssReader::ReadComment() {
   return {CssKind::kComment, {}};
 }
 
-// At a backslash.
+// Reads an escape. Must be called at a backslash.
 void CssReader::ReadEscape(std::string* text) {
   constexpr std::size_t kMostDigits = 6;
   Take(1);
@@ -161,7 +162,8 @@ CssToken CssReader::ReadString() {
     const char c = rest_.front();
     if (IsOf(kLineEnds, c)) return {CssKind::kBroken, {}};
     if (c == '\\' && IsOf(kLineEnds, At(1)) && rest_.size() > 1) {
-      Take(rest_.substr(1, 2) == "\r\n" ? 3 : 2);  // goes on in the next line
+      // A backslash before a line end continues the string.
+      Take(rest_.substr(1, 2) == "\r\n" ? 3 : 2);
     } else if (c == '\\') {
       ReadEscape(&token.value);
     } else {
@@ -195,7 +197,7 @@ CssToken CssReader::ReadNumber() {
     token.value += Take(1);
   } else if (IsNameStartAt(0)) {
     const std::string unit = ReadName();
-    // All units are letters; anything else might be read as another number.
+    // Other units could be tokenized as part of the number, such as "e3".
     if (!std::all_of(unit.begin(), unit.end(), IsLetter)) return {CssKind::kBroken, {}};
     token.value += unit;
   }
@@ -212,7 +214,7 @@ CssToken CssReader::ReadNameLike() {
   return At(begin) == '"' || At(begin) == '\'' ? token : ReadUrl();
 }
 
-// Behind "url(".
+// Reads the rest after "url(".
 CssToken CssReader::ReadUrl() {
   SkipSpaces();
   CssToken token{CssKind::kUrl, {}};
@@ -275,7 +277,7 @@ std::string CssText(const CssToken& token) {
     case CssKind::kBroken:
       break;
   }
-  // Keeps apart what stood on both sides, and is no white space, which would be a combinator.
+  // A comment separates the tokens on both sides. White space would be a combinator.
   return "/**/";
 }
 

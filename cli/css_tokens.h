@@ -1,4 +1,4 @@
-// The tokens of a style sheet (CSS Syntax Module Level 3, section 4), with their escapes decoded.
+// Tokenizer for style sheets (CSS Syntax Module Level 3, section 4). It decodes escapes.
 #pragma once
 
 #include <cstddef>
@@ -9,32 +9,32 @@ namespace zqv::cli {
 
 enum class CssKind {
   kEnd,
-  kSpace,     // any run of white space
-  kComment,   // also the marks "<!--" and "-->"
-  kIdent,     // the name
-  kFunction,  // its name, without the "("; also of a url( with a quoted text
-  kAt,        // the name behind "@"
-  kHash,      // the name behind "#"
-  kString,    // without the quotes
-  kUrl,       // the text of a url( without quotes
-  kNumber,    // with its unit or "%", as it is written
+  kSpace,     // a run of white space
+  kComment,   // a comment, or one of the marks "<!--" and "-->"
+  kIdent,     // a name
+  kFunction,  // a name and "("; the value lacks the "("; also url( with a quoted text
+  kAt,        // "@" and a name; the value is the name
+  kHash,      // "#" and a name; the value is the name
+  kString,    // the value lacks the quotes
+  kUrl,       // url( ) without quotes; the value is the URL
+  kNumber,    // with its unit or "%", as it stands in the style sheet
   kOther,     // one ASCII character
-  kBroken,    // a string or url that is cut off, a unit that is none, a lone backslash
+  kBroken,    // an unterminated string or url, an unknown unit, a lone backslash
 };
 
 struct CssToken {
   CssKind kind = CssKind::kEnd;
-  std::string value;  // decoded; empty where the above names nothing
+  std::string value;  // decoded; empty for kinds without a value
 
   bool Is(char c) const { return kind == CssKind::kOther && value.front() == c; }
 };
 
 class CssReader {
  public:
-  // `css` is UTF-8 and must outlive this.
+  // `css` is UTF-8 and must outlive this object.
   explicit CssReader(std::string_view css) : rest_(css) {}
 
-  // The next token, kEnd behind the last one.
+  // Returns the next token, kEnd after the last one.
   CssToken Next();
 
  private:
@@ -56,8 +56,8 @@ class CssReader {
   std::string_view rest_;
 };
 
-// A token as text from which the same token is read again, and which holds no "<" and no line end,
-// so that it may stand in a style element.
+// Writes a token as text that is tokenized to the same token. The text contains no "<" and no line
+// end, so that it cannot end a style element.
 std::string CssText(const CssToken& token);
 
 }  // namespace zqv::cli

@@ -1,4 +1,4 @@
-// An open file of the system's, closed when its owner goes.
+// Owner of an open file descriptor. Its destructor closes the file.
 #pragma once
 
 #include <unistd.h>
@@ -10,7 +10,7 @@ namespace zqv::cli {
 
 class Descriptor {
  public:
-  // Takes over an open descriptor; a negative number stands for none.
+  // Takes ownership of a descriptor. A negative number means that no file is open.
   explicit Descriptor(int number) : number_(number) {}
   ~Descriptor() { static_cast<void>(Close()); }
   Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
@@ -24,7 +24,7 @@ class Descriptor {
   bool IsOpen() const { return number_ >= 0; }
   int number() const { return number_; }
 
-  // Closes it now; 0, or the errno of what went wrong.
+  // Closes the file now. Returns 0 or the errno of the failure.
   int Close() { return IsOpen() && close(std::exchange(number_, -1)) != 0 ? errno : 0; }
 
  private:

@@ -1,9 +1,10 @@
-// `zqv export`: many messages into a folder.
+// `zqv export`: writes many messages to a folder.
 //
-// Each message is written under its place below the folder: "Mail/2024/letter.eml" becomes
-// "Mail/2024/letter.eml.json", .txt, .html, and a folder "letter.eml.files" of what is attached.
-// Nothing is there by halves: files appear whole, and a folder of files gets its name when all of
-// them are in it. What goes wrong with one message is said and does not stop the others.
+// The path of each file consists of the message's relative path and a suffix:
+// "Mail/2024/letter.eml" becomes "Mail/2024/letter.eml.json", .txt, .html, and a folder
+// "letter.eml.files" with the files in the message. Files appear complete or not at all, and the
+// folder of files gets its name when it is complete. A failure of one message is reported and does
+// not stop the others.
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -50,21 +51,21 @@ const char* SuffixOf(ExportForm form) {
   return ".files";
 }
 
-// What became of a message.
+// The outcome of exporting one message.
 struct Outcome {
   enum class Kind : char {
     kWritten = 'w',
-    kSkipped = 's',  // all was there already
+    kSkipped = 's',  // everything existed already
     kFailed = 'f',
-    kDiskFull = 'd',  // so will be what comes
+    kDiskFull = 'd',  // the following messages will fail, too
   };
   Kind kind = Kind::kWritten;
-  std::string reason;                 // of what failed
-  std::size_t empty = 0;              // files without a byte, which were not written
-  std::vector<std::string> problems;  // what keeps files from being those that were sent
+  std::string reason;                 // of the failure
+  std::size_t empty = 0;              // number of files without a byte, which were not written
+  std::vector<std::string> problems;  // files that differ from the file that was sent, and why
 };
 
-// As another process hands it over, and back.
+// Convert an outcome to the form in which it is sent between processes, and back.
 Parcel ParcelOf(const Outcome& outcome) {
   Parcel parcel = {std::string(1, static_cast<char>(outcome.kind)), outcome.reason,
                    std::to_string(outcome.empty)};
@@ -76,7 +77,7 @@ Outcome OutcomeOf(const Parcel& parcel) {
           ReadNumber(parcel[2]).value_or(0), Parcel(parcel.begin() + 3, parcel.end())};
 }
 
-// Writes messages into the folder.
+// Writes messages to the folder.
 class Exporter {
  public:
   Exporter(const Session& session, const Request& request)
@@ -88,7 +89,7 @@ class Exporter {
     }
   }
 
-  // Never throws for what is wrong with a message or with the folder.
+  // Exports one message. Throws nothing that is caused by the message or the folder.
   Outcome Write(const Item& item) {
     outcome_ = {};
     try {
@@ -102,17 +103,18 @@ class Exporter {
   }
 
  private:
-  // False when everything that there is to write was there already.
+  // False when everything existed already.
   bool WriteForms(const Item& item) {
-    const std::size_t slash = item.place.rfind('/');
-    const std::string name = item.place.substr(slash == std::string::npos ? 0 : slash + 1);
-    const Folder& folder = Open(item.place.substr(0, slash == std::string::npos ? 0 : slash));
+    const std::size_t slash = item.relative_path.rfind('/');
+    const std::string name = item.relative_path.substr(slash == std::string::npos ? 0 : slash + 1);
+    const Folder& folder =
+        Open(item.relative_path.substr(0, slash == std::string::npos ? 0 : slash));
     std::vector<ExportForm> missing;
     for (const ExportForm form : forms_) {
       if (request_.force || !folder.Has(name + SuffixOf(form))) {
         missing.push_back(form);
       } else if (!request_.skip_existing) {
-        throw std::runtime_error(request_.folder + "/" + item.place + SuffixOf(form) +
+        throw std::runtime_error(request_.folder + "/" + item.relative_path + SuffixOf(form) +
                                  " is there already; --skip-existing or --force");
       }
     }
@@ -125,23 +127,24 @@ class Exporter {
     return is_new;
   }
 
-  // The folder below the top. One at a time is kept: messages come folder by folder.
-  const Folder& Open(const std::string& place) {
-    if (place.empty()) return top_;
-    if (!current_ || current_place_ != place) {
+  // Opens the subfolder with this relative path. Caches the last one, because messages of one
+  // folder follow each other.
+  const Folder& Open(const std::string& relative_path) {
+    if (relative_path.empty()) return top_;
+    if (!current_ || current_path_ != relative_path) {
       std::optional<Folder> folder;
-      for (std::string_view rest = place; !rest.empty();) {
+      for (std::string_view rest = relative_path; !rest.empty();) {
         const std::string name(rest.substr(0, rest.find('/')));
         folder.emplace((folder ? *folder : top_).Sub(name));
         rest.remove_prefix(std::min(rest.size(), name.size() + 1));
       }
       current_.swap(folder);
-      current_place_ = place;
+      current_path_ = relative_path;
     }
     return *current_;
   }
 
-  // False when the message has nothing of this form.
+  // Writes one form of a message. False when the message has nothing in this form.
   bool WriteForm(ExportForm form, const Item& item, const Object& email, const Folder& folder,
                  const std::string& name) {
     const std::string file = name + SuffixOf(form);
@@ -181,12 +184,12 @@ class Exporter {
       }
     }
     if (files.count() == 0) return false;
-    if (folder.Has(name)) {  // replaced one by one: whatever else is in there stays
+    if (folder.Has(name)) {  // files are replaced one by one; others in the folder stay
       WriteAll(files, folder.Sub(name));
       return true;
     }
     const std::string unfinished = UnfinishedName(name);
-    folder.Remove(unfinished);  // of a run that was killed
+    folder.Remove(unfinished);  // left by a run that was killed
     try {
       WriteAll(files, folder.Sub(unfinished));
       folder.Rename(unfinished, name);
@@ -208,7 +211,7 @@ class Exporter {
   static void RemoveQuietly(const Folder& folder, const std::string& name) {
     try {
       folder.Remove(name);
-    } catch (const std::runtime_error&) {  // what went wrong before matters more
+    } catch (const std::runtime_error&) {  // the first failure matters more than this one
     }
   }
 
@@ -217,13 +220,13 @@ class Exporter {
   const Folder top_;
   std::vector<ExportForm> forms_;
   std::optional<Folder> current_;
-  std::string current_place_;
-  Outcome outcome_;  // of the message that is written
+  std::string current_path_;
+  Outcome outcome_;  // of the current message
 };
 
-// The hash of a place is the same on every machine.
-bool IsInShard(const std::string& place, const Shard& shard) {
-  return base::Fnv(place) % shard.count == shard.number - 1;
+// The hash is the same on every machine, so shards of several machines fit together.
+bool IsInShard(const std::string& relative_path, const Shard& shard) {
+  return base::Fnv(relative_path) % shard.count == shard.number - 1;
 }
 
 std::size_t SizeOf(const Item& item) {
@@ -232,7 +235,7 @@ std::size_t SizeOf(const Item& item) {
   return stat(item.path.c_str(), &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
 }
 
-// What became of the messages.
+// Counts outcomes, reports failures and displays the progress.
 class Tally {
  public:
   explicit Tally(std::size_t total_bytes) : progress_(total_bytes) {}
@@ -249,7 +252,7 @@ class Tally {
         ++failed_;
         Complain(item.name + ": " + outcome.reason);
         break;
-      case Outcome::Kind::kDiskFull:  // processes side by side find out one after the other
+      case Outcome::Kind::kDiskFull:  // several processes may meet a full disk; report the first
         if (disk_full_.empty()) disk_full_ = item.name + ": " + outcome.reason;
         return;
     }
@@ -261,7 +264,7 @@ class Tally {
     progress_.Add(SizeOf(item));
   }
 
-  // Whether no more can be written.
+  // Whether nothing more can be written.
   bool IsDiskFull() const { return !disk_full_.empty(); }
 
   void Say() const {
@@ -293,7 +296,7 @@ class Tally {
   std::size_t failed_ = 0;
   std::size_t empty_ = 0;
   bool has_problems_ = false;
-  std::string disk_full_;  // what failed for that first
+  std::string disk_full_;  // the report of the first full disk
 };
 
 }  // namespace
@@ -303,7 +306,7 @@ int Export(const Session& session, const Request& request, Output*) {
   Tally tally(Progress::IsWanted() ? TotalBytes(request.source) / request.shard.count : 0);
   const auto hand_to = [&](const std::function<void(const Item&)>& use) {
     return ForEachChosen(session, request, [&](Item&& item) {
-      if (IsInShard(item.place, request.shard)) use(item);
+      if (IsInShard(item.relative_path, request.shard)) use(item);
       return !tally.IsDiskFull();
     });
   };
@@ -319,7 +322,7 @@ int Export(const Session& session, const Request& request, Output*) {
         [&](const Parcel& piece, const std::string& reason) {
           tally.Add(ItemOf(piece), {Outcome::Kind::kFailed, reason, 0, {}});
         });
-    all_read = hand_to([&](const Item& item) { workers.Give(ParcelOf(item)); });
+    all_read = hand_to([&](const Item& item) { workers.Submit(ParcelOf(item)); });
     workers.Finish();
   }
   tally.Say();

@@ -1,5 +1,5 @@
-// `zqv extract`: writes the files that are found in a message into a folder, or the bytes of one
-// part to standard output.
+// `zqv extract`: writes the files in a message to a folder, or the bytes of one part to standard
+// output.
 #include <exception>
 #include <stdexcept>
 #include <string>
@@ -14,7 +14,7 @@ namespace {
 
 using standin::Object;
 
-// False when a file could not be written, or not as it was sent.
+// False when a file could not be written, or differs from the file that was sent.
 bool WriteAll(const std::string& name, const MailReading& reading, const Request& request,
               Output* output) {
   const Folder folder(request.folder);
@@ -45,7 +45,7 @@ bool WriteAll(const std::string& name, const MailReading& reading, const Request
   return all_good;
 }
 
-// A multipart has no bytes of its own.
+// Prints the decoded bytes of a part. A multipart has none.
 bool PrintPart(const std::string& name, const MailReading& reading, const std::string& number,
                Output* output) {
   const mime::PartIndex part = reading.source().FindPart(number);

@@ -10,14 +10,14 @@
 namespace zqv::cli {
 namespace {
 
-// A dot further from the end begins no extension, nor does one before a blank.
+// A longer suffix, or one with a blank, does not count as an extension.
 constexpr std::size_t kMostExtensionBytes = 20;
 constexpr std::string_view kNameless = "attachment";
 constexpr std::string_view kTrimmed = ". ";
 
 bool IsHidden(char32_t c) { return IsControl(c) || IsInvisible(c) || c == 0x200C || c == 0x200D; }
 
-// Bytes that are no text become underscores, what cannot be seen goes.
+// Removes invisible characters and replaces malformed bytes by underscores.
 std::string Visible(std::string_view name) {
   std::string visible;
   while (!name.empty()) {
@@ -57,7 +57,7 @@ std::string_view WithoutDrive(std::string_view name) {
   return name;
 }
 
-// Where the extension begins, its dot included; the end when there is none.
+// The position of the extension's dot; the end when there is no extension.
 std::size_t ExtensionStart(std::string_view name) {
   const std::size_t dot = name.rfind('.');
   if (dot == std::string_view::npos || dot == 0) return name.size();
@@ -75,7 +75,7 @@ std::string Cut(std::string_view name) {
   return std::string(TrimEnds(stem.substr(0, length))) + std::string(extension);
 }
 
-// Devices are recognised whatever extension follows.
+// Whether a system takes the name for a device, which does not depend on the extension.
 bool IsDevice(std::string_view name) {
   static constexpr std::array<std::string_view, 6> kDevices = {"con", "prn",    "aux",
                                                                "nul", "conin$", "conout$"};

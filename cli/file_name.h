@@ -1,6 +1,5 @@
-// Which name a part of a message gets in a folder. The name in the message was chosen by whoever
-// sent it, so nothing of it is trusted; the rules hold for every common file system, since files
-// travel on.
+// Safe file names. The sender of a message chose the names in it, so they are not trusted. A safe
+// name is valid on every common file system, because files are copied between systems.
 #pragma once
 
 #include <cstddef>
@@ -10,24 +9,25 @@
 
 namespace zqv::cli {
 
-// The longest name that CleanFileName gives.
+// The greatest length of the result of CleanFileName, in bytes.
 inline constexpr std::size_t kMostNameBytes = 200;
 
-// A name without folders and drive letters, control characters and those that show nothing, dots
-// and blanks at its ends, that no system takes for a device, of well-formed UTF-8 and at most
-// kMostNameBytes bytes; its extension outlives the cut. "attachment" when nothing is left.
+// Makes a name safe. It removes folders, drive letters, control characters, invisible characters,
+// and dots and blanks at the ends. It changes names of devices such as "con". It shortens the name
+// to kMostNameBytes bytes of well-formed UTF-8 and keeps the extension. Returns "attachment" when
+// nothing is left.
 std::string CleanFileName(std::string_view name);
 
-// Tells equal names apart.
+// Makes names unique.
 class FileNames {
  public:
-  // `name` when it is new, else "stem (2).extension", "stem (3).extension" ... Names that differ
-  // in the case of ASCII letters only count as equal.
+  // Returns `name` if it was not returned before, else "stem (2).extension", "stem (3).extension"
+  // and so on. Names that differ only in the case of ASCII letters count as equal.
   std::string Take(const std::string& name);
 
  private:
-  std::unordered_map<std::string, std::size_t>
-      taken_;  // in lower case, with the highest number given
+  // Name in lower case -> highest number used.
+  std::unordered_map<std::string, std::size_t> taken_;
 };
 
 }  // namespace zqv::cli

@@ -7,8 +7,8 @@
 
 #include "cli/addresses.h"
 #include "cli/attached_files.h"
+#include "cli/check_message.h"
 #include "cli/findings.h"
-#include "cli/oddities.h"
 #include "cli/summary.h"
 #include "cli/utf8.h"
 #include "standin/charset.h"
@@ -16,7 +16,7 @@
 namespace zqv::cli {
 namespace {
 
-// In lower case, where two characters that differ in case alone are equal.
+// Converts a text to lower case, to compare it without regard to case.
 std::u32string LowerCase(std::string_view text) {
   std::u32string lower;
   while (!text.empty()) {
@@ -62,7 +62,7 @@ bool HasAttachment(std::string_view bytes) {
 bool HasFinding(const Session& session, const Item& item, const std::string& code) {
   const standin::Object email = session.Open(item);
   const PartTree tree(email);
-  const std::vector<Finding> findings = FindOddities(email, tree, ListAttached(email, tree));
+  const std::vector<Finding> findings = CheckMessage(email, tree, ListAttached(email, tree));
   return std::any_of(findings.begin(), findings.end(),
                      [&](const Finding& finding) { return finding.code == code; });
 }

@@ -1,4 +1,4 @@
-// Which messages a verb is to work on, by what is in them.
+// Selects the messages that a verb works on, by their contents.
 #pragma once
 
 #include <cstdint>
@@ -10,21 +10,22 @@
 
 namespace zqv::cli {
 
-// A message must have all that is asked for. Texts are looked for anywhere in a field as it is
-// read, whatever their case.
+// A message must satisfy all conditions that are set. The texts are searched for anywhere in the
+// decoded fields, ignoring case.
 struct Filter {
   std::string from;
-  std::string to;  // in To, Cc or Bcc
+  std::string to;  // searched for in To, Cc and Bcc
   std::string subject;
-  std::optional<std::int64_t> since;  // seconds from 1970 on of the Date field's instant
-  std::optional<std::int64_t> until;  // the same, included
-  bool has_attachment = false;        // a file that is not to be shown within the text
-  std::string finding;                // the code of something that check says
+  std::optional<std::int64_t> since;  // earliest instant of the Date field, in seconds from 1970
+  std::optional<std::int64_t> until;  // latest instant, inclusive
+  bool has_attachment = false;        // the message must have a file that is not displayed inline
+  std::string finding;  // code of a finding (cli/findings.h) that the message must have
 
   bool IsEmpty() const;
 };
 
-// Whether a message passes. One that cannot be read does, for whoever reads it to say why.
+// Whether a message satisfies the filter. True for a message that cannot be read, so that the verb
+// reports the failure.
 bool Passes(const Filter& filter, const Session& session, const Item& item);
 
 }  // namespace zqv::cli

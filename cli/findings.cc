@@ -12,84 +12,87 @@ namespace {
 constexpr std::size_t kMostQuoted = 60;  // columns
 
 struct Row {
-  Oddity oddity;
+  FindingKind kind;
   std::string_view code;
-  std::string_view text;  // "{}" stands for a detail
+  std::string_view text;  // "{}" is replaced by a detail
 };
 
 // In the order of the enumeration.
 constexpr Row kRows[] = {
-    {Oddity::kNoBlankLine, "no-blank-line",
+    {FindingKind::kNoBlankLine, "no-blank-line",
      "no blank line ends the header: {} is taken for text of the body"},
-    {Oddity::kDelimiterInHeader, "no-blank-line",
+    {FindingKind::kDelimiterInHeader, "no-blank-line",
      "no blank line ends the header: the boundary {} is taken for text of the body"},
-    {Oddity::kCutHeader, "cut-header", "the message ends within a header: its last field is lost"},
-    {Oddity::kUnterminatedMultipart, "unterminated-multipart",
+    {FindingKind::kCutHeader, "cut-header",
+     "the message ends within a header: its last field is lost"},
+    {FindingKind::kUnterminatedMultipart, "unterminated-multipart",
      "the multipart is not closed: no line --{}-- before {}"},
-    {Oddity::kNoBoundary, "no-boundary",
+    {FindingKind::kNoBoundary, "no-boundary",
      "the multipart names no boundary: every line that begins with -- divides it"},
-    {Oddity::kEmptyMultipart, "empty-multipart",
+    {FindingKind::kEmptyMultipart, "empty-multipart",
      "the multipart has no parts: no line --{} begins one"},
-    {Oddity::kLostParts, "lost-parts",
+    {FindingKind::kLostParts, "lost-parts",
      "{} lost: the library reads no further, as a multipart above is not closed"},
-    {Oddity::kRepeatedField, "repeated-field",
+    {FindingKind::kRepeatedField, "repeated-field",
      "{} stands {} times where one is allowed: the {} counts"},
-    {Oddity::kBadDate, "bad-date", "{} is no proper date: the message's date is a guess"},
-    {Oddity::kEarlyYear, "early-year", "the year in {} is before 1000: it is taken as it stands"},
-    {Oddity::kLowerCaseWord, "lower-case-word",
+    {FindingKind::kBadDate, "bad-date", "{} is no proper date: the message's date is a guess"},
+    {FindingKind::kEarlyYear, "early-year",
+     "the year in {} is before 1000: it is taken as it stands"},
+    {FindingKind::kLowerCaseWord, "lower-case-word",
      "an encoded word in {} has a lower-case {} and stays undecoded: {}"},
-    {Oddity::kUnknownWordCharset, "unknown-word-charset",
+    {FindingKind::kUnknownWordCharset, "unknown-word-charset",
      "an encoded word in {} names the unknown charset {}"},
-    {Oddity::kMixedCharsets, "mixed-charsets",
+    {FindingKind::kMixedCharsets, "mixed-charsets",
      "encoded words in {} name several charsets: the last one counts for all"},
-    {Oddity::kFieldBytes, "field-bytes",
+    {FindingKind::kFieldBytes, "field-bytes",
      "bytes in {} are not taken for UTF-8: they are read as Mac Roman"},
-    {Oddity::kZeroByteInField, "zero-byte-in-field",
+    {FindingKind::kZeroByteInField, "zero-byte-in-field",
      "a zero byte stands in {}: what follows in the field is lost"},
-    {Oddity::kLoneCr, "lone-cr", "a line of the header ends with a CR alone, others do not"},
-    {Oddity::kBadContentType, "bad-content-type",
+    {FindingKind::kLoneCr, "lone-cr", "a line of the header ends with a CR alone, others do not"},
+    {FindingKind::kBadContentType, "bad-content-type",
      "the Content-Type {} is not type/subtype: the part is taken for a file"},
-    {Oddity::kUnknownCharset, "unknown-charset", "unknown charset {}: the text has no encoding"},
-    {Oddity::kWrongCharset, "wrong-charset", "the text is not in the charset {}"},
-    {Oddity::kGuessedCharset, "guessed-charset",
+    {FindingKind::kUnknownCharset, "unknown-charset",
+     "unknown charset {}: the text has no encoding"},
+    {FindingKind::kWrongCharset, "wrong-charset", "the text is not in the charset {}"},
+    {FindingKind::kGuessedCharset, "guessed-charset",
      "no charset, and the text is not taken for UTF-8: it is read as Mac Roman"},
-    {Oddity::kZeroByteInText, "zero-byte-in-text", "a zero byte stands in the text"},
-    {Oddity::kUnknownTransferEncoding, "unknown-transfer-encoding",
+    {FindingKind::kZeroByteInText, "zero-byte-in-text", "a zero byte stands in the text"},
+    {FindingKind::kUnknownTransferEncoding, "unknown-transfer-encoding",
      "unknown transfer encoding {}: the part is not decoded"},
-    {Oddity::kEncodedMessage, "encoded-message",
+    {FindingKind::kEncodedMessage, "encoded-message",
      "the attached message is in {}: it is read without decoding"},
-    {Oddity::kForeignInBase64, "bad-base64",
+    {FindingKind::kForeignInBase64, "bad-base64",
      "the part's base64 has other characters in it: its data are damaged"},
-    {Oddity::kCutBase64, "bad-base64", "the part's base64 is cut off: its data are not whole"},
-    {Oddity::kMoreBase64, "bad-base64",
+    {FindingKind::kCutBase64, "bad-base64", "the part's base64 is cut off: its data are not whole"},
+    {FindingKind::kMoreBase64, "bad-base64",
      "the part's base64 goes on after its padding: some readers stop there"},
-    {Oddity::kEncodedName, "encoded-name", "the file name stays encoded: {}"},
-    {Oddity::kUnreadName, "unread-name", "the file name in {} is not read"},
-    {Oddity::kUnlistedPart, "unlisted-part",
+    {FindingKind::kEncodedName, "encoded-name", "the file name stays encoded: {}"},
+    {FindingKind::kUnreadName, "unread-name", "the file name in {} is not read"},
+    {FindingKind::kUnlistedPart, "unlisted-part",
      "the part is in no list: no attachment, no inline part, not the message's text"},
-    {Oddity::kNoSender, "no-sender", "no address is in From: {}"},
-    {Oddity::kNoContentType, "no-content-type",
+    {FindingKind::kNoSender, "no-sender", "no address is in From: {}"},
+    {FindingKind::kNoContentType, "no-content-type",
      "the message has no Content-Type: the library gives it no type and lists its text as a file"},
-    {Oddity::kPackedFile, "packed-file",
+    {FindingKind::kPackedFile, "packed-file",
      "the file {} is packed in {}: the library does not see it"},
-    {Oddity::kEmptyFile, "empty-file", "the file {} has no bytes"},
-    {Oddity::kNamedText, "named-text",
+    {FindingKind::kEmptyFile, "empty-file", "the file {} has no bytes"},
+    {FindingKind::kNamedText, "named-text",
      "the message's own text is called {}: the library shows the name nowhere"},
-    {Oddity::kFrame, "frame-attachment",
+    {FindingKind::kListedMultipart, "frame-attachment",
      "the library lists the {} as a file, which has no bytes of its own"},
-    {Oddity::kRepeatedParameter, "repeated-parameter",
+    {FindingKind::kRepeatedParameter, "repeated-parameter",
      "the parameter {} stands several times in {}, with different values"},
-    {Oddity::kPiece, "message-piece",
+    {FindingKind::kPiece, "message-piece",
      "the message is a piece of one: only with the others it can be read"},
 };
 
 constexpr bool IsInOrder() {
   std::size_t index = 0;
   for (const Row& row : kRows) {
-    if (static_cast<std::size_t>(row.oddity) != index) return false;
+    if (static_cast<std::size_t>(row.kind) != index) return false;
     ++index;
   }
-  return index == static_cast<std::size_t>(Oddity::kPiece) + 1;
+  return index == static_cast<std::size_t>(FindingKind::kPiece) + 1;
 }
 static_assert(IsInOrder());
 
@@ -107,15 +110,16 @@ std::string Filled(std::string_view text, std::initializer_list<std::string_view
 
 }  // namespace
 
-void Findings::Add(Oddity oddity, const Place& place,
+void Findings::Add(FindingKind kind, const Place& place,
                    std::initializer_list<std::string_view> details) {
-  const Row& row = kRows[static_cast<std::size_t>(oddity)];
+  const Row& row = kRows[static_cast<std::size_t>(kind)];
   list_.push_back({row.code, place, Filled(row.text, details)});
 }
 
 std::vector<Finding> Findings::Take() {
   std::stable_sort(list_.begin(), list_.end(), [](const Finding& a, const Finding& b) {
-    return a.place.line - 1 < b.place.line - 1;  // kNoLine becomes the greatest
+    // KNoLine is 0, so that it becomes the greatest number.
+    return a.place.line - 1 < b.place.line - 1;
   });
   return std::move(list_);
 }

@@ -1,4 +1,5 @@
-// What can be odd about a message, each with its code and its words.
+// The findings of the verb `check`: faults of a message, and results of the library that an
+// application may not expect.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +14,9 @@
 
 namespace zqv::cli {
 
-enum class Oddity {
+// What a finding is about. Several kinds may have the same code; cli/findings.cc lists codes and
+// texts.
+enum class FindingKind {
   kNoBlankLine,
   kDelimiterInHeader,
   kCutHeader,
@@ -48,42 +51,44 @@ enum class Oddity {
   kPackedFile,
   kEmptyFile,
   kNamedText,
-  kFrame,
+  kListedMultipart,
   kRepeatedParameter,
   kPiece,
 };
 
+// Where in a message something was found.
 struct Place {
-  std::optional<std::size_t> part;  // index in the tree
-  std::size_t line = kNoLine;       // of the message's bytes
+  std::optional<std::size_t> part;  // index in PartTree; unset: not known
+  std::size_t line = kNoLine;       // in the bytes of the message; kNoLine: not known
 };
 
 struct Finding {
-  std::string_view code;  // stays the same from version to version
+  std::string_view code;  // identifier for programs; never changes
   Place place;
-  std::string text;  // safe, on one line
+  std::string text;  // sentence for a reader, escaped for a terminal, on one line
 };
 
 class Findings {
  public:
-  // The oddity's words with these details in them.
-  void Add(Oddity oddity, const Place& place, std::initializer_list<std::string_view> details = {});
+  // Adds a finding. `details` replace the placeholders in the text of its kind.
+  void Add(FindingKind kind, const Place& place,
+           std::initializer_list<std::string_view> details = {});
 
-  // In the order of their lines; those without come last.
+  // Returns the findings, sorted by line. Findings without a line come last.
   std::vector<Finding> Take();
 
  private:
   std::vector<Finding> list_;
 };
 
-// All codes, each once, in the order of the documents.
+// All codes, each once, in the order of the documentation.
 std::vector<std::string> FindingCodes();
 
-// For a reader: "message", "part 5.2", "line 14"; empty when it is not known.
+// Names a place for a reader: "message" or "part 5.2", and "line 14". Empty when it is not known.
 std::string PartText(const Place& place, const PartTree& tree);
 std::string LineText(const Place& place);
 
-// A detail from the message: safe, cut when it is long, in double quotes.
+// Returns a text from the message in double quotes, escaped for a terminal and shortened.
 std::string Quoted(std::string_view text);
 
 }  // namespace zqv::cli

@@ -15,7 +15,7 @@
 namespace zqv::cli {
 namespace {
 
-// Where the system shows a program's open files, unless that is switched off.
+// The folder with links to the process's open files. It may be missing.
 constexpr const char* kOpenFiles = "/proc/self/fd/";
 
 [[noreturn]] void Fail(const std::string& path, const std::string& reason) {
@@ -28,7 +28,7 @@ constexpr const char* kOpenFiles = "/proc/self/fd/";
   Fail(path, reason);
 }
 
-// 0, or the errno of what went wrong.
+// Writes all bytes. Returns 0 or the errno of the failure.
 int WriteAll(int file, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t written = write(file, bytes.data(), bytes.size());
@@ -44,14 +44,14 @@ int WriteAll(int file, std::string_view bytes) {
 }  // namespace
 
 std::string UnfinishedName(const std::string& name) {
-  constexpr std::size_t kMostOfName = 200;  // names may have 255 bytes
+  constexpr std::size_t kMostOfName = 200;  // file names may have 255 bytes
   return "." + name.substr(0, WholeSequences(name, kMostOfName)) + ".unfinished";
 }
 
 Folder::Folder(std::string path) : path_(std::move(path)), descriptor_(-1) {
   std::error_code error;
   std::filesystem::create_directories(path_, error);
-  // That it exists already, or is a link to a folder, is no reason to stop.
+  // A failure does not matter if the folder exists already or is a link to one; then open succeeds.
   descriptor_ = Descriptor(open(path_.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
   if (!descriptor_.IsOpen()) FailWith(path_, error ? error.value() : errno);
 }
@@ -83,7 +83,8 @@ void Folder::RemoveOld(const std::string& name) const {
   struct stat status = {};
   if (fstatat(descriptor_.number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return;
   if (!S_ISREG(status.st_mode)) Fail(PathOf(name), "in the way, and not a plain file");
-  // Removed rather than emptied: another name of the same file may lie outside the folder.
+  // Removes the file and does not overwrite it, because it may have another name outside the
+  // folder.
   if (unlinkat(descriptor_.number(), name.c_str(), 0) != 0) FailWith(PathOf(name), errno);
 }
 
@@ -91,7 +92,7 @@ std::string Folder::Write(const std::string& name, std::string_view bytes, bool 
   std::string path = CheckedPathOf(name);
   if (!force && Has(name)) FailWith(path, EEXIST);
   int error = WriteUnnamed(name, bytes, force);
-  // A file system or a kernel without such files, or a system that does not show open ones.
+  // The file system or the kernel lacks unnamed files, or /proc is missing.
   if (error == EOPNOTSUPP || error == EISDIR || error == ENOENT) {
     error = WriteNamed(name, bytes, force);
   }
@@ -113,7 +114,7 @@ int Folder::WriteUnnamed(const std::string& name, std::string_view bytes, bool f
 
 int Folder::WriteNamed(const std::string& name, std::string_view bytes, bool force) const {
   const std::string unfinished = UnfinishedName(name);
-  RemoveOld(unfinished);  // of a run that was killed
+  RemoveOld(unfinished);  // left by a run that was killed
   Descriptor file(openat(descriptor_.number(), unfinished.c_str(),
                          O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
   if (!file.IsOpen()) return errno;
@@ -133,7 +134,8 @@ int Folder::Move(const std::string& from, const std::string& to) const {
   if (renameat2(descriptor_.number(), from.c_str(), descriptor_.number(), to.c_str(),
                 RENAME_NOREPLACE) == 0)
     return 0;
-  // Not every file system can refuse to replace; an empty folder of the name does no harm then.
+  // The file system cannot rename without replacing. rename() may then replace an empty folder,
+  // which does no harm.
   if (errno != EINVAL) return errno;
   if (Has(to)) return EEXIST;
   return renameat(descriptor_.number(), from.c_str(), descriptor_.number(), to.c_str()) == 0
@@ -148,7 +150,7 @@ void Folder::Rename(const std::string& from, const std::string& to) const {
 
 void Folder::Remove(const std::string& name) const {
   const std::string path = CheckedPathOf(name);
-  // By way of the opened folder, since the names above it may mean another one by now.
+  // Goes through the opened folder, because the names in its path may now mean other folders.
   const std::string opened = kOpenFiles + std::to_string(descriptor_.number()) + "/" + name;
   std::error_code error;
   std::filesystem::remove_all(std::filesystem::exists(kOpenFiles) ? opened : path, error);

@@ -1,9 +1,9 @@
 // The folder that files are written into.
 //
-// Invariant: nothing outside the folder is touched. Names are looked up from the opened folder
-// itself, a name that holds a slash is refused, and no link in the folder is ever followed.
-// A file appears whole or not at all, even when the process is killed. Where the file system has no
-// files without names, what a killed process was writing may stay under its unfinished name.
+// Nothing outside the folder is changed: names are looked up relative to the opened folder, names
+// with a slash are rejected, and links in the folder are not followed. A file appears complete or
+// not at all, even when the process is killed. On file systems without unnamed files (O_TMPFILE) a
+// killed process may leave a file under its temporary name.
 #pragma once
 
 #include <stdexcept>
@@ -14,46 +14,47 @@
 
 namespace zqv::cli {
 
-// Nothing more can be written: the disk is full, or what a user may have of it.
+// Nothing more can be written: the disk or the user's quota is full.
 class DiskFull : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// What a thing is called until all of it is there: hidden, and the same each time.
+// The temporary name of a file or folder until it is complete. It is hidden, and always the same
+// for the same name.
 std::string UnfinishedName(const std::string& name);
 
 class Folder {
  public:
-  // Opens the folder at `path`, making it and those above it when missing. Throws
-  // std::runtime_error, naming path and reason, and of a full disk DiskFull; so do the others.
+  // Opens the folder at `path`. Creates it and its parents if they do not exist. All functions
+  // throw std::runtime_error with path and reason, or DiskFull.
   explicit Folder(std::string path);
 
-  // The folder in this one, made when missing.
+  // Opens a folder in this one. Creates it if it does not exist.
   Folder Sub(const std::string& name) const;
 
-  // Writes a new file and gives its path. With `force` a plain file of that name is replaced; what
-  // else has the name is in the way.
+  // Writes a file and returns its path. If the name exists already, it throws, unless `force` is
+  // set and the name is that of a regular file: then the file is replaced.
   std::string Write(const std::string& name, std::string_view bytes, bool force) const;
 
-  // Whether there is anything of this name, be it a link that leads nowhere.
+  // Whether the name exists, also as a broken link.
   bool Has(const std::string& name) const;
-  // Gives a thing in this folder a new name that nothing has yet.
+  // Renames a file or folder. Throws when `to` exists.
   void Rename(const std::string& from, const std::string& to) const;
-  // Removes a thing in this folder with all that is in it, if there is one.
+  // Removes a file, or a folder with its contents. Does nothing when the name does not exist.
   void Remove(const std::string& name) const;
 
  private:
   Folder(std::string path, Descriptor descriptor);
 
   std::string PathOf(const std::string& name) const;
-  // Throws for what is no name.
+  // Throws when `name` is not a valid name in a folder.
   std::string CheckedPathOf(const std::string& name) const;
   void RemoveOld(const std::string& name) const;
-  // Both give 0 or the errno of what went wrong.
+  // Return 0 or the errno of the failure.
   int WriteUnnamed(const std::string& name, std::string_view bytes, bool force) const;
   int WriteNamed(const std::string& name, std::string_view bytes, bool force) const;
-  // 0 or an errno; replaces nothing.
+  // Renames without replacing. Returns 0 or the errno of the failure.
   int Move(const std::string& from, const std::string& to) const;
 
   std::string path_;

@@ -23,7 +23,8 @@ using mime::FieldName;
 using mime::PartIndex;
 using mime::PartKind;
 
-// Messages in messages that are read by themselves; those of a plain message/rfc822 do not count.
+// The deepest nesting of messages that are parsed by themselves. Attached messages that the parser
+// finds do not count.
 constexpr std::size_t kMostDepth = 8;
 
 std::string_view FieldBytes(const mime::Header& header, FieldName name) {
@@ -35,8 +36,7 @@ bool IsBlank(std::string_view text) {
   return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
 
-// "text" and "plain" of "text/plain", which is what a part without a type is (RFC 2045, section
-// 5.2).
+// The two parts of a MIME type. A part without a type is text/plain (RFC 2045, section 5.2).
 struct Type {
   std::string_view type;
   std::string_view subtype;
@@ -48,7 +48,8 @@ Type SplitType(std::string_view main) {
   return {Trim(main.substr(0, slash)), Trim(main.substr(slash + 1))};
 }
 
-// Without a line such as "From ada@example.com Tue May 10 11:28:07 2005" at its front.
+// Removes an mbox separator, such as "From ada@example.com Tue May 10 11:28:07 2005", from the
+// front of an attached message.
 std::string_view WithoutEnvelope(std::string_view message) {
   const std::string_view start = message.substr(0, 6);
   if (start.substr(0, 5) != "From " && start != ">From ") return message;
@@ -59,7 +60,7 @@ bool IsTnefType(std::string_view type) {
   return type == "application/ms-tnef" || type == "application/vnd.ms-tnef";
 }
 
-// The signature of TNEF in base64.
+// Whether a body begins with the signature of TNEF, as bytes or in base64.
 bool MayBeTnef(std::string_view body) { return body.substr(0, 5) == "eJ8+I" || IsTnef(body); }
 
 }  // namespace
@@ -160,12 +161,12 @@ bool FoundFiles::IsText(const Header& header, FoundFile* file) {
   const bool is_html = destination == email::Destination::kHtmlText;
   if (is_plain) plain_text_ = file->part;
   if (is_html) html_text_ = file->part;
-  // More text, as mailing lists add it, is read with the rest.
+  // Further text parts, such as footers of mailing lists, are displayed with the message's text.
   const bool is_more_text = !file->is_named && header.disposition.main() != "attachment" &&
                             type.type == "text" &&
                             (type.subtype == "plain" || type.subtype == "html");
   file->is_inline = file->is_inline || is_plain || is_html || is_more_text;
-  file->is_frame = is_more_text && messages_around_[file->part] > 0;
+  file->is_structural = is_more_text && messages_around_[file->part] > 0;
   return is_plain || is_html;
 }
 
@@ -209,8 +210,8 @@ void FoundFiles::AddLeaf(PartIndex index) {
   }
   const bool is_text = IsText(header, &file);
   const bool is_blank = IsBlank(BodyOf(index));
-  file.is_frame =
-      file.is_frame || (!file.is_named && (is_blank || (is_text && file.problem.empty())));
+  file.is_structural =
+      file.is_structural || (!file.is_named && (is_blank || (is_text && file.problem.empty())));
   const email::DecodedBody data = Data(file);
   file.is_empty = data.bytes().empty();
   if (file.is_unpacked) {
@@ -219,7 +220,8 @@ void FoundFiles::AddLeaf(PartIndex index) {
   }
   if (!file.is_named) file.name = email::MakeUpFileName(file.content_id, data.bytes());
   const bool may_be_tnef = IsTnefType(file.mime_type) || MayBeTnef(BodyOf(index));
-  // The library lists a text without a type, and none that has one.
+  // Like the library, lists the message's own text only if it has no Content-Type. A name or a
+  // problem is a reason to list it, too.
   if (!is_text || file.is_named || !header.has_type || !file.problem.empty()) {
     list_.push_back(std::move(file));
   }
@@ -230,20 +232,21 @@ void FoundFiles::AddLeaf(PartIndex index) {
   }
 }
 
-// Its name, unless it has one, and the files in it when the parser has not found them: it reads a
-// message as it stands, knows no envelope line, and takes the parts of a digest for texts.
-void FoundFiles::AddMessage(FoundFile file, PartIndex read_as) {
+// Lists an attached message, named after its subject if it has no name. Lists the files in it, too,
+// if the parser has not found them: the parser does not decode an attached message, does not skip
+// an mbox separator before it, and takes parts of a digest for texts.
+void FoundFiles::AddMessage(FoundFile file, PartIndex parsed_as) {
   const email::DecodedBody data = Data(file);
   const std::string_view bytes = WithoutEnvelope(data.bytes());
   std::optional<MessageSource> own;
-  if (depth_ < kMostDepth && (read_as == mime::kNoPart || bytes.size() != data.bytes().size())) {
+  if (depth_ < kMostDepth && (parsed_as == mime::kNoPart || bytes.size() != data.bytes().size())) {
     own.emplace(bytes);
-    read_as = 0;
+    parsed_as = 0;
   }
   if (!file.is_named) {
     const MessageSource& source = own ? *own : source_;
-    if (read_as != mime::kNoPart) {
-      const mime::Header header = source.message().HeaderOf(source.parts()[read_as]);
+    if (parsed_as != mime::kNoPart) {
+      const mime::Header header = source.message().HeaderOf(source.parts()[parsed_as]);
       file.name = ReadHeaderText(FieldBytes(header, FieldName::kSubject));
     }
     file.name = (Trim(file.name).empty() ? "message" : file.name) + ".eml";
@@ -256,7 +259,7 @@ void FoundFiles::AddMessage(FoundFile file, PartIndex read_as) {
 
 void FoundFiles::AddNested(PartIndex index, const FoundFiles& nested) {
   for (FoundFile file : nested.list()) {
-    if (file.is_frame) continue;
+    if (file.is_structural) continue;
     if (!file.is_unpacked) file.unpacked = nested.Data(file).bytes();
     file.is_unpacked = true;
     file.part = index;
@@ -268,8 +271,9 @@ void FoundFiles::AddMessage(PartIndex index) {
   const mime::Part& part = source_.parts()[index];
   const Header header = ReadHeader(index);
   FoundFile file = FileOf(index, header);
-  // Of those that nest deeper each would be written once for each that is around it.
-  file.is_frame = IsBlank(BodyOf(index)) || messages_around_[index] > kMostDepth;
+  // A message contains the bytes of all messages nested in it, so listing deeply nested ones would
+  // make the output quadratic.
+  file.is_structural = IsBlank(BodyOf(index)) || messages_around_[index] > kMostDepth;
   ReadTransferOf(header, &file);
   const Transfer transfer = ReadTransfer(header.transfer);
   const bool is_encoded = transfer == Transfer::kBase64 || transfer == Transfer::kQuotedPrintable;
@@ -297,16 +301,16 @@ void FoundFiles::AddMultipart(PartIndex index) {
   const Type type = SplitType(header.type.main());
   FoundFile file = FileOf(index, header);
   const bool is_undivided = part.first_child == mime::kNoPart && !IsBlank(BodyOf(index));
-  // The library takes a quote that is not closed for a part of the boundary.
+  // The library takes an unclosed quote for a part of the boundary.
   const std::optional<std::string> boundary = header.type.Text("boundary");
   if (is_undivided && boundary && !boundary->empty() && depth_ < kMostDepth) {
     const std::vector<std::string_view> parts = PartsBetween(BodyOf(index), *boundary);
     if (!parts.empty() && parts.size() <= mime::kMostParts) return AddParts(index, parts);
   }
-  const bool is_lost =
-      is_undivided && messages_around_[index] == 0;  // such as a letter that came back cut short
+  // A multipart without parts, such as a returned message that was cut short.
+  const bool is_lost = is_undivided && messages_around_[index] == 0;
   if (email::IsContainer(type.type, type.subtype) && !is_lost) return;
-  file.is_frame = !is_lost;
+  file.is_structural = !is_lost;
   if (is_lost) file.problem = "no boundary divides the multipart: the bytes are as they stand";
   if (!file.is_named) file.name = "attachment";
   list_.push_back(std::move(file));
@@ -333,7 +337,7 @@ void FoundFiles::AddTnef(PartIndex part, std::string_view bytes, std::size_t dep
   if (!IsTnef(bytes)) return;
   const TnefContent content = ReadTnef(bytes);
   for (const TnefFile& packed : content.files) {
-    if (IsTnef(packed.bytes) && depth < kMostDepth) {  // a message in the message
+    if (IsTnef(packed.bytes) && depth < kMostDepth) {  // a message attached to the message
       AddTnef(part, packed.bytes, depth + 1);
       continue;
     }

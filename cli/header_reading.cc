@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t kNowhere = std::string_view::npos;
 
-// The bytes of a Q-encoded text (RFC 2047, section 4.2).
+// Decodes the Q encoding (RFC 2047, section 4.2).
 std::string DecodeQ(std::string_view text) {
   std::string bytes;
   bytes.reserve(text.size());
@@ -35,8 +35,8 @@ std::string DecodeQ(std::string_view text) {
 }
 
 std::string BytesOf(const EncodedWord& word) {
-  constexpr std::size_t kAround = 5;  // "=?" "?" letter "?"
-  const std::size_t begin = word.charset.size() + kAround;
+  constexpr std::size_t kDelimiterBytes = 5;  // length of "=?" "?" letter "?"
+  const std::size_t begin = word.charset.size() + kDelimiterBytes;
   const std::string_view text = word.text.substr(begin, word.text.size() - begin - 2);
   const bool is_base64 = word.letter == 'B' || word.letter == 'b';
   return is_base64 ? std::string(text::DecodeBase64(text).view()) : DecodeQ(text);
@@ -48,7 +48,8 @@ std::string_view CharsetOf(const EncodedWord& word) {
 
 bool IsBlank(std::string_view text) { return text.find_first_not_of(" \t") == kNowhere; }
 
-// What stands behind the character that closes what `text` begins with; the end when none does.
+// Returns the position after a nested construct at the start of `text`: a quoted string, comment or
+// address in angle brackets. The end of the text when it is not closed.
 std::size_t EndOfNested(std::string_view text) {
   const char open = text.front();
   const char close = open == '(' ? ')' : open == '<' ? '>' : open;
@@ -75,9 +76,10 @@ std::string ReadHeaderText(std::string_view value) {
   for (std::size_t i = 0; i < words.size();) {
     const auto begin = static_cast<std::size_t>(words[i].text.data() - line.data());
     const std::string_view between = std::string_view(line).substr(at, begin - at);
-    // Blanks between two words are there to part them alone (RFC 2047, section 6.2).
+    // Blanks between two encoded words only separate them (RFC 2047, section 6.2).
     if (i == 0 || !IsBlank(between)) text += GuessedUtf8(between);
-    // Mailers cut texts without regard to characters, so neighbours of a charset are read as one.
+    // Some mailers split words within a character, so neighbouring words of one charset are decoded
+    // together.
     std::string bytes = BytesOf(words[i]);
     std::size_t end = begin + words[i].text.size();
     std::size_t next = i + 1;
@@ -137,7 +139,7 @@ std::string MailboxOf(std::string_view entry) {
         Trim(entry.substr(open + 1, close == kNowhere ? kNowhere : close - open - 1));
     return is_mailbox(inside) ? std::string(inside) : std::string();
   }
-  // "ada@example.com (Ada)", "ada@example.com"
+  // Matches "ada@example.com (Ada)" and "ada@example.com".
   while (!entry.empty()) {
     const std::string_view word = entry.substr(0, entry.find_first_of(" \t(),;:"));
     if (is_mailbox(word)) return std::string(word);

@@ -1,5 +1,6 @@
-// What the texts of header fields say to a reader, from the bytes of the message. Other than the
-// library, which decodes words in upper case alone and all of them in one charset.
+// Decoding of header fields for a reader, from the bytes of the message. The library decodes only
+// encoded words in upper case, and all words of a field in one charset; these functions have no
+// such restriction.
 #pragma once
 
 #include <string>
@@ -8,16 +9,18 @@
 
 namespace zqv::cli {
 
-// A field's value as UTF-8 on one line: folds are blanks, the encoded words of RFC 2047 are
-// decoded, also with a lower-case letter, with a language (RFC 2231, section 5) and inside quotes.
-// Words of unknown charsets stay as they are; other bytes are those of GuessedUtf8.
+// Decodes a field's value to one line of UTF-8. Folds become blanks. Encoded words (RFC 2047) are
+// decoded also with a lower-case letter, with a language (RFC 2231, section 5), and inside quotes.
+// Words in unknown charsets stay as they are. Bytes outside encoded words are converted by
+// GuessedUtf8.
 std::string ReadHeaderText(std::string_view value);
 
-// The entries of an address field, each read as above: cut at the commas that stand in no quotes,
-// comments, brackets and groups.
+// Splits an address field into its entries and decodes each. Entries end at commas outside quotes,
+// comments, angle brackets and groups.
 std::vector<std::string> ReadAddresses(std::string_view value);
 
-// The mailbox in an entry, "ada@example.com" of "Ada <ada@example.com>"; empty when there is none.
+// Returns the mailbox of an entry: "ada@example.com" for "Ada <ada@example.com>". Empty when there
+// is none.
 std::string MailboxOf(std::string_view entry);
 
 }  // namespace zqv::cli

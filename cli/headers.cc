@@ -1,5 +1,5 @@
-// `zqv headers`: the fields of a header, one "Name: value" a line: as they are written and decoded
-// for reading, as their bytes, or as the library gives them.
+// `zqv headers`: prints the fields of a header, one "Name: value" a line. Values are decoded for a
+// reader, printed as bytes, or taken from the library.
 #include <algorithm>
 #include <stdexcept>
 #include <string>
@@ -62,7 +62,7 @@ void PrintFields(const std::vector<FieldText>& fields, bool raw, Output* output)
 JsonValue DescribeFields(const std::vector<FieldText>& fields) {
   JsonValue list = JsonValue::array();
   for (const FieldText& field : fields) {
-    // A name is whatever stands before the colon.
+    // The name is all text before the colon, so it may have any characters.
     list.push_back(
         {{"name", SafeText(std::string_view(field.name), Lines::kOne)}, {"value", field.value}});
   }

@@ -12,8 +12,8 @@
 namespace zqv::cli {
 namespace {
 
-// Names that HTML has beyond HTML 4.01 for characters of ASCII: with them a URL can be written so
-// that nobody recognises it.
+// Names of ASCII characters that HTML has added to HTML 4.01. Without them a URL could be
+// disguised.
 constexpr text::HtmlEntity kAsciiNames[] = {
     {'\t', "Tab"},     {'\n', "NewLine"},     {'!', "excl"},   {'"', "QUOT"},   {'#', "num"},
     {'$', "dollar"},   {'%', "percnt"},       {'&', "AMP"},    {'(', "lpar"},   {')', "rpar"},
@@ -25,7 +25,7 @@ constexpr text::HtmlEntity kAsciiNames[] = {
     {'|', "vert"},     {'|', "VerticalLine"}, {'}', "rcub"},   {'}', "rbrace"},
 };
 
-// What the numbers 128 to 159 stand for: the characters of Windows-1252 (HTML, section 13.2.5.80).
+// The characters of Windows-1252, which the numbers 128 to 159 stand for (HTML, section 13.2.5.80).
 constexpr char32_t kWindows1252[] = {
     0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x8D,   0x017D, 0x8F,   0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
@@ -46,7 +46,8 @@ const Names& KnownNames() {
   return kNames;
 }
 
-// Names of Latin-1 are read without a semicolon, too; of those in ASCII, four.
+// Whether a name is recognised without a semicolon: the names of Latin-1 characters are, and four
+// of ASCII.
 bool NeedsNoSemicolon(std::string_view name, char32_t c) {
   if (c >= 0x80) return c <= 0xFF;
   static constexpr std::string_view kOld[] = {"amp", "lt", "gt", "quot", "AMP", "LT", "GT", "QUOT"};
@@ -54,7 +55,7 @@ bool NeedsNoSemicolon(std::string_view name, char32_t c) {
 }
 
 struct Reference {
-  std::size_t bytes = 0;  // 0: none
+  std::size_t bytes = 0;  // length of the reference; 0: there is none
   char32_t value = 0;
 };
 
@@ -66,7 +67,7 @@ char32_t Character(char32_t number) {
   return number;
 }
 
-// Of a text that begins with "&#".
+// Decodes a numeric reference at the front of a text, which begins with "&#".
 Reference NumericAtFront(std::string_view text) {
   const bool is_hexadecimal = text.size() > 2 && base::LowerAscii(text[2]) == 'x';
   const char32_t radix = is_hexadecimal ? 16 : 10;
@@ -84,7 +85,7 @@ Reference NumericAtFront(std::string_view text) {
   return {at, Character(number)};
 }
 
-// Of a text that begins with "&".
+// Decodes a named reference at the front of a text, which begins with "&".
 Reference NamedAtFront(std::string_view text, HtmlPlace place) {
   constexpr std::size_t kLongestName = 16;
   const std::size_t most = std::min(text.size(), kLongestName + 1);
@@ -94,7 +95,7 @@ Reference NamedAtFront(std::string_view text, HtmlPlace place) {
     const auto found = KnownNames().find(text.substr(1, end - 1));
     if (found != KnownNames().end()) return {end + 1, found->second};
   }
-  // The longest name that stands there without a semicolon.
+  // Without a semicolon the longest matching name counts.
   for (; end > 1; --end) {
     const std::string_view name = text.substr(1, end - 1);
     const auto found = KnownNames().find(name);

@@ -1,4 +1,4 @@
-// Writes a page of HTML. The one place where text is escaped.
+// Writes a page of HTML. It is the only place where text is escaped for HTML.
 #pragma once
 
 #include <cstddef>
@@ -12,20 +12,20 @@ namespace zqv::cli {
 
 class HtmlWriter {
  public:
-  // Markup, which nothing but the program itself can hold.
+  // Appends markup of the program itself: a literal cannot contain anything from a message.
   template <std::size_t kSize>
   HtmlWriter& Markup(const char (&literal)[kSize]) {
     html_.append(literal, kSize - 1);
     return *this;
   }
 
-  // Markup that SafeHtml made, as it is.
-  HtmlWriter& Made(const SafeLetter& letter) {
-    html_ += letter.html;
+  // Appends HTML that SafeHtml has sanitized.
+  HtmlWriter& Sanitized(const SanitizedHtml& sanitized) {
+    html_ += sanitized.html;
     return *this;
   }
 
-  // Anything else: for the content of an element or for an attribute's value in double quotes.
+  // Appends text, escaped for the content of an element or for an attribute value in double quotes.
   HtmlWriter& Text(std::string_view text);
 
   std::string Take() { return std::move(html_); }

@@ -1,4 +1,4 @@
-// `zqv json`: everything that the classes give about a message.
+// `zqv json`: prints all members of a message's classes.
 #include <string>
 
 #include "cli/message_document.h"

@@ -1,5 +1,4 @@
-// The lines of a text, and which of them a byte is in. CR, LF, CRLF and LFCR each end one line, as
-// for the library.
+// Line numbers of the bytes of a text. CR, LF, CRLF and LFCR each end one line, as for the library.
 #pragma once
 
 #include <cstddef>
@@ -13,8 +12,8 @@ namespace zqv::cli {
 
 inline constexpr std::size_t kNoLine = 0;
 
-// Calls `use(line, line_end)` for each line; the last one may have no line end. A text that ends
-// with a line end has no line after it.
+// Calls `use(line, line_end)` for each line. `line_end` of the last line may be empty. There is no
+// line after a line end at the end of the text.
 template <class Use>
 void ForEachLine(std::string_view text, Use use) {
   const char* const end = text.data() + text.size();
@@ -29,17 +28,17 @@ void ForEachLine(std::string_view text, Use use) {
 
 class LineNumbers {
  public:
-  // Counts the lines of `text`, at most 4 GB, which must outlive this.
+  // `text` must outlive this object. It may have at most 4 GB.
   explicit LineNumbers(std::string_view text);
 
-  // From 1. `at` points into the text or to its end.
+  // The number of the line that contains `at`, from 1. `at` points into the text or to its end.
   std::size_t At(const char* at) const;
   // The text from `at` to the end of its line, without the line end.
   std::string_view RestOfLine(const char* at) const;
 
  private:
   std::string_view text_;
-  std::vector<std::uint32_t> starts_;  // of each line
+  std::vector<std::uint32_t> starts_;  // offset of each line
 };
 
 }  // namespace zqv::cli

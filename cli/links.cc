@@ -22,7 +22,7 @@ bool IsOneOf(const std::string_view (&words)[kCount], std::string_view word) {
                      [&](std::string_view one) { return base::EqualsIgnoringCase(one, word); });
 }
 
-// "https" of "https://example.com"; empty for a relative target.
+// Returns the scheme: "https" for "https://example.com". Empty for a relative target.
 std::string_view SchemeOf(std::string_view target) {
   if (target.empty() || !base::IsLetter(target.front())) return {};
   const auto end = std::find_if(target.begin(), target.end(), [](char c) {
@@ -32,13 +32,13 @@ std::string_view SchemeOf(std::string_view target) {
   return target.substr(0, static_cast<std::size_t>(end - target.begin()));
 }
 
-// Of these a browser takes backslashes for slashes and asks for no slash at all.
+// Schemes for which browsers accept backslashes instead of slashes, and fewer slashes.
 bool IsWebScheme(std::string_view scheme) {
   static constexpr std::string_view kSchemes[] = {"http", "https", "ftp", "ws", "wss"};
   return IsOneOf(kSchemes, scheme);
 }
 
-// What follows these is no place, whatever it looks like.
+// Schemes whose targets have no host, whatever their text looks like.
 bool IsOpaqueScheme(std::string_view scheme) {
   static constexpr std::string_view kSchemes[] = {"data", "javascript", "vbscript"};
   return IsOneOf(kSchemes, scheme);
@@ -50,7 +50,7 @@ std::string CleanHost(std::string_view host) {
   return clean;
 }
 
-// Of "user:password@host:80".
+// Returns the host of "user:password@host:80".
 std::string HostOfAuthority(std::string_view authority) {
   const std::size_t at = authority.rfind('@');
   if (at != kNowhere) authority.remove_prefix(at + 1);
@@ -80,7 +80,7 @@ std::string WithoutInvisible(std::string_view text) {
   return visible;
 }
 
-// Labels with dots between them, the last one of letters.
+// Whether a text is labels separated by dots, of which the last one has letters only.
 bool LooksLikeHost(std::string_view host) {
   const auto is_label_character = [](char c) {
     return base::IsAlphanumeric(c) || IsBeyondAscii(c) || c == '-' || c == '.' || c == '_';
@@ -96,7 +96,7 @@ bool LooksLikeHost(std::string_view host) {
   return last.size() >= 2 && is_word && std::all_of(host.begin(), host.end(), is_label_character);
 }
 
-// Endings of file names that are no domains.
+// Whether a text ends with a common extension of files that is not a domain.
 bool LooksLikeFile(std::string_view host) {
   static constexpr std::string_view kEndings[] = {
       "asp", "aspx", "csv", "doc",  "docx", "eml", "exe", "gif", "htm",  "html",
@@ -111,7 +111,7 @@ bool IsInOldDomain(std::string_view host) {
   return IsOneOf(kDomains, host.substr(host.rfind('.') + 1));
 }
 
-// A word without what encloses it and ends its sentence.
+// Removes quotes, brackets and punctuation around a word.
 std::string_view BareWord(std::string_view word) {
   constexpr std::string_view kAround = "\"'()<>[]{},.;:!?";
   const std::size_t first = word.find_first_not_of(kAround);

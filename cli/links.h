@@ -1,4 +1,5 @@
-// Where the links of an HTML text really lead, for readers who must not have to click to find out.
+// The links of an HTML text with their real targets, so that a reader need not click on one to see
+// it.
 #pragma once
 
 #include <cstddef>
@@ -8,36 +9,37 @@
 
 namespace zqv::cli {
 
+// The kind of element that has the target.
 enum class LinkKind { kLink, kArea, kForm, kButton, kBase };
 
-// "Link", "Image map", "Form", "Button" or "Base".
+// The kind for a reader: "Link", "Image map", "Form", "Button" or "Base".
 std::string_view LinkKindName(LinkKind kind);
 
 struct Link {
   LinkKind kind = LinkKind::kLink;
-  std::string text;    // what a reader sees; UTF-8, blanks as single spaces
-  std::string target;  // as browsers read it: see TargetOf
+  std::string text;    // the visible text; UTF-8, runs of blanks as single spaces
+  std::string target;  // the URL as browsers understand it: see TargetOf
 };
 
-// The links of a text in their order, up to a number and a size; the others are counted.
+// The links of a text, in order. Above a limit on number and size, links are only counted.
 class LinkList {
  public:
-  // `target` without character references.
+  // Adds a link. Character references in `target` must have been decoded.
   void Add(LinkKind kind, std::string_view target);
-  // Text of the link that was added last, while it lasts; nothing happens without one.
+  // Appends to the visible text of the last link. Does nothing after EndText.
   void AppendText(std::string_view text);
   void EndText() { is_open_ = false; }
   bool takes_text() const { return is_open_; }
 
   const std::vector<Link>& list() const { return links_; }
   std::size_t left_out() const { return left_out_; }
-  // What relative targets are relative to; empty without a base element.
+  // The base URL of relative targets; empty without a base element.
   const std::string& base() const { return base_; }
 
  private:
   static constexpr std::size_t kMostLinks = 500;
-  static constexpr std::size_t kMostBytes = 1U << 20U;  // of all targets
-  static constexpr std::size_t kMostText = 300;         // bytes of one text
+  static constexpr std::size_t kMostBytes = 1U << 20U;  // of all targets together
+  static constexpr std::size_t kMostText = 300;         // of one visible text
 
   std::vector<Link> links_;
   std::size_t left_out_ = 0;
@@ -46,25 +48,26 @@ class LinkList {
   bool is_open_ = false;
 };
 
-// An attribute's value as browsers read it as a URL: without control characters and blanks at both
-// ends, and without tabs and line ends anywhere (URL Standard, section 4.4).
+// Returns the URL that browsers make of an attribute's value: without control characters and blanks
+// at its ends, and without tabs and line ends (URL Standard, section 4.4).
 std::string TargetOf(std::string_view value);
 
-// The host that a target leads to, in lower case, its percent escapes decoded, without user, port
-// and a dot at the end; that of the address of a mailto:. A relative target has the host of `base`.
+// Returns the host of a target: in lower case, percent escapes decoded, without user, port and
+// final dot. A mailto: target has the host of its address, a relative target the host of `base`.
 // Empty when there is none.
 std::string HostOf(std::string_view target, std::string_view base);
 
-// The host that a text names, as above: a URL, "www.example.com", or a host or an address that is
-// all of the text or ends in one of the oldest domains. Empty when it names none. Characters that
-// show nothing do not count. A file's name such as "report.pdf" is no host.
+// Returns the host that a visible text seems to name. It recognises URLs and "www.example.com"
+// anywhere. A bare host or address is recognised if it is the whole text or ends in one of the
+// oldest domains. File names such as "report.pdf" are not hosts. Invisible characters are ignored.
+// Empty when the text names none.
 std::string HostNamedIn(std::string_view text);
 
-// Whether two hosts are the same to a reader: "www." in front does not count.
+// Whether a reader considers two hosts the same. A leading "www." is ignored.
 bool IsSameHost(std::string_view left, std::string_view right);
 
-// Whether a host holds characters beyond ASCII, which may look like others, as they are or encoded
-// ("xn--", RFC 5890, section 2.3.2.1).
+// Whether a host has non-ASCII characters, which may look like other characters. They may be
+// encoded ("xn--", RFC 5890, section 2.3.2.1).
 bool IsInternational(std::string_view host);
 
 }  // namespace zqv::cli

@@ -1,6 +1,6 @@
-// `zqv list`: the files that are found in a message.
+// `zqv list`: prints the files in messages.
 //
-// Columns: part number, kind, MIME type, bytes, file name, Content-ID, what it is packed in.
+// Columns: part number, kind, MIME type, size in bytes, file name, Content-ID, packing.
 #include <string>
 #include <vector>
 
@@ -18,7 +18,7 @@ void PrintList(const std::string& name, const MailReading& reading, const Reques
                Output* output) {
   std::vector<const FoundFile*> list;
   for (const FoundFile& file : reading.files().list()) {
-    if (request.all || !file.is_frame) list.push_back(&file);
+    if (request.all || !file.is_structural) list.push_back(&file);
   }
   const auto row = [&](std::size_t i) {
     const FoundFile& file = *list[i];

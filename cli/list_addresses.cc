@@ -1,4 +1,4 @@
-// `zqv addresses`: the mailboxes of the address fields.
+// `zqv addresses`: prints the mailboxes in the address fields.
 //
 // Columns: field, e-mail address, name, group. A group without members has a line of its own.
 #include <string>

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kNowhere = std::string_view::npos;
 
-// What "%41" at the front of a text stands for; nothing when there is no such escape.
+// Decodes a percent escape such as "%41" at the front of a text. Nothing when there is none.
 std::optional<char> ByteOfEscape(std::string_view text) {
   if (text.size() < 3 || text[0] != '%') return std::nullopt;
   const int high = base::HexadecimalValue(text[1]);
@@ -23,27 +23,28 @@ std::optional<char> ByteOfEscape(std::string_view text) {
   return static_cast<char>(high * 16 + low);
 }
 
-// A quote at one end alone belongs to the text.
+// Removes quotes if they are at both ends.
 std::string_view WithoutQuotes(std::string_view text) {
   const bool is_quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
   return is_quoted ? text.substr(1, text.size() - 2) : text;
 }
 
-// Takes what comes up to `end`, and that too, off the front of a text.
+// Removes the text up to and including `end` from the front of `text`, and returns it without
+// `end`.
 std::string_view TakeUpTo(char end, std::string_view* text) {
   const std::string_view piece = text->substr(0, text->find(end));
   text->remove_prefix(std::min(piece.size() + 1, text->size()));
   return piece;
 }
 
-// Of a charset's name in an encoded word.
+// Whether a character may be in the charset name of an encoded word.
 bool IsTokenCharacter(char c) {
   return c > ' ' && c < '\x7F' && std::string_view("()<>@,;:\"/[]?.=").find(c) == kNowhere;
 }
-// Blanks are against the rules, but frequent, and the library does not mind.
+// Blanks are not allowed in encoded words, but they are frequent and the library accepts them.
 bool IsEncodedText(char c) { return c >= ' ' && c < '\x7F' && c != '?'; }
 
-// The encoded word at the front of a text that begins with "=?".
+// Parses the encoded word at the front of a text, which begins with "=?".
 std::optional<EncodedWord> WordAtFront(std::string_view text) {
   const auto charset_begin = text.begin() + 2;
   const auto charset_end = std::find_if_not(charset_begin, text.end(), IsTokenCharacter);
@@ -134,7 +135,8 @@ std::string Unescaped(std::string_view text) {
 
 Base64Fault FindBase64Fault(std::string_view text) {
   constexpr std::size_t kGroup = 4;
-  std::size_t digits = 0;  // since the last padding: texts may be joined
+  // Number of digits since the last padding, since several base64 texts may follow each other.
+  std::size_t digits = 0;
   bool is_padded = false;
   bool goes_on = false;
   for (const char c : text) {

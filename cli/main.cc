@@ -1,7 +1,7 @@
-// The zqv program: shows messages through the library in a stand-in host.
+// The zqv program: reads messages with the library, which it loads into a stand-in host.
 //
-// Exit codes: 0 done; 1 a message, the library or a file could not be read or written, or what was
-// asked for is not there, or `check` found something; 2 the command line is wrong.
+// Exit codes: 0: success; 1: a failure to read or write, something requested does not exist, or
+// `check` has findings; 2: wrong command line.
 #include <unistd.h>
 
 #include <cstdlib>
@@ -20,15 +20,15 @@
 namespace zqv::cli {
 namespace {
 
-// In the middle of a call of the library there is no way back.
+// Ends the process without unwinding, since a call of the library may be in progress.
 [[noreturn]] void EndWithoutMemory(const std::string&) {
   constexpr std::string_view kLine = "zqv: memory ran out\n";
   static_cast<void>(write(STDERR_FILENO, kLine.data(), kLine.size()) == 0);
   _exit(1);
 }
 
-// An exception for which there is no memory, or that nobody catches because it is thrown before
-// main. Others are mistakes of the program, which the system is to report.
+// Reports lack of memory: an exception that could not be allocated, or a std::bad_alloc thrown
+// before main. Every other uncaught exception is a mistake of the program and aborts.
 [[noreturn]] void EndOnTerminate() {
   const std::exception_ptr exception = std::current_exception();
   if (!exception) EndWithoutMemory({});
@@ -41,7 +41,7 @@ namespace {
   }
 }
 
-// Made before all other objects of the program.
+// Constructed before all other objects of the program, whose constructors may throw.
 struct TerminateHandler {
   TerminateHandler() { std::set_terminate(EndOnTerminate); }
 };

@@ -18,7 +18,7 @@ bool IsMonth(std::string_view word) {
   return std::find(kMonths.begin(), kMonths.end(), word) != kMonths.end();
 }
 
-// "9:05", "21:49:08".
+// Whether a word is a time of day, such as "9:05" or "21:49:08".
 bool IsTime(std::string_view word) {
   const std::size_t colon = word.find(':');
   return (colon == 1 || colon == 2) && word.size() >= colon + 3 && base::IsDigit(word[0]) &&
@@ -61,16 +61,16 @@ bool MboxSplitter::Add(std::string_view bytes) {
   while (goes_on_ && !bytes.empty()) {
     const std::size_t end = bytes.find('\n');
     if (end == std::string_view::npos) {
-      AppendWithinLimit(bytes, &held_);
+      AppendWithinLimit(bytes, &unfinished_line_);
       break;
     }
     const std::string_view line = bytes.substr(0, end + 1);
-    if (held_.empty()) {
+    if (unfinished_line_.empty()) {
       goes_on_ = AddLine(line);
     } else {
-      AppendWithinLimit(line, &held_);
-      goes_on_ = AddLine(held_);
-      held_.clear();
+      AppendWithinLimit(line, &unfinished_line_);
+      goes_on_ = AddLine(unfinished_line_);
+      unfinished_line_.clear();
     }
     bytes.remove_prefix(line.size());
   }
@@ -78,60 +78,61 @@ bool MboxSplitter::Add(std::string_view bytes) {
 }
 
 bool MboxSplitter::Finish() {
-  if (goes_on_ && !held_.empty()) goes_on_ = AddLine(held_);
-  held_.clear();
-  if (goes_on_ && length_ == Length::kCounting) goes_on_ = ForgetLength();
-  if (goes_on_ && is_inside_) goes_on_ = GiveMessage();
+  if (goes_on_ && !unfinished_line_.empty()) goes_on_ = AddLine(unfinished_line_);
+  unfinished_line_.clear();
+  if (goes_on_ && length_ == Length::kCounting) goes_on_ = RejectLength();
+  if (goes_on_ && is_inside_) goes_on_ = EndMessage();
   return goes_on_;
 }
 
 bool MboxSplitter::AddLine(std::string_view line) {
-  if (length_ == Length::kUnknown) return AddLineByLook(line);
+  if (length_ == Length::kUnknown) return AddLineBySeparators(line);
   if (AddLineByLength(line)) return goes_on_;
-  return ForgetLength() && AddLineByLook(line);
+  return RejectLength() && AddLineBySeparators(line);
 }
 
 bool MboxSplitter::AddLineByLength(std::string_view line) {
   const std::string_view text = WithoutEnd(line);
   if (length_ == Length::kReached) {
-    if (text.empty() && !is_after_empty_counted_) {  // in front of a separator
+    if (text.empty() && !is_after_empty_counted_) {  // the empty line before a separator
       is_after_empty_counted_ = true;
       return true;
     }
     if (!IsMboxSeparator(text)) return false;
-    goes_on_ = GiveMessage();
+    goes_on_ = EndMessage();
     is_in_header_ = true;
     return true;
   }
-  has_separator_in_it_ = has_separator_in_it_ || (is_after_empty_ && IsMboxSeparator(text));
+  counted_has_separator_ = counted_has_separator_ || (is_after_empty_ && IsMboxSeparator(text));
   is_after_empty_ = text.empty();
-  if (counted_.size() + line.size() > said_length_) return false;
+  if (counted_.size() + line.size() > stated_length_) return false;
   counted_ += line;
-  if (counted_.size() == said_length_) length_ = Length::kReached;
+  if (counted_.size() == stated_length_) length_ = Length::kReached;
   return true;
 }
 
-bool MboxSplitter::ForgetLength() {
-  believes_lengths_ = false;
+bool MboxSplitter::RejectLength() {
+  trusts_lengths_ = false;
   length_ = Length::kUnknown;
-  said_length_ = 0;
+  stated_length_ = 0;
   std::string counted = std::exchange(counted_, {});
   if (std::exchange(is_after_empty_counted_, false)) counted += '\n';
-  is_after_empty_ = true;  // the line that ended the header
-  has_separator_in_it_ = false;
+  is_after_empty_ = true;  // the line before was the empty line at the end of the header
+  counted_has_separator_ = false;
   bool goes_on = true;
   for (std::string_view rest = counted; goes_on && !rest.empty();) {
     const std::string_view line = rest.substr(0, rest.find('\n') + 1);
     const std::string_view whole = line.empty() ? rest : line;
-    goes_on = AddLineByLook(whole);
+    goes_on = AddLineBySeparators(whole);
     rest.remove_prefix(whole.size());
   }
   return goes_on;
 }
 
-// Where such lines stand as they are, none was marked with a ">".
+// If the body contains unquoted separators, its writer did not quote lines with ">", so nothing is
+// unquoted.
 void MboxSplitter::AppendCounted() {
-  if (std::exchange(has_separator_in_it_, false)) {
+  if (std::exchange(counted_has_separator_, false)) {
     message_ += std::exchange(counted_, {});
     return;
   }
@@ -145,20 +146,20 @@ void MboxSplitter::AppendCounted() {
 
 void MboxSplitter::NoteHeaderLine(std::string_view text) {
   constexpr std::string_view kName = "content-length:";
-  // More is kept in memory for nobody.
-  constexpr std::size_t kMostBelieved = std::size_t{64} << 20U;
+  // A greater length is ignored, because so much of the body would be held in memory.
+  constexpr std::size_t kMostTrusted = std::size_t{64} << 20U;
   if (text.empty()) {
     is_in_header_ = false;
-    const bool is_good = believes_lengths_ && said_length_ > 0 && said_length_ <= kMostBelieved;
+    const bool is_good = trusts_lengths_ && stated_length_ > 0 && stated_length_ <= kMostTrusted;
     if (is_good) length_ = Length::kCounting;
   } else if (base::EqualsIgnoringCase(text.substr(0, kName.size()), kName)) {
     text.remove_prefix(kName.size());
     text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
-    std::from_chars(text.data(), text.data() + text.size(), said_length_);
+    std::from_chars(text.data(), text.data() + text.size(), stated_length_);
   }
 }
 
-bool MboxSplitter::AddLineByLook(std::string_view line) {
+bool MboxSplitter::AddLineBySeparators(std::string_view line) {
   const std::string_view text = WithoutEnd(line);
   const bool is_separator = is_after_empty_ && IsMboxSeparator(text);
   const bool is_first_separator = is_separator && !is_inside_;
@@ -168,8 +169,8 @@ bool MboxSplitter::AddLineByLook(std::string_view line) {
     is_inside_ = true;
     return true;
   }
-  if (is_separator) return GiveMessage();
-  if (!is_inside_) return false;  // no mailbox
+  if (is_separator) return EndMessage();
+  if (!is_inside_) return false;  // not a mailbox
   if (IsQuotedFrom(text)) line.remove_prefix(1);
   AppendWithinLimit(line, &message_);
   last_line_size_ = is_after_empty_ ? line.size() : 0;
@@ -177,18 +178,18 @@ bool MboxSplitter::AddLineByLook(std::string_view line) {
   return true;
 }
 
-// The empty line before the separator, or before the end of the file, is no part of the message.
-bool MboxSplitter::GiveMessage() {
+// The empty line before a separator, or before the end of the file, is not part of the message.
+bool MboxSplitter::EndMessage() {
   if (length_ == Length::kReached) {
     AppendCounted();
   } else {
     message_.resize(message_.size() - std::min(message_.size(), last_line_size_));
   }
   length_ = Length::kUnknown;
-  said_length_ = 0;
+  stated_length_ = 0;
   is_after_empty_counted_ = false;
   last_line_size_ = 0;
-  return give_(std::exchange(message_, {}));
+  return visit_(std::exchange(message_, {}));
 }
 
 }  // namespace zqv::cli

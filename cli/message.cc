@@ -17,7 +17,8 @@ using standin::Object;
 using standin::String;
 using standin::Value;
 
-// Nil when the member is not there, which the host answers with std::invalid_argument.
+// Returns the result of `read`. Nil when the member does not exist: the host then throws
+// std::invalid_argument.
 template <typename Read>
 Value IfPresent(const Object& object, Read read) {
   if (object.IsNil()) return std::monostate();

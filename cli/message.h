@@ -1,7 +1,9 @@
-// What a message's objects tell: members that may be missing, its parts in order, what is attached.
+// Access to the objects of a message: members that may be missing, the tree of parts, the
+// attachments.
 //
-// A library may register fewer classes and members than expected, a poor host may leave any of
-// them nil; here both are simply absent. Exceptions that the library raises are let through.
+// A library may register fewer classes and members than expected, and a host with missing entry
+// points may leave members nil. Both count as absent here. Exceptions that the library raises are
+// passed on.
 #pragma once
 
 #include <cstddef>
@@ -16,43 +18,44 @@
 
 namespace zqv::cli {
 
-// Properties of an object that may be nil. Absent ones are nil.
+// Read properties of an object that may be nil. Absent ones are nil.
 standin::Value Member(const standin::Object& object, std::string_view property);
 standin::String TextMember(const standin::Object& object, std::string_view property);
 standin::Object ObjectMember(const standin::Object& object, std::string_view property);
-// What a method without arguments returns, as a list without its nil elements; empty when absent.
+// Calls a method without parameters that returns an array. Returns its elements without nil ones;
+// empty when the method is absent.
 std::vector<standin::Object> ListMember(const standin::Object& object,
                                         std::string_view declaration);
 
-// The parts of an entity that are multiparts or messages themselves; empty for any other.
+// The child parts of an entity that is a multipart or message; empty for any other.
 std::vector<standin::Object> PartsOf(const standin::Object& entity);
 
-// The declarations of a message's two lists of MimeAttachmentZQV.
+// The declarations of the methods that return a message's two lists of MimeAttachmentZQV.
 inline constexpr std::string_view kAttachments = "Attachments as MimeAttachmentZQV()";
 inline constexpr std::string_view kInlines = "Inlines as MimeAttachmentZQV()";
 
-// A header's fields in order.
+// The fields of a header, in order.
 std::vector<standin::Object> FieldsOf(const standin::Object& header);
 
-// "text/plain" of "text/plain; charset=utf-8"; empty when a header names no type.
+// The MIME type in a header, without parameters: "text/plain". Empty when the header has none.
 std::string MimeTypeOf(const standin::Object& header);
 
-// "2.1" of a part that is the first in the second of a message: its ordinal and those of the parts
-// around it, the innermost first. "0" for none.
+// Makes a part number of the positions of a part and its ancestors among their siblings, innermost
+// first: "2.1" for {1, 2}. "0" when `ordinals` is empty.
 std::string PartNumber(const std::vector<std::size_t>& ordinals);
 
-// All entities of a message, parents first.
+// All entities of a message, parents before children.
 //
-// The message itself has number 0, its children 1, 2, 3, the children of 2 have 2.1, 2.2 and so on;
-// the message within an attached message, number 2 say, is 2.1. Numbers are made when asked for:
-// in a message that nests thousands deep they are long.
+// The message has number 0, its children 1, 2, 3, and the children of 2 have 2.1, 2.2 and so on.
+// The message in an attached message with number 2 has number 2.1. Numbers are not stored but made
+// on request, because they are long in a message that nests thousands deep.
 class PartTree {
  public:
   struct Part {
     standin::Object entity;
-    std::size_t parent;   // index; its own for the message
-    std::size_t ordinal;  // among its siblings, from 1; 0 for the message
-    std::size_t depth;    // 0 for the message
+    std::size_t parent;   // index of the parent; the message's own index for the message
+    std::size_t ordinal;  // position among its siblings, from 1; 0 for the message
+    std::size_t depth;    // nesting depth; 0 for the message
     bool has_parts;
   };
 
@@ -65,27 +68,27 @@ class PartTree {
   std::vector<Part> parts_;
 };
 
-// The entity with this number; throws std::runtime_error when there is none. Numbers as above.
+// Finds an entity by its number. Throws std::runtime_error when there is none.
 standin::Object FindPart(const standin::Object& email, const std::string& number);
 
-// Tells which part an attachment describes: they share their body object.
+// Finds the part that an attachment describes, by their common body object.
 class PartFinder {
  public:
   explicit PartFinder(const PartTree& tree);
 
-  // The part's index in the tree; nothing on a host too poor to tell. `record` is a
-  // MimeAttachmentZQV.
+  // The index of the part in the tree; nothing when the host lacks what is needed to find it.
+  // `record` is a MimeAttachmentZQV.
   std::optional<std::size_t> Find(const standin::Object& record) const;
 
  private:
   std::unordered_map<const void*, std::size_t> by_body_;
 };
 
-// One attachment or inline part.
+// An attachment or inline part, as the library lists it.
 struct Attached {
   standin::Object record;  // a MimeAttachmentZQV
   bool is_inline;
-  std::optional<std::size_t> part;  // index in the tree; unknown on a poor host
+  std::optional<std::size_t> part;  // index in PartTree; unset: not known
 };
 
 // Attachments and inline parts together, in the order of the parts that they describe.

@@ -1,5 +1,5 @@
-// The document of a message that `json` prints and `export` writes: all that the classes give
-// (cli/document.h), and the instant of the Date field as it is written.
+// The JSON document of a message, which `json` prints and `export` writes: all members of its
+// classes (cli/document.h), and the instant of its Date field.
 #pragma once
 
 #include "cli/print_json.h"
@@ -8,7 +8,8 @@
 
 namespace zqv::cli {
 
-// The value behind the key "message". `files` tells how the bytes of files are written.
+// Returns the value of the document's key "message". `files` tells how the bytes of files are
+// written.
 JsonValue MessageDocument(const standin::Object& email, const Request& request, FileForm files);
 
 }  // namespace zqv::cli

@@ -10,14 +10,15 @@
 namespace zqv::cli {
 namespace {
 
-// `bytes` and a line end like the last one before; empty when they end with one.
+// Returns `bytes` with a line end, of the same kind as the last one before. Empty when they end
+// with one already.
 std::string Completed(std::string_view bytes) {
   if (bytes.empty() || base::IsLineEnd(bytes.back())) return {};
   const std::size_t last = bytes.find_last_of("\r\n");
   return std::string(bytes) + (last == std::string_view::npos ? '\n' : bytes[last]);
 }
 
-// The lines of a header, and the line that ended it.
+// Returns the lines of a header and the line that ended it.
 std::string_view LinesOf(const mime::Part& part, const LineNumbers& lines) {
   if (part.header_end != mime::HeaderEnd::kOtherLine) return part.header;
   const char* const begin = part.header.data();

@@ -1,6 +1,6 @@
-// What the program prints: data on standard output, words for the reader on standard error.
+// Output of the program: data on standard output, messages for the user on standard error.
 //
-// A failure to write is remembered, not thrown: the caller asks once a message has been printed.
+// A write error is remembered, not thrown. The caller checks IsGood after each message.
 #pragma once
 
 #include <cstddef>
@@ -12,10 +12,11 @@
 
 namespace zqv::cli {
 
-// From now on writing to a closed pipe ends the process without a word, whatever it inherited.
+// From now on writing to a closed pipe ends the process silently, even if the process was started
+// with SIGPIPE ignored.
 void EndOnClosedPipe();
 
-// When lines are coloured; kAuto: on a terminal, unless NO_COLOR is set or TERM is "dumb".
+// When to colour lines. kAuto: on a terminal, unless NO_COLOR is set or TERM is "dumb".
 enum class Colour { kAuto, kAlways, kNever };
 
 class Output {
@@ -24,40 +25,40 @@ class Output {
 
   void Print(std::string_view text);
   void PrintLine(std::string_view text);
-  // Prints a text before what is printed next, if anything is; it takes the place of one that
-  // still waits.
+  // Stores a text that is printed before the next output, or never when there is none. Replaces a
+  // stored text that was not printed.
   void PrintBeforeNext(std::string text) { waiting_ = std::move(text); }
   void PrintWaiting() { Print(std::exchange(waiting_, {})); }
   bool HasPrinted() const { return has_printed_; }
 
-  // Whether somebody reads this as it is printed.
+  // Whether standard output is a terminal.
   static bool IsTerminal();
-  // The columns of the terminal; nothing when standard output is none.
+  // The width of the terminal in columns. Nothing when standard output is not a terminal.
   static std::optional<std::size_t> Width();
-  // Marks a safe text as a heading, where lines are coloured.
+  // Marks an escaped text as a heading, if lines are coloured.
   std::string Strong(std::string_view text) const;
-  // False once standard output could not be written.
+  // False after standard output could not be written.
   bool IsGood() const { return error_ == 0; }
-  // Writes out what is held back; says "zqv: standard output: ..." and gives false when that or
-  // something before it failed.
+  // Flushes standard output. False when that or an earlier write failed, which it then reports on
+  // standard error.
   bool Finish();
 
  private:
   const bool has_colour_;
   std::string waiting_;
   bool has_printed_ = false;
-  int error_ = 0;  // errno of the first failure
+  int error_ = 0;  // errno of the first write error; 0: none
 };
 
-// Shows a safe line on standard error, which the next one or what is written there wipes away. For
-// terminals only. An empty one just wipes.
+// Shows an escaped line on standard error, which the next output there erases. An empty line only
+// erases. For terminals only.
 void ShowPassingLine(std::string_view line);
 
-// What went wrong, for Complain.
+// Returns the reason of an exception, for Complain.
 std::string ReasonOf(const std::exception& error);
 
-// Writes "zqv: message" to standard error, after everything printed so far. The message is made
-// safe for a terminal here.
+// Writes "zqv: message" to standard error, after everything printed so far. Escapes the message for
+// a terminal.
 void Complain(std::string_view message);
 
 }  // namespace zqv::cli

@@ -18,7 +18,7 @@ constexpr std::string_view kUuBegin = "begin ";
 constexpr std::string_view kBase64Begin = "begin-base64 ";
 constexpr std::string_view kYencBegin = "=ybegin ";
 
-// Goes through a text line by line.
+// Iterates over the lines of a text.
 class LineReader {
  public:
   LineReader(std::string_view text, std::size_t at) : text_(text), at_(at) {}
@@ -26,7 +26,7 @@ class LineReader {
   bool IsAtEnd() const { return at_ >= text_.size(); }
   std::size_t at() const { return at_; }
 
-  // The line without its end, left where it is.
+  // Returns the next line, without its end, and does not move on.
   std::string_view Peek() const {
     const char* const begin = text_.data() + at_;
     const char* const end = mime::FindLineEnd(begin, text_.data() + text_.size());
@@ -46,12 +46,12 @@ class LineReader {
   std::size_t at_;
 };
 
-// What a character of uuencode stands for; blanks and "`" are zero.
+// The value of a character in uuencode. A blank and "`" are zero.
 unsigned UuValue(char c) { return (static_cast<unsigned char>(c) - 32U) & 63U; }
 bool IsUuCharacter(char c) { return c >= ' ' && c <= '`'; }
 
-// The bytes of a line whose first character says how many they are. Nothing for what is no such
-// line. Blanks at its end may have been cut off, and a checksum may follow.
+// Decodes a line of uuencode, whose first character is its number of bytes. Nothing when the line
+// is not uuencode. Blanks at its end may have been removed, and a checksum may follow.
 std::optional<std::string> DecodeUuLine(std::string_view line) {
   constexpr std::size_t kGroup = 4;
   constexpr std::size_t kMostBehind = 2;
@@ -73,7 +73,7 @@ std::optional<std::string> DecodeUuLine(std::string_view line) {
   return bytes;
 }
 
-// "644 a b.txt" is "a b.txt"; nothing without the file's rights in front.
+// Returns the name in "644 a b.txt": "a b.txt". Nothing when there are no permissions before it.
 std::optional<std::string> NameBehindRights(std::string_view text) {
   const std::size_t digits = text.find_first_not_of("01234567");
   if (digits != 3 && digits != 4) return std::nullopt;
@@ -91,7 +91,7 @@ void ReadUuLines(LineReader* lines, PackedFile* file) {
     }
     const std::optional<std::string> bytes =
         lines->Peek().empty() ? std::string() : DecodeUuLine(lines->Peek());
-    if (!bytes) return;  // other text: the end is missing
+    if (!bytes) return;  // Other text follows, so the end is missing.
     lines->Next();
     file->bytes += *bytes;
   }
@@ -125,7 +125,8 @@ std::optional<PackedFile> ReadBase64(LineReader lines) {
   return file;
 }
 
-// The text behind "key=" in a line of yEnc, up to the next blank; a name goes to the line's end.
+// Returns the value of "key=" in a line of yEnc, which ends at the next blank. The name, which is
+// the last key, ends with the line.
 std::string_view YencValue(std::string_view line, std::string_view key) {
   const std::size_t at = line.find(std::string(" ").append(key).append("="));
   if (at == kNowhere) return {};
@@ -171,7 +172,7 @@ std::optional<PackedFile> ReadYenc(LineReader lines) {
   return file;
 }
 
-// The next place from `at` on where a line begins with `start`.
+// Finds the next line at or after offset `at` that begins with `start`.
 std::size_t FindLine(std::string_view text, std::string_view start, std::size_t at) {
   for (; (at = text.find(start, at)) != kNowhere; ++at) {
     if (at == 0 || base::IsLineEnd(text[at - 1])) return at;

@@ -1,4 +1,4 @@
-// Files that are written into a text: by uuencode, by its form in base64, and by yEnc.
+// Files that are encoded in a text: by uuencode, by its base64 variant, and by yEnc.
 #pragma once
 
 #include <cstddef>
@@ -9,26 +9,26 @@
 
 namespace zqv::cli {
 
-// What a file is packed in, if it is no part of its own.
+// The format that a file is packed in; kNone for a part that is the file.
 enum class Packing : std::uint8_t { kNone, kUuencode, kYenc, kTnef };
 
-// "uuencode", "yenc", "tnef"; empty for kNone.
+// Returns "uuencode", "yenc" or "tnef"; empty for kNone.
 std::string_view PackingName(Packing packing);
 
 struct PackedFile {
   Packing packing;
-  std::string name;  // as written
+  std::string name;  // as it stands in the text
   std::string bytes;
-  bool is_whole;      // its last line is there, and its size is what it says
-  std::size_t begin;  // where its first line stands in the text
-  std::size_t end;    // what follows its last line
+  bool is_whole;      // the last line exists, and the size is the stated one
+  std::size_t begin;  // offset of the first line in the text
+  std::size_t end;    // offset after the last line
 };
 
-// In the order of the text:
+// Finds all encoded files, in the order of the text:
 //   begin 644 name ... end             uuencode (POSIX)
-//   begin-base64 644 name ... ====     the same in base64
-//   =ybegin line=128 size=9 name=a ... =yend     yEnc; a part of a file counts as one
-// A line "begin" without lines of such a code behind it is text.
+//   begin-base64 644 name ... ====     its base64 variant
+//   =ybegin line=128 size=9 name=a ... =yend     yEnc; each part of a split file is one file
+// A line "begin" that is not followed by encoded lines is ordinary text.
 std::vector<PackedFile> FindPackedFiles(std::string_view text);
 
 }  // namespace zqv::cli

@@ -20,8 +20,9 @@ std::size_t NumberOf(const WrittenParameters& type, std::string_view name) {
   return ReadNumber(type.Text(name).value_or(std::string())).value_or(0);
 }
 
-// Whether a field belongs to the message that was cut, and not to what carries its pieces.
-bool IsOfTheWhole(std::string_view name) {
+// Whether the joined message takes this field from the inner header, not from the header of the
+// first piece (RFC 2046, section 5.2.2.1).
+bool BelongsToWholeMessage(std::string_view name) {
   static constexpr std::string_view kNames[] = {"Subject", "Message-ID", "Encrypted",
                                                 "MIME-Version"};
   constexpr std::string_view kContent = "Content-";
@@ -34,11 +35,11 @@ void AppendFields(const MessageSource& source, bool of_the_whole, std::string* t
   const mime::Part& top = source.parts().front();
   for (std::size_t i = 0; i < top.field_count; ++i) {
     const mime::Field& field = source.message().fields()[top.first_field + i];
-    if (IsOfTheWhole(field.name) == of_the_whole) text->append(field.bytes).append("\n");
+    if (BelongsToWholeMessage(field.name) == of_the_whole) text->append(field.bytes).append("\n");
   }
 }
 
-// RFC 2046, section 5.2.2.1.
+// Joins the pieces of a message, which must be in order (RFC 2046, section 5.2.2.1).
 std::string Joined(const std::vector<std::string>& pieces) {
   const auto body = [](const std::string& piece) {
     return std::string_view(piece).substr(HeaderOf(piece).size());
@@ -56,7 +57,7 @@ std::string Joined(const std::vector<std::string>& pieces) {
 
 std::optional<Piece> PieceOf(std::string_view message) {
   constexpr std::string_view kType = "partial";
-  // Most messages are none, which is told fast.
+  // A fast test that rejects most messages.
   const std::string_view header = HeaderOf(message);
   const auto same = [](char a, char b) { return base::LowerAscii(a) == b; };
   if (std::search(header.begin(), header.end(), kType.begin(), kType.end(), same) == header.end()) {

@@ -1,5 +1,4 @@
-// Messages that were sent in several pieces (RFC 2046, section 5.2.2): given together, they are
-// joined again.
+// Joins messages that were sent in several pieces (message/partial, RFC 2046, section 5.2.2).
 #pragma once
 
 #include <cstddef>
@@ -12,23 +11,24 @@
 
 namespace zqv::cli {
 
-// What the header of a message/partial says.
+// The parameters of a message/partial.
 struct Piece {
   std::string id;
-  std::size_t number;  // from 1
-  std::size_t total;   // 0: only the last piece says it
+  std::size_t number;  // position of the piece, from 1
+  std::size_t total;   // number of pieces; 0: not stated, since only the last piece must state it
 };
-// Nothing for a message that is no piece. `message` may end behind its header.
+// Returns nothing when the message is not a piece. `message` may be the header only.
 std::optional<Piece> PieceOf(std::string_view message);
 
-// Hands on messages; pieces are kept until all of one message are there.
+// Passes messages on to a visitor. It holds pieces back until all pieces of their message have
+// arrived.
 class PieceJoiner {
  public:
   explicit PieceJoiner(const VisitItem& visit) : visit_(visit) {}
 
-  // False once the visitor wants no more.
+  // False once the visitor has returned false.
   bool Add(Item&& item);
-  // Behind the last message: hands on the pieces of which others are missing, as they are.
+  // Must be called after the last message. Passes on the pieces of incomplete messages, unchanged.
   bool Finish();
 
  private:
@@ -40,7 +40,7 @@ class PieceJoiner {
   bool HandOn(Pieces pieces);
 
   const VisitItem& visit_;
-  std::map<std::string, Pieces> waiting_;  // by their common id
+  std::map<std::string, Pieces> waiting_;  // pieces by the id that they have in common
 };
 
 }  // namespace zqv::cli

@@ -7,7 +7,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// A picture's first bytes, and where in them others stand.
+// A picture format: its first bytes, and further bytes at a fixed offset.
 struct Signature {
   std::string_view type;
   std::string_view start;

@@ -1,4 +1,4 @@
-// Pictures that a page can show, as data URIs.
+// Pictures as data URIs, for a page of HTML.
 #pragma once
 
 #include <cstddef>
@@ -7,15 +7,15 @@
 
 namespace zqv::cli {
 
-// "image/png" and such, by the first bytes, whatever a message says; empty for what is no picture
-// of PNG, JPEG, GIF, WebP or BMP.
+// Returns the MIME type of a picture, such as "image/png", by its first bytes, whatever type the
+// message gives it. Empty when it is not PNG, JPEG, GIF, WebP or BMP.
 std::string_view PictureType(std::string_view bytes);
 
-// Makes data URIs until they are too many: a message may show one picture thousands of times.
+// Makes data URIs up to a total size, because a message may show one picture thousands of times.
 class Pictures {
  public:
-  // Empty for what is no picture, for a large one, and when enough were given. `copies`: how often
-  // the page holds what this gives.
+  // Returns the data URI of a picture that the page contains `copies` times. Empty when the bytes
+  // are not a picture, are too large, or exceed the total.
   std::string DataUri(std::string_view bytes, std::size_t copies = 1);
 
  private:

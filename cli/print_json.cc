@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kIndent = 2;
 
-// The same JSON. All that is not ASCII stands inside its strings, and so does DEL.
+// Escapes DEL and the control characters U+0080 to U+009F. In JSON they can only be inside strings.
 std::string EscapeControls(const std::string& json) {
   static constexpr std::string_view kDigits = "0123456789abcdef";
   std::string escaped;

@@ -1,6 +1,5 @@
-// The program's JSON: documents one after the other, each an object that begins with
-// {"format_version": 1, "file": the message's name} and holds one thing more.
-// docs/schema.json describes them all.
+// JSON output. Each document is an object that begins with {"format_version": 1, "file": name of
+// the message} and has one more key. docs/schema.json describes all documents.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -15,24 +14,24 @@ using JsonValue = nlohmann::ordered_json;
 
 inline constexpr int kDocumentVersion = 1;
 
-// A document's text without a line end. A JSON text holds control characters as escapes; those that
-// steer terminals beside them are escaped too.
-// `form` kLine leaves out line ends and indents.
+// Returns the text of a document, without a line end at its end. All control characters are
+// escaped, also those that JSON allows unescaped, because they would control a terminal. kLine
+// writes the document on one line, without indentation.
 enum class DocumentForm { kIndented, kLine };
 std::string DocumentText(const std::string& name, const char* key, JsonValue value,
                          DocumentForm form = DocumentForm::kIndented);
-// Of a document that is about no message.
+// Returns the text of a document that does not belong to a message.
 std::string DocumentText(const char* key, JsonValue value);
 
 void PrintDocument(const std::string& name, const char* key, JsonValue value, Output* output);
 void PrintDocument(const char* key, JsonValue value, Output* output);
 
-// One value on one line, escaped as documents are.
+// Returns a value on one line, escaped like a document.
 std::string JsonLine(const JsonValue& value);
 
-// null for an empty text.
+// Returns null for an empty text.
 JsonValue TextOrNull(const std::string& text);
-// A host's text in UTF-8, without the blanks around it; null when nothing is left.
+// Returns a host string in UTF-8 without blanks at its ends. Null when nothing is left.
 JsonValue LineOrNull(const standin::String& string);
 
 }  // namespace zqv::cli

@@ -1,4 +1,4 @@
-// A verb's rows, as aligned columns for a reader or as JSON for a program.
+// The rows of a verb, printed as aligned columns for a reader or as JSON for a program.
 #pragma once
 
 #include <cstddef>
@@ -11,13 +11,13 @@
 
 namespace zqv::cli {
 
-// What stands in a column. kText and kOptional are texts, an empty kOptional one is shown as "-",
-// so that a program can tell the columns apart; kNumber is a decimal number. In JSON what is empty
-// is null.
+// The contents of a column. kText and kOptional are texts; an empty kOptional is shown as "-", so
+// that a program can split the columns. kNumber is a decimal number. In JSON an empty value is
+// null.
 enum class ColumnKind { kText, kOptional, kNumber };
 
 struct Column {
-  const char* key;  // in JSON
+  const char* key;  // of the column's values in JSON
   ColumnKind kind;
 };
 
@@ -25,11 +25,11 @@ struct Table {
   const char* key;  // of the list of rows in JSON
   std::vector<Column> columns;
   std::size_t count;
-  // One text for each column, not made safe yet. Asked for more than once.
+  // Returns a row, one text for each column, not escaped. It is called more than once for each row.
   std::function<Row(std::size_t)> row;
 };
 
-// `name` is the message's; lines are cut where a terminal's end.
+// Prints the table. `name` is the message's. On a terminal, lines are cut to its width.
 void PrintTable(const std::string& name, const Table& table, bool json, Output* output);
 
 }  // namespace zqv::cli

@@ -1,4 +1,4 @@
-// Printing a text that is data for whoever asked for it.
+// Prints a text that the user asked for, such as a body.
 #pragma once
 
 #include "cli/output.h"
@@ -6,8 +6,8 @@
 
 namespace zqv::cli {
 
-// In UTF-8 with a line feed at the end of each line; safe for a terminal when that is where it
-// goes. With `raw` the string's bytes as they are. Nil and empty print nothing.
+// Prints a host string in UTF-8 with line feeds as line ends. Output to a terminal is escaped.
+// `raw` prints the bytes unchanged. Nil and empty strings print nothing.
 void PrintText(const standin::String& string, bool raw, Output* output);
 
 }  // namespace zqv::cli

@@ -1,4 +1,4 @@
-// How far a long work is, for whoever waits at a terminal.
+// Progress display for a user who waits at a terminal.
 #pragma once
 
 #include <chrono>
@@ -7,27 +7,28 @@
 
 namespace zqv::cli {
 
-// How a part of the work is done in a time: "1,204 messages, 310 a second, 38 %, 1:10 left". Rate
-// and time left are there once they can be told: not in the first second, not without a total.
+// Describes how much of the work is done: "1,204 messages, 310 a second, 38 %, 1:10 left". The rate
+// and the time left are omitted in the first second; percentage and time left are omitted when
+// `total_bytes` is 0.
 std::string ProgressText(std::size_t messages, std::size_t bytes, std::size_t total_bytes,
                          std::chrono::duration<double> passed);
 
-// "0.3 s", "12 s", "1:10", "3:02:07".
+// Formats a duration: "0.3 s", "12 s", "1:10", "3:02:07".
 std::string DurationText(std::chrono::duration<double> duration);
 
 class Progress {
  public:
-  // `total_bytes` 0: not known.
+  // `total_bytes` is the size of the whole work; 0: not known.
   explicit Progress(std::size_t total_bytes) : total_bytes_(total_bytes) {}
-  // Wipes the line away.
+  // Erases the display.
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  // Whether standard error is a terminal; where not, nothing is shown.
+  // Whether standard error is a terminal; otherwise nothing must be displayed.
   static bool IsWanted();
 
-  // A message of so many bytes is done.
+  // Counts a finished message of `bytes` bytes and updates the display.
   void Add(std::size_t bytes);
 
   std::chrono::duration<double> passed() const { return Clock::now() - start_; }

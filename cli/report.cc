@@ -1,4 +1,4 @@
-// `zqv report`: a message and all that is in it as one page to look at.
+// `zqv report`: writes a message with all its parts as one HTML page.
 #include <filesystem>
 #include <string>
 

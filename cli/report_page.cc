@@ -9,12 +9,12 @@
 
 #include "base/ascii.h"
 #include "cli/attached_files.h"
+#include "cli/check_message.h"
 #include "cli/findings.h"
 #include "cli/header_reading.h"
 #include "cli/html_writer.h"
 #include "cli/links.h"
 #include "cli/message.h"
-#include "cli/oddities.h"
 #include "cli/picture.h"
 #include "cli/report_style.h"
 #include "cli/safe_html.h"
@@ -29,18 +29,18 @@ namespace {
 using standin::Object;
 using standin::String;
 
-// What is longer is cut: a page is for looking.
+// Longer texts are cut, since the page is for reading and not for storage.
 constexpr std::size_t kMostText = 1U << 20U;
 constexpr std::size_t kMostHtml = 4U << 20U;
 constexpr std::size_t kMostPartText = 1U << 16U;
-constexpr std::size_t kMostPartTexts = 4U << 20U;  // of all parts together
-constexpr std::size_t kMostTarget = 2000;          // of one link
+constexpr std::size_t kMostPartTexts = 4U << 20U;  // texts of all parts together
+constexpr std::size_t kMostTarget = 2000;          // bytes of a link's target
 constexpr std::size_t kMostLinkColumns = 200;
 
-// Deeper parts are not moved any further.
+// Deeper parts are not indented any further.
 constexpr std::size_t kDeepestIndent = 12;
 
-// "665 bytes", "12.3 KB", "4.0 MB".
+// Formats a size: "665 bytes", "12.3 KB", "4.0 MB".
 std::string SizeText(std::size_t bytes) {
   constexpr std::size_t kMostBytes = 9999;
   constexpr double kStep = 1000.0;
@@ -55,7 +55,7 @@ std::string SizeText(std::size_t bytes) {
 
 std::string Line(std::string_view text) { return SafeText(text, Lines::kOne); }
 
-// A Content-ID without its brackets.
+// Removes the brackets of a Content-ID.
 std::string_view BareId(std::string_view id) {
   id = Trim(id);
   if (!id.empty() && id.front() == '<') id.remove_prefix(1);
@@ -73,7 +73,7 @@ class PageWriter {
         plain_text_(ReadablePlainText(email, reading_)),
         html_text_(TextMember(email, "HTMLText")) {
     for (const FoundFile& file : reading_.files().list()) {
-      if (file.is_frame) continue;
+      if (file.is_structural) continue;
       files_.push_back(&file);
       if (file.packing == Packing::kNone) by_part_.emplace(file.part, &file);
       if (!file.content_id.empty()) by_id_.emplace(BareId(file.content_id), &file);
@@ -103,7 +103,8 @@ class PageWriter {
     page_.Markup("<section id=\"summary\">\n<dl>\n");
     for (const SummaryEntry& entry : SummaryOf(email_, tree_, reading_)) {
       if (entry.label == "Subject") continue;
-      // Of what is attached the first line is the number; the rest is shown further down.
+      // The first line of a list of files is their number. The files follow in a section of their
+      // own.
       const bool is_list = entry.label == "Attachments" || entry.label == "Inline parts";
       page_.Markup("<dt>").Text(entry.label).Markup("</dt><dd>");
       for (std::size_t i = 0; i < (is_list ? 1 : entry.lines.size()); ++i) {
@@ -116,9 +117,9 @@ class PageWriter {
   }
 
   void WriteFindings() {
-    const std::vector<Finding> findings = FindOddities(email_, tree_, ListAttached(email_, tree_));
+    const std::vector<Finding> findings = CheckMessage(email_, tree_, ListAttached(email_, tree_));
     if (findings.empty()) return;
-    page_.Markup("<section id=\"findings\" class=\"odd\">\n<h2>Odd about this message</h2>\n");
+    page_.Markup("<section id=\"findings\" class=\"warning\">\n<h2>Findings</h2>\n");
     page_.Markup("<ul class=\"findings\">\n");
     for (const Finding& finding : findings) {
       const std::string part = PartText(finding.place, tree_);
@@ -131,7 +132,7 @@ class PageWriter {
     page_.Markup("</ul>\n</section>\n");
   }
 
-  // Safe text of many lines, cut at `most` bytes.
+  // Writes a safe text of several lines, cut to `most` bytes.
   void WriteText(std::string_view text, std::size_t most) {
     const std::string_view shown = text.substr(0, WholeSequences(text, most));
     page_.Markup("<pre dir=\"auto\">").Text(shown).Markup("</pre>\n");
@@ -156,7 +157,7 @@ class PageWriter {
   std::string PictureOfId(std::string_view id) {
     const auto found = by_id_.find(std::string(BareId(id)));
     if (found == by_id_.end()) return {};
-    constexpr std::size_t kCopies = 2;  // in the frame and in what is printed
+    constexpr std::size_t kCopies = 2;  // in the frame and in its copy
     return pictures_.DataUri(reading_.files().Data(*found->second).bytes(), kCopies);
   }
 
@@ -165,17 +166,17 @@ class PageWriter {
     const std::string html = DataText(html_text_);
     const std::string_view shown =
         std::string_view(html).substr(0, WholeSequences(html, kMostHtml));
-    const SafeLetter letter =
+    const SanitizedHtml sanitized =
         SafeHtml(shown, [this](std::string_view id) { return PictureOfId(id); });
     page_.Markup(
         "<section id=\"html\">\n<h2>HTML<small>without links, forms, scripts and what is ");
     page_.Markup("elsewhere</small></h2>\n<div class=\"letter\">");
-    page_.Markup(kCopyStart).Made(letter).Markup(kCopyEnd);
+    page_.Markup(kCopyStart).Sanitized(sanitized).Markup(kCopyEnd);
     page_.Markup("<iframe sandbox title=\"HTML of the message\" srcdoc=\"");
-    page_.Text(kFrameStart).Text(letter.html).Markup("\"></iframe></div>\n");
+    page_.Text(kFrameStart).Text(sanitized.html).Markup("\"></iframe></div>\n");
     WriteCut(shown.size(), html.size());
     page_.Markup("</section>\n");
-    WriteLinks(letter.links);
+    WriteLinks(sanitized.links);
   }
 
   void WriteLinks(const LinkList& links) {
@@ -192,7 +193,7 @@ class PageWriter {
     page_.Markup("</section>\n");
   }
 
-  // Targets are text, which nobody can click on.
+  // Writes the target as text, so that nobody can click on it.
   void WriteLink(const Link& link, const std::string& host) {
     const std::string named = HostNamedIn(link.text);
     const bool is_other = !named.empty() && !IsSameHost(named, host);
@@ -263,7 +264,7 @@ class PageWriter {
     page_.Markup("</ul>\n</section>\n");
   }
 
-  // Of what has this name and type, both safe text.
+  // Writes the hash of a file. `name` and `type` must be safe text.
   void WriteSum(std::string_view name, std::string_view type, std::string_view bytes) {
     page_.Markup("<li><span class=\"name\">").Text(name).Markup("</span><span class=\"about\">");
     page_.Text(type).Text(type.empty() ? "" : ", ").Text(Counted(bytes.size(), "byte"));
@@ -301,7 +302,8 @@ class PageWriter {
     page_.Markup("</div></details></li>\n");
   }
 
-  // As they are written. The library has no other parts than those that come first in the source.
+  // Writes the fields of a part as the sender wrote them. The library's parts come first in the
+  // source, so they have the same indexes.
   void WriteFields(std::size_t index) {
     page_.Markup("<dl class=\"fields\">\n");
     const std::vector<mime::Part>& parts = reading_.source().parts();
@@ -315,7 +317,7 @@ class PageWriter {
     page_.Markup("</dl>\n");
   }
 
-  // Of a text that is not shown above already.
+  // Writes a text of the message that is not shown above already.
   void WritePartText(const std::string& type, const String& body) {
     constexpr std::string_view kText = "text/";
     if (!base::EqualsIgnoringCase(std::string_view(type).substr(0, kText.size()), kText)) return;
@@ -335,7 +337,7 @@ class PageWriter {
   const MailReading reading_;
   const String plain_text_;
   const String html_text_;
-  std::vector<const FoundFile*> files_;  // without frames
+  std::vector<const FoundFile*> files_;  // without structural files
   std::unordered_map<std::size_t, const FoundFile*> by_part_;
   std::unordered_map<std::string, const FoundFile*> by_id_;
   Pictures pictures_;

@@ -1,4 +1,5 @@
-// A message as one page of HTML that needs nothing else: no network, no script, no other file.
+// Formats a message as one HTML page that depends on nothing else: no network, no script, no other
+// file.
 #pragma once
 
 #include <string>
@@ -7,8 +8,8 @@
 
 namespace zqv::cli {
 
-// `name` is the message's for people. Long texts are cut, large pictures left out; what is shown of
-// them grows no faster than the message.
+// Returns the page. `name` names the message for the reader. Long texts are shortened and large
+// pictures are omitted. The size of the page is linear in the size of the message.
 std::string ReportPage(const std::string& name, const standin::Object& email);
 
 }  // namespace zqv::cli

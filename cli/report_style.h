@@ -1,9 +1,9 @@
-// How a report looks: the markup around what it shows.
+// The styles and constant markup of a report.
 #pragma once
 
 namespace zqv::cli {
 
-// Nothing is loaded but pictures that are in the page, nothing runs, nothing is sent.
+// The page may load only pictures that it contains. It runs no scripts and sends nothing.
 #define ZQV_REPORT_POLICY                                                                       \
   "default-src 'none'; img-src data:; style-src 'unsafe-inline'; form-action 'none'; base-uri " \
   "'none'"
@@ -20,12 +20,12 @@ inline constexpr char kPageStart[] =
 :root {
   color-scheme: light dark;
   --ground: #f4f5f7; --card: #fff; --ink: #1c2128; --faint: #616b78; --line: #dde1e6;
-  --accent: #0b5cad; --odd: #8a4b00; --odd-ground: #fff4e0; --odd-line: #f0d3a0;
+  --accent: #0b5cad; --warning: #8a4b00; --warning-ground: #fff4e0; --warning-line: #f0d3a0;
 }
 @media screen and (prefers-color-scheme: dark) {
   :root {
     --ground: #14181d; --card: #1d232b; --ink: #e3e7ec; --faint: #98a3b0; --line: #333c47;
-    --accent: #79b8ff; --odd: #ffc67d; --odd-ground: #33281a; --odd-line: #5c4526;
+    --accent: #79b8ff; --warning: #ffc67d; --warning-ground: #33281a; --warning-line: #5c4526;
   }
 }
 * { box-sizing: border-box; }
@@ -41,8 +41,8 @@ section {
   background: var(--card); border: 1px solid var(--line); border-radius: .6rem;
   padding: 1rem 1.125rem; margin-top: 1rem;
 }
-section.odd { background: var(--odd-ground); border-color: var(--odd-line); }
-section.odd h2 { color: var(--odd); }
+section.warning { background: var(--warning-ground); border-color: var(--warning-line); }
+section.warning h2 { color: var(--warning); }
 .file, .note { color: var(--faint); font-size: .9rem; margin: 0; overflow-wrap: anywhere; }
 .note { margin-top: .6rem; }
 dl {
@@ -68,8 +68,8 @@ pre {
 iframe { position: absolute; inset: 0; width: 100%; height: 100%; border: 0; background: #fff; }
 ul { list-style: none; margin: 0; padding: 0; }
 .findings li { display: flex; gap: .1rem 1rem; flex-wrap: wrap; padding: .3rem 0; }
-.findings li + li { border-top: 1px solid var(--odd-line); }
-.findings .place { color: var(--odd); min-width: 9.5rem; }
+.findings li + li { border-top: 1px solid var(--warning-line); }
+.findings .place { color: var(--warning); min-width: 9.5rem; }
 .findings .words { flex: 1 1 20rem; overflow-wrap: anywhere; }
 .files { display: grid; grid-template-columns: repeat(auto-fill, minmax(15rem, 1fr)); gap: .9rem; }
 .files li { border: 1px solid var(--line); border-radius: .5rem; overflow: hidden; }
@@ -105,8 +105,8 @@ summary:hover .type, summary:focus-visible .type { color: var(--accent); }
 .links .says, .links .goes, .sums .name { unicode-bidi: isolate; }
 .links .goes { color: var(--faint); font-size: .875rem; }
 .links b { color: var(--ink); margin-right: .5em; }
-.links .mark { color: var(--odd); font-size: .875rem; }
-.links .differs { border-left: 3px solid var(--odd); padding-left: .6rem; }
+.links .mark { color: var(--warning); font-size: .875rem; }
+.links .differs { border-left: 3px solid var(--warning); padding-left: .6rem; }
 .sums .name { font-weight: 600; }
 .sums .about { color: var(--faint); font-size: .85rem; }
 code { font: .8rem/1.5 ui-monospace, "SF Mono", Menlo, Consolas, "DejaVu Sans Mono", monospace; }
@@ -135,39 +135,40 @@ code { font: .8rem/1.5 ui-monospace, "SF Mono", Menlo, Consolas, "DejaVu Sans Mo
 </style>
 )";
 
-// The HTML of a message stands on the page twice.
+// The message's HTML is on the page twice: in a frame and in a copy. CSS classes call it "letter".
 //
-// What a reader looks at is a frame without rights: a document of its own, where even markup that
-// should not be there could run nothing, send nothing, cover nothing of the page and lead nowhere.
-// A frame has a fixed height, though, and printing cuts it there; without a script nothing can tell
-// how high its content is.
+// The frame is what the reader sees. It is sandboxed: a document of its own, where even markup that
+// should have been removed could not run code, send anything, cover the page or navigate away. But
+// a frame has a fixed height, to which it is cut when it is printed, and without a script it cannot
+// adapt to the height of its content.
 //
-// So there is a copy in a shadow tree that the browser's parser makes (shadowrootmode, no script).
-// Styles of the letter end at the shadow tree, its end tags at the template, and .letter and .copy,
-// which no style of the letter reaches, clip what it paints. On the screen the copy is transparent,
-// inert and under the frame: all that it does is to give the frame its height. On paper, where
-// nobody can click, the copy is what is shown. Browsers without such shadow trees show the frame at
-// a fixed height and print a note.
+// The copy is in a declarative shadow tree (shadowrootmode, no script). Styles of the message have
+// no effect outside the shadow tree, and its end tags cannot close the template. The classes
+// .letter and .copy, which the message's styles cannot reach, clip what it paints. On the screen
+// the copy is transparent, inert and behind the frame; its only purpose is to give the frame its
+// height. On paper, where nobody can click, the copy is displayed. Browsers without declarative
+// shadow trees show the frame with a fixed height and print a note.
 //
-// Frames are cut to whole pixels, which could make a line wrap that does not wrap in the copy: all
-// widths around are whole pixels, and the copy is one pixel higher than its text.
+// Browsers round the size of a frame to whole pixels, which could wrap a line that does not wrap in
+// the copy. Therefore all widths around it are whole pixels, and the copy is one pixel higher than
+// its text.
 //
-// Both keep room for a bar that scrolls down, whether it is there or not. Without that room, a
-// frame that is too low while the page is being laid out gets a bar, which makes lines wrap and so
-// stays.
+// Both reserve space for a vertical scroll bar. Otherwise a frame that is too low during layout
+// would get one, which wraps lines, so that the bar would stay.
 //
-// A wide letter scrolls sideways itself, not its frame, whose bar would take height from it.
-#define ZQV_LETTER_STYLE                                                                  \
+// A wide message scrolls horizontally inside the frame. A scroll bar of the frame itself would
+// reduce its height.
+#define ZQV_MESSAGE_STYLE                                                                 \
   "zqv-html{display:flow-root;overflow-x:auto;background:#fff;color:#000;"                \
   "font:16px/1.45 system-ui,sans-serif;overflow-wrap:break-word}"                         \
   "zqv-body{display:block;margin:.8rem}a[title]{color:#0b5cad;text-decoration:underline;" \
   "cursor:help}img{max-width:100%}"
 
-// On paper a letter is as high as its text and no wider than the page, whatever it says itself: a
-// layer of important declarations wins over the letter's own.
+// On paper the message is as high as its text and no wider than the page, whatever its own styles
+// say: important declarations in a layer override the message's.
 inline constexpr char kCopyStart[] =
     "<div class=\"copy\" inert><div><template shadowrootmode=\"open\"><style>"
-    ":host{all:initial;display:block;color-scheme:light}" ZQV_LETTER_STYLE
+    ":host{all:initial;display:block;color-scheme:light}" ZQV_MESSAGE_STYLE
     R"(
 @media print{@layer paper{
 *{max-width:100%!important;max-height:none!important;min-width:0!important;
@@ -177,13 +178,13 @@ content-visibility:visible!important}
 }}</style>)";
 inline constexpr char kCopyEnd[] = "</template></div></div>\n";
 
-// The inside of the frame, up to the message's own. The policy holds for it too.
+// The start of the frame's document. The same policy applies to it.
 inline constexpr char kFrameStart[] =
     R"(<!doctype html><meta http-equiv="Content-Security-Policy" content=")" ZQV_REPORT_POLICY
     R"("><style>:root{color-scheme:light;scrollbar-gutter:stable}html,body{height:100%})"
-    "body{margin:0}zqv-html{min-height:100%}" ZQV_LETTER_STYLE "</style>\n";
+    "body{margin:0}zqv-html{min-height:100%}" ZQV_MESSAGE_STYLE "</style>\n";
 
-#undef ZQV_LETTER_STYLE
+#undef ZQV_MESSAGE_STYLE
 #undef ZQV_REPORT_POLICY
 
 }  // namespace zqv::cli

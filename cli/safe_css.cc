@@ -42,7 +42,7 @@ bool IsSafeProperty(const std::string& name) {
   return !Holds(kOthers, name);
 }
 
-// Reads the text once, from its front.
+// Sanitizes a style sheet in one pass.
 class StyleCleaner {
  public:
   StyleCleaner(std::string_view css, const PictureAt& picture) : reader_(css), picture_(picture) {
@@ -55,13 +55,13 @@ class StyleCleaner {
     return std::move(safe_);
   }
 
-  // Of an attribute, which outranks style sheets without "!important"; with it, it would outrank
-  // those of the page around, too.
+  // Sanitizes a style attribute. It drops "!important", since an attribute with it would override
+  // styles of the page around the message.
   std::string Declarations() {
     is_attribute_ = true;
     while (token_.kind != CssKind::kEnd) {
       ReadDeclarations();
-      if (token_.Is('}')) Advance();  // closes nothing
+      if (token_.Is('}')) Advance();  // Nothing is open, so the bracket is dropped.
     }
     return std::move(safe_);
   }
@@ -71,7 +71,7 @@ class StyleCleaner {
 
   void Advance() { token_ = reader_.Next(); }
 
-  // What is left out leaves a comment behind: its neighbours must not become one token.
+  // Writes a comment in place of something removed, so that its neighbours do not become one token.
   void LeaveOut() { safe_ += CssText({CssKind::kBroken, {}}); }
 
   void ReadRule() {
@@ -91,7 +91,7 @@ class StyleCleaner {
     }
   }
 
-  // Those that hold other rules stay open.
+  // Reads an at-rule. The block of @media and @supports stays open, since it contains rules.
   void ReadAtRule() {
     constexpr std::size_t kMostGroups = 32;
     const std::size_t before = safe_.size();
@@ -125,7 +125,7 @@ class StyleCleaner {
     if (!is_safe || !has_block) safe_.resize(before);
   }
 
-  // Up to "}", which is not taken.
+  // Reads declarations up to "}", which stays the current token.
   void ReadDeclarations() {
     while (token_.kind != CssKind::kEnd && !token_.Is('}')) {
       if (token_.kind == CssKind::kSpace || token_.kind == CssKind::kComment) {
@@ -160,7 +160,8 @@ class StyleCleaner {
     }
   }
 
-  // Up to and with ";" or a block, or up to a "}" that closes what is around.
+  // Skips a statement up to and including ";" or its block, or up to a "}" that closes the block
+  // around it.
   void SkipStatement() {
     std::size_t depth = 0;
     while (token_.kind != CssKind::kEnd) {
@@ -173,12 +174,12 @@ class StyleCleaner {
     }
   }
 
-  // Writes what stands in front of ";", "{", "}" or the end, its brackets balanced. False when a
-  // rule with it must go.
+  // Writes the tokens before ";", "{", "}" or the end, and closes their brackets. False when the
+  // rule that contains them must be removed.
   bool ReadComponents(Context context) {
     std::string closers;
     bool is_safe = true;
-    char before = '\0';  // the character in front, when it is a token
+    char before = '\0';  // the token before, if it is a single character
     while (!IsBetweenStatements()) {
       const char here = token_.kind == CssKind::kOther ? token_.value.front() : '\0';
       if (here == '!' && is_attribute_) {
@@ -207,7 +208,7 @@ class StyleCleaner {
     return token_.kind == CssKind::kEnd || token_.Is(';') || token_.Is('{') || token_.Is('}');
   }
 
-  // The current token; one that closes only what is open.
+  // Writes the current token. Drops a bracket that closes nothing.
   void AppendBracket(char here, std::string* closers) {
     if (here == ')' || here == ']') {
       if (closers->empty() || closers->back() != here) return;
@@ -233,10 +234,10 @@ class StyleCleaner {
       if (name != "root") {
         safe_ += CssText(token_);
       } else {
-        safe_.append("is(").append(kLetterRoot).append(")");
+        safe_.append("is(").append(kMessageRoot).append(")");
       }
     } else if (is_selector && (name == "html" || name == "body")) {
-      safe_ += name == "html" ? kLetterRoot : kLetterBody;
+      safe_ += name == "html" ? kMessageRoot : kMessageBody;
     } else {
       safe_ += CssText(token_);
     }
@@ -264,7 +265,7 @@ class StyleCleaner {
     return is_value;
   }
 
-  // Behind "(", up to its ")" and that too.
+  // Skips the arguments of a function, up to and including ")". Must be called after "(".
   void SkipArguments() {
     std::size_t depth = 1;
     while (depth > 0 && !IsBetweenStatements()) {

@@ -1,18 +1,17 @@
-// The style sheets and style attributes of a message, made fit to be looked at: nothing in them
-// loads anything or reaches beyond the letter.
+// Sanitizes the style sheets and style attributes of a message: the result loads nothing and has no
+// effect outside the message's text.
 //
-// What comes out is written anew, token by token, from rules, properties and functions that are
-// known to do no harm, so that escapes ("\75rl(") and comments hide nothing. Left out are:
-// - all at-rules but @media and @supports, such as @import, @font-face and @page;
-// - functions that load, such as url(), src(), image-set() and expression(), with what is in them;
-//   a url() stays when it is a picture that the message has;
-// - the properties behavior and -moz-binding, which run code in old browsers, and position, which
-//   takes text out of the letter's height;
-// - rules that select what is around the letter (":host"), nested rules, and queries for paper,
-//   with which a letter could look different when it is printed.
+// The result is written anew, token by token, from known harmless rules, properties and functions.
+// So escapes ("\75rl(") and comments cannot hide anything. It lacks: - all at-rules except @media
+// and @supports, such as @import, @font-face and @page; - functions that load, such as url(),
+// src(), image-set() and expression(), with their arguments; a url() stays if it is a picture in
+// the message; - the properties behavior and -moz-binding, which run code in old browsers, and
+// position, which takes text out of the layout that determines the message's height; - rules that
+// select elements around the message (":host"), nested rules, and media queries for paper, by which
+// a printed message could differ from the displayed one.
 //
-// A letter has no elements html and body of its own on the page; rules for them go to kLetterRoot
-// and kLetterBody.
+// On the page the message has no html and body elements of its own. Rules for them are applied to
+// kMessageRoot and kMessageBody.
 #pragma once
 
 #include <functional>
@@ -21,16 +20,16 @@
 
 namespace zqv::cli {
 
-inline constexpr std::string_view kLetterRoot = "zqv-html";
-inline constexpr std::string_view kLetterBody = "zqv-body";
+inline constexpr std::string_view kMessageRoot = "zqv-html";
+inline constexpr std::string_view kMessageBody = "zqv-body";
 
-// Gives a data URI for the picture that a URL stands for, or an empty text.
+// A function that returns the data URI of the picture at a URL; empty when the message has none.
 using PictureAt = std::function<std::string(std::string_view url)>;
 
-// The content of a style element. The result has no "<". Takes time in proportion to the input.
+// Sanitizes the content of a style element. The result contains no "<". Takes linear time.
 std::string SafeStyleSheet(std::string_view css, const PictureAt& picture);
 
-// The value of a style attribute, without character references.
+// Sanitizes the value of a style attribute, whose character references must have been decoded.
 std::string SafeDeclarations(std::string_view css, const PictureAt& picture);
 
 }  // namespace zqv::cli

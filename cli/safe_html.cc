@@ -49,20 +49,21 @@ const Names& Attributes() {
   return kNames;
 }
 
-// Elements whose content is no markup to a browser; all but that of a style sheet is left out.
+// Elements whose content browsers do not parse as markup. All of it is removed, except that of a
+// style element.
 const Names& RawElements() {
   static const Names kNames = {"iframe", "noembed",  "noframes", "plaintext", "script",
                                "style",  "textarea", "title",    "xmp"};
   return kNames;
 }
 
-// Elements that part the words on both sides.
+// Elements that separate words.
 const Names& PartingElements() {
   static const Names kNames = {"br", "div", "li", "p", "table", "td", "th", "tr"};
   return kNames;
 }
 
-// What ends with its start tag.
+// Elements without an end tag.
 bool HasNoEndTag(std::string_view element) {
   return element == "br" || element == "col" || element == "hr" || element == "img" ||
          element == "wbr";
@@ -70,13 +71,13 @@ bool HasNoEndTag(std::string_view element) {
 
 bool Holds(const Names& names, std::string_view name) { return names.find(name) != names.end(); }
 
-// A picture that is in the text itself.
+// Whether a URI contains the picture itself.
 bool IsPictureUri(std::string_view uri) {
   return StartsWith(uri, "data:image/") && !StartsWith(uri, "data:image/svg") &&
          uri.find_first_of("&<>\"'") == kNowhere;
 }
 
-// A color of HTML ("#fff", "fff000", "red") as one of CSS; empty for anything else.
+// Converts a color of HTML ("#fff", "fff000", "red") to one of CSS. Empty for anything else.
 std::string ColorOf(std::string_view value) {
   constexpr std::size_t kDigits = 6;
   std::string_view digits = value;
@@ -90,38 +91,38 @@ std::string ColorOf(std::string_view value) {
   return is_word ? std::string(value) : std::string();
 }
 
-// Reads the text once, from its front.
+// Sanitizes HTML in one pass.
 class Cleaner {
  public:
   Cleaner(std::string_view html, const PictureOf& picture) : rest_(html), picture_(picture) {}
 
-  SafeLetter Run() {
+  SanitizedHtml Run() {
     while (!rest_.empty()) {
       ReadText(Take(rest_.find('<')));
       if (!rest_.empty()) ReadMarkup();
     }
-    SafeLetter letter;
+    SanitizedHtml sanitized;
     using std::literals::string_view_literals::operator""sv;
-    for (const std::string_view text : {"<"sv, kLetterRoot, "><"sv, kLetterBody}) {
-      letter.html += text;
+    for (const std::string_view text : {"<"sv, kMessageRoot, "><"sv, kMessageBody}) {
+      sanitized.html += text;
     }
-    letter.html += BodyAttributes() + '>' + safe_;
-    for (const std::string_view text : {"</"sv, kLetterBody, "></"sv, kLetterRoot, ">"sv}) {
-      letter.html += text;
+    sanitized.html += BodyAttributes() + '>' + safe_;
+    for (const std::string_view text : {"</"sv, kMessageBody, "></"sv, kMessageRoot, ">"sv}) {
+      sanitized.html += text;
     }
-    letter.links = std::move(links_);
-    return letter;
+    sanitized.links = std::move(links_);
+    return sanitized;
   }
 
  private:
-  // The next bytes, at most all.
+  // Takes the next `size` bytes, or all that are left.
   std::string_view Take(std::size_t size) {
     const std::string_view taken = rest_.substr(0, size);
     rest_.remove_prefix(taken.size());
     return taken;
   }
 
-  // Up to `end`, and that too.
+  // Skips the text up to and including `end`.
   void SkipPast(std::string_view end) {
     const std::size_t at = rest_.find(end);
     Take(at == kNowhere ? at : at + end.size());
@@ -131,7 +132,8 @@ class Cleaner {
 
   void AppendText(std::string_view text) { AppendSafe(text, &safe_); }
 
-  // Content or an attribute's value: references stay, what could end it does not.
+  // Writes content or an attribute's value. Character references stay; characters that could end it
+  // are escaped.
   static void AppendSafe(std::string_view text, std::string* to) {
     for (const char c : text) {
       if (c == '<') {
@@ -146,11 +148,11 @@ class Cleaner {
     }
   }
 
-  // At "<".
+  // Reads a tag or comment. Must be called at "<", which may also be text.
   void ReadMarkup() {
     const char next = rest_.size() > 1 ? rest_[1] : '\0';
     if (StartsWith(rest_, "<!--")) {
-      Take(2);  // "<!-->" is all of a comment
+      Take(2);  // "<!-->" is a complete comment
       SkipPast("-->");
     } else if (next == '!' || next == '?') {
       SkipPast(">");
@@ -168,7 +170,7 @@ class Cleaner {
   void ReadText(std::string_view text) {
     AppendText(text);
     if (!links_.takes_text()) return;
-    // Of a text much longer than a list shows, only the beginning is decoded.
+    // Decodes only the beginning of a long text, since a list of links shows no more.
     constexpr std::size_t kMostLinkText = 4096;
     links_.AppendText(WithoutReferences(text.substr(0, kMostLinkText), HtmlPlace::kContent));
   }
@@ -177,7 +179,7 @@ class Cleaner {
     return standin::LowerName(Take(rest_.find_first_of(ends)));
   }
 
-  // Behind "<" or "</".
+  // Reads a tag. Must be called after "<" or "</".
   void ReadTag(bool is_end) {
     const std::string element = ReadName(" \t\n\r\f/>");
     const bool is_known = Holds(Elements(), element);
@@ -198,15 +200,16 @@ class Cleaner {
     if (!is_end && Holds(RawElements(), element)) ReadRawContent(element);
   }
 
-  // Up to ">", and that too; false when the text ends first. Of a start tag, `element` is the name;
-  // those that the element may have are written when it `is_written` itself.
+  // Reads the attributes up to and including ">". False when the text ends before. `element` is the
+  // name of a start tag and empty for an end tag. Writes the allowed attributes if the element is
+  // written (`is_written`).
   bool ReadAttributes(const std::string& element, bool is_written) {
     bool has_target = false;
     while (true) {
       Take(rest_.find_first_not_of(" \t\n\r\f/"));
       if (rest_.empty()) return false;
       if (rest_.front() == '>') break;
-      // A "=" in front belongs to the name.
+      // A name may begin with "=".
       std::string name(Take(1));
       name += ReadName(" \t\n\r\f/>=");
       name.front() = LowerAscii(name.front());
@@ -218,9 +221,11 @@ class Cleaner {
         value = ReadValue();
       }
       if (element.empty()) continue;
-      has_target = has_target || NoteTarget(element, name, value);  // of two the first one counts
+      // Of several targets the first counts.
+      has_target = has_target || NoteTarget(element, name, value);
       if (is_written) AppendAttribute(element, name, value);
-      if (element == "body") body_.emplace(name, value);  // the first one counts
+      // Of several attributes with one name the first counts.
+      if (element == "body") body_.emplace(name, value);
     }
     Take(1);
     return true;
@@ -261,7 +266,7 @@ class Cleaner {
     *to += '"';
   }
 
-  // `css` has no references.
+  // Appends a sanitized style attribute. Character references in `css` must have been decoded.
   void AppendStyle(std::string_view css, std::string* to) const {
     const std::string safe = SafeDeclarations(css, PictureReader());
     std::string escaped;
@@ -269,7 +274,8 @@ class Cleaner {
     AppendQuoted("style", escaped, to);
   }
 
-  // The colors that a body element has for attributes have no meaning on another one.
+  // Attributes of a body element for colors have no effect on another element, so they become
+  // styles.
   std::string BodyAttributes() const {
     std::string attributes;
     std::string style;
@@ -291,7 +297,7 @@ class Cleaner {
     return attributes;
   }
 
-  // What a reader may want to know before it is clicked on elsewhere. False for another attribute.
+  // Records the target of a link, form or button. False for any other attribute.
   bool NoteTarget(std::string_view element, std::string_view name, std::string_view value) {
     struct Place {
       std::string_view element;
@@ -313,7 +319,7 @@ class Cleaner {
     return false;
   }
 
-  // Of `source`, which may have blanks in front; empty when it is not in the message.
+  // Returns a data URI of the picture `source`. Empty when the message does not contain it.
   std::string PictureFor(std::string_view source) const {
     constexpr std::string_view kContentId = "cid:";
     source.remove_prefix(std::min(source.find_first_not_of(kBlanks), source.size()));
@@ -326,7 +332,7 @@ class Cleaner {
     return [this](std::string_view url) { return PictureFor(url); };
   }
 
-  // Behind the start tag, up to the end tag. Without one, everything.
+  // Reads the content of an element up to its end tag, or all the rest when there is none.
   void ReadRawContent(const std::string& element) {
     const std::string end = "</" + element;
     std::size_t at = rest_.find(end[0]);
@@ -347,8 +353,9 @@ class Cleaner {
 
 }  // namespace
 
-SafeLetter SafeHtml(std::string_view html, const PictureOf& picture) {
-  // Before anything is read: what only looks like another name must not become that name later.
+SanitizedHtml SafeHtml(std::string_view html, const PictureOf& picture) {
+  // Control characters are removed first. Otherwise a name with one inside could pass the checks
+  // and then become another name.
   std::string visible;
   std::copy_if(html.begin(), html.end(), std::back_inserter(visible), [](char c) {
     return static_cast<unsigned char>(c) >= ' ' || kBlanks.find(c) != kNowhere;

@@ -1,9 +1,9 @@
-// The HTML of a message, made fit to be looked at: nothing in it runs, loads or leads anywhere.
+// Sanitizes the HTML of a message: the result runs no code, loads nothing and has no links.
 //
-// What comes out is written anew from elements and attributes that are known to do no harm, so that
-// it does not matter how a browser would have read what came in. Scripts, forms, frames, embedded
-// things and what names other files are left out; the target of a link becomes its tooltip. Of
-// style sheets stays what safe_css.h says.
+// The result is written anew from known harmless elements and attributes, so it does not matter how
+// a browser would have parsed the original. Scripts, forms, frames, embedded objects and references
+// to other files are removed. The target of a link becomes its tooltip. Style sheets are sanitized
+// by safe_css.h.
 #pragma once
 
 #include <functional>
@@ -14,17 +14,18 @@
 
 namespace zqv::cli {
 
-// Gives a data URI for the picture with this Content-ID, or an empty text.
+// A function that returns the data URI of the picture with this Content-ID; empty when there is
+// none.
 using PictureOf = std::function<std::string(std::string_view content_id)>;
 
-struct SafeLetter {
-  // One element kLetterRoot with one kLetterBody in it, which has the attributes of the text's body
-  // element: the same in a page of its own and within another page.
+struct SanitizedHtml {
+  // An element kMessageRoot that contains an element kMessageBody, which has the attributes of the
+  // original's body element. It looks the same in a document of its own and inside another page.
   std::string html;
-  LinkList links;  // of a, area, form, button, input and base elements
+  LinkList links;  // targets of a, area, form, button, input and base elements
 };
 
-// Costs no more than the size of both texts. `html` is UTF-8.
-SafeLetter SafeHtml(std::string_view html, const PictureOf& picture);
+// Sanitizes `html`, which is UTF-8. Time and memory are linear in the size of input and result.
+SanitizedHtml SafeHtml(std::string_view html, const PictureOf& picture);
 
 }  // namespace zqv::cli

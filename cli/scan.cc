@@ -1,7 +1,7 @@
-// `zqv scan`: one row a message, as a table, as CSV or as lines of JSON.
+// `zqv scan`: prints one row for each message, as a table, as CSV or as lines of JSON.
 //
-// Rows are printed as they are made, so that memory does not grow with their number: the columns
-// of the table are as wide as the terminal lets them be, whatever is in them.
+// Rows are printed as soon as they are made, so that memory does not grow with their number.
+// Therefore the widths of the table's columns depend on the terminal and not on the contents.
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -15,11 +15,11 @@
 
 #include "cli/addresses.h"
 #include "cli/attached_files.h"
+#include "cli/check_message.h"
 #include "cli/findings.h"
 #include "cli/header_reading.h"
 #include "cli/mail_text.h"
 #include "cli/message.h"
-#include "cli/oddities.h"
 #include "cli/print_json.h"
 #include "cli/sha256.h"
 #include "cli/summary.h"
@@ -38,7 +38,7 @@ using Cells = std::array<std::string, kColumns>;
 constexpr std::array<const char*, kColumns> kNames = {"file",  "date",        "from",    "subject",
                                                       "bytes", "attachments", "findings"};
 
-// What is found in one message.
+// The facts about one message that a row shows.
 class Scanned {
  public:
   Scanned(const std::string& name, const Object& email)
@@ -47,7 +47,7 @@ class Scanned {
         reading_(bytes_.bytes()),
         date_(DateOf(reading_.source())) {
     const PartTree tree(email);
-    findings_ = FindOddities(email, tree, ListAttached(email, tree));
+    findings_ = CheckMessage(email, tree, ListAttached(email, tree));
   }
 
   Cells Row() const {
@@ -91,7 +91,7 @@ class Scanned {
     return joined;
   }
 
-  // The identifiers of messages in a field, which blanks part.
+  // The message identifiers in a field, separated by blanks.
   std::vector<std::string> Words(const char* field) const {
     std::vector<std::string> words;
     const std::string text = WrittenText(reading_.source(), field);
@@ -112,7 +112,7 @@ class Scanned {
   JsonValue DescribeFiles() const {
     JsonValue list = JsonValue::array();
     for (const FoundFile& file : reading_.files().list()) {
-      if (file.is_frame) continue;
+      if (file.is_structural) continue;
       const email::DecodedBody data = reading_.files().Data(file);
       list.push_back({{"part", reading_.source().NumberOf(file.part)},
                       {"kind", file.is_inline ? "inline" : "attachment"},
@@ -131,7 +131,7 @@ class Scanned {
   std::vector<Finding> findings_;
 };
 
-// A cell of CSV (RFC 4180, section 2).
+// Formats a cell of CSV (RFC 4180, section 2).
 std::string CsvCell(const std::string& cell) {
   if (cell.find_first_of(",\"\r\n") == std::string::npos) return cell;
   std::string quoted = "\"";
@@ -142,27 +142,26 @@ std::string CsvCell(const std::string& cell) {
   return quoted + '"';
 }
 
-// Makes lines of rows.
+// Formats rows as lines.
 class Layout {
  public:
   explicit Layout(ScanForm form) : form_(form) {
-    constexpr std::size_t kUsual = 132;
-    const std::size_t fixed = kDate + kNumber + 2 * kCount + (kColumns - 1) * kGap.size();
+    constexpr std::size_t kUsual = 135;
+    const std::size_t fixed = kDate + kNumber + kFiles + kFindings + (kColumns - 1) * kGap.size();
     const std::size_t width = Output::Width().value_or(kUsual);
     const std::size_t left = width > fixed ? width - fixed : 0;
     const std::size_t third = std::max(kNarrowest, left * 3 / 10);
-    widths_ = {third,   kDate,  third, std::max(kNarrowest, left - std::min(left, 2 * third)),
-               kNumber, kCount, kCount};
+    widths_ = {third,   kDate,  third,    std::max(kNarrowest, left - std::min(left, 2 * third)),
+               kNumber, kFiles, kFindings};
   }
 
-  // Empty when there is none.
+  // The line with the column names; empty when the format has none.
   std::string Heading(const Output& output) const {
     if (form_ == ScanForm::kJsonLines) return {};
     Cells names;
     for (std::size_t i = 0; i < kColumns; ++i) names[i] = kNames[i];
     if (form_ == ScanForm::kCsv) return CsvLine(names);
     names[5] = "files";
-    names[6] = "odd";
     return output.Strong(TableLine(names));
   }
 
@@ -181,8 +180,9 @@ class Layout {
  private:
   static constexpr std::size_t kDate = 25;
   static constexpr std::size_t kNumber = 9;
-  static constexpr std::size_t kCount = 5;
-  static constexpr std::size_t kNarrowest = 8;
+  static constexpr std::size_t kFiles = 5;
+  static constexpr std::size_t kFindings = 8;
+  static constexpr std::size_t kNarrowest = 7;  // so that the table fits 80 columns
   static constexpr std::string_view kGap = "  ";
 
   static std::string CsvLine(const Cells& cells) {
@@ -210,12 +210,12 @@ class Layout {
   std::array<std::size_t, kColumns> widths_{};
 };
 
-// Prints lines in the order of their numbers, whatever order they come in.
+// Prints lines in the order of their numbers, in whatever order they arrive.
 class InOrder {
  public:
   explicit InOrder(Output* output) : output_(*output) {}
 
-  // An empty line stands for a message that gives none.
+  // Adds a line. An empty line is not printed, but its number counts.
   void Add(std::size_t number, std::string line) {
     waiting_.emplace(number, std::move(line));
     for (auto first = waiting_.begin(); first != waiting_.end() && first->first == next_;
@@ -230,7 +230,7 @@ class InOrder {
   std::size_t next_ = 0;
 };
 
-// A line, or behind "!" what went wrong.
+// Returns the line of a message, or "!" and the reason of a failure.
 std::string Attempt(const Session& session, const Layout& layout, const Item& item) {
   try {
     return layout.Line(Scanned(item.name, session.Open(item)));
@@ -278,7 +278,7 @@ class Run {
     const bool all_read = ForEachChosen(session_, request_, [&](Item&& item) {
       Parcel piece = ParcelOf(item);
       piece.insert(piece.begin(), std::to_string(count_++));
-      workers.Give(std::move(piece));
+      workers.Submit(std::move(piece));
       return output_.IsGood();
     });
     workers.Finish();

@@ -25,11 +25,11 @@ standin::Capabilities CapabilitiesOf(const SessionOptions& options) {
   standin::Capabilities capabilities;
   if (options.host_version) capabilities.version = *options.host_version;
   for (const std::string& name : options.without) capabilities.faults[name] = standin::Fault();
-  // What was freed is kept for a while, so that its use is noticed. Few of them stay in the
-  // processor's cache, which makes going through many messages several times as fast.
+  // A small quarantine stays in the processor's cache, which makes working on many messages several
+  // times as fast.
   capabilities.quarantine_entries = 1000;
   capabilities.quarantine_bytes = std::size_t{1} << 20U;
-  // The library inserts at index 1 where it cannot ask for the upper bound.
+  // Without that entry point the library inserts at index 1 of an array that may be empty.
   capabilities.refuses_insertion_beyond_the_end = capabilities.faults.count("RuntimeUBound") > 0;
   return capabilities;
 }
@@ -38,7 +38,7 @@ std::string LibraryBesideProgram() {
   return fs::read_symlink("/proc/self/exe").replace_filename(kLibraryName);
 }
 
-// Hosts hand out whole paths.
+// Hosts return absolute paths.
 std::string WholePath(const std::string& file) {
   return file.empty() ? file : (fs::current_path() / file).string();
 }

@@ -1,4 +1,4 @@
-// The host that plays an application's part, with the library loaded into it.
+// A stand-in host with the library loaded into it. It takes the place of an application.
 #pragma once
 
 #include <memory>
@@ -14,13 +14,13 @@
 namespace zqv::cli {
 
 struct SessionOptions {
-  std::string library;  // empty: the one that lies beside the program
+  std::string library;  // path of the library; empty: the file next to the program
   std::optional<double> host_version;
   std::vector<std::string> without;  // entry points that the host lacks
   bool debug = false;
 };
 
-// Whether hosts have an entry point of this name at all.
+// Whether this is the name of an entry point.
 bool IsEntryPoint(const std::string& name);
 
 inline constexpr std::string_view kEmailClass = "MimeEmailZQV";
@@ -32,8 +32,8 @@ class Session {
 
   const standin::Host& host() const { return *host_; }
 
-  // The message as a MimeEmailZQV: from the file, as applications do, or from the bytes when those
-  // were read already. What the constructor raises is let through.
+  // Constructs a MimeEmailZQV: from the item's bytes if they were read already, else from its file,
+  // as applications do. Exceptions of the constructor are passed on.
   standin::Object Open(const Item& item) const;
 
  private:

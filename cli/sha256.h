@@ -1,4 +1,4 @@
-// The SHA-256 of bytes (FIPS 180-4).
+// The hash function SHA-256 (FIPS 180-4).
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace zqv::cli {
 
-// In hexadecimal digits of lower case.
+// Returns the hash in lower-case hexadecimal digits.
 std::string Sha256(std::string_view bytes);
 
 }  // namespace zqv::cli

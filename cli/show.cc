@@ -1,6 +1,6 @@
-// `zqv show`: a message as somebody who wants to read it sees it.
+// `zqv show`: prints a message for a person who wants to read it.
 //
-// Labelled lines first, then an empty line and the plain text.
+// Labelled lines come first, then an empty line and the plain text.
 #include <algorithm>
 #include <optional>
 #include <string>

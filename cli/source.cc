@@ -17,9 +17,9 @@
 
 #include "cli/containers.h"
 #include "cli/descriptor.h"
+#include "cli/file_kind.h"
 #include "cli/file_name.h"
 #include "cli/mbox.h"
-#include "cli/no_message.h"
 #include "cli/output.h"
 
 namespace zqv::cli {
@@ -29,11 +29,12 @@ namespace fs = std::filesystem;
 
 constexpr const char* kTooLarge = "larger than 2 GB, which is more than a host string holds";
 
-// Enough for a separator line; most messages are then read by the library itself.
+// Enough to recognise a separator line and the kinds of files. Most messages are then read by the
+// library itself.
 using FirstBytes = std::array<char, 1024>;
 using Block = std::array<char, 65536>;
 
-// An opened file, or standard input, which stays open.
+// An open file, or standard input, which is not closed.
 class File {
  public:
   explicit File(const std::string& path)
@@ -42,7 +43,7 @@ class File {
     if (number_ < 0) Fail();
   }
 
-  // Throws for a plain file that is larger than what a message may be.
+  // Throws when a regular file is larger than a message may be.
   void RefuseTooLarge() const {
     struct stat status = {};
     if (fstat(number_, &status) == 0 && S_ISREG(status.st_mode) &&
@@ -51,7 +52,7 @@ class File {
     }
   }
 
-  // As many bytes as `buffer` holds, fewer only at the end.
+  // Fills `buffer`. Returns fewer bytes only at the end of the file.
   template <std::size_t kSize>
   std::string_view Read(std::array<char, kSize>* buffer) const {
     std::size_t size = 0;
@@ -76,7 +77,8 @@ class File {
   const int number_;
 };
 
-// Begins with what was read already.
+// Reads the rest of a file. `start` contains the bytes that were read already; the result begins
+// with them.
 std::string ReadRest(const File& file, std::string_view start) {
   Block buffer{};
   std::string bytes(start);
@@ -94,7 +96,7 @@ std::string_view FirstLine(std::string_view text) {
   return line;
 }
 
-// The last name in a path, also of "." and "a/".
+// Returns the last name in a path, also for "." and "a/".
 std::string BaseName(const std::string& path) {
   if (path == kStandardInput) return "stdin";
   std::error_code error;
@@ -136,11 +138,12 @@ struct Listing {
   std::vector<std::string> folders;
 };
 
-// In the order of the names. Throws std::filesystem::filesystem_error.
+// Lists the files and folders in a folder, sorted by name. Throws
+// std::filesystem::filesystem_error.
 Listing ListFolder(const std::string& path) {
   Listing listing;
   for (const fs::directory_entry& entry : fs::directory_iterator(path)) {
-    std::error_code error;  // a link that leads nowhere is neither
+    std::error_code error;  // a broken link is neither a file nor a folder
     std::string name = entry.path().filename().string();
     if (entry.is_regular_file(error)) {
       if (!IsHidden(name)) listing.files.push_back(std::move(name));
@@ -161,25 +164,25 @@ void RemoveNames(std::initializer_list<std::string_view> unwanted,
   names->erase(std::remove_if(names->begin(), names->end(), is_unwanted), names->end());
 }
 
-// What a walk does with a file; false ends it.
-using VisitFile = std::function<bool(const std::string& path, const std::string& place)>;
+// Receives each file that is found. Returns false to stop.
+using VisitFile = std::function<bool(const std::string& path, const std::string& relative_path)>;
 
-// Finds the files. Those that are not in folders need not exist.
+// Finds the files of all inputs. Inputs need not exist.
 class Walk {
  public:
   Walk(const SourceOptions& options, const VisitFile& visit, bool is_silent)
       : options_(options), visit_(visit), is_silent_(is_silent) {}
 
   bool Run() {
-    FileNames places;
+    FileNames relative_paths;
     for (const std::string& input : options_.inputs) {
       if (!goes_on_) break;
-      const std::string place = places.Take(BaseName(input));
+      const std::string relative_path = relative_paths.Take(BaseName(input));
       std::error_code error;
       if (input == kStandardInput || !fs::is_directory(input, error)) {
-        goes_on_ = visit_(input, place);
+        goes_on_ = visit_(input, relative_path);
       } else if (options_.recursive || IsMaildir(input)) {
-        WalkFolder(input, place);
+        WalkFolder(input, relative_path);
       } else {
         Say(input, "is a folder; --recursive reads what is in it");
       }
@@ -188,30 +191,30 @@ class Walk {
   }
 
  private:
-  // As deep as folders nest.
-  void WalkFolder(const std::string& path, const std::string& place) {
+  // Recursive: folders are nested less deeply than the stack allows.
+  void WalkFolder(const std::string& path, const std::string& relative_path) {
     Listing listing = List(path);
     if (IsMaildir(path)) {
       for (const char* const box : {"new", "cur"}) {
-        WalkFiles(Join(path, box), Join(place, box), List(Join(path, box)).files);
+        WalkFiles(Join(path, box), Join(relative_path, box), List(Join(path, box)).files);
       }
       RemoveNames({"cur", "new", "tmp"}, &listing.folders);
     } else {
-      WalkFiles(path, place, std::exchange(listing.files, {}));
+      WalkFiles(path, relative_path, std::exchange(listing.files, {}));
     }
     if (!options_.recursive) return;
     for (const std::string& name : listing.folders) {
       if (!goes_on_) return;
-      WalkFolder(Join(path, name), Join(place, name));
+      WalkFolder(Join(path, name), Join(relative_path, name));
     }
   }
 
-  void WalkFiles(const std::string& path, const std::string& place,
+  void WalkFiles(const std::string& path, const std::string& relative_path,
                  const std::vector<std::string>& names) {
     for (const std::string& name : names) {
       if (!goes_on_) return;
       if (!IsIncluded(options_.include, name)) continue;
-      goes_on_ = visit_(Join(path, name), Join(place, name));
+      goes_on_ = visit_(Join(path, name), Join(relative_path, name));
     }
   }
 
@@ -236,36 +239,36 @@ class Walk {
   bool all_good_ = true;
 };
 
-// A file that is read from its beginning: its first bytes, and what gives the rest.
+// A file that is being read: its first bytes, and a function that returns the rest.
 struct Contents {
-  std::string name;   // for people
-  std::string place;  // as an item's
-  std::string path;   // the file that holds it
+  std::string name;           // for a reader
+  std::string relative_path;  // as in Item
+  std::string path;           // of the file, or of the archive that contains it
   std::string_view start;
   NextBlock rest;
-  bool is_plain_file = false;  // which the library itself can read
+  bool is_plain_file = false;  // the library can read it itself by its path
 };
 
-// What may be skipped over: no message at all.
-class NoMessage : public std::runtime_error {
+// The file is not a message. Inside a folder or archive this is not a failure.
+class NotAMessage : public std::runtime_error {
  public:
-  explicit NoMessage(const std::string& what) : std::runtime_error("is no message but " + what) {}
+  explicit NotAMessage(const std::string& what) : std::runtime_error("is no message but " + what) {}
 };
 
-// Names in archives become places: of each folder and file what is fit for one.
-std::string PlaceOf(const std::string& name) {
-  std::string place;
+// Makes a safe relative path of a name in an archive.
+std::string SafeRelativePath(const std::string& name) {
+  std::string relative_path;
   for (std::string_view rest = name; !rest.empty();) {
     const std::string_view part = rest.substr(0, rest.find('/'));
     rest.remove_prefix(std::min(rest.size(), part.size() + 1));
     if (!part.empty() && part != "." && part != "..") {
-      place += (place.empty() ? "" : "/") + CleanFileName(part);
+      relative_path += (relative_path.empty() ? "" : "/") + CleanFileName(part);
     }
   }
-  return place.empty() ? "file" : place;
+  return relative_path.empty() ? "file" : relative_path;
 }
 
-// Whether a file in an archive is one that its system put beside the others.
+// Whether a file in an archive is hidden, or was added by the system that made the archive.
 bool IsHiddenThere(const std::string& name) {
   constexpr std::string_view kOfTheSystem = "__MACOSX/";
   if (name.compare(0, kOfTheSystem.size(), kOfTheSystem) == 0) return true;
@@ -277,31 +280,31 @@ bool IsHiddenThere(const std::string& name) {
   return false;
 }
 
-// Gives the messages of a file.
+// Reads the messages in files.
 class Reader {
  public:
   Reader(const SourceOptions& options, const VisitItem& visit) : options_(options), visit_(visit) {}
 
   bool all_good() const { return all_good_; }
-  // How many files were no messages.
+  // The number of files that are not messages.
   std::size_t refused() const { return refused_; }
 
-  // False when the visitor wants no more.
-  bool Read(const std::string& path, const std::string& place) {
-    return Guarded(path, place, [&] { return ReadFile(path, place); });
+  // Reads one file. False once the visitor has returned false.
+  bool Read(const std::string& path, const std::string& relative_path) {
+    return Guarded(path, relative_path, [&] { return ReadFile(path, relative_path); });
   }
 
  private:
-  // What `read` gives; what it throws is said, and does not end the walk. Among the files of a
-  // folder or of an archive those that are no messages are no fault.
+  // Returns the result of `read`. An exception is reported and does not stop the iteration. A file
+  // that is not a message counts as a failure only if it is an input itself.
   template <typename ReadOne>
-  bool Guarded(const std::string& name, const std::string& place, ReadOne read) {
+  bool Guarded(const std::string& name, const std::string& relative_path, ReadOne read) {
     try {
       return read();
-    } catch (const NoMessage& error) {
+    } catch (const NotAMessage& error) {
       Complain(name + ": " + ReasonOf(error));
       ++refused_;
-      if (place.find('/') != std::string::npos) return true;
+      if (relative_path.find('/') != std::string::npos) return true;
     } catch (const std::runtime_error& error) {
       Complain(name + ": " + ReasonOf(error));
     }
@@ -309,14 +312,14 @@ class Reader {
     return true;
   }
 
-  bool ReadFile(const std::string& path, const std::string& place) {
+  bool ReadFile(const std::string& path, const std::string& relative_path) {
     struct stat status = {};
     const bool is_input = path == kStandardInput;
     const bool is_plain = !is_input && stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
     const bool is_pipe = is_input || (!is_plain && status.st_mode != 0);
-    // The library itself says what is wrong with a file that it cannot read.
+    // Files that cannot be read are passed on, since the library reports the reason.
     if (!is_pipe && (!is_plain || access(path.c_str(), R_OK) != 0)) {
-      return visit_({path, place, path, std::nullopt});
+      return visit_({path, relative_path, path, std::nullopt});
     }
     const File file(path);
     FirstBytes first{};
@@ -324,9 +327,9 @@ class Reader {
     Block buffer{};
     const NextBlock rest = [&]() -> std::string_view { return file.Read(&buffer); };
     const bool is_container = options_.form == InputForm::kAuto && IsContainer(start);
-    if (is_container) return ReadContainer({path, place, path, start, rest, false});
+    if (is_container) return ReadContainer({path, relative_path, path, start, rest, false});
     if (!is_pipe && !IsMboxSeparator(FirstLine(start))) file.RefuseTooLarge();
-    return ReadContents({path, place, path, start, rest, !is_pipe});
+    return ReadContents({path, relative_path, path, start, rest, !is_pipe});
   }
 
   bool ReadContents(const Contents& contents) {
@@ -337,22 +340,22 @@ class Reader {
     if (options_.form != InputForm::kMessage && is_mailbox) return ReadMailbox(contents);
     const std::string_view emlx_start = MessageInEmlx(contents.start);
     if (options_.form == InputForm::kAuto && emlx_start.data() != nullptr &&
-        WhyNoMessage(emlx_start).empty()) {
+        WhyNotAMessage(emlx_start).empty()) {
       const std::string file = ReadAll(contents);
       return Visit(contents, std::string(MessageInEmlx(file)));
     }
     if (options_.form == InputForm::kAuto) {
-      const std::string why = WhyNoMessage(contents.start);
-      if (!why.empty()) throw NoMessage(why);
+      const std::string why = WhyNotAMessage(contents.start);
+      if (!why.empty()) throw NotAMessage(why);
     }
     if (contents.is_plain_file) {
-      return visit_({contents.name, contents.place, contents.path, std::nullopt});
+      return visit_({contents.name, contents.relative_path, contents.path, std::nullopt});
     }
     return Visit(contents, ReadAll(contents));
   }
 
   bool Visit(const Contents& contents, std::string bytes) {
-    return visit_({contents.name, contents.place, contents.path, std::move(bytes)});
+    return visit_({contents.name, contents.relative_path, contents.path, std::move(bytes)});
   }
 
   static std::string ReadAll(const Contents& contents) {
@@ -368,18 +371,19 @@ class Reader {
   bool ReadContainer(const Contents& outer) {
     std::string_view start = outer.start;
     Container container([&] { return start.empty() ? outer.rest() : std::exchange(start, {}); });
-    FileNames places;
+    FileNames relative_paths;
     bool goes_on = true;
     while (goes_on && container.Next()) {
       Contents inner = outer;
       if (!container.name().empty()) {
-        const std::string place = PlaceOf(container.name());
-        const std::string base = place.substr(place.rfind('/') + 1);
+        const std::string relative_path = SafeRelativePath(container.name());
+        const std::string base = relative_path.substr(relative_path.rfind('/') + 1);
         if (IsHiddenThere(container.name()) || !IsIncluded(options_.include, base)) continue;
         inner.name += "/" + container.name();
-        inner.place += "/" + places.Take(place);
+        inner.relative_path += "/" + relative_paths.Take(relative_path);
       }
-      goes_on = Guarded(inner.name, inner.place, [&] { return ReadInner(&container, inner); });
+      goes_on =
+          Guarded(inner.name, inner.relative_path, [&] { return ReadInner(&container, inner); });
     }
     return goes_on;
   }
@@ -392,7 +396,7 @@ class Reader {
       if (block.empty()) break;
       start += block;
     }
-    if (IsContainer(start)) throw NoMessage("an archive within another file");
+    if (IsContainer(start)) throw NotAMessage("an archive within another file");
     contents.start = start;
     contents.rest = [container] { return container->Block(); };
     return ReadContents(contents);
@@ -408,7 +412,7 @@ class Reader {
         return true;
       }
       return visit_(
-          {name, contents.place + "/" + Padded(number), contents.path, std::move(message)});
+          {name, contents.relative_path + "/" + Padded(number), contents.path, std::move(message)});
     });
     bool goes_on = splitter.Add(contents.start);
     while (goes_on) {
@@ -429,8 +433,8 @@ class Reader {
 
 bool ForEachItem(const SourceOptions& options, const VisitItem& visit) {
   Reader reader(options, visit);
-  const VisitFile read = [&](const std::string& path, const std::string& place) {
-    return reader.Read(path, place);
+  const VisitFile read = [&](const std::string& path, const std::string& relative_path) {
+    return reader.Read(path, relative_path);
   };
   const bool walked = Walk(options, read, false).Run();
   if (reader.refused() > 1) {

@@ -1,7 +1,8 @@
-// `zqv strip`: a message without its files, its bytes as they are.
+// `zqv strip`: prints a message without its files, otherwise unchanged.
 //
-// What goes is what goes for applications (email/strip.h). They get the result as text, in which
-// bytes that are not UTF-8 would not come through; so it is made from the message's bytes here.
+// It removes the same parts as the library does for applications (email/strip.h). Applications get
+// the result as text, which cannot contain bytes that are not UTF-8; so the program calls the core
+// directly.
 #include "email/strip.h"
 
 #include <algorithm>
@@ -19,7 +20,7 @@ namespace {
 using standin::Object;
 using standin::String;
 
-// Whether a text of the message is more than blank lines.
+// Whether one of the message's texts has more than blank lines.
 bool HasText(std::string_view bytes) {
   const MailReading reading(bytes);
   const FoundFiles& files = reading.files();

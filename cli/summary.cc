@@ -17,16 +17,17 @@ namespace {
 using standin::Object;
 using standin::String;
 
-// A number of the host's own Date, with zeros in front.
+// Formats a number property of a host's Date, with leading zeros.
 std::string DateField(const Object& date, std::string_view property, std::size_t digits) {
   const auto number = std::get<std::int64_t>(standin::Get(date, property));
-  if (number < 0) --digits;  // a year before the first
+  if (number < 0) --digits;  // the year is negative
   const std::string text = std::to_string(number < 0 ? -number : number);
   const std::string sign(number < 0 ? "-" : "");
   return sign + std::string(digits - std::min(digits, text.size()), '0') + text;
 }
 
-// The number, then a line for each: name, type, size.
+// Lists the attachments or inline parts: first their number, then a line for each with name, type
+// and size.
 std::vector<std::string> AttachedLines(const MailReading& reading, bool is_inline) {
   std::vector<const FoundFile*> chosen;
   for (const FoundFile& file : reading.files().list()) {
@@ -51,7 +52,7 @@ std::vector<std::string> Safe(std::vector<std::string> lines) {
   return lines;
 }
 
-// As the message has it, and as the classes give it.
+// The date as the sender wrote it, and the date that the library returns.
 std::vector<std::string> DateLines(const Object& email, const MessageSource& source) {
   std::vector<std::string> lines;
   if (const std::optional<WrittenDate> date = DateOf(source)) lines.push_back(Rfc3339(*date));
@@ -111,7 +112,7 @@ std::optional<WrittenDate> DateOf(const MessageSource& source) {
 }
 
 bool IsListed(const FoundFile& file, bool is_inline) {
-  return !file.is_frame && file.is_inline == is_inline;
+  return !file.is_structural && file.is_inline == is_inline;
 }
 
 String ReadablePlainText(const Object& email, const MailReading& reading) {
@@ -119,7 +120,7 @@ String ReadablePlainText(const Object& email, const MailReading& reading) {
   if (text.bytes().find('\0') == std::string_view::npos) return text;
   const std::vector<FoundFile>& files = reading.files().list();
   const bool is_file = std::any_of(files.begin(), files.end(), [&](const FoundFile& file) {
-    return !file.is_frame && reading.files().Data(file).bytes() == text.bytes();
+    return !file.is_structural && reading.files().Data(file).bytes() == text.bytes();
   });
   return is_file ? String() : text;
 }

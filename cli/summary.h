@@ -1,4 +1,4 @@
-// What a reader wants to know of a message first.
+// The most important facts about a message, for a reader.
 #pragma once
 
 #include <cstddef>
@@ -14,31 +14,32 @@
 
 namespace zqv::cli {
 
-// A labelled thing; what a message does not have takes no entry.
+// A label with its lines. There is no entry for something that the message lacks.
 struct SummaryEntry {
   std::string label;
-  std::vector<std::string> lines;  // safe text, at least one
+  std::vector<std::string> lines;  // escaped for a terminal; at least one
 };
 
-// Subject, dates, addresses as the message has them, and what there is besides the plain text.
+// Returns subject, dates, addresses, and what the message contains besides its plain text.
 std::vector<SummaryEntry> SummaryOf(const standin::Object& email, const PartTree& tree,
                                     const MailReading& reading);
 
-// The text of a message's field as it is written, decoded for reading; empty when there is none.
+// Returns the value of a message's field, decoded for a reader. Empty when there is none.
 std::string WrittenText(const MessageSource& source, std::string_view name);
 
-// The message's Date field; nothing when it has none that is a date.
+// Returns the date of the message's Date field. Nothing when the field is missing or not a date.
 std::optional<WrittenDate> DateOf(const MessageSource& source);
 
-// Whether a file is one that a reader counts: no frame, and to be shown within the text or not.
+// Whether to list a file under "Inline parts" (if `is_inline`) or "Attachments".
 bool IsListed(const FoundFile& file, bool is_inline);
 
-// "2024-04-16 14:02:05", in the machine's time zone as the library reckons it. `date` is one of the
-// host's own; nil gives an empty text.
+// Formats a Date of the host in the machine's time zone, as the library calculates it: "2024-04-16
+// 14:02:05". Empty for nil.
 std::string DateText(const standin::Object& date);
 
-// The plain text, which is made from HTML when there is none. Nil also when it is nothing but the
-// bytes of something attached: a message that is one picture, say, has those for its plain text.
+// Returns the message's plain text, which the library makes from HTML if there is none. Nil when it
+// consists of the bytes of an attached file: the library gives a message that is a single picture
+// the picture's bytes as plain text.
 standin::String ReadablePlainText(const standin::Object& email, const MailReading& reading);
 
 }  // namespace zqv::cli

@@ -18,7 +18,7 @@ bool IsPrefix(std::string_view prefix, std::string_view text) {
   return text.substr(0, prefix.size()) == prefix;
 }
 
-// Whether a line divides a multipart; it may close it, too.
+// Whether a line is a boundary, also a closing one.
 bool IsDelimiter(std::string_view line, std::string_view boundary) {
   return IsPrefix(kHyphens, line) && IsPrefix(boundary, line.substr(kHyphens.size()));
 }
@@ -28,13 +28,13 @@ bool IsClosing(std::string_view line, std::string_view boundary) {
 
 const char* EndOf(std::string_view text) { return text.data() + text.size(); }
 
-// From `begin` to `end`, or nothing when that lies before it.
+// The text from `begin` to `end`. Empty when `end` is before `begin`.
 std::string_view Between(const char* begin, const char* end) {
   return {begin, end > begin ? static_cast<std::size_t>(end - begin) : 0};
 }
 
-// The part around `index`, itself included, that is a part of the multipart which a line in its
-// header divides.
+// Finds the part that ends at a boundary in the header of part `index`: the part itself or the
+// ancestor whose parent is the multipart of that boundary.
 PartIndex FindDivided(const std::vector<mime::Part>& parts, PartIndex index,
                       std::string_view line) {
   while (parts[index].parent != mime::kNoPart) {
@@ -45,8 +45,8 @@ PartIndex FindDivided(const std::vector<mime::Part>& parts, PartIndex index,
   return index;
 }
 
-// Where the text in front of a boundary ends: the line end before the line at `at` belongs to the
-// boundary.
+// Where the text before a boundary ends. The line end before the boundary line at `at` belongs to
+// the boundary.
 const char* EndBefore(const char* at, const char* begin) {
   if (at - begin >= 2 && mime::IsPair(at[-1], at[-2])) return at - 2;
   return at - begin >= 1 && base::IsLineEnd(at[-1]) ? at - 1 : at;
@@ -56,7 +56,7 @@ const char* EndBefore(const char* at, const char* begin) {
 
 std::vector<std::string_view> PartsBetween(std::string_view text, std::string_view boundary) {
   std::vector<std::string_view> parts;
-  const char* begin = nullptr;    // of the part that is read
+  const char* begin = nullptr;    // of the current part
   const char* end = text.data();  // of the last line, without its line end
   bool is_closed = false;
   ForEachLine(text, [&](std::string_view line, std::string_view line_end) {

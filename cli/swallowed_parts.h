@@ -1,6 +1,6 @@
-// Parts that the library takes for the text of others: a header that no empty line ends goes on to
-// the boundary, which RFC 2046, section 5.1.2, lets end it, and swallows that with the part behind
-// it.
+// Finds parts that the library takes for the text of another part. If no empty line ends a header,
+// the library continues the header over the next boundary, so that it swallows the boundary and the
+// next part. RFC 2046, section 5.1.2, ends the header at the boundary.
 //
 //   --b                                    --b
 //   Content-Type: text/plain               Content-Type: text/plain
@@ -18,18 +18,18 @@
 
 namespace zqv::cli {
 
-// What a part of the library's tree is without what it has swallowed.
+// The extent of a part of the library's tree, without the parts that it swallowed.
 struct PartExtent {
-  std::string_view own;                     // as mime::Part::whole, up to the boundary
-  std::vector<std::string_view> swallowed;  // parts behind it, each from its header on
-  bool is_swallowed = false;                // the part itself lies in what another has swallowed
+  std::string_view own;  // like mime::Part::whole, but ends at the boundary in the header
+  std::vector<std::string_view> swallowed;  // the swallowed parts, each with its header
+  bool is_swallowed = false;  // this part is itself inside the text that another part swallowed
 };
 
-// Of each part of a message, which must outlive the result.
+// Returns the extent of each part. `source` must outlive the result.
 std::vector<PartExtent> ExtentsOf(const MessageSource& source);
 
-// The parts in `text` that lines with a boundary divide, without the line end in front of each such
-// line. What stands before the first and behind a closing one is no part. [borrowed from `text`]
+// Splits `text` at lines that are a boundary. Text before the first boundary and after a closing
+// one is not part of the result, nor is the line end before each boundary. [borrowed from `text`]
 std::vector<std::string_view> PartsBetween(std::string_view text, std::string_view boundary);
 
 }  // namespace zqv::cli

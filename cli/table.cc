@@ -7,7 +7,7 @@
 namespace zqv::cli {
 namespace {
 
-// A cell wider than this pushes the rest of its own row aside, not that of every other row.
+// A wider cell shifts the rest of its own row and does not widen the column.
 constexpr std::size_t kWidestColumn = 60;
 constexpr std::string_view kGap = "  ";
 

@@ -16,7 +16,7 @@
 namespace zqv::cli {
 namespace {
 
-// At least `digits` hexadecimal digits.
+// Formats a number with at least `digits` hexadecimal digits.
 std::string Hex(char32_t value, std::size_t digits) {
   static constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string text;
@@ -26,7 +26,7 @@ std::string Hex(char32_t value, std::size_t digits) {
 
 std::string EscapedByte(char32_t byte) { return "\\x" + Hex(byte, 2); }
 
-// CR and CRLF as line feeds.
+// Converts CR and CRLF to line feeds.
 std::string WithLineFeeds(std::string_view text) {
   std::string result;
   result.reserve(text.size());
@@ -40,7 +40,7 @@ std::string WithLineFeeds(std::string_view text) {
   return result;
 }
 
-// Without `is_utf8` each high byte is escaped.
+// Escapes a text. Unless `is_utf8`, escapes every byte above 0x7F.
 std::string EscapeAll(std::string_view text, Lines lines, bool is_utf8) {
   std::string safe;
   safe.reserve(text.size());
@@ -70,13 +70,13 @@ std::string Escape(std::string_view text, Lines lines, bool is_utf8) {
 }
 
 #if defined(_WIN32)
-// Only tests show messages there, and none of them in columns.
+// On Windows only tests use this, and none of them prints columns.
 struct WidthLocale {
   WidthLocale() {}
 };
 int wcwidth(wchar_t) { return 1; }
 #else
-// A locale of its own for wcwidth alone: the library must find the process's locale untouched.
+// Sets a UTF-8 locale for wcwidth in this thread only, because the library must not notice it.
 class WidthLocale {
  public:
   WidthLocale() : before_(uselocale(Utf8Locale())) {}
@@ -85,7 +85,7 @@ class WidthLocale {
   WidthLocale& operator=(const WidthLocale&) = delete;
 
  private:
-  // Null, which changes nothing, when the system has no such locale.
+  // Null when the system lacks the locale; then uselocale changes nothing.
   static locale_t Utf8Locale() {
     static const locale_t kLocale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
     return kLocale;
@@ -97,7 +97,7 @@ class WidthLocale {
 
 constexpr std::size_t kAnyWidth = std::numeric_limits<std::size_t>::max();
 
-// The longest start of a text that fits into `width` columns.
+// The longest start of a text that fits into a number of columns.
 struct Fitting {
   std::size_t bytes = 0;
   std::size_t columns = 0;

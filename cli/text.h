@@ -1,9 +1,10 @@
-// Text from a message, made fit for a terminal: whoever wrote the message must not be able to move
-// the cursor, recolour the screen or turn the reading direction.
+// Escapes text from a message for output to a terminal, so that the author of a message cannot move
+// the cursor, change colours or reverse the direction of the text. Such text is called safe or
+// escaped.
 //
-// Control characters become \xHH, direction overrides \u{202E} and in single lines all characters
-// that show nothing, bytes that are no text \xHH. What
-// remains is well-formed UTF-8. A backslash stays as it is: the result is for reading only.
+// Control characters and malformed bytes become \xHH, direction overrides \u{202E}. In single lines
+// (Lines::kOne) other invisible characters are escaped, too. The result is well-formed UTF-8.
+// Backslashes are not escaped, so the original cannot be restored from the result.
 #pragma once
 
 #include <cstddef>
@@ -15,50 +16,49 @@
 
 namespace zqv::cli {
 
-// kMany keeps line feeds and makes CR and CRLF into them; kOne escapes them. Tabs stay.
+// kMany keeps line feeds and converts CR and CRLF to them. kOne escapes line ends. Both keep tabs.
 enum class Lines { kMany, kOne };
 
-// UTF-8 or bytes of no known encoding, such as a file's name.
+// Escapes UTF-8, or bytes of unknown encoding, such as a file name.
 std::string SafeText(std::string_view text, Lines lines);
 
-// A host string as data for other programs: in UTF-8, CR and CRLF as line feeds, nothing else
-// changed. What the host cannot convert becomes safe text.
+// Converts a host string to UTF-8 with line feeds as line ends, for other programs. If the host
+// cannot convert it, the result is escaped.
 std::string DataText(const standin::String& string);
 
-// A host string as the host converts it; of one that it cannot convert, the ASCII characters.
-// Nil gives an empty text.
+// Converts a host string to UTF-8 and escapes it. If the host cannot convert it, only its ASCII
+// characters remain unescaped. Empty for nil.
 std::string SafeText(const standin::String& string, Lines lines);
 
-// One line of safe text without the blanks around it.
+// Returns one escaped line without blanks at its ends.
 std::string SafeLine(const standin::String& string);
 
-// The same for a program, which is not to be protected: nothing is escaped but bytes that cannot be
-// converted.
+// Returns the same for a program: only bytes that cannot be converted are escaped.
 std::string PlainLine(const standin::String& string);
 
-// Columns that a terminal needs for safe text of one line.
+// Returns the number of terminal columns of a safe text of one line.
 std::size_t DisplayWidth(std::string_view text);
 
-// The number that `text` is in decimal digits; nothing when it is anything else.
+// Parses a decimal number. Nothing when `text` contains anything but digits or is empty.
 std::optional<std::size_t> ReadNumber(std::string_view text);
 
-// Whether `text` begins with `start`, but for the case of ASCII letters.
+// Whether `text` begins with `start`, ignoring the case of ASCII letters.
 bool StartsWith(std::string_view text, std::string_view start);
 
-// `text` without spaces and tabs at both ends.
+// Removes spaces and tabs at both ends.
 std::string_view Trim(std::string_view text);
 
-// `text` cut to so many columns, the last of them "…"; a text that fits is left alone. Safe text of
-// one line.
+// Shortens a safe text of one line to `width` columns, the last of which becomes "…". A text that
+// fits is returned unchanged.
 std::string CutToWidth(std::string_view text, std::size_t width);
 
-// "1,204,310".
+// Formats a number with separators: "1,204,310".
 std::string Grouped(std::size_t number);
 
-// "1 message", "1,204 messages".
+// Formats a count with its noun: "1 message", "1,204 messages".
 std::string Counted(std::size_t number, const std::string& noun);
 
-// "1 byte", "665 bytes".
+// Formats a size: "1 byte", "665 bytes".
 std::string ByteCount(std::size_t bytes);
 
 }  // namespace zqv::cli

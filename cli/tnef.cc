@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view kSignature = "\x78\x9F\x3E\x22";
 
-// The low half of an attribute's number.
+// The low half of an attribute's identifier.
 enum Attribute : std::uint16_t {
   kAttachData = 0x800F,
   kAttachTitle = 0x8010,
@@ -36,11 +36,12 @@ enum PropertyType : std::uint16_t {
   kClassId = 0x0048,
   kBinary = 0x0102,
 };
-constexpr std::uint16_t kManyValues = 0x1000;  // set beside a type
-constexpr std::uint16_t kFirstNamed = 0x8000;  // such properties have a name in front of the value
+constexpr std::uint16_t kManyValues = 0x1000;  // a flag in a property's type: several values follow
+// Properties from here on have a name before the value.
+constexpr std::uint16_t kFirstNamed = 0x8000;
 
-// Takes numbers, low byte first, and bytes off the front of a text. Behind its end everything is 0
-// or empty.
+// Reads little-endian numbers and bytes from the front of a text. After its end, all numbers are 0
+// and all bytes empty.
 class ByteReader {
  public:
   explicit ByteReader(std::string_view bytes) : rest_(bytes) {}
@@ -67,7 +68,7 @@ class ByteReader {
     return number;
   }
 
-  // With what fills them up to a multiple of four; the last ones may lack it.
+  // Reads bytes and the padding to a multiple of four. The padding may be missing at the end.
   std::string_view PaddedBytes(std::size_t count) {
     const std::string_view bytes = Bytes(count);
     rest_.remove_prefix(std::min(rest_.size(), (4 - count % 4) % 4));
@@ -86,7 +87,7 @@ std::string TrimmedUtf16(std::string_view bytes) {
   return std::string(UpToZero(text));
 }
 
-// The bytes that one value of a property of fixed size takes.
+// The size of a value of a type with fixed size.
 std::size_t FixedSize(std::uint16_t type) {
   constexpr std::uint16_t kLargest[] = {0x0005, 0x0006, 0x0007, 0x0014, 0x0040};
   if (type == kClassId) return 16;
@@ -100,13 +101,13 @@ class Reader {
   explicit Reader(std::string_view bytes) : bytes_(bytes) {}
 
   TnefContent Run() {
-    bytes_.Bytes(kSignature.size() + 2);  // and a key
+    bytes_.Bytes(kSignature.size() + 2);  // the signature is followed by a key
     while (!bytes_.IsAtEnd()) {
-      bytes_.Number(1);  // whether the attribute is the message's or an attachment's
+      bytes_.Number(1);  // level: message or attachment
       const auto attribute = static_cast<std::uint16_t>(bytes_.Number(2));
-      bytes_.Number(2);  // its type
+      bytes_.Number(2);  // type of the attribute
       const std::string_view data = bytes_.Bytes(bytes_.Number(4));
-      bytes_.Number(2);  // the sum of its bytes
+      bytes_.Number(2);  // checksum
       ReadAttribute(attribute, data);
     }
     content_.is_whole = bytes_.is_good();
@@ -121,7 +122,7 @@ class Reader {
       content_.files.emplace_back();
       has_long_name_ = false;
     } else if (content_.files.empty()) {
-      return;  // the message's own
+      return;  // belongs to the message itself
     } else if (attribute == kAttachData) {
       content_.files.back().bytes = data;
     } else if (attribute == kAttachTitle && !has_long_name_) {
@@ -153,7 +154,7 @@ class Reader {
     }
   }
 
-  // The first value of a property of variable size; nothing for others.
+  // Reads the first value of a property of variable size. Nothing for other types.
   static std::optional<std::string_view> ReadValue(std::uint16_t type, ByteReader* reader) {
     const bool is_many = (type & kManyValues) != 0;
     const auto one = static_cast<std::uint16_t>(type & ~kManyValues);
@@ -174,7 +175,7 @@ class Reader {
   void UseProperty(std::uint16_t property, std::uint16_t type, std::string_view value) {
     TnefFile& file = content_.files.back();
     if (property == kData) {
-      constexpr std::size_t kInterfaceSize = 16;  // stands in front of an object
+      constexpr std::size_t kInterfaceSize = 16;  // an object begins with an interface identifier
       if (type == kObject) value.remove_prefix(std::min(value.size(), kInterfaceSize));
       if (file.bytes.empty()) file.bytes = value;
       return;

@@ -1,8 +1,8 @@
-// Files in TNEF, the format of "winmail.dat" (application/ms-tnef): a list of attributes, of which
-// those of attachments are read.
+// Parser for TNEF, the format of "winmail.dat" (application/ms-tnef). A TNEF file is a list of
+// attributes, of which the attributes of attachments are read.
 //
-// Read by hand: the one library for it that Debian has is under the GPL, which the program is not,
-// takes memory by the sizes that a message claims, and writes to standard output.
+// This is code of our own because the one TNEF library in Debian is under the GPL, which the
+// program is not, allocates sizes that the message states, and writes to standard output.
 #pragma once
 
 #include <string>
@@ -12,21 +12,21 @@
 namespace zqv::cli {
 
 struct TnefFile {
-  std::string name;        // in UTF-8; empty when there is none
-  std::string mime_type;   // empty when there is none
-  std::string content_id;  // the same
-  std::string_view bytes;  // [borrowed from what was read]
+  std::string name;        // in UTF-8; empty: none
+  std::string mime_type;   // empty: none
+  std::string content_id;  // empty: none
+  std::string_view bytes;  // [borrowed from the parsed bytes]
 };
 
 struct TnefContent {
   std::vector<TnefFile> files;
-  bool is_whole = true;  // false when the bytes end within an attribute
+  bool is_whole = true;  // false: the file ends within an attribute
 };
 
-// Whether bytes begin as TNEF does.
+// Whether `bytes` begins with the signature of TNEF.
 bool IsTnef(std::string_view bytes);
 
-// What is in bytes for which IsTnef holds.
+// Parses TNEF. IsTnef(bytes) must be true.
 TnefContent ReadTnef(std::string_view bytes);
 
 }  // namespace zqv::cli

@@ -40,8 +40,9 @@ constexpr Row kRows[] = {
 
 bool IsOfBase64(char c) { return base::IsAlphanumeric(c) || c == '+' || c == '/' || c == '='; }
 
-// Base64 up to the padding that a line of other text follows, such as the footer of a mailing list.
-// Behind other padding the base64 goes on: it was encoded in pieces.
+// Cuts base64 after padding that is followed by a line of other text, such as the footer of a
+// mailing list. Padding that is followed by more base64 does not end it, since some encoders work
+// in pieces.
 std::string_view WithoutFooter(std::string_view body) {
   std::size_t at = 0;
   while ((at = body.find('=', at)) != std::string_view::npos) {
@@ -50,17 +51,17 @@ std::string_view WithoutFooter(std::string_view body) {
     const std::size_t end = std::min(body.find_first_of("\r\n", next), body.size());
     const std::string_view line = Trim(body.substr(next, end - next));
     if (!std::all_of(line.begin(), line.end(), IsOfBase64)) return body.substr(0, next);
-    // Padding at the end of that line counts again, and nothing else in it.
+    // Continue with the padding at the end of that line.
     at = next + line.find_last_not_of('=') + 1;
   }
   return body;
 }
 
-// One line without its end; whether that counts. Blanks at the end were added on the way (RFC 2045,
-// section 6.7, rule 3).
+// Decodes a line without its line end. Returns whether the line end is part of the text. Blanks at
+// the end were added in transport (RFC 2045, section 6.7, rule 3).
 bool DecodeQuotedLine(std::string_view line, char** out) {
   while (!line.empty() && base::IsBlank(line.back())) line.remove_suffix(1);
-  const bool is_broken = !line.empty() && line.back() == '=';  // softly (rule 5)
+  const bool is_broken = !line.empty() && line.back() == '=';  // a soft line break (rule 5)
   if (is_broken) line.remove_suffix(1);
   for (std::size_t i = 0; i < line.size(); ++i) {
     const bool has_digits = line[i] == '=' && i + 2 < line.size();
@@ -73,8 +74,8 @@ bool DecodeQuotedLine(std::string_view line, char** out) {
   return !is_broken;
 }
 
-// With line ends as they stand in the message, of which the library makes line feeds. What begins
-// no code stays.
+// Decodes quoted-printable. Unlike the library it keeps the line ends of the message. An invalid
+// escape stays as it is.
 text::DecodedBytes DecodeQuotedPrintable(std::string_view body) {
   text::DecodedBytes decoded(body.size());
   char* out = decoded.data();

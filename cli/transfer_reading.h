@@ -1,5 +1,5 @@
-// Content transfer encodings as people would read them: known ones are known whatever their case,
-// with blanks, comments, semicolons and frequent misspellings, which the library takes for unknown.
+// Content transfer encodings, recognised more tolerantly than by the library: with any case,
+// blanks, comments, semicolons and common misspellings.
 #pragma once
 
 #include <cstdint>
@@ -11,12 +11,13 @@ namespace zqv::cli {
 
 enum class Transfer : std::uint8_t { kIdentity, kBase64, kQuotedPrintable, kUuencode, kUnknown };
 
-// Of the value of a Content-Transfer-Encoding; an empty one is kIdentity.
+// Recognises the value of a Content-Transfer-Encoding field. An empty value is kIdentity.
 Transfer ReadTransfer(std::string_view value);
 
-// `body` [borrowed] without its encoding. Base64 ends at padding that other text follows; the lines
-// of quoted-printable end as they do in the message (RFC 2045, section 6.7). Unchanged for
-// kIdentity, kUnknown and kUuencode, of which FindPackedFiles (cli/packed_files.h) makes files.
+// Decodes a body. Base64 ends at padding that is followed by other text, such as a footer. Line
+// ends of quoted-printable stay unchanged (RFC 2045, section 6.7). The body is returned unchanged
+// for kIdentity, kUnknown and kUuencode; for the last one, FindPackedFiles (cli/packed_files.h)
+// finds the files in it. [result may borrow `body`]
 email::DecodedBody DecodeBody(Transfer transfer, std::string_view body);
 
 }  // namespace zqv::cli

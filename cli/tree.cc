@@ -1,7 +1,7 @@
-// `zqv tree`: a message's entities, each below the one that holds it.
+// `zqv tree`: prints a message's entities, children below their parents.
 //
-// Columns: part number, MIME type indented by depth, bytes of the decoded body, file name. A part
-// that holds others has no body of its own.
+// Columns: part number, MIME type indented by depth, size of the decoded body in bytes, file name.
+// A multipart has no body of its own.
 #include <algorithm>
 #include <unordered_map>
 
@@ -18,15 +18,15 @@ namespace {
 using standin::Object;
 
 constexpr std::size_t kIndent = 2;
-// Deeper ones are not moved any further: the part number tells the depth, and a message may nest
-// thousands deep.
+// Deeper parts are not indented any further, since messages may be nested thousands deep. Their
+// number still shows the depth.
 constexpr std::size_t kDeepestIndent = 20;
 
 std::unordered_map<std::size_t, std::string> NamesByPart(const Object& email) {
   std::unordered_map<std::size_t, std::string> names;
   const MailReading reading(email);
   for (const FoundFile& file : reading.files().list()) {
-    if (file.packing == Packing::kNone && !file.is_frame) names.emplace(file.part, file.name);
+    if (file.packing == Packing::kNone && !file.is_structural) names.emplace(file.part, file.name);
   }
   return names;
 }
@@ -37,7 +37,7 @@ std::string SizeOf(const PartTree::Part& part) {
   return std::to_string(body.bytes().size());
 }
 
-// For a reader, who sees the depth by it.
+// Indents a type to show its depth to a reader.
 std::string IndentedType(const PartTree::Part& part, const std::string& type) {
   return std::string(kIndent * std::min(part.depth, kDeepestIndent), ' ') +
          (type.empty() ? "(no type)" : type);

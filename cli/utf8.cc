@@ -8,8 +8,9 @@
 namespace zqv::cli {
 namespace {
 
-// What the lead byte says: the length, the bits that it holds itself, and the bounds of the second
-// byte, which keep out over-long forms, surrogates and what lies above U+10FFFF.
+// What a lead byte determines: the length of the sequence, the bits in the lead byte, and the
+// bounds of the second byte, which exclude over-long forms, surrogates and code points above
+// U+10FFFF.
 struct Lead {
   std::size_t bytes;
   unsigned bits;
@@ -17,7 +18,7 @@ struct Lead {
   unsigned second_high;
 };
 
-// `bytes` is 0 for a byte that leads nothing.
+// `bytes` is 0 for a byte that cannot begin a sequence.
 Lead LeadOf(unsigned byte) {
   if (byte < 0x80) return {1, byte, 0, 0};
   if (byte < 0xC2 || byte > 0xF4) return {0, 0, 0, 0};
@@ -79,8 +80,8 @@ bool IsInvisible(char32_t c) {
     char32_t first;
     char32_t last;
   };
-  // Category Cf, Zl and Zp of the Unicode Character Database without signs that are drawn, and the
-  // fillers of Hangul.
+  // The categories Cf, Zl and Zp of the Unicode Character Database, without visible characters, and
+  // the fillers of Hangul.
   static constexpr Range kRanges[] = {
       {0x00AD, 0x00AD},   {0x034F, 0x034F}, {0x061C, 0x061C},   {0x115F, 0x1160},
       {0x17B4, 0x17B5},   {0x180E, 0x180E}, {0x200B, 0x200B},   {0x200E, 0x200F},

@@ -1,4 +1,4 @@
-// UTF-8, one code point at a time, for text that may be broken.
+// Decoding of UTF-8, one code point at a time, for text that may be malformed.
 #pragma once
 
 #include <cstddef>
@@ -9,27 +9,28 @@ namespace zqv::cli {
 
 struct CodePoint {
   char32_t value;     // the byte itself when it begins no well-formed sequence
-  std::size_t bytes;  // 1 then
+  std::size_t bytes;  // length of the sequence; 1 when it is not well-formed
   bool valid;
 };
 
-// The first code point of a text that is not empty.
+// Decodes the first code point of a text, which must not be empty.
 CodePoint FirstCodePoint(std::string_view text);
 
-// Appends the character of a number that HTML or CSS has for one: U+FFFD for 0, for surrogates and
-// beyond U+10FFFF (HTML, section 13.2.5.80; CSS Syntax, section 4.3.7).
+// Appends the character that an HTML or CSS escape with this number stands for. 0, surrogates and
+// numbers above U+10FFFF give U+FFFD (HTML, section 13.2.5.80; CSS Syntax, section 4.3.7).
 void AppendCharacter(char32_t number, std::string* text);
 
-// How many bytes of `text` fit into `most` bytes without cutting through a sequence.
+// Returns the length of the longest start of `text` with at most `most` bytes that does not end
+// within a sequence.
 std::size_t WholeSequences(std::string_view text, std::size_t most);
 
-// U+061C, U+200E, U+200F: characters without a shape that set the direction of their neighbours.
+// Invisible characters that affect the direction of their neighbours: U+061C, U+200E, U+200F.
 bool IsDirectionMark(char32_t c);
-// U+202A to U+202E, U+2066 to U+2069: they turn the direction of everything that follows.
+// Characters that change the direction of all following text: U+202A to U+202E, U+2066 to U+2069.
 bool IsDirectionOverride(char32_t c);
-// Characters that show nothing and take no room, such as U+200B, U+2028, U+FEFF and U+E0001, all of
-// the above among them. Not those that join or part letters of scripts and pictures, U+200C and
-// U+200D, nor the variation selectors.
+// Characters that are invisible and have no width, such as U+200B, U+2028, U+FEFF and U+E0001,
+// including the two groups above. Not included are the joiners U+200C and U+200D and the variation
+// selectors, which change how scripts and emoji look.
 bool IsInvisible(char32_t c);
 // U+0000 to U+001F and U+007F to U+009F.
 bool IsControl(char32_t c);

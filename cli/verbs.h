@@ -1,5 +1,5 @@
-// What the program can do, one function and one file each. Each gives the program's exit code: 0,
-// or 1 when anything could not be done, which has then been said.
+// The verbs of the program, one function and one file each. A verb returns the exit code: 0, or 1
+// when something failed, which it has then reported on standard error.
 #pragma once
 
 #include <cstddef>
@@ -14,81 +14,82 @@
 
 namespace zqv::cli {
 
+// A form in which export writes a message.
 enum class ExportForm { kJson, kText, kHtml, kFiles };
 
-// What scan prints.
+// The output format of scan.
 enum class ScanForm { kTable, kCsv, kJsonLines };
 
-// How JSON gives the bytes of files.
+// How JSON contains the bytes of files.
 enum class FileForm { kNone, kBase64, kText };
 
-// The share of the messages that is exported: those whose places fall to `number` of `count`.
+// A part of the messages, chosen by a hash of their relative paths: part `number` of `count`.
 struct Shard {
   std::size_t number = 1;
   std::size_t count = 1;
 };
 
-// What a verb is to work on; each looks at what concerns it.
+// The options of a command line. Each verb uses the ones that apply to it.
 struct Request {
-  SourceOptions source;                  // the messages; for decode the texts
-  Filter filter;                         // scan, list, extract, export: which messages
-  std::size_t message = 0;               // only this one of all messages, from 1; 0: all
-  bool json = false;                     // data as JSON documents instead of lines
+  SourceOptions source;                  // the messages; for decode: the texts
+  Filter filter;                         // scan, list, extract, export: the messages to work on
+  std::size_t message = 0;               // work on this message only, counted from 1; 0: on all
+  bool json = false;                     // print JSON documents instead of lines
   std::string field;                     // headers: only fields of this name; empty: all
-  std::string part = "0";                // headers: whose
-  bool classes = false;                  // headers: as the library gives them
-  std::optional<std::string> sent_part;  // extract: whose bytes go to standard output
-  std::string folder;                    // extract, export: where the files go
-  std::string page;                      // report: the file to write, "-" for standard output
-  bool all = false;                      // list, extract, export: what nobody calls files, too
-  bool force = false;                    // extract, export, report: replaces files
-  bool raw = false;                      // bytes as the library has them
-  std::optional<FileForm> files;         // json, export; nothing: as usual for the verb
-  bool lines = false;                    // json: each document on one line
-  std::vector<ExportForm> forms;         // export; none: JSON
-  bool skip_existing = false;            // export
+  std::string part = "0";                // headers: number of the part
+  bool classes = false;                  // headers: print the library's fields
+  std::optional<std::string> sent_part;  // extract: number of the part to print to standard output
+  std::string folder;                    // extract, export: the folder to write to
+  std::string page;                      // report: the file to write; "-": standard output
+  bool all = false;               // list, extract, export: include structural and empty files
+  bool force = false;             // extract, export, report: replace existing files
+  bool raw = false;               // print the library's bytes without conversion
+  std::optional<FileForm> files;  // json, export; unset: the default of the verb
+  bool lines = false;             // json: print each document on one line
+  std::vector<ExportForm> forms;  // export; empty: JSON
+  bool skip_existing = false;     // export: skip messages that were exported before
   ScanForm scan_form = ScanForm::kTable;
-  std::size_t jobs = 1;    // export, scan: worker processes
+  std::size_t jobs = 1;    // export, scan: number of worker processes
   Shard shard;             // export
   std::size_t rounds = 5;  // bench
 };
 
 using Verb = int(const Session& session, const Request& request, Output* output);
 
-// The labelled lines a reader wants, then the plain text.
+// Prints the summary and the plain text of messages.
 Verb Show;
-// One line for each entity: number, type, size, name.
+// Prints one line for each entity: number, type, size, name.
 Verb Tree;
-// Header fields; 1 also when a file lacks the part or the name asked for.
+// Prints header fields. Also 1 when a message lacks the part or the field.
 Verb Headers;
-// One line for each mailbox of the address fields.
+// Prints one line for each mailbox in the address fields.
 Verb Addresses;
-// One line for each file that is found in messages.
+// Prints one line for each file in messages.
 Verb List;
-// One row for each message.
+// Prints one row for each message.
 Verb Scan;
-// Writes the files of one message and prints the paths; or prints one part.
+// Writes the files of one message to a folder and prints their paths, or prints one part.
 Verb Extract;
-// The plain text of messages, or their HTML; 1 also when there is none.
+// Print the plain text or the HTML of messages. Also 1 when there is none.
 Verb Text;
 Verb Html;
-// The text of an HTML file, which is no message.
+// Converts an HTML file, which is not a message, to plain text.
 Verb HtmlToText;
-// Encoded words of header text.
+// Decodes encoded words of header texts.
 Verb Decode;
-// One message without its files.
+// Prints a message without its files.
 Verb Strip;
-// All that the classes give, as JSON.
+// Prints all members of the classes as JSON.
 Verb Json;
-// Writes many messages into a folder.
+// Writes many messages to a folder.
 Verb Export;
-// What is odd about messages; 1 also when anything is.
+// Prints findings about messages. Also 1 when there are any.
 Verb Check;
-// One message as a page to look at.
+// Writes one message as an HTML page.
 Verb Report;
-// How fast messages are constructed.
+// Measures how fast messages are constructed.
 Verb Bench;
-// What the library registered; reads no message.
+// Prints what the library registers. Reads no message.
 Verb Classes;
 
 }  // namespace zqv::cli

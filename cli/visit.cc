@@ -13,14 +13,14 @@
 namespace zqv::cli {
 namespace {
 
-// Hands items on one later than they come, so that the first one's taker knows whether there are
-// more.
-class Ahead {
+// Passes each item on when the next one arrives, so that the handler of the first item knows
+// whether there are more.
+class Lookahead {
  public:
-  // `several`: whether there are; false ends the walk.
+  // `several` tells whether there is more than one item. Returns false to stop.
   using Handle = std::function<bool(const Item& item, bool several)>;
 
-  explicit Ahead(Handle handle) : handle_(std::move(handle)) {}
+  explicit Lookahead(Handle handle) : handle_(std::move(handle)) {}
 
   bool Add(Item&& item) {
     if (!held_) {
@@ -32,7 +32,7 @@ class Ahead {
     return goes_on_ = handle_(before, true);
   }
 
-  // Behind the last one.
+  // Passes the last item on. Must be called after it was added.
   void Finish() {
     if (held_ && goes_on_) handle_(*held_, several_);
   }
@@ -44,15 +44,15 @@ class Ahead {
   bool goes_on_ = true;
 };
 
-int HandleEach(const Session& session, const Request& request, const Ahead::Handle& handle) {
-  Ahead ahead(handle);
+int HandleEach(const Session& session, const Request& request, const Lookahead::Handle& handle) {
+  Lookahead lookahead(handle);
   const bool all_good =
-      ForEachChosen(session, request, [&](Item&& item) { return ahead.Add(std::move(item)); });
-  ahead.Finish();
+      ForEachChosen(session, request, [&](Item&& item) { return lookahead.Add(std::move(item)); });
+  lookahead.Finish();
   return all_good ? 0 : 1;
 }
 
-// Calls `work` and says what it throws, as the item's fault. Whether it went well.
+// Calls `work` and reports its exception with the item's name. Returns false then, else the result.
 template <typename Work>
 bool Guarded(const Item& item, const Work& work) {
   try {
@@ -88,7 +88,7 @@ bool ForEachChosen(const Session& session, const Request& request, const VisitIt
 }
 
 Parcel ParcelOf(const Item& item) {
-  Parcel parcel = {item.name, item.place, item.path};
+  Parcel parcel = {item.name, item.relative_path, item.path};
   if (item.bytes) parcel.push_back(*item.bytes);
   return parcel;
 }
@@ -119,7 +119,7 @@ int ForEachMessage(const Session& session, const Request& request, Output* outpu
     return output->IsGood();
   };
   const int code = HandleEach(session, request, handle);
-  output->PrintBeforeNext({});  // whose message had nothing to print
+  output->PrintBeforeNext({});  // drops the heading of a last message without output
   return all_good ? code : 1;
 }
 

@@ -1,4 +1,4 @@
-// Goes through the messages that a verb was given.
+// Iterates over the messages of a request.
 #pragma once
 
 #include <functional>
@@ -11,31 +11,32 @@
 
 namespace zqv::cli {
 
-// Hands out the messages of a request that pass its filter, or the one that it chooses by its
-// number. `visit` gives false to end it. False when an input could not be read or the message is
-// not there, which has been said.
+// Calls `visit` for each message of the request that passes its filter, or only for the one with
+// the request's number. Joins messages that were sent in pieces. `visit` returns false to stop.
+// False when an input could not be read or there is no message with that number, which has then
+// been reported.
 bool ForEachChosen(const Session& session, const Request& request, const VisitItem& visit);
 
-// A message that has not been parsed yet as work for another process, and back.
+// Convert an unparsed message to the form in which it is sent to another process, and back.
 Parcel ParcelOf(const Item& item);
 Item ItemOf(const Parcel& parcel);
 
-// What a verb does with one message; false when it could not do all of it, having said why. `name`
-// is the message's for people.
+// Handles one message. `name` is the message's name for a reader. Returns false when something
+// failed, which it has then reported.
 using Visit = std::function<bool(const std::string& name, const standin::Object& email)>;
 
-// Whether a message about which nothing is printed has its heading, too.
+// Whether a message also gets a heading when nothing is printed below it.
 enum class Headings { kAlways, kAboveSomething };
 
-// Opens the messages one after the other and visits each, below a heading when there are several
-// and JSON is not wanted, which names its message itself. What goes wrong with one is said and does
-// not keep the others from being visited. With the request's `message` only that one is visited,
-// counted from 1 over all inputs. The exit code: 0, or 1 when anything went wrong.
+// Opens each message of the request and calls `visit`. If there are several, prints a heading
+// before each, except in JSON, which contains the message's name. A failure of one message is
+// reported and does not stop the others. With Request::message, only that message is visited; it
+// counts over all inputs. Returns the exit code: 0, or 1 when anything failed.
 int ForEachMessage(const Session& session, const Request& request, Output* output,
                    const Visit& visit, Headings headings = Headings::kAlways);
 
-// For what is done with one message: refuses several before anything is done, and says `advice`
-// then, too.
+// Does the same for a verb that works on one message only. If there are several, it reports an
+// error that ends with `advice` and visits none.
 int ForOneMessage(const Session& session, const Request& request, const Visit& visit,
                   const char* advice = "");
 

@@ -22,7 +22,7 @@ namespace {
   throw std::system_error(errno, std::generic_category(), what);
 }
 
-// False when the other end is gone.
+// False when the other process has ended.
 bool SendBytes(int socket, const char* bytes, std::size_t size) {
   while (size > 0) {
     const ssize_t sent = send(socket, bytes, size, MSG_NOSIGNAL);
@@ -79,7 +79,7 @@ std::optional<Parcel> ReceiveParcel(int socket) {
   return parcel;
 }
 
-// Of a process that has nothing to say.
+// Whether the process has ended. It must be idle.
 bool HasEnded(int socket) {
   char byte = 0;
   return recv(socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT) == 0;
@@ -97,8 +97,8 @@ std::string EndOf(pid_t process) {
 
 }  // namespace
 
-Workers::Workers(std::size_t count, Work work, Done done, Lost lost)
-    : work_(std::move(work)), done_(std::move(done)), lost_(std::move(lost)), workers_(count) {
+Workers::Workers(std::size_t count, Work work, Done done, Failed failed)
+    : work_(std::move(work)), done_(std::move(done)), failed_(std::move(failed)), workers_(count) {
   for (Worker& worker : workers_) Start(&worker);
 }
 
@@ -114,10 +114,11 @@ Workers::~Workers() {
 void Workers::Start(Worker* worker) {
   int ends[2] = {-1, -1};
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) Fail("socketpair");
-  static_cast<void>(std::fflush(nullptr));  // what is held back must not be written twice
+  static_cast<void>(std::fflush(nullptr));  // otherwise both processes would write buffered output
   const pid_t process = fork();
   if (process == 0) {
-    // The ends of the others, too: each must see when this program's end is closed.
+    // Closes the sockets of the other workers, too: a worker ends when all copies of the other end
+    // of its socket are closed.
     close(ends[0]);
     for (const Worker& other : workers_) {
       if (other.socket >= 0) close(other.socket);
@@ -140,7 +141,7 @@ void Workers::Serve(int socket) const {
   } catch (const std::exception&) {
     code = 1;
   }
-  // Without the ends of this program's objects, which belong to the process that started this one.
+  // Skips destructors and exit handlers, which belong to the parent process.
   static_cast<void>(std::fflush(nullptr));
   _exit(code);
 }
@@ -154,12 +155,12 @@ Workers::Worker* Workers::FindFree() {
   }
 }
 
-void Workers::Give(Parcel piece) {
+void Workers::Submit(Parcel piece) {
   Worker* const worker = FindFree();
   if (HasEnded(worker->socket)) static_cast<void>(Replace(worker));
   worker->piece = std::move(piece);
   worker->is_busy = true;
-  // That it ends now is noticed when its answer is waited for.
+  // A failure is noticed when the answer is received.
   static_cast<void>(SendParcel(worker->socket, worker->piece));
 }
 
@@ -190,7 +191,7 @@ void Workers::Receive(Worker* worker) {
     done_(piece, *result);
     return;
   }
-  lost_(piece, Replace(worker));
+  failed_(piece, Replace(worker));
 }
 
 std::string Workers::Replace(Worker* worker) {

@@ -1,4 +1,4 @@
-// Work that is done in processes side by side, each piece by one of them.
+// Runs pieces of work in several processes at the same time.
 #pragma once
 
 #include <sys/types.h>
@@ -10,29 +10,30 @@
 
 namespace zqv::cli {
 
-// A piece of work, or its result: strings of any bytes.
+// A piece of work or its result: strings of any bytes, which can be sent to another process.
 using Parcel = std::vector<std::string>;
 
-// Invariant: every piece is answered once, by its result or, when the process that had it ended,
-// by what ended that. A new process takes the place of one that has ended, whatever ended it.
+// A pool of processes. For each piece either `done` or `failed` is called exactly once. A process
+// that has ended, for whatever reason, is replaced by a new one.
 class Workers {
  public:
-  // Runs in a process of its own; what it throws ends that.
+  // Does one piece of work, in a process of the pool. An exception ends that process.
   using Work = std::function<Parcel(const Parcel&)>;
-  // Run in this process, in the order in which the pieces are done.
+  // Called in this process when a piece is done, or when its process has ended. Pieces are not done
+  // in the order in which they were submitted.
   using Done = std::function<void(const Parcel& piece, const Parcel& result)>;
-  using Lost = std::function<void(const Parcel& piece, const std::string& reason)>;
+  using Failed = std::function<void(const Parcel& piece, const std::string& reason)>;
 
-  // Starts `count` processes, at least 1. Throws std::system_error when that cannot be.
-  Workers(std::size_t count, Work work, Done done, Lost lost);
-  // Ends the processes; pieces that are not done are lost without a word.
+  // Starts `count` processes, at least 1. Throws std::system_error when that fails.
+  Workers(std::size_t count, Work work, Done done, Failed failed);
+  // Ends the processes. Pieces that are not done are dropped without a call.
   ~Workers();
   Workers(const Workers&) = delete;
   Workers& operator=(const Workers&) = delete;
 
-  // Waits until a process is free, and gives it the piece.
-  void Give(Parcel piece);
-  // Waits until all is done.
+  // Waits until a process is free, and sends it the piece.
+  void Submit(Parcel piece);
+  // Waits until all pieces are done.
   void Finish();
 
  private:
@@ -44,7 +45,7 @@ class Workers {
   };
 
   void Start(Worker* worker);
-  // What ended the process, which is replaced.
+  // Replaces a process that has ended. Returns why it ended.
   std::string Replace(Worker* worker);
   [[noreturn]] void Serve(int socket) const;
   Worker* FindFree();
@@ -54,7 +55,7 @@ class Workers {
 
   const Work work_;
   const Done done_;
-  const Lost lost_;
+  const Failed failed_;
   std::vector<Worker> workers_;
 };
 

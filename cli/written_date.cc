@@ -25,12 +25,12 @@ constexpr NamedZone kZones[] = {{"UT", 0},   {"GMT", 0},  {"Z", 0},    {"UTC", 0
                                 {"MST", -7}, {"MDT", -6}, {"PST", -8}, {"PDT", -7}};
 constexpr std::array<int, 12> kDaysOfMonths = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 
-// Reads a date from its front; nothing where it does not fit.
+// Parses a date from the front of a text.
 class DateReader {
  public:
   explicit DateReader(std::string_view text) : rest_(text) {}
 
-  // What was read, once Run has found no fault.
+  // The result. Valid when Run has returned anything but kNoDate.
   const WrittenDate& date() const { return date_; }
 
   DateFault Run() {
@@ -67,7 +67,8 @@ class DateReader {
     return true;
   }
 
-  // "+0200", or a name (RFC 5322, section 4.3). "-0000" says that nothing is known of the zone.
+  // Parses a zone: "+0200", or a name (RFC 5322, section 4.3). "-0000" means that the zone is not
+  // known.
   void ReadZone() {
     SkipBlanks();
     const char sign = rest_.empty() ? '\0' : rest_.front();
@@ -89,7 +90,7 @@ class DateReader {
     }
   }
 
-  // "AM" or "PM", which no mail has.
+  // Whether "AM" or "PM" follows, which is not valid in mail.
   bool SkipHalf() {
     SkipBlanks();
     const std::string_view word = rest_.substr(0, 2);
@@ -109,7 +110,7 @@ class DateReader {
     if (Name(kDays)) Skip(',');
   }
 
-  // Of one digit or more.
+  // Parses a number of 1 to `most` digits.
   std::optional<int> Number(std::size_t most) {
     SkipBlanks();
     const std::size_t length = std::min(rest_.find_first_not_of(kDigits), rest_.size());
@@ -120,7 +121,7 @@ class DateReader {
     return value;
   }
 
-  // The index of a name that begins with one of three letters.
+  // Parses a word whose first three letters are one of the names. Returns the name's index.
   template <std::size_t kCount>
   std::optional<std::size_t> Name(const std::string_view (&names)[kCount]) {
     SkipBlanks();
@@ -138,10 +139,10 @@ class DateReader {
   WrittenDate date_;
 };
 
-// Days from 1970-01-01 on, of the Gregorian calendar whatever the year.
+// Returns the number of days from 1970-01-01. The Gregorian calendar is used for all years.
 std::int64_t DaysOf(std::int64_t year, int month, int day) {
-  // Years begin in March here, so that the day that comes and goes is the last one.
-  constexpr int kDaysOfCycle = 146097;  // of 400 years
+  // The year begins in March here, so that the leap day is its last day.
+  constexpr int kDaysOfCycle = 146097;  // in 400 years
   constexpr int kDaysBefore1970 = 719468;
   year -= month <= 2 ? 1 : 0;
   const std::int64_t cycle = (year >= 0 ? year : year - 399) / 400;
@@ -159,7 +160,7 @@ std::string Format(const WrittenDate& date) {
   return {text.data(), static_cast<std::size_t>(length)};
 }
 
-// The date and time of day of an instant in UTC.
+// Converts an instant to date and time of day in UTC.
 WrittenDate InUtc(std::int64_t seconds) {
   constexpr std::int64_t kDay = 86400;
   const std::int64_t days = (seconds >= 0 ? seconds : seconds - kDay + 1) / kDay;
@@ -178,8 +179,7 @@ WrittenDate InUtc(std::int64_t seconds) {
   return date;
 }
 
-// The number that `count` digits at the front of `text` are, which are taken off; nothing when
-// there are fewer.
+// Takes a number of exactly `count` digits from the front of `text`. Nothing when there are fewer.
 std::optional<int> TakeDigits(std::size_t count, std::string_view* text) {
   if (text->size() < count || text->find_first_not_of(kDigits) < count) return std::nullopt;
   int number = 0;
@@ -194,7 +194,7 @@ bool TakeOne(char c, std::string_view* text) {
   return true;
 }
 
-// "T18:00:00", the seconds may be missing. False for what is none.
+// Takes a time such as "T18:00:00" or "T18:00". False when there is none.
 bool TakeTime(WrittenDate* date, std::string_view* text) {
   if (!TakeOne('T', text) && !TakeOne(' ', text)) return false;
   const std::optional<int> hour = TakeDigits(2, text);
@@ -208,7 +208,7 @@ bool TakeTime(WrittenDate* date, std::string_view* text) {
   return true;
 }
 
-// "Z", "+02:00". False for what is none.
+// Takes a zone: "Z" or "+02:00". False when there is none.
 bool TakeZone(WrittenDate* date, std::string_view* text) {
   date->offset = 0;
   if (TakeOne('Z', text)) return true;
@@ -261,7 +261,7 @@ std::optional<Period> ReadPeriod(std::string_view text) {
   const std::optional<int> year = TakeDigits(4, &text);
   if (!year) return std::nullopt;
   date.year = *year;
-  WrittenDate next = date;  // what begins behind it
+  WrittenDate next = date;  // the start of the next period
   int* const fields[] = {&date.year, &date.month, &date.day};
   int* const next_fields[] = {&next.year, &next.month, &next.day};
   std::size_t known = 0;

@@ -16,8 +16,9 @@ namespace {
 
 constexpr std::size_t kNowhere = std::string_view::npos;
 
-// Takes a quoted string off the front of a text (RFC 5322, section 3.2.4). A backslash stands
-// before quotes and backslashes only: Windows paths are written without doubling it.
+// Takes a quoted string from the front of a text (RFC 5322, section 3.2.4). A backslash escapes
+// only quotes and backslashes, because some mailers write Windows paths without doubling the
+// backslashes.
 std::string TakeQuoted(std::string_view* text) {
   std::string value;
   std::size_t i = 1;
@@ -30,7 +31,8 @@ std::string TakeQuoted(std::string_view* text) {
   return value;
 }
 
-// Takes a comment off the front (RFC 5322, section 3.2.2); one without an end is all that is left.
+// Skips a comment at the front of a text (RFC 5322, section 3.2.2). A comment without an end
+// extends to the end of the text.
 void SkipComment(std::string_view* text) {
   std::size_t depth = 0;
   for (std::size_t i = 0; i < text->size(); ++i) {
@@ -64,7 +66,7 @@ std::string_view TakeUpTo(std::string_view ends, std::string_view* text) {
   return Trim(piece);
 }
 
-// "utf-8'en'%C3%9C": the text, and the charset at its front.
+// The parts of a value such as "utf-8'en'%C3%9C": the charset and the text.
 struct Extended {
   std::string charset;
   std::string_view text;
@@ -77,7 +79,8 @@ Extended SplitExtended(std::string_view value) {
   return {std::string(value.substr(0, first)), value.substr(second + 1)};
 }
 
-// 3 of "filename*3" and "filename*3*", where `star` is "filename*"; nothing for other names.
+// Returns the number of a piece: 3 for "filename*3" and "filename*3*". `star` is "filename*".
+// Nothing for other names.
 std::optional<std::size_t> PieceNumber(std::string_view name, std::string_view star) {
   if (name.substr(0, star.size()) != star) return std::nullopt;
   std::string_view digits = name.substr(star.size());
@@ -104,13 +107,13 @@ WrittenParameters::WrittenParameters(std::string_view value) {
       continue;
     }
     const std::string_view name = TakeUpTo("=;", &rest);
-    if (rest.empty() || rest.front() == ';') continue;  // no parameter
+    if (rest.empty() || rest.front() == ';') continue;  // an empty parameter
     rest.remove_prefix(1);
     SkipBlanksAndComments(&rest);
     std::string text;
     if (!rest.empty() && rest.front() == '"') {
       text = TakeQuoted(&rest);
-      TakeUpTo(";", &rest);  // nothing belongs behind it
+      TakeUpTo(";", &rest);  // text after the value is ignored
     } else {
       text = TakeUpTo(";", &rest);
     }

@@ -1,6 +1,6 @@
-// Content-Type and Content-Disposition as they are written (RFC 2045, section 5.1; RFC 2231): with
-// semicolons in quotes, comments, names in pieces and in charsets, which the library reads in ways
-// of its own.
+// Parser for Content-Type and Content-Disposition by the rules of RFC 2045, section 5.1, and RFC
+// 2231: semicolons in quotes, comments, names in several pieces and in a charset. The library
+// parses these in its own way.
 #pragma once
 
 #include <optional>
@@ -12,17 +12,17 @@ namespace zqv::cli {
 
 class WrittenParameters {
  public:
-  // `value` is a field's bytes behind the colon.
+  // `value` is the field's bytes after the colon.
   explicit WrittenParameters(std::string_view value);
 
-  // What stands before the parameters, in lower case, without blanks and comments: "text/plain".
+  // The value before the parameters, in lower case, without blanks and comments: "text/plain".
   const std::string& main() const { return main_; }
 
-  // The parameter of that name for a reader, in UTF-8; nothing when there is none. A name in the
-  // form of RFC 2231 goes before one that is written plainly, which mailers add for older readers.
+  // Returns a parameter's value, decoded to UTF-8. Nothing when there is none. The form of RFC 2231
+  // takes precedence over the plain form, which mailers add for older readers.
   std::optional<std::string> Text(std::string_view name) const;
 
-  // Whether a parameter stands there twice, each with another value.
+  // Whether a parameter occurs more than once with different values.
   bool IsRepeated(std::string_view name) const;
 
  private:
@@ -31,7 +31,8 @@ class WrittenParameters {
     std::string value;  // without its quotes
   };
 
-  // The value in pieces "name*0", "name*1*" ..., or in one "name*".
+  // The value of a parameter in the form of RFC 2231: in pieces "name*0", "name*1*" ..., or in one,
+  // "name*".
   std::optional<std::string> ExtendedText(std::string_view name) const;
   const Written* Find(std::string_view name) const;
 

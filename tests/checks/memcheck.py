@@ -65,7 +65,7 @@ VERBS = [
     (["decode", "=?ISO-8859-1?Q?Caf=E9?="], "Café".encode()),
     (["classes"], b"MimeEmailZQV"),
     (["extract", "samples/attachments.eml", "--stdout", "2"], b"%PDF"),
-    (["check", "samples/nested.eml"], b"nothing odd"),
+    (["check", "samples/nested.eml"], b"no findings"),
     (["report", "samples/malformed.eml", "-o", "-"], b"<iframe"),
     (["show", "--json", "samples/nested.eml"], b"plain_text"),
     (["bench", "--rounds", "1", "samples/plain.eml"], b"MB/s"),

@@ -9,7 +9,7 @@ import program
 from packing import tnef, uuencoded, yenc
 from program import SAMPLES, zqv
 
-CLEAN = "nothing odd\n"
+CLEAN = "no findings\n"
 
 # Five fields that are in order; the next line of a message is line 6.
 HEAD = ("From: ada@example.com\nTo: ben@example.org\nDate: Sat, 20 Jan 2024 18:00:00 +0000\n"

@@ -105,7 +105,7 @@ class SchemaTest(program.TestCase):
                        )["properties"]["findings"]["items"]
         codes = finding["properties"]["code"]["enum"]
         source = (SOURCE / "cli/findings.cc").read_text()
-        in_program = re.findall(r'\{Oddity::\w+,\s*"([a-z0-9-]+)"', source)
+        in_program = re.findall(r'\{FindingKind::\w+,\s*"([a-z0-9-]+)"', source)
         self.assertEqual(codes, list(dict.fromkeys(in_program)))
         section = (SOURCE / "docs/zqv.md").read_text().split("## Check")[1].split("\n## ")[0]
         self.assertEqual(codes, re.findall(r"(?m)^\| `([a-z0-9-]+)` \|", section))

@@ -6,9 +6,9 @@
 #include <ostream>
 #include <string>
 
+#include "cli/check_message.h"
 #include "cli/document.h"
 #include "cli/message.h"
-#include "cli/oddities.h"
 #include "cli/report_page.h"
 #include "cli/summary.h"
 #include "tests/interface/child.h"
@@ -58,12 +58,12 @@ constexpr ReaderRow kReaders[] = {
        EXPECT_NE(cli::ReportPage("deep.eml", message).find("The innermost text."),
                  std::string::npos);
      }},
-    {"summary and oddities",
+    {"summary and findings",
      [](const Object& message) {
        const cli::PartTree tree(message);
        const auto attached = cli::ListAttached(message, tree);
        EXPECT_FALSE(cli::SummaryOf(message, tree, cli::MailReading(message)).empty());
-       cli::FindOddities(message, tree, attached);
+       cli::CheckMessage(message, tree, attached);
      }},
 };
 

@@ -41,7 +41,7 @@ TEST(PictureTest, FirstBytesDecide) {
   EXPECT_EQ(PictureType(""), "");
 }
 
-SafeLetter Letter(std::string_view html) {
+SanitizedHtml Letter(std::string_view html) {
   return SafeHtml(html, [](std::string_view id) {
     return id == "a@b" ? std::string("data:image/gif;base64,AA==") : std::string();
   });

@@ -1,31 +1,31 @@
-#include "cli/oddities.h"
+#include "cli/check_message.h"
 
 #include <optional>
 #include <stdexcept>
 
+#include "cli/check_files.h"
+#include "cli/check_parts.h"
+#include "cli/check_source.h"
 #include "cli/message_source.h"
-#include "cli/odd_files.h"
-#include "cli/odd_parts.h"
-#include "cli/odd_source.h"
 
 namespace zqv::cli {
 
-std::vector<Finding> FindOddities(const standin::Object& email, const PartTree& tree,
+std::vector<Finding> CheckMessage(const standin::Object& email, const PartTree& tree,
                                   const std::vector<Attached>& attached) {
   const standin::String bytes = TextMember(email, "Source");
   std::optional<MessageSource> source;
   try {
     source.emplace(bytes.bytes());
   } catch (const std::runtime_error&) {
-    // Beyond the limits of the core: all that needs its tree is left out.
+    // The message exceeds a limit of the parser, so the checks of its bytes are skipped.
   }
   const bool fits = source && source->known() == tree.parts().size();
   Findings findings;
   if (source) {
-    FindInSource(*source, fits, &findings);
-    FindInFiles(*source, FoundFiles(*source), fits, &findings);
+    CheckSource(*source, fits, &findings);
+    CheckFiles(*source, FoundFiles(*source), fits, &findings);
   }
-  FindInParts({email, tree, attached, fits ? &*source : nullptr}, &findings);
+  CheckParts({email, tree, attached, fits ? &*source : nullptr}, &findings);
   return findings.Take();
 }
 

@@ -1,4 +1,4 @@
-#include "cli/odd_source.h"
+#include "cli/check_source.h"
 
 #include <algorithm>
 #include <iterator>
@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "base/ascii.h"
+#include "cli/check_encoded_words.h"
 #include "cli/mail_text.h"
-#include "cli/odd_words.h"
 #include "cli/text.h"
 #include "cli/written_date.h"
 
@@ -24,9 +24,10 @@ using mime::HeaderEnd;
 using mime::Part;
 using mime::PartKind;
 
-// Fields that a header holds once (RFC 5322, section 3.6; RFC 2045, section 3; RFC 2183, section
-// 2). Those that begin with Content- mean something in every header, the others in a message's.
-constexpr std::string_view kOnce[] = {
+// Fields that may occur only once in a header (RFC 5322, section 3.6; RFC 2045, section 3; RFC
+// 2183, section 2). Fields that begin with Content- are checked in every header, the others in the
+// header of a message only.
+constexpr std::string_view kSingleFields[] = {
     "Date",
     "From",
     "Sender",
@@ -48,16 +49,16 @@ constexpr std::string_view kOnce[] = {
 constexpr std::string_view kOfContent = "Content-";
 constexpr std::string_view kDate = "Date";
 
-// The spelling in kOnce; empty for other fields.
-std::string_view OnceName(std::string_view name) {
-  const auto found = std::find_if(std::begin(kOnce), std::end(kOnce), [&](std::string_view once) {
-    return EqualsIgnoringCase(once, name);
-  });
-  return found == std::end(kOnce) ? std::string_view() : *found;
+// Returns the name as it is spelt in kSingleFields. Empty for other fields.
+std::string_view SingleFieldName(std::string_view name) {
+  const auto found =
+      std::find_if(std::begin(kSingleFields), std::end(kSingleFields),
+                   [&](std::string_view once) { return EqualsIgnoringCase(once, name); });
+  return found == std::end(kSingleFields) ? std::string_view() : *found;
 }
 
-// The first line of a header that a CR alone ends while another ends otherwise; null when there is
-// none.
+// Finds the first line of a header that ends with a single CR, if the header also has other line
+// ends. Null when there is none.
 const char* LoneCrLine(std::string_view header) {
   const char* lone = nullptr;
   bool has_other_ends = false;
@@ -71,7 +72,8 @@ const char* LoneCrLine(std::string_view header) {
   return has_other_ends ? lone : nullptr;
 }
 
-// The line that begins the last field of a header that has no end; null when it has no field.
+// Finds the line at which the last field begins, in a header that ends with the message. Null when
+// it has no field.
 const char* LastFieldLine(std::string_view header) {
   const char* last = nullptr;
   ForEachLine(header, [&](std::string_view line, std::string_view) {
@@ -80,9 +82,9 @@ const char* LastFieldLine(std::string_view header) {
   return last;
 }
 
-class Search {
+class SourceChecker {
  public:
-  Search(const MessageSource& source, bool fits, Findings* findings)
+  SourceChecker(const MessageSource& source, bool fits, Findings* findings)
       : source_(source),
         fits_(fits),
         findings_(*findings),
@@ -102,7 +104,7 @@ class Search {
   }
 
  private:
-  // A line of the part that is checked.
+  // A place in the current part.
   Place At(std::size_t line) const {
     return {fits_ && index_ < source_.known() ? std::optional(index_) : std::nullopt, line};
   }
@@ -118,14 +120,14 @@ class Search {
     return part.parent == mime::kNoPart ? nullptr : &source_.parts()[part.parent];
   }
 
-  // The message itself or one that is attached.
+  // Whether the part is the message itself or an attached message.
   bool IsMessage(const Part& part) const {
     const Part* const parent = ParentOf(part);
     return parent == nullptr || parent->kind == PartKind::kMessage;
   }
 
-  // Whether a part is a message that has no header to be read: it was attached in base64, or begins
-  // within the line that ended the header in front of it.
+  // Whether the part is an attached message whose header cannot be parsed: the message is encoded
+  // in base64, or it begins within the line that ended the header before it.
   bool HasNoHeader(const Part& part) const {
     const Part* const parent = ParentOf(part);
     if (parent == nullptr || parent->kind != PartKind::kMessage) return false;
@@ -137,9 +139,9 @@ class Search {
   void CheckHeaderEnd(const Part& part) {
     if (HasNoHeader(part)) return;
     const std::string_view boundary = boundaries_in_headers_[index_];
-    if (const char* lone = LoneCrLine(part.header)) findings_.Add(Oddity::kLoneCr, At(lone));
+    if (const char* lone = LoneCrLine(part.header)) findings_.Add(FindingKind::kLoneCr, At(lone));
     if (boundary.data() != nullptr) {
-      findings_.Add(Oddity::kDelimiterInHeader, At(boundary.data()), {Quoted(boundary)});
+      findings_.Add(FindingKind::kDelimiterInHeader, At(boundary.data()), {Quoted(boundary)});
       return;
     }
     const char* const end = part.header.data() + part.header.size();
@@ -147,11 +149,12 @@ class Search {
       case HeaderEnd::kEmptyLine:
         break;
       case HeaderEnd::kOtherLine:
-        findings_.Add(Oddity::kNoBlankLine, At(end), {Quoted(source_.lines().RestOfLine(end))});
+        findings_.Add(FindingKind::kNoBlankLine, At(end),
+                      {Quoted(source_.lines().RestOfLine(end))});
         break;
       case HeaderEnd::kMessageEnd:
         if (const char* last = LastFieldLine(part.header)) {
-          findings_.Add(Oddity::kCutHeader, At(last));
+          findings_.Add(FindingKind::kCutHeader, At(last));
         }
     }
   }
@@ -161,56 +164,56 @@ class Search {
     const Place place = At(*source_.message().HeaderOf(part).Find(FieldName::kContentType));
     const std::string boundary = SafeText(part.boundary, Lines::kOne);
     if (boundary.empty()) {
-      findings_.Add(Oddity::kNoBoundary, place);
+      findings_.Add(FindingKind::kNoBoundary, place);
     } else if (part.first_child == mime::kNoPart) {
-      findings_.Add(Oddity::kEmptyMultipart, place, {boundary});
+      findings_.Add(FindingKind::kEmptyMultipart, place, {boundary});
     } else if (!part.is_closed && lines_in_headers_.count("--" + boundary + "--") == 0) {
       const std::size_t line = source_.LineAfter(part);
       const std::string end =
           line == kNoLine ? std::string("the end of the message") : "line " + std::to_string(line);
-      findings_.Add(Oddity::kUnterminatedMultipart, place, {boundary, end});
+      findings_.Add(FindingKind::kUnterminatedMultipart, place, {boundary, end});
     }
   }
 
   void CheckRepeatedFields(const Part& part) {
     struct Seen {
       std::size_t count = 0;
-      std::size_t line = kNoLine;  // of the second
+      std::size_t line = kNoLine;  // of the second occurrence
     };
     std::unordered_map<std::string_view, Seen> seen;
     for (std::size_t i = 0; i < part.field_count; ++i) {
       const mime::Field& field = FieldAt(part, i);
-      const std::string_view name = OnceName(field.name);
-      if (name.empty() || !MeansSomething(name, part)) continue;
+      const std::string_view name = SingleFieldName(field.name);
+      if (name.empty() || !AppliesTo(name, part)) continue;
       Seen& times = seen[name];
       if (++times.count == 2) times.line = source_.LineOf(field);
     }
     for (const auto& [name, times] : seen) {
       if (times.count < 2) continue;
-      findings_.Add(Oddity::kRepeatedField, At(times.line),
+      findings_.Add(FindingKind::kRepeatedField, At(times.line),
                     {name, std::to_string(times.count), name == kDate ? "last" : "first"});
     }
   }
 
-  bool MeansSomething(std::string_view name, const Part& part) const {
+  bool AppliesTo(std::string_view name, const Part& part) const {
     return IsMessage(part) || EqualsIgnoringCase(name.substr(0, kOfContent.size()), kOfContent);
   }
 
   void CheckField(const Part& part, const mime::Field& field) {
     const std::string_view value = ValueBytes(field);
     if (value.find('\0') != std::string_view::npos) {
-      findings_.Add(Oddity::kZeroByteInField, At(field), {field.name});
+      findings_.Add(FindingKind::kZeroByteInField, At(field), {field.name});
     }
     if (IsMessage(part) && field.known == FieldName::kDate) CheckDate(field);
-    FindInWords(field.name, value, At(field), &findings_);
+    CheckEncodedWords(field.name, value, At(field), &findings_);
   }
 
   void CheckDate(const mime::Field& field) {
     const std::string value = Unfolded(ValueBytes(field));
     const DateFault fault = FindDateFault(value);
     if (fault == DateFault::kNone) return;
-    findings_.Add(fault == DateFault::kNoDate ? Oddity::kBadDate : Oddity::kEarlyYear, At(field),
-                  {Quoted(value)});
+    findings_.Add(fault == DateFault::kNoDate ? FindingKind::kBadDate : FindingKind::kEarlyYear,
+                  At(field), {Quoted(value)});
   }
 
   void CheckLostParts() {
@@ -219,21 +222,22 @@ class Search {
     index_ = source_.known();
     const std::string what =
         count == 1 ? "this part is" : "the " + std::to_string(count) + " parts from here on are";
-    findings_.Add(Oddity::kLostParts, At(source_.LineOf(source_.parts()[index_])), {what});
+    findings_.Add(FindingKind::kLostParts, At(source_.LineOf(source_.parts()[index_])), {what});
   }
 
   const MessageSource& source_;
   const bool fits_;
   Findings& findings_;
   const std::vector<std::string_view> boundaries_in_headers_;  // by part
-  std::unordered_set<std::string_view> lines_in_headers_;  // the same, without blanks behind them
+  // The lines of `boundaries_in_headers_` without blanks at their ends.
+  std::unordered_set<std::string_view> lines_in_headers_;
   std::size_t index_ = 0;
 };
 
 }  // namespace
 
-void FindInSource(const MessageSource& source, bool fits, Findings* findings) {
-  Search(source, fits, findings).Run();
+void CheckSource(const MessageSource& source, bool fits, Findings* findings) {
+  SourceChecker(source, fits, findings).Run();
 }
 
 }  // namespace zqv::cli

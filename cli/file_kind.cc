@@ -1,4 +1,4 @@
-#include "cli/no_message.h"
+#include "cli/file_kind.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -32,10 +32,10 @@ constexpr Kind kKinds[] = {
     {"SQLite format 3", "a database"},
 };
 
-// What the name of a field is made of (RFC 5322, section 2.2).
+// Whether a character may be in the name of a field (RFC 5322, section 2.2).
 bool IsNameCharacter(char c) { return c > ' ' && c < '\x7F' && c != ':'; }
 
-// Whether a line is a field such as "Subject: x", with or without blanks before the colon.
+// Whether a line begins like a field, such as "Subject: x". Blanks before the colon are accepted.
 bool IsField(std::string_view line) {
   const auto end = std::find_if_not(line.begin(), line.end(), IsNameCharacter);
   const auto length = static_cast<std::size_t>(end - line.begin());
@@ -52,12 +52,12 @@ std::string_view MessageInEmlx(std::string_view file) {
   return is_one ? file.substr(line_end + 1, *size) : std::string_view();
 }
 
-std::string WhyNoMessage(std::string_view start) {
+std::string WhyNotAMessage(std::string_view start) {
   start = base::WithoutByteOrderMark(start);
   for (const Kind& kind : kKinds) {
     if (start.substr(0, kind.start.size()) == kind.start) return kind.words;
   }
-  // The library says itself what is wrong with an empty file and with a first byte that is high.
+  // The library reports an empty file and a first byte above 0x7F itself.
   if (start.empty() || static_cast<unsigned char>(start.front()) >= 0x80) return {};
   bool has_zero = false;
   while (!start.empty()) {

@@ -1,4 +1,4 @@
-// What is odd about the parts that the library gives, and about what it read in them.
+// Checks the library's result for each part: charset, transfer encoding, file name, and lists.
 #pragma once
 
 #include <vector>
@@ -14,9 +14,9 @@ struct PartsToCheck {
   const standin::Object& email;
   const PartTree& tree;
   const std::vector<Attached>& attached;
-  const MessageSource* source;  // null: the parts' lines are not known
+  const MessageSource* source;  // null: findings have no line
 };
 
-void FindInParts(const PartsToCheck& parts, Findings* findings);
+void CheckParts(const PartsToCheck& parts, Findings* findings);
 
 }  // namespace zqv::cli

@@ -1,4 +1,4 @@
-#include "cli/odd_words.h"
+#include "cli/check_encoded_words.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -18,7 +18,7 @@ namespace {
 
 using standin::String;
 
-// What the library makes of an ASCII text; nil when it cannot be asked.
+// Decodes an ASCII text with the library. Nil when the library lacks that method.
 String Decoded(std::string_view text) {
   try {
     const standin::Value result =
@@ -31,7 +31,7 @@ String Decoded(std::string_view text) {
   }
 }
 
-// Whether the charset of the last word is not that of all words that are not ASCII.
+// Whether the words have different charsets. Words in ASCII do not count.
 bool IsMixed(const std::vector<String>& words, std::string_view value) {
   const abi::Encoding whole = Decoded(value).encoding();
   return std::any_of(words.begin(), words.end(), [&](const String& word) {
@@ -41,8 +41,8 @@ bool IsMixed(const std::vector<String>& words, std::string_view value) {
 
 }  // namespace
 
-void FindInWords(std::string_view name, std::string_view value, const Place& place,
-                 Findings* findings) {
+void CheckEncodedWords(std::string_view name, std::string_view value, const Place& place,
+                       Findings* findings) {
   const std::string unfolded = Unfolded(value);
   bool has_lower_case = false;
   bool has_unknown = false;
@@ -50,18 +50,18 @@ void FindInWords(std::string_view name, std::string_view value, const Place& pla
   for (const EncodedWord& word : EncodedWordsOf(unfolded)) {
     if (word.letter == 'b' || word.letter == 'q') {
       if (std::exchange(has_lower_case, true)) continue;
-      findings->Add(Oddity::kLowerCaseWord, place,
+      findings->Add(FindingKind::kLowerCaseWord, place,
                     {name, std::string_view(&word.letter, 1), Quoted(word.text)});
       continue;
     }
     decoded_words.push_back(Decoded(word.text));
     if (decoded_words.back().bytes() == word.text && !std::exchange(has_unknown, true)) {
-      findings->Add(Oddity::kUnknownWordCharset, place, {name, Quoted(word.charset)});
+      findings->Add(FindingKind::kUnknownWordCharset, place, {name, Quoted(word.charset)});
     }
   }
   if (!has_unknown && base::EqualsIgnoringCase(name, "Subject") &&
       IsMixed(decoded_words, unfolded)) {
-    findings->Add(Oddity::kMixedCharsets, place, {name});
+    findings->Add(FindingKind::kMixedCharsets, place, {name});
   }
 }
 

@@ -1,4 +1,4 @@
-#include "cli/odd_files.h"
+#include "cli/check_files.h"
 
 #include <algorithm>
 #include <optional>
@@ -15,9 +15,9 @@ namespace {
 
 using mime::PartIndex;
 
-class Search {
+class FileChecker {
  public:
-  Search(const MessageSource& source, const FoundFiles& files, bool fits, Findings* findings)
+  FileChecker(const MessageSource& source, const FoundFiles& files, bool fits, Findings* findings)
       : source_(source), files_(files), fits_(fits), findings_(*findings) {}
 
   void Run() {
@@ -32,7 +32,7 @@ class Search {
     return {fits_ && part < source_.known() ? std::optional<std::size_t>(part) : std::nullopt,
             source_.LineOf(source_.parts()[part])};
   }
-  // The line of the part's first field of that name, or the part's.
+  // The place of the part's first field of this name, or of the part if it has none.
   Place At(PartIndex part, std::string_view name) const {
     Place place = At(part);
     const std::string_view value = WrittenField(source_, part, name);
@@ -47,14 +47,15 @@ class Search {
     const bool is_good = std::any_of(entries.begin(), entries.end(), [](const std::string& entry) {
       return !MailboxOf(entry).empty();
     });
-    if (!is_good) findings_.Add(Oddity::kNoSender, At(0, "From"), {Quoted(Trim(value))});
+    if (!is_good) findings_.Add(FindingKind::kNoSender, At(0, "From"), {Quoted(Trim(value))});
   }
 
   void CheckType() {
     const bool is_there = WrittenField(source_, 0, "Content-Type").data() != nullptr;
     const mime::Part& top = source_.parts().front();
     const bool is_cut = top.header_end == mime::HeaderEnd::kMessageEnd;
-    if (!is_there && !is_cut && top.field_count > 0) findings_.Add(Oddity::kNoContentType, At(0));
+    if (!is_there && !is_cut && top.field_count > 0)
+      findings_.Add(FindingKind::kNoContentType, At(0));
   }
 
   void CheckParameters(PartIndex part) {
@@ -64,10 +65,10 @@ class Search {
       const WrittenParameters parameters(value);
       for (const char* const name : {"boundary", "charset", "filename", "name"}) {
         if (!parameters.IsRepeated(name)) continue;
-        findings_.Add(Oddity::kRepeatedParameter, At(part, field), {name, field});
+        findings_.Add(FindingKind::kRepeatedParameter, At(part, field), {name, field});
       }
       if (parameters.main() == "message/partial") {
-        findings_.Add(Oddity::kPiece, At(part, field));
+        findings_.Add(FindingKind::kPiece, At(part, field));
       }
     }
   }
@@ -75,12 +76,12 @@ class Search {
   void CheckFile(const FoundFile& file) {
     const std::string name = Quoted(file.name);
     if (file.packing != Packing::kNone) {
-      findings_.Add(Oddity::kPackedFile, At(file.part), {name, PackingName(file.packing)});
+      findings_.Add(FindingKind::kPackedFile, At(file.part), {name, PackingName(file.packing)});
     } else if (file.is_named && file.is_empty) {
-      findings_.Add(Oddity::kEmptyFile, At(file.part), {name});
+      findings_.Add(FindingKind::kEmptyFile, At(file.part), {name});
     } else if (file.is_named &&
                (file.part == files_.plain_text() || file.part == files_.html_text())) {
-      findings_.Add(Oddity::kNamedText, At(file.part), {name});
+      findings_.Add(FindingKind::kNamedText, At(file.part), {name});
     }
   }
 
@@ -92,9 +93,9 @@ class Search {
 
 }  // namespace
 
-void FindInFiles(const MessageSource& source, const FoundFiles& files, bool fits,
-                 Findings* findings) {
-  Search(source, files, fits, findings).Run();
+void CheckFiles(const MessageSource& source, const FoundFiles& files, bool fits,
+                Findings* findings) {
+  FileChecker(source, files, fits, findings).Run();
 }
 
 }  // namespace zqv::cli

@@ -1,4 +1,4 @@
-#include "cli/odd_parts.h"
+#include "cli/check_parts.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -23,53 +23,54 @@ using mime::FieldName;
 using standin::Object;
 using standin::String;
 
-// What a part's objects say of it.
+// A part as the library's objects describe it.
 struct Part {
   std::size_t index;
   bool has_parts;
   Object header;
   std::string content_type;
-  std::vector<Parameter> parameters;  // of that
-  String body;                        // as it stands in the message
+  std::vector<Parameter> parameters;  // of `content_type`
+  String body;                        // undecoded
   String decoded;
 
   bool IsOfType(std::string_view type) const {
     const std::string_view own = TypeOf(content_type);
     return EqualsIgnoringCase(own.substr(0, own.find('/')), type);
   }
-  std::string_view Said(std::string_view name) const {
+  std::string_view ParameterValue(std::string_view name) const {
     const Parameter* const parameter = FindParameter(parameters, name);
     return parameter == nullptr ? std::string_view() : parameter->value;
   }
 };
 
-// Whether text that is labelled as ASCII or UTF-8 is none.
+// Whether a text labelled ASCII or UTF-8 is not well-formed in it.
 bool IsWronglyLabelled(const String& text) {
   if (text.encoding() == abi::kAscii) return !base::IsAscii(text.bytes());
   return text.encoding() == abi::kUtf8 && !text.Utf8();
 }
 
-// charset'language'value, of which the library takes off nothing when there is a language.
+// Whether a name is a value of RFC 2231 such as utf-8'en'name. The library does not decode a value
+// with a language.
 bool IsExtendedValue(std::string_view name) {
   return std::count(name.begin(), name.end(), '\'') >= 2;
 }
 
-Oddity OddityOf(Base64Fault fault) {
+FindingKind FindingOf(Base64Fault fault) {
   switch (fault) {
     case Base64Fault::kForeign:
-      return Oddity::kForeignInBase64;
+      return FindingKind::kForeignInBase64;
     case Base64Fault::kMore:
-      return Oddity::kMoreBase64;
+      return FindingKind::kMoreBase64;
     case Base64Fault::kCut:
     case Base64Fault::kNone:
       break;
   }
-  return Oddity::kCutBase64;
+  return FindingKind::kCutBase64;
 }
 
-class Search {
+class PartChecker {
  public:
-  Search(const PartsToCheck& parts, Findings* findings)
+  PartChecker(const PartsToCheck& parts, Findings* findings)
       : tree_(parts.tree),
         source_(parts.source),
         findings_(*findings),
@@ -90,7 +91,7 @@ class Search {
       if (part.IsOfType("text") || part.content_type == "/") CheckText(part);
       CheckName(part);
       CheckLists(part);
-      CheckFrame(part);
+      CheckListedMultipart(part);
     }
   }
 
@@ -105,7 +106,7 @@ class Search {
     return part;
   }
 
-  // Null when it is not known.
+  // The part in the bytes; null when it is not known.
   const mime::Part* SourceOf(const Part& part) const {
     return source_ == nullptr ? nullptr : &source_->parts()[part.index];
   }
@@ -116,13 +117,13 @@ class Search {
     return source != nullptr && source->header_end == mime::HeaderEnd::kMessageEnd;
   }
 
-  // The line in which the part begins.
+  // The place where the part begins.
   Place At(const Part& part) const {
     const mime::Part* const source = SourceOf(part);
     return {part.index, source == nullptr ? kNoLine : source_->LineOf(*source)};
   }
 
-  // The line of a field, or else that in which the part begins.
+  // The place of a field, or of the part if it lacks the field.
   Place At(const Part& part, FieldName name) const {
     const mime::Part* const source = SourceOf(part);
     if (source == nullptr) return At(part);
@@ -140,14 +141,14 @@ class Search {
       if (source != nullptr && i < source->field_count) {
         place.line = source_->LineOf(source_->message().fields()[source->first_field + i]);
       }
-      findings_.Add(Oddity::kFieldBytes, place, {SafeLine(TextMember(fields[i], "Name"))});
+      findings_.Add(FindingKind::kFieldBytes, place, {SafeLine(TextMember(fields[i], "Name"))});
     }
   }
 
   void CheckType(const Part& part) {
     const std::string_view type = TypeOf(part.content_type);
     if (type.size() < 2 || (type.front() != '/' && type.back() != '/')) return;
-    findings_.Add(Oddity::kBadContentType, At(part, FieldName::kContentType), {Quoted(type)});
+    findings_.Add(FindingKind::kBadContentType, At(part, FieldName::kContentType), {Quoted(type)});
   }
 
   void CheckTransferEncoding(const Part& part) {
@@ -158,38 +159,39 @@ class Search {
     };
     if (EqualsIgnoringCase(TypeOf(part.content_type), "message/rfc822")) {
       if (!is("base64") && !is("quoted-printable")) return;
-      findings_.Add(Oddity::kEncodedMessage, At(part, kField), {SafeLine(mechanism)});
+      findings_.Add(FindingKind::kEncodedMessage, At(part, kField), {SafeLine(mechanism)});
       return;
     }
     if (part.has_parts || part.IsOfType("multipart") || IsNothing(part)) return;
     if (part.decoded.IsNil() && !email::is_known_mechanism(mechanism.bytes())) {
-      findings_.Add(Oddity::kUnknownTransferEncoding, At(part, kField),
+      findings_.Add(FindingKind::kUnknownTransferEncoding, At(part, kField),
                     {Quoted(mechanism.bytes())});
     }
     if (!is("base64")) return;
     const Base64Fault fault = FindBase64Fault(part.body.bytes());
     if (fault == Base64Fault::kNone) return;
-    findings_.Add(OddityOf(fault), At(part, kField));
+    findings_.Add(FindingOf(fault), At(part, kField));
   }
 
   void CheckText(const Part& part) {
     if (part.decoded.IsNil()) return;
     const Place place = At(part, FieldName::kContentType);
-    const std::string_view charset = part.Said("charset");
+    const std::string_view charset = part.ParameterValue("charset");
     if (charset.empty()) {
-      if (part.decoded.encoding() == abi::kMacRoman) findings_.Add(Oddity::kGuessedCharset, place);
+      if (part.decoded.encoding() == abi::kMacRoman)
+        findings_.Add(FindingKind::kGuessedCharset, place);
     } else if (part.decoded.encoding() == abi::kUnknownEncoding) {
-      findings_.Add(Oddity::kUnknownCharset, place, {Quoted(charset)});
+      findings_.Add(FindingKind::kUnknownCharset, place, {Quoted(charset)});
     } else if (IsWronglyLabelled(part.decoded)) {
-      findings_.Add(Oddity::kWrongCharset, place, {Quoted(charset)});
+      findings_.Add(FindingKind::kWrongCharset, place, {Quoted(charset)});
     }
     if (part.decoded.bytes().find('\0') != std::string_view::npos) {
-      findings_.Add(Oddity::kZeroByteInText, place);
+      findings_.Add(FindingKind::kZeroByteInText, place);
     }
   }
 
-  // A leaf without bytes is nothing that could be decoded or listed, unless it is a file: the
-  // library lists an empty one, but not in an unknown transfer encoding.
+  // Whether a leaf has no bytes that could be decoded or listed. An empty part with a file name
+  // counts as a file, because the library lists it, except with an unknown transfer encoding.
   static bool IsNothing(const Part& part) {
     if (!part.body.IsNil()) return false;
     const WrittenParameters disposition(TextMember(part.header, "ContentDisposition").bytes());
@@ -214,14 +216,15 @@ class Search {
       const std::string name = PlainLine(TextMember(found->second, "Filename"));
       const bool stays = HasPercentEscape(name) || IsExtendedValue(name);
       if (stays)
-        findings_.Add(Oddity::kEncodedName, At(part, FieldName::kContentDisposition),
+        findings_.Add(FindingKind::kEncodedName, At(part, FieldName::kContentDisposition),
                       {Quoted(name)});
     } else if (!AddUnreadName(part, FieldName::kContentDisposition, parameters)) {
       AddUnreadName(part, FieldName::kContentType, part.parameters);
     }
   }
 
-  // Whether the field has a name in a form that the library passes over.
+  // Adds a finding if the field has a file name in a form that the library ignores. Returns whether
+  // it did.
   bool AddUnreadName(const Part& part, FieldName field, const std::vector<Parameter>& parameters) {
     const auto found = std::find_if(parameters.begin(), parameters.end(), [](const Parameter& p) {
       const std::size_t star = p.name.find('*');
@@ -230,15 +233,15 @@ class Search {
              (EqualsIgnoringCase(stem, "filename") || EqualsIgnoringCase(stem, "name"));
     });
     if (found == parameters.end()) return false;
-    findings_.Add(Oddity::kUnreadName, At(part, field), {SafeText(found->name, Lines::kOne)});
+    findings_.Add(FindingKind::kUnreadName, At(part, field), {SafeText(found->name, Lines::kOne)});
     return true;
   }
 
-  // Containers that are listed besides the parts in them.
-  void CheckFrame(const Part& part) {
+  // Reports a multipart that the library lists as an attachment in addition to its parts.
+  void CheckListedMultipart(const Part& part) {
     if (records_.find(part.index) == records_.end()) return;
     if (!part.has_parts || !part.IsOfType("multipart")) return;
-    findings_.Add(Oddity::kFrame, At(part), {Quoted(TypeOf(part.content_type))});
+    findings_.Add(FindingKind::kListedMultipart, At(part), {Quoted(TypeOf(part.content_type))});
   }
 
   void CheckLists(const Part& part) {
@@ -246,13 +249,14 @@ class Search {
     if (records_.find(part.index) != records_.end()) return;
     const auto is = [&](const String& text) { return text.bytes() == part.decoded.bytes(); };
     if (!part.decoded.IsNil() && (is(plain_text_) || is(html_text_))) return;
-    findings_.Add(Oddity::kUnlistedPart, At(part));
+    findings_.Add(FindingKind::kUnlistedPart, At(part));
   }
 
   const PartTree& tree_;
   const MessageSource* const source_;
   Findings& findings_;
-  std::unordered_map<std::size_t, Object> records_;  // of what is attached, by part
+  // Attachments and inline parts, by the index of their part.
+  std::unordered_map<std::size_t, Object> records_;
   bool knows_lists_ = true;
   const String plain_text_;
   const String html_text_;
@@ -260,6 +264,8 @@ class Search {
 
 }  // namespace
 
-void FindInParts(const PartsToCheck& parts, Findings* findings) { Search(parts, findings).Run(); }
+void CheckParts(const PartsToCheck& parts, Findings* findings) {
+  PartChecker(parts, findings).Run();
+}
 
 }  // namespace zqv::cli
