@@ -1,6 +1,6 @@
 # Where the source of mimetic comes from: the tarball or folder named by ZQV_MIMETIC_SOURCE, or the
 # distribution's source package, fetched once into the cache that all presets share. Whatever the
-# way, a private copy is made in this build folder, and only that copy is mended.
+# way, a private copy is made in this build folder, and only that copy is patched.
 
 set(zqv_mimetic_sha256 3a07d68d125f5e132949b078c7275d5eb0078dd649079bd510dd12b969096700)
 set(zqv_mimetic_tarball mimetic_0.9.8.orig.tar.gz)
@@ -31,7 +31,7 @@ function(zqv_fetch_mimetic result)
   set(${result} ${tarball} PARENT_SCOPE)
 endfunction()
 
-# What the prepared copy is made from, as one hash: the source and the files that mend it.
+# What the prepared copy is made from, as one hash: the source, the patches, and what applies them.
 function(zqv_mimetic_fingerprint source result)
   set(parts "")
   if(IS_DIRECTORY ${source})
@@ -39,9 +39,9 @@ function(zqv_mimetic_fingerprint source result)
   else()
     set(files ${source})
   endif()
+  zqv_mimetic_patches(patches)
   foreach(file IN LISTS files ITEMS
-      ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/mendings.cmake
-      ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/mend.cmake)
+      ${patches} ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/patch.cmake)
     file(SHA256 ${file} hash)
     string(APPEND parts "${file} ${hash}\n")
   endforeach()
@@ -61,7 +61,7 @@ function(zqv_unpack_mimetic source root)
   endif()
 endfunction()
 
-# Leaves the mended source in `root`; does nothing when it is there already.
+# Leaves the patched source in `root`; does nothing when it is there already.
 function(zqv_prepare_mimetic root)
   set(source "${ZQV_MIMETIC_SOURCE}")
   if(source STREQUAL "")
@@ -81,7 +81,7 @@ function(zqv_prepare_mimetic root)
   endif()
   if(NOT fingerprint STREQUAL "${prepared}")
     zqv_unpack_mimetic(${source} ${root})
-    zqv_mend_mimetic(${root})
+    zqv_patch_mimetic(${root})
     file(WRITE ${stamp} ${fingerprint})
   endif()
 endfunction()
