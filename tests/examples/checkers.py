@@ -1,12 +1,15 @@
 """Runs the checkers of Xojo code. The zqv program is named on the command line: --zqv FILE."""
 
 import argparse
+import functools
 import pathlib
 import shutil
 import subprocess
 import sys
 import tempfile
 import unittest
+
+import usage
 
 TOP = pathlib.Path(__file__).resolve().parents[2]
 EXAMPLES = TOP / "examples"
@@ -49,14 +52,16 @@ class TestCase(unittest.TestCase):
         self.assertEqual(data.count(old.encode("utf-8")), 1, f"{old} in {path}")
         path.write_bytes(data.replace(old.encode("utf-8"), new.encode("utf-8")))
 
-    def classes(self):
-        """A file of what the library registers."""
-        run = subprocess.run([self.zqv, "classes"], capture_output=True, timeout=TIMEOUT,
-                             check=True)
-        return self.write("classes.txt", run.stdout)
+    @classmethod
+    @functools.cache
+    def classes(cls):
+        """The list of what the library registers."""
+        return subprocess.run([cls.zqv, "classes"], capture_output=True, timeout=TIMEOUT,
+                              encoding="utf-8", check=True).stdout
 
-    def check_usage(self, *arguments):
-        return run_script("check_usage.py", "--classes", self.classes(), *arguments)
+    def check_usage(self, *paths):
+        """What usage.check says of files and folders of code."""
+        return usage.check(self.classes(), paths)
 
 
 def main():
