@@ -16,7 +16,7 @@ struct DateFields {
 
 // Parses a date. QUIRK: never fails: a text that is no date gives the numbers that mimetic (the
 // MIME library, THIRD_PARTY.md) gives, an empty one those of 1 January 1970. Equal to mimetic's
-// result. Test: Dates.TakeWhatTheLibraryReads.
+// result. Test: Dates.TakeWhatMimeticReads.
 DateFields ReadDateText(std::string_view text);
 
 // The text of the date in the value of a Received field: everything after the first ";" that has a

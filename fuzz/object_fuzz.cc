@@ -16,8 +16,8 @@
 #include "fuzz/target.h"
 #include "standin/application.h"
 #include "standin/mirror.h"
-#include "tests/reference/encoded_word_twin.h"
-#include "tests/reference/utf8_twin.h"
+#include "tests/reference/reference_encoded_word.h"
+#include "tests/reference/reference_utf8.h"
 
 namespace zqv::fuzz {
 namespace {

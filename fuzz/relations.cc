@@ -10,7 +10,7 @@
 #include "base/ascii.h"
 #include "fuzz/reading.h"
 #include "fuzz/target.h"
-#include "tests/reference/utf8_twin.h"
+#include "tests/reference/reference_utf8.h"
 
 namespace zqv::fuzz {
 namespace {

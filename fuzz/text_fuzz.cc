@@ -16,11 +16,11 @@
 #include "email/transfer.h"
 #include "fuzz/alphabet.h"
 #include "fuzz/target.h"
-#include "tests/reference/charset_twin.h"
-#include "tests/reference/encoded_word_twin.h"
-#include "tests/reference/html_twin.h"
-#include "tests/reference/transfer_twin.h"
-#include "tests/reference/utf8_twin.h"
+#include "tests/reference/reference_charset.h"
+#include "tests/reference/reference_encoded_word.h"
+#include "tests/reference/reference_html.h"
+#include "tests/reference/reference_transfer.h"
+#include "tests/reference/reference_utf8.h"
 #include "tests/unit/text/tables.h"
 #include "text/charset.h"
 #include "text/encoded_word.h"
@@ -55,7 +55,7 @@ void CompareCharset(const std::string& name) {
   Expect(text::GetEncodingValue(name) == ExpectedEncoding(name), "encoding of a charset name");
 }
 
-abi::Encoding DetectedByTwin(const std::string& text) {
+abi::Encoding ReferenceEncoding(const std::string& text) {
   const auto is_high = [](char c) { return static_cast<unsigned char>(c) >= 0x80; };
   if (std::none_of(text.begin(), text.end(), is_high)) return abi::kAscii;
   return reference::IsUtf8(text) ? abi::kUtf8 : abi::kMacRoman;
@@ -71,7 +71,7 @@ std::string ExpectedWords(const std::string& text, bool unquote) {
   std::string result = is_decoded ? words.bytes : text;
   if (unquote) result = reference::StripQuotes(result);
   result = result.substr(0, result.find('\0'));
-  if (!is_decoded) encoding = DetectedByTwin(result);
+  if (!is_decoded) encoding = ReferenceEncoding(result);
   return Show(result, encoding);
 }
 
@@ -101,7 +101,7 @@ void CompareHtml(const std::string& text) {
 
 void CompareUtf8(const std::string& text) {
   Expect(base::is_utf8(text.data(), text.size()) == reference::IsUtf8(text), "is_utf8");
-  Expect(base::DetectEncoding(text) == DetectedByTwin(text), "encoding of bytes");
+  Expect(base::DetectEncoding(text) == ReferenceEncoding(text), "encoding of bytes");
   std::u32string code_points(text.size(), U'\0');
   const base::Conversion conversion = base::Utf8ToUtf32(text, code_points.data());
   code_points.resize(conversion.written);

@@ -152,7 +152,7 @@ void rbText::ReadUnknownEncoding() {
   encoding_ = replaced_ ? entry::REALGetStringEncoding(replaced_.get()) : abi::kMacRoman;
   state_ = State::kNeedsHost;
   // QUIRK: logged once in a process, even when the copy was made. Part of the interface's contract;
-  // changing it is a major version. Test: TextReader.SaysOnceThatTheRebuildFailed.
+  // changing it is a major version. Test: TextReader.LogsOnceThatTheRebuildFailed.
   static std::atomic<bool> g_logged{false};
   if (!g_logged.exchange(true)) ZQV_LOG("REALBuildUnicodeString failed");
 }

@@ -164,7 +164,7 @@ enum class ListKind { kMailboxes, kAddresses };
 // entry. Equal to mimetic's result. Test: Addresses.EmptyEntries.
 // QUIRK: in a list of addresses no comma ends an entry between a colon and the next semicolon, even
 // if the colon does not begin a group. Equal to mimetic's result.
-// Test: Addresses.AColonSwallowsTheAddressesBehindIt.
+// Test: Addresses.AColonMakesLaterAddressesMembersOfItsGroup.
 template <class Visit>
 void ForEachEntry(std::string_view list, ListKind kind, Visit visit) {
   CharacterFinder<'"', ',', ':', ';'> finder(list);
@@ -401,7 +401,7 @@ class Reader {
 
   // Appends a mailbox's text, made of its parts. QUIRK: a source route is written instead of the
   // label and the '<', and not at all without a label. Equal to mimetic's result.
-  // Test: Addresses.ASourceRouteTakesTheLabelsPlace.
+  // Test: Addresses.ASourceRouteReplacesTheLabel.
   void AppendParts(const Mailbox& parts) {
     const bool has_label = !parts.label.empty();
     if (has_label && !parts.source_route.empty()) {

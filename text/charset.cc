@@ -23,7 +23,7 @@ struct Row {
 // QUIRK: "ASAX341963" is no registered charset, "TIS620" has the number of ISO885911, and the names
 // that say that the charset is unknown have the number of ISO 8859-1, which gives every byte a
 // character. Part of the interface's contract; changing it is a major version.
-// Test: Charset.KeepsTheOddRows.
+// Test: Charset.KeepsTheUnusualRows.
 constexpr Row kCharsets[] = {
     // clang-format off
     {"utf8",           0x08000100},

@@ -313,7 +313,7 @@ char32_t FindHtmlEntity(std::u32string_view beginning) {
   // QUIRK: a name that is a prefix of several gives the first of them, even if a later row has
   // exactly that name: "sigma" gives "sigmaf", "or" gives "ordf", "sup" gives "sup2". Part of the
   // interface's contract; changing it is a major version.
-  // Test: HtmlEntities.TheFirstRowThatBeginsSoWins.
+  // Test: HtmlEntities.TheFirstRowWithThePrefixWins.
   for (std::size_t i = kIndex.first[beginning.front()]; i < kIndex.first[beginning.front() + 1];
        ++i) {
     const HtmlEntity& row = kHtmlEntities[kIndex.rows[i]];

@@ -1,4 +1,4 @@
-// The five address classes, made from text and found in headers.
+// The five address classes, made from text and read from headers.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -22,7 +22,7 @@ struct MailboxRow {
   const char* label;
   const char* mailbox;
   const char* domain;
-  const char* email;  // an empty text stands for nil
+  const char* email;  // an empty text means nil
 };
 
 TEST_F(Addresses, MailboxFromText) {
@@ -50,16 +50,16 @@ TEST_F(Addresses, MailboxFromText) {
   }
 }
 
-TEST_F(Addresses, RouteTakesNoPartInTheEmail) {
+TEST_F(Addresses, TheRouteIsNotPartOfTheEmail) {
   Start();
   const Object mailbox = FromText("MimeMailboxZQV", "<@relay.example:ada@example.org>");
   EXPECT_EQ(Bytes(mailbox, "Sourceroute"), "@relay.example");
   EXPECT_EQ(Bytes(mailbox, "Email"), "ada@example.org");
 }
 
-// An address that was a group holds no group any more once it is made from a mailbox's text, and
-// gives back what it held.
-TEST_F(Addresses, ASecondConstructionStartsAnew) {
+// Constructing an address again replaces everything: after the text of a mailbox it has no group
+// any more, and the group of the first construction is given back.
+TEST_F(Addresses, ASecondConstructionReplacesTheFirst) {
   Start();
   const Object address = FromText("MimeAddressZQV", "Crew: ada@example.org;");
   ASSERT_FALSE(standin::IsNil(Get(address, "Group")));
@@ -72,8 +72,8 @@ TEST_F(Addresses, ASecondConstructionStartsAnew) {
   EXPECT_EQ(CountOf(ObjectOf(Get(address, "Group"))), 1);
 }
 
-// A new string at each asking, owned by the application.
-TEST_F(Addresses, EmailIsMadeAtEachAsking) {
+// Each call of Email returns a new string, of which the application owns the lock.
+TEST_F(Addresses, EmailIsANewStringAtEachCall) {
   Start();
   const Object mailbox = FromText("MimeMailboxZQV", "ada@example.org");
   const auto first = std::get<String>(Get(mailbox, "Email"));
@@ -95,7 +95,7 @@ TEST_F(Addresses, DecodedLabelLosesItsQuotes) {
   EXPECT_EQ(Bytes(mailbox, "LabelDecoded"), "Ada Example");
 }
 
-// The group's name is decoded with the other setting of the same rule.
+// The name of a group is decoded like a label, but keeps its quotes.
 TEST_F(Addresses, GroupNameKeepsItsQuotes) {
   Start();
   const Object group = FromText("MimeGroupZQV", "\"The Team\": ada@example.org;");
@@ -123,7 +123,7 @@ TEST_F(Addresses, ListWithOneGroup) {
   EXPECT_EQ(Bytes(ObjectOf(Call(group, "Mailboxes", 1)), "Email"), "bob@example.net");
 }
 
-// The text form of the group, of the address that is one, of the list and of the header's field.
+// The text forms of the group, of its address, of the list and of the header field agree.
 TEST_F(Addresses, GroupTextHasNoColon) {
   Start();
   const char* text = "Team: ada@example.org, bob@example.net;";
@@ -157,7 +157,7 @@ TEST_F(Addresses, AddressOfNobodyHasNeither) {
   }
 }
 
-// An address list keeps such an entry, a mailbox list leaves it out.
+// An address list keeps an entry without a local part, a mailbox list leaves it out.
 TEST_F(Addresses, EntriesWithoutLocalPart) {
   Start();
   const char* text = "ada@example.org, @example.org, bob@example.net";
@@ -208,7 +208,7 @@ TEST_F(Addresses, TextInAnotherEncodingIsTakenInUtf8) {
   EXPECT_EQ(ShowProperty(mailbox, "Mailbox"), "0x600 rene");
 }
 
-// A comma costs hundreds of bytes of objects.
+// One comma of input makes an object of hundreds of bytes, so their number is limited.
 TEST_F(Addresses, TooManyInOneTextAreRefused) {
   Start();
   for (const char* class_name : {"MimeAddressListZQV", "MimeMailboxListZQV", "MimeGroupZQV"}) {

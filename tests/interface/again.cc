@@ -15,8 +15,8 @@
 namespace zqv::interface_test {
 namespace {
 
-// The words that start this program anew: those of the emulator, for another processor's, and its
-// path.
+// The command that starts this program: its path, and before that the emulator's when it is built
+// for another processor.
 std::vector<std::string> Command() {
   std::istringstream emulator(ZQV_EMULATOR);
   std::vector<std::string> words{std::istream_iterator<std::string>(emulator), {}};

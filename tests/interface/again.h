@@ -1,10 +1,10 @@
-// The present test once more, in a process of its own.
+// Runs the current test again, in a new process.
 #pragma once
 
 namespace zqv::interface_test {
 
-// Runs this program anew for the present test alone; true when it passed there. With a number of
-// seconds above 0 it is ended after that time, and has not passed.
+// Starts this program for the current test only, and returns whether the test passed there. A
+// process that takes longer than `seconds` is ended and counts as failed; 0 means no limit.
 bool PassesAgain(unsigned seconds = 0);
 
 }  // namespace zqv::interface_test

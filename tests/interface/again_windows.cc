@@ -16,7 +16,7 @@ std::string ThisProgram() {
   return {path.data(), length};
 }
 
-// True when the process ended well, in time.
+// Waits for the process. Returns whether it ended in time and with exit status 0.
 bool Waits(const PROCESS_INFORMATION& process, unsigned seconds) {
   const DWORD time = seconds == 0 ? INFINITE : seconds * 1000;
   const bool has_ended = WaitForSingleObject(process.hProcess, time) == WAIT_OBJECT_0;

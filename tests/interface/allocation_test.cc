@@ -1,5 +1,5 @@
-// Memory that runs out at each allocation of the library in turn: nothing crashes, nothing is left
-// behind, and the application gets nil or a host exception.
+// Each allocation of the library fails in turn. The library must not crash and must not leak, and
+// the application must get nil or a host exception.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -20,10 +20,10 @@ namespace {
 class Allocation : public InterfaceTest {};
 
 constexpr const char* kNoMemory = "OutOfMemoryException, 0: Failed to allocate memory";
-// When there is no memory for the whole text.
+// Raised when there is no memory for the complete text of an out-of-bounds exception.
 constexpr const char* kOutOfBounds = "OutOfBoundsException, 0: Out of Bounds";
 
-// What an application does in one go, and what was raised meanwhile.
+// Calls as an application makes them. Returns the texts of the exceptions that were raised.
 using Work = std::function<std::string()>;
 
 std::uint64_t AllocationsOf(const Work& work) {
@@ -32,7 +32,8 @@ std::uint64_t AllocationsOf(const Work& work) {
   return FailingNew::Count();
 }
 
-// Lets allocation `n` fail, or all from `n` on, and looks at what is left. Gives what was raised.
+// Lets `calls` allocations fail, from number `n` on, and checks that nothing is leaked. Returns
+// what was raised.
 std::string FailAt(std::uint64_t n, std::uint64_t calls, const Work& work) {
   const LiveBlocks before = FailingNew::Live();
   const std::int64_t things_before = Host::Get("the test").ledger().Live().Total();
@@ -50,14 +51,15 @@ std::string FailAt(std::uint64_t n, std::uint64_t calls, const Work& work) {
   return raised;
 }
 
-// What is to be done, made ready in a running session.
+// Prepares a test in a running session and returns the work of which allocations are to fail.
 using Preparation = std::function<Work()>;
 
-// Fails the allocations number `first` to `first + count - 1`; gives how many there are in all.
+// Lets each of the allocations `first` to `first + count - 1` fail in turn. Returns the number of
+// allocations of the work.
 std::uint64_t FailSome(const Preparation& prepare, std::uint64_t first, std::uint64_t count) {
   Session session({}, Exceptions::kMayBeLost);
   const Work work = prepare();
-  EXPECT_EQ(work(), "") << "what is made once and kept, is made now";
+  EXPECT_EQ(work(), "") << "this run fills the library's caches";
   const std::uint64_t last = AllocationsOf(work);
   const auto step = static_cast<std::uint64_t>(Repetitions(1, 7));
   for (std::uint64_t n = first; n < first + count && n <= last + 1; n += step) {
@@ -68,7 +70,8 @@ std::uint64_t FailSome(const Preparation& prepare, std::uint64_t first, std::uin
   return last;
 }
 
-// Children of some hundred failures each, so that a crash tells nearly where it was.
+// Runs some hundred failures in each child process, so that the name of a child that crashes shows
+// approximately which allocation failed.
 void FailEverywhere(const std::string& name, const Preparation& prepare) {
   constexpr std::uint64_t kChunk = 300;
   LoadLibraryFile();
@@ -87,7 +90,7 @@ std::string ConstructAndRelease(Way way, const std::string& bytes) {
   return Construct(way, bytes).raised;
 }
 
-// Otherwise no test here would test anything.
+// Without this the other tests would let no allocation fail.
 TEST_F(Allocation, TheLibraryAllocatesThroughThisProgram) {
   Start();
   EXPECT_GT(AllocationsOf([] { return ConstructAndRelease(Way::kString, PlainMessage()); }), 5U);
@@ -115,7 +118,7 @@ TEST_F(Allocation, ConstructionFromAString) {
                  [] { return [] { return ConstructAndRelease(Way::kString, RichMessage()); }; });
 }
 
-// All that is made of an HTML text, and of a text whose host string has to be converted.
+// The conversion of HTML, and of text whose host string is converted.
 TEST_F(Allocation, ConstructionOfTextsThatAreConverted) {
   FailEverywhere("html", [] {
     return [] {
@@ -130,7 +133,7 @@ TEST_F(Allocation, ConstructionOfTextsThatAreConverted) {
   });
 }
 
-// The log is written also while an exception is handled, where nothing may throw.
+// The log is also written while an exception is handled, where nothing may throw.
 TEST_F(Allocation, ConstructionWhileTheLogIsOn) {
   FailEverywhere("logged", []() -> Work {
     SetShared("MimeEmailZQV", "Debugging", true);
@@ -141,8 +144,8 @@ TEST_F(Allocation, ConstructionWhileTheLogIsOn) {
   });
 }
 
-// Properties, whole lists, elements within and without the bounds, look-ups, the source without the
-// files.
+// Reads properties, whole lists, elements inside and outside of the bounds, fields by name, and the
+// source without the files.
 TEST_F(Allocation, ReadingEverythingOfAMessage) {
   FailEverywhere("reading", []() -> Work {
     const Object message = Parse(RichMessage());
@@ -191,8 +194,8 @@ TEST_F(Allocation, SharedMethods) {
   });
 }
 
-// The exception that is raised when memory runs out once, in the middle of the parse.
-TEST_F(Allocation, TellsTheApplication) {
+// Checks the exception for a single failure in the middle of the parse.
+TEST_F(Allocation, RaisesOutOfMemoryException) {
   Start();
   const Work work = [] { return ConstructAndRelease(Way::kString, PlainMessage()); };
   work();

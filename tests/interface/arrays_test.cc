@@ -1,5 +1,5 @@
-// Lists as applications read them: bounds, counts, and the two ways to an element, straight from
-// the host's storage once the self-test has proven its layout, else through the host.
+// Lists as an application uses them: bounds, counts and elements. An element is read directly from
+// the host's storage when the self-test has confirmed its layout, and through the host otherwise.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -21,15 +21,16 @@ constexpr const char* kRead = "RuntimeDirectReadObjectArray";
 
 class Arrays : public InterfaceTest {};
 
-// A list of the library: who has it and how its elements are asked for.
+// A list of the library: its owner, and the methods that give its array, its count and its
+// elements.
 struct List {
   const char* name;
   Object owner;
-  const char* whole;  // the array method
+  const char* whole;  // the method that returns the array
   const char* indexed;
 };
 
-// One list of each class, all of one message.
+// One list of each class, all in one message.
 std::vector<List> EveryList(const Object& message) {
   const Object header = ObjectOf(Get(message, "Header"));
   const Object addresses = ObjectOf(Get(header, "too"));
@@ -57,7 +58,8 @@ std::string OutOfBounds(std::int64_t index, std::int64_t count) {
          ", but value is " + std::to_string(index) + ".";
 }
 
-// Every element of every list, read one by one, is the array's own; gives how many there were.
+// Reads every element of every list, and expects each to equal the array's element. Returns the
+// number of elements.
 std::uint64_t ReadEveryElement(const Object& message) {
   std::uint64_t reads = 0;
   for (const List& list : EveryList(message)) {
@@ -87,7 +89,7 @@ TEST_F(Arrays, IndexOutOfBoundsRaises) {
   }
 }
 
-// The text to the letter, with its two blanks after "index".
+// The text of the exception, byte for byte, with its two blanks after "index".
 TEST_F(Arrays, OutOfBoundsTextKeepsTwoBlanks) {
   Start();
   const Object list = FromText("MimeMailboxListZQV", "a@b.org, c@b.org, d@b.org");
@@ -160,14 +162,14 @@ Capabilities CapabilitiesOf(const LayoutRow& row) {
   return capabilities;
 }
 
-// After a passed self-test the host is never asked for an element, after a failed one always.
-TEST_F(Arrays, ElementsAreReadStraightOnlyFromAProvenLayout) {
+// After a passed self-test elements are never read through the host, after a failed one always.
+TEST_F(Arrays, ElementsAreReadDirectlyOnlyAfterAPassedSelfTest) {
   LoadLibraryFile();
   for (const LayoutRow& row : kLayouts) {
     InChild(row.name, [&row] {
       Session session(CapabilitiesOf(row));
       const Object message = Parse(RichMessage());
-      // One more: EveryList asks for an address.
+      // EveryList has read one element, an address, before.
       const std::uint64_t reads = ReadEveryElement(message) + 1;
       EXPECT_EQ(session.host().CallCount(kRead), row.is_direct ? 0 : reads);
       EXPECT_GT(reads, 20U);
@@ -175,7 +177,7 @@ TEST_F(Arrays, ElementsAreReadStraightOnlyFromAProvenLayout) {
   }
 }
 
-// The self-test needs one array of integers, made once, whatever list is read and how often.
+// The self-test creates one array of integers, only once, whatever list is read and however often.
 TEST_F(Arrays, SelfTestRunsOnceAtTheFirstValidIndex) {
   LoadLibraryFile();
   for (const LayoutRow& row : {kLayouts[3], kLayouts[7]}) {
@@ -185,7 +187,8 @@ TEST_F(Arrays, SelfTestRunsOnceAtTheFirstValidIndex) {
       const Object list = FromText("MimeMailboxListZQV", "a@b.org");
       static_cast<void>(RaisedBy([&] { Call(list, "Mailboxes", 1); }));
       static_cast<void>(Call(NewInstance("MimeMailboxListZQV"), "Mailboxes", 0));
-      EXPECT_EQ(host.CallCount("PluginIntegerArraySetProc"), 0U) << "not tested yet";
+      EXPECT_EQ(host.CallCount("PluginIntegerArraySetProc"), 0U)
+          << "no valid index was read yet, so no self-test";
       Call(list, "Mailboxes", 0);
       EXPECT_EQ(host.CallCount("PluginIntegerArraySetProc"), 2U);
       EXPECT_EQ(host.CallCount("PluginIntegerArrayGetProc"), 3U);
@@ -197,7 +200,7 @@ TEST_F(Arrays, SelfTestRunsOnceAtTheFirstValidIndex) {
   }
 }
 
-// A nil element of the host's array is nil, not a crash, in both ways.
+// A nil element of the host's array is returned as nil, by both ways of reading.
 TEST_F(Arrays, NilElementIsNil) {
   LoadLibraryFile();
   for (const LayoutRow& row : {kLayouts[0], kLayouts[3], kLayouts[7]}) {
@@ -214,8 +217,8 @@ TEST_F(Arrays, NilElementIsNil) {
   }
 }
 
-// Long enough that the host moves its storage more than once.
-TEST_F(Arrays, LongListIsReadRightInBothWays) {
+// The list is so long that the host reallocates its storage more than once.
+TEST_F(Arrays, LongListIsReadCorrectlyInBothWays) {
   LoadLibraryFile();
   for (const LayoutRow& row : {kLayouts[0], kLayouts[3], kLayouts[7]}) {
     InChild(row.name, [&row] {
@@ -233,7 +236,8 @@ TEST_F(Arrays, LongListIsReadRightInBothWays) {
   }
 }
 
-// What the self-test needs and does not get makes it fail, and elements come from the host.
+// When an entry point that the self-test needs is missing, the test fails, and elements are read
+// through the host.
 TEST_F(Arrays, SelfTestFailsWithoutItsEntryPoints) {
   LoadLibraryFile();
   for (const char* missing : {"PluginIntegerArraySetProc", "PluginIntegerArrayGetProc"}) {

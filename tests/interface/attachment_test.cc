@@ -1,4 +1,4 @@
-// What an attachment record says of its part, and how the file gets its name.
+// Properties of an attachment: the fields of its part, and the file name.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -13,7 +13,7 @@ class Attachments : public InterfaceTest {};
 
 const std::string kPng = "\x89PNG\r\n\x1A\n";
 
-// The record of a part with these fields and bytes, the only one of its message.
+// The attachment of a message whose only part has these header fields and this body.
 Object RecordOf(const std::string& fields, const std::string& data) {
   const Object message = Parse("Content-Type: multipart/mixed; boundary=frontier\n\n--frontier\n" +
                                fields + "\n" + data + "\n--frontier--\n");
@@ -48,7 +48,7 @@ TEST_F(Attachments, NamesInTheOrderOfTheirSources) {
   EXPECT_EQ(FileName("Content-Type: image/png\n"), "attachment");
 }
 
-TEST_F(Attachments, ExtendedNameIsTakenAsItStands) {
+TEST_F(Attachments, ExtendedNameIsNotDecoded) {
   Start();
   const struct {
     const char* parameter;
@@ -98,7 +98,7 @@ TEST_F(Attachments, NameFromTheContentId) {
   }
 }
 
-// `position` bytes, the marker, and something after it.
+// `position` bytes, then the marker of JPEG data, then other bytes.
 std::string JpegWithMarkerAt(std::size_t position) {
   return std::string(position, 'x') + "JFIF and more";
 }
@@ -147,7 +147,7 @@ TEST_F(Attachments, TextsOfTheFields) {
   EXPECT_EQ(ShowProperty(record, "Data"), "0x600 data");
 }
 
-// What the parser says of fields that are not there; empty texts are nil.
+// Properties for absent fields: the parser's default text, or nil when that is empty.
 TEST_F(Attachments, TextsOfAbsentFields) {
   Start();
   const Object record = RecordOf("X-Some: field\n", "data");

@@ -12,9 +12,9 @@
 namespace zqv::interface_test {
 namespace {
 
-// Without an upper bound the library appends at index 1 and takes index 0 for an element, also of
-// an empty array. The stand-in ends the process then, but a host need not: here elements out of
-// bounds are nil, and what the capability says of insertions goes with it.
+// Without an upper bound the library inserts at index 1, and takes index 0 for an element even of
+// an empty array. The stand-in ends the process for both. A real host need not, so this one returns
+// nil for an element out of bounds; a capability makes insertions out of bounds harmless.
 abi::Resolver real_resolver = nullptr;
 
 template <typename Function>
@@ -34,9 +34,9 @@ abi::REALobject TolerantRead(abi::REALarray array, abi::RBInteger index) {
   return RealEntryPoint<Read>("RuntimeDirectReadObjectArray")(array, index);
 }
 
-// String data that is not taken back cannot be given back, and the library's record of it goes all
-// the same. The stand-in knows records by their address, which may then come again: so it is given
-// records that stay.
+// When a host lacks the function that takes string data back, the library reuses the memory of its
+// record. The stand-in identifies records by address, and would see the same record used twice. It
+// is therefore given records of its own, which are never freed.
 std::map<abi::REALstringData*, std::unique_ptr<abi::REALstringData>> lasting_records;
 std::vector<std::unique_ptr<abi::REALstringData>> abandoned_records;
 
@@ -58,7 +58,8 @@ void LastingDispose(abi::REALstringData* data) {
   const standin::PluginScope scope(false);
   using Dispose = void (*)(abi::REALstringData*);
   const auto record = lasting_records.find(data);
-  ASSERT_NE(record, lasting_records.end()) << "never lent, or given back before";
+  ASSERT_NE(record, lasting_records.end())
+      << "this record was never lent, or was given back before";
   RealEntryPoint<Dispose>("PluginDisposeStringData")(record->second.get());
   abandoned_records.push_back(std::move(record->second));
   lasting_records.erase(record);
@@ -75,7 +76,7 @@ Capabilities CapabilitiesOf(const HostKind& kind) {
   Capabilities capabilities;
   capabilities.version = kind.version;
   capabilities.date_flavour = kind.date_flavour;
-  // A failing array layout makes the library read elements through the host.
+  // With a wrong array layout the library reads elements through the host.
   if (kind.version < 2013) capabilities.array_layout = standin::ArrayLayout::kWrongDimensions;
   return capabilities;
 }
@@ -94,7 +95,7 @@ void* TolerantResolver(const char* name) {
   return real;
 }
 
-// The resolver carries no context, so it is the same for every host.
+// The resolver has no context, so it is the same for every host.
 void TakeRealResolver() { real_resolver = Host::Start()->resolver(); }
 
 std::unique_ptr<Session> StartBroken(const HostKind& kind, const Faults& faults) {

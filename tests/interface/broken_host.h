@@ -1,4 +1,5 @@
-// Hosts that lack entry points or whose entry points fail, and a run that uses everything there.
+// Hosts in which entry points are missing or fail, and a run that uses everything that the library
+// offers.
 #pragma once
 
 #include <iterator>
@@ -17,8 +18,8 @@ inline constexpr const char* kEntryPoints[] = {
 };
 static_assert(std::size(kEntryPoints) == 35);
 
-// An old host builds strings otherwise and has no fitting constructor of dates; between them the
-// two hosts use every entry point but the platform's own string.
+// A new and an old host. The old one builds strings in another way and lacks the constructors of
+// dates. Together the two use every entry point except the one for the platform's own string.
 struct HostKind {
   const char* name;
   double version;
@@ -29,24 +30,25 @@ inline constexpr HostKind kHosts[] = {{"new host", 2024.1, standin::DateFlavour:
 
 Capabilities CapabilitiesOf(const HostKind& kind);
 
-// What is wrong with a host, by entry point name.
+// The faults of a host: entry point name and fault.
 using Faults = std::map<std::string, Fault, std::less<>>;
 
-// The session of a host with these faults. Some leave a library that uses its host as documented no
-// choice but to do what the stand-in ends the process for; there the host is made to bear it.
+// Starts a session in a host with these faults. With some faults a library cannot avoid calls for
+// which the stand-in ends the process; the stand-in then tolerates these calls.
 std::unique_ptr<Session> StartBroken(const HostKind& kind, const Faults& faults);
 
-// For tests that start such a host themselves.
+// Call before a test that starts such a host itself.
 void TakeRealResolver();
 void* TolerantResolver(const char* name);
 
-// Whether this host took all classes.
+// Whether the host of the current session has all classes.
 bool IsRegistered();
 
-// Everything there is, with a message made in each way; nothing on a host that took no classes.
+// Constructs a message in each way and uses everything of it. Does nothing in a host that has not
+// all classes.
 void UseAllWays();
 
-// The two above, one after the other.
+// Starts such a session, and then uses everything.
 void UseWithFaults(const HostKind& kind, const Faults& faults);
 
 }  // namespace zqv::interface_test

@@ -1,5 +1,6 @@
-// Work in a forked child: a crash, a hang, a leak or the host's refusal there fails the test and
-// names the configuration, and the library's state in this process stays as it was.
+// Runs code in a forked child process. A crash, a hang, a leak or an error that the stand-in
+// reports in the child fails the test and names the configuration. The library's state in this
+// process does not change.
 #pragma once
 
 #if !defined(_WIN32)
@@ -12,7 +13,7 @@
 
 namespace zqv::interface_test {
 
-// Which sanitizer watches this program.
+// The sanitizer that this program is built with.
 #if defined(__has_feature)
 #define ZQV_HAS_FEATURE(feature) __has_feature(feature)
 #else
@@ -29,17 +30,19 @@ inline constexpr bool kThreadSanitized = true;
 inline constexpr bool kThreadSanitized = false;
 #endif
 
-// Whether one does: they are slow and take terabytes of address space.
+// True with either sanitizer: both make a program slow, and both reserve terabytes of address
+// space.
 inline constexpr bool kSanitized = kAddressSanitized || kThreadSanitized;
 
-// Whether this is how the library ships. Others need more stack and memory.
+// Whether this build has the optimisation of the shipped library. Other builds need more stack and
+// memory.
 #if !defined(__OPTIMIZE__) || defined(ZQV_INSTRUMENTED)
 inline constexpr bool kShips = false;
 #else
 inline constexpr bool kShips = true;
 #endif
 
-// Whether programs for Windows are run by Wine, where threads that share the host's lock take three
+// Whether this program runs in Wine, where threads that compete for the host's lock take three
 // times as long.
 #if defined(_WIN32)
 inline constexpr bool kWine = true;
@@ -47,20 +50,20 @@ inline constexpr bool kWine = true;
 inline constexpr bool kWine = false;
 #endif
 
-// What the slowness of a sanitizer or of Wine leaves of a number of repetitions.
+// The number of repetitions: `plain`, or the smaller `slow` with a sanitizer or in Wine.
 constexpr int Repetitions(int plain, int slow) { return kSanitized || kWine ? slow : plain; }
 
-// Runs `body` in a child; expects it to end within `seconds`, with no failed expectation, no C++
-// exception and, where a leak checker runs, without a leak.
+// Runs `body` in a child process. Expects the child to end within `seconds`, without a failed
+// expectation, a C++ exception or, where a leak checker is present, a leak.
 void InChild(const std::string& configuration, const std::function<void()>& body,
              unsigned seconds = 60);
 
-// The same; gives the text that `body` gave there.
+// Does the same, and returns the text that `body` returned in the child.
 std::string TextFromChild(const std::string& configuration,
                           const std::function<std::string()>& body, unsigned seconds = 60);
 
 #if !defined(_WIN32)
-// Plain data that a child writes and its parent reads.
+// Trivial data in memory that a child process shares with its parent.
 template <typename T>
 class SharedWithChild {
  public:

@@ -1,4 +1,4 @@
-// The helper itself: what goes wrong in a child fails the test that started it.
+// Checks InChild itself: a failure in the child fails the test that started it.
 #include "tests/interface/child.h"
 
 #include <gtest/gtest-spi.h>

@@ -1,5 +1,5 @@
-// There is no fork there: the present test runs once more in a process that leaves out all of its
-// children but this one, and ends with it. A text gets from there to the parent through a file.
+// Windows has no fork, so InChild runs the current test again in a new process, which skips all
+// bodies but one and ends after that one. A file carries the text to the parent.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -15,9 +15,9 @@
 namespace zqv::interface_test {
 namespace {
 
-// Tells a process which of the test's children it is to be, counted from 1.
+// Environment variable with the number of the body that the process runs, from 1.
 constexpr const char* kNumber = "ZQV_CHILD";
-// Names the file for the text that the child gives.
+// Environment variable with the path of the file for the child's text.
 constexpr const char* kTextFile = "ZQV_CHILD_TEXT";
 
 int FailedParts() {
@@ -61,7 +61,7 @@ std::string TextFromChild(const std::string& configuration,
   if (const char* const path = std::getenv(kTextFile)) {
     InChild(
         configuration, [&] { std::ofstream(path, std::ios::binary) << body(); }, seconds);
-    return {};  // this process is to be another child
+    return {};  // this process runs another body
   }
   const TemporaryFolder folder;
   const std::string path = folder.Path("text");

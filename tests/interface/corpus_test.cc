@@ -1,5 +1,5 @@
-// Every message of tests/corpus against all that was worked out for it by hand, as it stands and
-// with CR LF, through each constructor. The README there explains the keys.
+// Compares every message of tests/corpus with its expected values, which were worked out by hand:
+// as it is and with CRLF, through each constructor. The corpus's README explains the keys.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -23,7 +23,7 @@ using Json = nlohmann::json;
 
 constexpr const char* kCorpus = ZQV_CORPUS;
 
-// "origin/what-is-odd" of every message.
+// The names of all messages, "origin/name".
 std::vector<std::string> MessageNames() {
   std::vector<std::string> names;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(kCorpus)) {
@@ -59,7 +59,7 @@ std::string DecodeBase64(std::string_view text) {
   return bytes;
 }
 
-// What was worked out for one message, in the form of a document whose strings are those of Show.
+// The expected values of one message, as a document in which strings have the form of Show.
 class Expectation {
  public:
   Expectation(const Json& file, const Json& common, bool with_crlf)
@@ -67,13 +67,13 @@ class Expectation {
 
   Json Message() const { return Object(file_.at("message")); }
 
-  // The source of an input that is no host string.
+  // The expected source of a message constructed from a block or file.
   std::string Source(const std::string& bytes) const {
     const Json& source = file_.at("source");
     return source.is_null() ? "nil" : Label(source.at("encoding").get<std::uint32_t>()) + bytes;
   }
 
-  // In the form of Constructed.
+  // The expected exception in the form of Constructed::raised.
   std::string Exception() const {
     if (!file_.contains("exception")) return {};
     const Json& exception = file_.at("exception");
@@ -89,7 +89,7 @@ class Expectation {
   Json Object(const Json& object) const {
     Json result = Json::object();
     for (const auto& [key, value] : object.items()) {
-      // These are no host strings.
+      // These values are not host strings.
       const bool is_plain = key == "number" || key == "part" || key == "date" ||
                             key == "received_date" || !(value.is_string() || value.is_structured());
       result[key] = is_plain ? value : key == "fields" ? Fields(value) : Any(value);
@@ -140,7 +140,7 @@ class Expectation {
   const bool with_crlf_;
 };
 
-// Without what is nil, false or an empty list.
+// The document without values that are nil, false or an empty list.
 Json WithoutEmpty(const Json& json) {
   if (!json.is_structured()) return json;
   Json result = json.is_object() ? Json::object() : Json::array();
@@ -154,7 +154,7 @@ Json WithoutEmpty(const Json& json) {
   return result;
 }
 
-// All that the library gives, in the form of Expectation::Message.
+// Everything that the library returns, in the form of Expectation::Message.
 Json Given(const Object& message) {
   const nlohmann::ordered_json document =
       cli::DescribeMessage(message, [](const String& string) { return Show(string); });
@@ -163,7 +163,7 @@ Json Given(const Object& message) {
   return json;
 }
 
-// Every string as ASCII, for a message of the test.
+// The document in ASCII, for the message of a failed test.
 std::string Printable(const Json& json) {
   return json.dump(1, ' ', true, Json::error_handler_t::replace);
 }
@@ -185,19 +185,19 @@ void Compare(const Expectation& expected, Way way, const std::string& bytes) {
   }
   const Json given = Given(constructed.message);
   const Json wanted = expected.Message();
-  EXPECT_TRUE(given == wanted) << "what turns the expected into the given:\n"
+  EXPECT_TRUE(given == wanted) << "the changes from the expected values to the actual ones:\n"
                                << Printable(Json::diff(wanted, given));
 }
 
 class Corpus : public InterfaceTest, public ::testing::WithParamInterface<std::string> {};
 
-TEST_P(Corpus, GivesWhatWasWorkedOut) {
+TEST_P(Corpus, HasTheExpectedValues) {
   const std::string path = std::string(kCorpus) + "/" + GetParam();
   const std::string bytes = ReadWholeFile(path + ".eml");
   const Json expected = Json::parse(ReadWholeFile(path + ".json"));
   const Json common = Json::parse(ReadWholeFile(std::string(kCorpus) + "/common.json"));
   ASSERT_TRUE(test::SetZone("UTC0"));
-  // A message of one part asks for its charset twice and so may raise twice in one call.
+  // A message of one part looks its charset up twice, so one call can raise two exceptions.
   const bool raises = expected.value("raise_unknown_formats", false);
   const Session session({}, raises ? Exceptions::kMayBeLost : Exceptions::kNoneLost);
   SetShared("MimeEmailZQV", "RaiseUnknownFormatExceptions", raises);
@@ -219,7 +219,7 @@ INSTANTIATE_TEST_SUITE_P(Messages, Corpus, ::testing::ValuesIn(MessageNames()),
                            return name;
                          });
 
-// An empty folder would make no test at all.
+// Without messages there would be no test, and nothing would fail.
 TEST(CorpusFolder, HasMessagesOfEveryOrigin) {
   for (const char* origin : {"addresses", "bom", "charset", "dates", "fields", "html", "malformed",
                              "names", "routing", "single", "start", "transfer", "words"}) {

@@ -1,7 +1,8 @@
-// The dates of a message as an application reads them, on machines in three time zones and in hosts
-// that make dates in different ways.
+// The dates of a message in several time zones, and in hosts that offer different ways to make a
+// date.
 //
-// The machine's offset is that of the moment, so the zones here have no summer time.
+// The library uses the machine's present offset from UTC, so zones without summer time are used
+// here.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -26,7 +27,7 @@ constexpr const char* kNewfoundland = "NST3:30";  // three and a half hours west
 
 class Dates : public InterfaceTest {};
 
-// Runs `body` in a session of its own on a machine in this zone.
+// Runs `body` in a session of its own, in this time zone.
 template <typename Body>
 void InZone(const char* zone, Body body, const Capabilities& capabilities = {}) {
   LoadLibraryFile();
@@ -37,7 +38,7 @@ void InZone(const char* zone, Body body, const Capabilities& capabilities = {}) 
   });
 }
 
-// As the host's Date shows it, "nil" for none.
+// Shows a date property with the host's Date; "nil" for nil.
 std::string DateOf(const Object& message, const char* property) {
   const Object date = ObjectOf(Get(message, property));
   if (date.IsNil()) return "nil";
@@ -58,8 +59,8 @@ std::string Received(const std::string& fields) {
   return DateOf(Parse(fields + "\nText\n"), "ReceivedDate");
 }
 
-// One text in the four zones. The instant in UTC is the first; the others are an hour later, five
-// and a half hours later, and three and a half hours earlier.
+// A date field, and the expected property in four zones: UTC, one hour east, five and a half hours
+// east, three and a half hours west.
 struct ZoneRow {
   const char* date;
   const char* utc;
@@ -79,17 +80,17 @@ constexpr ZoneRow kZoneRows[] = {
      "2019-01-01 15:30:00", "2019-01-01 06:30:00"},
     {"Tue, 1 Jan 2019 10:00:00 -0130", "2019-01-01 11:30:00", "2019-01-01 12:30:00",
      "2019-01-01 17:00:00", "2019-01-01 08:00:00"},
-    // The fraction of an hour alone, and a quarter of one.
+    // Zones of half an hour and of a quarter of an hour.
     {"Tue, 1 Jan 2019 10:00:00 -0030", "2019-01-01 10:30:00", "2019-01-01 11:30:00",
      "2019-01-01 16:00:00", "2019-01-01 07:00:00"},
     {"Tue, 1 Jan 2019 10:00:00 +0545", "2019-01-01 04:15:00", "2019-01-01 05:15:00",
      "2019-01-01 09:45:00", "2019-01-01 00:45:00"},
-    // Over the end of a year, both ways.
+    // The year changes, in both directions.
     {"Mon, 31 Dec 2018 22:00:05 -0500", "2019-01-01 03:00:05", "2019-01-01 04:00:05",
      "2019-01-01 08:30:05", "2018-12-31 23:30:05"},
     {"Tue, 1 Jan 2019 00:30:00 +0530", "2018-12-31 19:00:00", "2018-12-31 20:00:00",
      "2019-01-01 00:30:00", "2018-12-31 15:30:00"},
-    // The day after 28 February is the 29th in 2020, 1 March in 2019.
+    // The day after 28 February is the 29th in 2020 and 1 March in 2019.
     {"Fri, 28 Feb 2020 23:30:00 +0000", "2020-02-28 23:30:00", "2020-02-29 00:30:00",
      "2020-02-29 05:00:00", "2020-02-28 20:00:00"},
     {"Thu, 28 Feb 2019 23:30:00 +0000", "2019-02-28 23:30:00", "2019-03-01 00:30:00",
@@ -108,7 +109,7 @@ constexpr Zone kZones[] = {
     {kNewfoundland, &ZoneRow::newfoundland},
 };
 
-TEST_F(Dates, ShowTheMessagesInstantInLocalTime) {
+TEST_F(Dates, ShowTheTimeOfTheMessageInLocalTime) {
   for (const Zone& zone : kZones) {
     InZone(zone.name, [&](Host&) {
       for (const ZoneRow& row : kZoneRows) {
@@ -127,9 +128,9 @@ Capabilities WithDates(DateFlavour flavour) {
   return capabilities;
 }
 
-// The host's new date is the last day of a month of 31 days: where there is no constructor, setting
-// the month without setting the day to 3 before would roll over into the next one.
-TEST_F(Dates, AreTheSameHoweverTheHostMakesThem) {
+// A new date of this host is the 31st of a month. Without a constructor, setting a shorter month
+// would roll over into the next one if the day were not set to 3 first.
+TEST_F(Dates, AreTheSameForEachWayToMakeADate) {
   for (const DateFlavour flavour :
        {DateFlavour::kSevenArguments, DateFlavour::kSixArguments, DateFlavour::kNoConstructor}) {
     for (const Zone& zone : kZones) {
@@ -150,7 +151,8 @@ TEST_F(Dates, AreSetFieldByFieldWithoutAConstructor) {
       kUtc,
       [](Host& host) {
         EXPECT_EQ(Sent("Thu, 28 Feb 2019 04:05:06 +0000"), "2019-02-28 04:05:06");
-        EXPECT_EQ(host.CallCount("REALSetPropValueInteger"), 7U) << "the day twice";
+        EXPECT_EQ(host.CallCount("REALSetPropValueInteger"), 7U)
+            << "six fields, and the day a second time";
         EXPECT_EQ(Sent("Tue, 30 Apr 2019 04:05:06 +0000"), "2019-04-30 04:05:06");
         EXPECT_EQ(Sent("Tue, 31 Dec 2019 23:59:59 +0000"), "2019-12-31 23:59:59");
       },
@@ -181,12 +183,12 @@ TEST_F(Dates, AreNilInAHostWithoutThem) {
       capabilities);
 }
 
-TEST_F(Dates, OfReceivedStandBehindTheFirstSemicolonAndBlank) {
+TEST_F(Dates, OfReceivedFollowTheFirstSemicolonAndBlank) {
   InZone(kUtc, [](Host&) {
     const std::string date = "Tue, 1 Jan 2019 10:00:00 +0000\n";
     EXPECT_EQ(Received("Received: from a by b; " + date), "2019-01-01 10:00:00");
     EXPECT_EQ(Received("Received: from a by b;\n\t" + date), "2019-01-01 10:00:00")
-        << "a line break is a blank";
+        << "a folded line counts as a blank";
     EXPECT_EQ(Received("Received: from a by b;" + date), "nil") << "no blank";
     EXPECT_EQ(Received("Received: from a by b " + date), "nil") << "no semicolon";
     EXPECT_NE(Received("Received: from a (b; c); " + date), "2019-01-01 10:00:00");
@@ -198,7 +200,8 @@ TEST_F(Dates, OfTheLowestReceivedWithADateWins) {
     const std::string upper = "Received: from c by d; Wed, 2 Jan 2019 10:00:00 +0000\n";
     const std::string lower = "Received: from a by b; Tue, 1 Jan 2019 10:00:00 +0000\n";
     EXPECT_EQ(Received(upper + lower), "2019-01-01 10:00:00");
-    EXPECT_EQ(Received(lower + upper), "2019-01-02 10:00:00") << "lower in the header, not earlier";
+    EXPECT_EQ(Received(lower + upper), "2019-01-02 10:00:00")
+        << "the lowest field in the header, whatever its date";
     EXPECT_EQ(Received(upper + "Received: from a by b\n"), "2019-01-02 10:00:00");
   });
 }
@@ -222,12 +225,12 @@ TEST_F(Dates, AreNilWithoutTheirFields) {
   });
 }
 
-TEST_F(Dates, AreMadeOnceAndHandedOutEachTime) {
+TEST_F(Dates, AreMadeOnceAndReturnedEachTime) {
   InZone(kUtc, [](Host&) {
     const Object message = Parse("Date: Tue, 1 Jan 2019 10:00:00 +0000\n\nText\n");
     const Object first = ObjectOf(Get(message, "Date"));
     EXPECT_TRUE(first == ObjectOf(Get(message, "Date")));
-    EXPECT_EQ(first.locks(), 2) << "the message's and this one";
+    EXPECT_EQ(first.locks(), 2) << "one held by the message, one by this test";
   });
 }
 
@@ -243,13 +246,13 @@ TEST_F(Dates, OutliveTheirMessage) {
   });
 }
 
-// Objects alive with the message, from a header with the same number of fields each time.
+// The number of live objects for a message with these header fields.
 std::int64_t ObjectsWith(Host& host, const std::string& fields) {
   const Object message = Parse(fields + "\nText\n");
   return host.ledger().Live().objects;
 }
 
-TEST_F(Dates, ThatAreSupersededAreGivenBack) {
+TEST_F(Dates, ThatAreReplacedAreGivenBack) {
   InZone(kUtc, [](Host& host) {
     const std::string date = "Tue, 1 Jan 2019 10:00:00 +0000\n";
     const auto fields = [&](const std::string& sent, const std::string& received) {
@@ -267,8 +270,8 @@ std::string WithAttachedMessage(const std::string& fields, const std::string& in
          "Content-Type: message/rfc822\n\n" + inner_fields + "\nInner\n--b--\n";
 }
 
-// Its own header has it, and the entity that mirrors the attached message keeps it; the message
-// itself has nothing of it.
+// The dates of an attached message belong to its own header and to the entity of the attached
+// message, not to the message around it.
 TEST_F(Dates, OfAnAttachedMessageAreItsOwn) {
   InZone(kUtc, [](Host& host) {
     const std::string inner =
@@ -281,11 +284,12 @@ TEST_F(Dates, OfAnAttachedMessageAreItsOwn) {
         inner));
     EXPECT_EQ(DateOf(with, "Date"), "2019-01-01 10:00:00");
     EXPECT_EQ(DateOf(with, "ReceivedDate"), "2019-01-01 11:00:00");
-    EXPECT_EQ(host.CallCount("REALSetPropValueDouble"), 6U) << "two dates, then four";
+    EXPECT_EQ(host.CallCount("REALSetPropValueDouble"), 6U)
+        << "two dates in the first message, four in the second";
   });
 }
 
-// The file of a message becomes a message again, with its date in local time.
+// A message parsed from the data of an attachment has its date in local time.
 TEST_F(Dates, OfAMessageSentAsAFile) {
   InZone(kIndia, [](Host&) {
     const std::string inner = "Date: Wed, 2 Jan 2019 10:00:00 +0200\n\nInner\n";
@@ -300,8 +304,9 @@ TEST_F(Dates, OfAMessageSentAsAFile) {
   });
 }
 
-// What a text that is no date gives is nothing to rely on, but it harms nothing.
-TEST_F(Dates, ThatCannotBeReadHarmNothing) {
+// The property of a date that cannot be read is not specified, but nothing is raised and the rest
+// is parsed.
+TEST_F(Dates, ThatCannotBeReadRaiseNothing) {
   InZone(kOneHourEast, [](Host&) {
     for (const char* date : {"", " ", "yesterday", "99999999 Foo 99999999 99:99:99 +9999",
                              "2019-01-01T10:00:00Z", "\xFF\xFE", ",,,,", "-1 Jan -1 -1:-1:-1 -1"}) {

@@ -1,4 +1,4 @@
-// The lines of the debug log, all of them and in their order.
+// All lines of the debug log, in their order.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -25,11 +25,11 @@ using standin::ArrayLayout;
 constexpr const char* kEmail = "MimeEmailZQV";
 constexpr const char* kSmall = "Subject: Hi\nContent-Type: text/plain\n\nHello\n";
 #if defined(_WIN32)
-// As that system writes pointers; GoogleTest's own regular expressions, which serve there, have no
-// brackets.
+// The form of pointers on Windows. GoogleTest's own regular expressions, which are used there, do
+// not support brackets.
 constexpr const char* kPointer = "\\w+";
 constexpr const char* kNoPointer = "0000000000000000";
-// A URL without a drive leads to no path there.
+// On Windows a file URL needs a drive.
 constexpr const char* kAbsent = "C:/absent/a b.eml";
 constexpr const char* kUrlOfAbsent = "file:///C:/absent/a%20b.eml";
 #else
@@ -41,7 +41,7 @@ constexpr const char* kUrlOfAbsent = "file:///absent/a%20b.eml";
 
 class DebugLog : public InterfaceTest {};
 
-// The lines that `work` writes with the switch on, without the line of the switch itself.
+// The lines that `work` writes while the log is on, without the line about switching it on.
 template <typename Work>
 std::vector<std::string> Logged(Work work) {
   SetShared(kEmail, "Debugging", false);
@@ -67,7 +67,7 @@ TEST_F(DebugLog, SwitchingOnIsLoggedOnce) {
   EXPECT_THAT(capture.Lines(), ElementsAre(Line("ZQV debug logging enabled.")));
   SetShared(kEmail, "Debugging", false);
   SetShared(kEmail, "Debugging", true);
-  EXPECT_EQ(capture.Lines().size(), 2U) << "off and on again";
+  EXPECT_EQ(capture.Lines().size(), 2U) << "one line for each time it was switched on";
 }
 
 TEST_F(DebugLog, NothingIsWrittenWhileItIsOff) {
@@ -148,7 +148,7 @@ TEST_F(DebugLog, EmptyInput) {
               ElementsAre(Line("MimeEmailConstructor2"), Line("MimeEmailConstructor 0")));
 }
 
-// Depth first, children before their parent; the containers say nothing.
+// Parts are logged depth first, children before their parent. Containers write no line.
 TEST_F(DebugLog, PartsInTheOrderOfTheWalk) {
   Start();
   const std::string message =
@@ -176,7 +176,7 @@ TEST_F(DebugLog, SinglePartOfAnotherType) {
                           Line("no mime type, make it text")));
 }
 
-// A marked text is listed, and becomes the message's text in the end all the same.
+// The text is marked as an attachment: it is listed, and also becomes the message's text.
 TEST_F(DebugLog, SinglePartMarkedAsAttachment) {
   Start();
   const char* message = "Content-Type: text/plain\nContent-Disposition: attachment\n\nX\n";
@@ -186,7 +186,7 @@ TEST_F(DebugLog, SinglePartMarkedAsAttachment) {
                           Line("Set email plainText")));
 }
 
-// The charset of a single part is looked up twice; its name is logged as it is compared.
+// The charset of a single part is looked up twice. The log has its normalised name.
 TEST_F(DebugLog, UnknownCharset) {
   Start();
   const char* message = "Content-Type: text/plain; charset=\"x-No.Such_1\"\n\nX\n";
@@ -215,7 +215,8 @@ TEST_F(DebugLog, LongLineIsCut) {
   ASSERT_EQ(lines.size(), 7U);
   const std::string whole = Line("unknown charset " + name);
   EXPECT_EQ(lines[2], whole.substr(0, 4095));
-  EXPECT_EQ(lines[3], Line("decoded body of type text, plain")) << "a line of its own";
+  EXPECT_EQ(lines[3], Line("decoded body of type text, plain"))
+      << "the next line is a line of its own";
 }
 
 TEST_F(DebugLog, UnnamedException) {
@@ -232,7 +233,7 @@ TEST_F(DebugLog, ElementOfNoList) {
               ElementsAre(Line("REALGetArrayObject Array is nil")));
 }
 
-// What the first element access writes; the later ones write nothing.
+// The lines of the first access to an element. Later accesses write none.
 std::vector<std::string> SelfTestLines(const Capabilities& capabilities) {
   Session session(capabilities);
   const Object list = FromText("MimeMailboxListZQV", "a@b.org");
@@ -300,7 +301,7 @@ TEST_F(DebugLog, SelfTestWithoutItsEntryPoints) {
   }
 }
 
-// The second array that the host is asked for is the self-test's.
+// The first array is the list; the second one is the self-test's.
 TEST_F(DebugLog, SelfTestWithoutAnArray) {
   Start();
   const Object list = FromText("MimeMailboxListZQV", "a@b.org");
@@ -311,7 +312,7 @@ TEST_F(DebugLog, SelfTestWithoutAnArray) {
               ElementsAre(Line("TestArray 2024.100000"), Line("Failed to allocate array")));
 }
 
-// The bound that the self-test asks for is the second one of the access.
+// The access gets the list's upper bound first, then the self-test's.
 TEST_F(DebugLog, SelfTestWithoutItsBound) {
   Start();
   const Object list = FromText("MimeMailboxListZQV", "a@b.org");

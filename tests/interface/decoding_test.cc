@@ -1,4 +1,4 @@
-// Which text a message shows, and in which encoding, beside the messages of tests/corpus.
+// The text of a message and its encoding, in addition to the messages of tests/corpus.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -41,8 +41,8 @@ TEST_F(Decoding, SinglePartSharesItsTextWithBodyDecoded) {
               std::get<String>(Get(message, "BodyDecoded")));
 }
 
-// The 119 names of the charset table as they stand; the number is that of
-// the string's encoding, for bytes that no encoding takes for ASCII.
+// The 119 names of the table of charsets. The number is the encoding of the resulting string, for
+// bytes that are not ASCII in any encoding.
 TEST_F(Decoding, EveryCharsetName) {
   Start();
   const std::string table = ReadWholeFile(ZQV_TEST_DATA "/tables/charsets.tsv");
@@ -53,7 +53,7 @@ TEST_F(Decoding, EveryCharsetName) {
     const std::size_t tab = line.find('\t');
     const auto encoding = static_cast<std::uint32_t>(std::stoul(line.substr(tab + 1), nullptr, 16));
     ++rows;
-    // UTF-16 is handed over as UTF-8, and these bytes are a lone half of a character.
+    // Text in UTF-16 becomes UTF-8, and these bytes are half a surrogate pair.
     if (encoding == abi::kUtf16) continue;
     const Object message =
         Parse("Content-Type: text/plain; charset=" + line.substr(0, tab) + "\n\n\xC3\xA9");

@@ -1,5 +1,5 @@
-// What reads a message's tree, in the tests and in the zqv program, works on the smallest stack for
-// the deepest tree, however the tree was made.
+// The code that reads the tree of a message, in the tests and in the zqv program, works on the
+// smallest stack for the deepest tree.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -20,7 +20,7 @@
 namespace zqv::interface_test {
 namespace {
 
-// Frames are larger in other builds.
+// Other builds have larger stack frames.
 constexpr std::size_t kLevels = kShips ? kMostEntities - 1 : 2'000;
 constexpr std::size_t kStack = kShips ? test::kTinyStack : test::kSmallStack;
 

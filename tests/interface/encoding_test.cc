@@ -1,4 +1,4 @@
-// How texts get their encoding and how host strings are read, in hosts of each kind.
+// The encoding of texts and the reading of host strings, in hosts of several versions.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -18,7 +18,7 @@ constexpr const char* kEmail = "MimeEmailZQV";
 
 class Encodings : public InterfaceTest {};
 
-// Runs `body` in a session of its own in a host of this version.
+// Runs `body` in a session of its own, in a host of this version.
 template <typename Body>
 void InHostOf(double version, Body body) {
   LoadLibraryFile();
@@ -30,7 +30,8 @@ void InHostOf(double version, Body body) {
   });
 }
 
-// Around the versions from which strings are built with their encoding and from UTF-32.
+// Versions around 2012, from which strings are built with their encoding, and 2013, from which they
+// are built from UTF-32.
 constexpr double kVersions[] = {2009.0, 2011.99, 2012.0, 2012.99, 2013.0, 2024.1};
 
 std::string BodyIn(const std::string& charset, std::string_view bytes) {
@@ -38,7 +39,7 @@ std::string BodyIn(const std::string& charset, std::string_view bytes) {
   return ShowProperty(Parse(header + std::string(bytes)), "PlainText");
 }
 
-// "x-none" is no charset.
+// "x-none" is not in the table of charsets.
 TEST_F(Encodings, AsciiBytesInACharsetAroundAsciiAreAscii) {
   for (const double version : kVersions) {
     InHostOf(version, [] {
@@ -49,14 +50,15 @@ TEST_F(Encodings, AsciiBytesInACharsetAroundAsciiAreAscii) {
       EXPECT_EQ(BodyIn("iso-8859-1", "caf\xE9"), "0x201 caf\xE9");
       EXPECT_EQ(BodyIn("windows-1252", "caf\xE9"), "0x500 caf\xE9");
       EXPECT_EQ(BodyIn("x-none", "caf\xE9"), "0xffff caf\xE9");
-      EXPECT_EQ(BodyIn("us-ascii", "caf\xE9"), "0x600 caf\xE9") << "the charset is believed";
+      EXPECT_EQ(BodyIn("us-ascii", "caf\xE9"), "0x600 caf\xE9")
+          << "the named charset is kept, although the bytes are not ASCII";
       EXPECT_EQ(BodyIn("utf-8", "cafe"), "0x8000100 cafe");
       EXPECT_EQ(BodyIn("koi8-r", "cafe"), "0xa02 cafe");
     });
   }
 }
 
-// e with acute, and a character of two units: 00E9, D83D DE00.
+// An e with acute accent, and a character of two units: 00E9, D83D DE00.
 TEST_F(Encodings, Utf16BecomesUtf8) {
   for (const double version : kVersions) {
     InHostOf(version, [] {
@@ -67,7 +69,7 @@ TEST_F(Encodings, Utf16BecomesUtf8) {
   }
 }
 
-// Form feed and DEL are not in the UTF-8 that is taken for text.
+// Text with a form feed or DEL is not accepted as UTF-8.
 TEST_F(Encodings, ControlCharactersMakeHighBytesMacRoman) {
   Start();
   for (const std::string text : {"\xC3\xA9 x\f", "\x7F x\xC3\xA9", "\x01 x\xC3\xA9"}) {
@@ -88,7 +90,8 @@ TEST_F(Encodings, ControlCharactersMakeHighBytesMacRoman) {
 std::string TextOf(const Value& html) { return Show(CallShared(kEmail, "HTMLToPlainText", html)); }
 std::string Decoded(const Value& text) { return Show(CallShared(kEmail, "DecodeInline", text)); }
 
-// A pair for U+1F600, half a pair dropped, U+FFFD for what is beyond Unicode.
+// U+1F600 becomes a surrogate pair, half a pair is dropped, and a number above U+10FFFF becomes
+// U+FFFD.
 TEST_F(Encodings, CodePointsThatHostsCannotTakeAreDroppedOrReplaced) {
   for (const double version : kVersions) {
     InHostOf(version, [] {
@@ -105,7 +108,8 @@ TEST_F(Encodings, CodePointsThatHostsCannotTakeAreDroppedOrReplaced) {
   }
 }
 
-// Texts of 800 bytes and more, 200 code points of 4 bytes, are converted in other memory.
+// Texts of 800 bytes and more, 200 code points of 4 bytes, are converted in allocated memory
+// instead of on the stack.
 TEST_F(Encodings, LongTextsAreTheSameAsShortOnes) {
   for (const double version : kVersions) {
     InHostOf(version, [] {
@@ -125,8 +129,9 @@ TEST_F(Encodings, LongTextsAreTheSameAsShortOnes) {
   }
 }
 
-// In Mac Roman 80 is A with diaeresis, 8E e with acute, A5 the bullet, C3 the square root.
-TEST_F(Encodings, UnknownOnesWithHighBytesAreMacRoman) {
+// In Mac Roman 80 is an A with diaeresis, 8E an e with acute accent, A5 the bullet, C3 the square
+// root.
+TEST_F(Encodings, UnknownEncodingsWithHighBytesAreMacRoman) {
   for (const double version : kVersions) {
     InHostOf(version, [] {
       const std::string read = "\xC3\x84\xC3\xA9\xE2\x80\xA2\xE2\x88\x9A";
@@ -143,15 +148,15 @@ TEST_F(Encodings, UnknownOnesWithHighBytesAreMacRoman) {
   }
 }
 
-TEST_F(Encodings, UnknownOnesWithoutHighBytesAreAscii) {
+TEST_F(Encodings, UnknownEncodingsWithoutHighBytesAreAscii) {
   Start();
   const String text = MakeString("plain text", abi::kUnknownEncoding);
   EXPECT_EQ(Decoded(text), "0x600 plain text");
   EXPECT_EQ(TextOf(text), "0x8000100 plain text");
 }
 
-// However a host lends a string's text: with something other than a zero behind it, or in the other
-// byte order behind a mark.
+// The text is read in full in each form in which a host lends it: without a zero after it, and in
+// the other byte order with a byte order mark.
 TEST_F(Encodings, TextLentByTheHostIsReadToItsEnd) {
   LoadLibraryFile();
   for (const auto flavour : {StringDataFlavour::kPlain, StringDataFlavour::kUnterminated,
@@ -172,7 +177,7 @@ TEST_F(Encodings, TextLentByTheHostIsReadToItsEnd) {
   }
 }
 
-// Nothing can be read then, and nothing is raised.
+// When the host lends no text, the text is empty and nothing is raised.
 TEST_F(Encodings, TextThatTheHostDoesNotLendIsEmpty) {
   LoadLibraryFile();
   InChild("no data", [] {
@@ -182,7 +187,7 @@ TEST_F(Encodings, TextThatTheHostDoesNotLendIsEmpty) {
     const String text = MakeString("caf\xE9", abi::kIsoLatin1);
     EXPECT_EQ(TextOf(text), "nil");
     EXPECT_EQ(Decoded(text), "nil");
-    // The bytes of these are read as they are.
+    // These texts are read from the string's own bytes.
     EXPECT_EQ(TextOf(MakeString("caf\xC3\xA9")), "0x8000100 caf\xC3\xA9");
     EXPECT_EQ(Decoded(MakeString("caf\xC3\xA9")), "0x8000100 caf\xC3\xA9");
     EXPECT_EQ(Decoded(MakeString("cafe", abi::kIsoLatin1)), "0x600 cafe");

@@ -1,4 +1,4 @@
-// Input that cannot be parsed: which exception, what stays set.
+// Input that cannot be parsed: the exception, and the properties that stay set.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -74,8 +74,8 @@ TEST_F(Errors, EveryLowFirstByteIsParsed) {
   }
 }
 
-// Only one mark is taken off; a part of a mark is none.
-TEST_F(Errors, WhatFollowsTheMarkIsCheckedLikeAFirstByte) {
+// One byte order mark is skipped; a second one or a part of one is not.
+TEST_F(Errors, TheByteAfterTheMarkIsCheckedLikeAFirstByte) {
   Start();
   const std::string mark = "\xEF\xBB\xBF";
   EXPECT_EQ(ConstructFromString(mark + mark).raised, kHighByte);
@@ -94,7 +94,7 @@ TEST_F(Errors, FilesThatCannotBeOpened) {
   EXPECT_EQ(RaisedByFile(std::string(5000, 'a')), kNotOpened);
 }
 
-TEST_F(Errors, PathWithANulIsNoPath) {
+TEST_F(Errors, PathWithANulIsNotOpened) {
   Start();
   const TemporaryFolder folder;
   const std::string path = folder.Write("a.eml", PlainMessage());
@@ -102,7 +102,7 @@ TEST_F(Errors, PathWithANulIsNoPath) {
   EXPECT_EQ(RaisedByFile(path + std::string("\0.eml", 5)), kNotOpened);
 }
 
-// A FolderItem that knows nothing but its URL, on a host that has no "NativePath" yet.
+// Constructs a message from a FolderItem that has a URL only, in a host without "NativePath".
 std::string RaisedByUrl(const std::string& url) {
   const Object file = MakeFolderItem("");
   auto& state = *static_cast<standin::NativeThing*>(file.thing())->state;
@@ -116,7 +116,7 @@ TEST_F(Errors, OldHostsReadTheUrl) {
   const std::string path = folder.Write("caf\xC3\xA9 \x25 a.eml", PlainMessage());
   const std::string name = "caf%C3%A9%20%25%20a.eml";
   const std::string lower_name = "caf%c3%a9%20%25%20a.eml";
-  EXPECT_EQ(RaisedByFile(path), "") << "as the host writes the URL";
+  EXPECT_EQ(RaisedByFile(path), "") << "the URL in the host's own form";
   EXPECT_EQ(RaisedByUrl("file://" + folder.UrlPath(name)), "");
   EXPECT_EQ(RaisedByUrl("file://" + folder.UrlPath(lower_name)), "");
   EXPECT_EQ(RaisedByUrl("file://localhost" + folder.UrlPath(name)), "");
@@ -146,7 +146,7 @@ TEST_F(Errors, UrlIsReadBefore2013AndThePathFromThenOn) {
   }
 }
 
-// Both kinds of path, in every encoding that a host may give them in.
+// Both properties with a path, in every encoding in which a host may return them.
 TEST_F(Errors, PathsInAnyEncoding) {
   const TemporaryFolder folder;
   const std::string path = folder.Write("caf\xC3\xA9 \xC3\x9C.eml", PlainMessage());
@@ -184,8 +184,8 @@ TEST_F(Errors, FolderItemWithoutItsProperty) {
   }
 }
 
-// A host that does not know the class of an exception raises a RuntimeException; one that does not
-// know that either raises nothing.
+// A host without the class of an exception raises a RuntimeException; a host without that class
+// raises nothing.
 TEST_F(Errors, UnknownExceptionClass) {
   const struct {
     std::set<std::string, std::less<>> unknown;

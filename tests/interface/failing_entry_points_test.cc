@@ -1,5 +1,5 @@
-// Hosts whose entry points give nothing or throw, once or from some call on: the step counts as
-// failed, and nothing crashes, leaks or lets a C++ exception out.
+// Hosts whose entry points return nothing or throw, once or from some call on. The failing step is
+// skipped; nothing may crash, leak or throw a C++ exception out of the library.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -23,7 +23,7 @@ namespace {
 
 constexpr std::uint64_t kForEver = std::numeric_limits<std::uint64_t>::max();
 
-// A test for each host and each kind of fault.
+// Each test combines a host and a kind of fault.
 struct FailingRow {
   const char* name;
   const HostKind& host;
@@ -46,8 +46,9 @@ class FailingEntryPoints : public InterfaceTest,
 INSTANTIATE_TEST_SUITE_P(Hosts, FailingEntryPoints, ::testing::ValuesIn(kRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
-// Small, since every one of the calls that it takes fails in turn, but each class has an object in
-// it, and each kind of list an element; both dates, an encoded word, a text that the host converts.
+// A small message, because each of the calls that it takes fails in turn. It has an object of each
+// class, an element of each kind of list, both dates, an encoded word, and text that the host
+// converts.
 std::string CompleteMessage() {
   return "Received: by b; Tue, 1 Jan 2019 10:00:00 +0000\n"
          "Date: Tue, 1 Jan 2019 11:00:00 +0200\n"
@@ -62,8 +63,8 @@ std::string CompleteMessage() {
          "--b--\n";
 }
 
-// What is done while calls fail: a message from each kind of source, all there is to read of one of
-// them, and what there is beside messages.
+// The calls that fail in turn: messages from each kind of source, everything that one of them
+// offers, the shared methods and the classes made from text.
 void UseOnce() {
   if (!IsRegistered()) return;
   ReadEverything(Construct(Way::kBlock, CompleteMessage()).message, 1);
@@ -83,10 +84,10 @@ void UseOnce() {
   }));
 }
 
-// How often each entry point is called, in the order of kEntryPoints.
+// The number of calls of each entry point, in the order of kEntryPoints.
 using CallCounts = std::array<std::uint64_t, std::size(kEntryPoints)>;
 
-// Counted in a child, so that the library stays fresh here.
+// Runs in a child process, so that the library of this process has cached nothing.
 CallCounts CleanCallCounts(const HostKind& kind) {
   const SharedWithChild<CallCounts> counts;
   InChild("clean run", [&] {
@@ -99,9 +100,9 @@ CallCounts CleanCallCounts(const HostKind& kind) {
   return *counts;
 }
 
-// The calls from 1 to `last` at which a fault begins: each one of those that are only made once and
-// for all, at the start or for the test of the array layout; else the first, the last, and ever
-// larger steps between.
+// The calls, from 1 to `last`, at which a fault begins. For a small `last`, which is typical of
+// calls made once at the start or in the self-test of the array layout, all calls are used;
+// otherwise the first, the last, and some at growing distances between.
 std::vector<std::uint64_t> Starts(std::uint64_t last) {
   constexpr std::uint64_t kMostOnce = 11;
   constexpr std::uint64_t kGrowth = kSanitized ? 50 : 7;
@@ -113,9 +114,10 @@ std::vector<std::uint64_t> Starts(std::uint64_t last) {
   return starts;
 }
 
-// In a library that has called nothing yet, so that what is found out once may fail too. One child
-// per entry point, start and duration of the fault: this call alone, and from it on.
-TEST_P(FailingEntryPoints, EachInAFreshLibrary) {
+// Tests a library that has called nothing yet, so that calls whose result is cached fail too. Each
+// child process has one entry point, one first failing call, and one duration: that call only, or
+// all calls from it on.
+TEST_P(FailingEntryPoints, EachCallInAFreshLibrary) {
   const FailingRow& row = GetParam();
   LoadLibraryFile();
   const CallCounts counts = CleanCallCounts(row.host);
@@ -126,7 +128,7 @@ TEST_P(FailingEntryPoints, EachInAFreshLibrary) {
         InChild(name + (calls == 1 ? " at call " : " from call ") + std::to_string(start), [&] {
           const auto session = StartBroken(row.host, {{name, Fault{row.kind, start, calls}}});
           UseOnce();
-          // Where objects cannot be given back, their last calls do not come.
+          // When objects cannot be released, the calls that release what they hold are not made.
           const Host& host = session->host();
           EXPECT_TRUE(host.CallCount(name) >= start || !host.CountsLocks());
         });
@@ -135,13 +137,13 @@ TEST_P(FailingEntryPoints, EachInAFreshLibrary) {
   }
 }
 
-// The string data that a host which does not take it back is left with, not counted.
+// The number of live things. String data is not counted for a host that does not take it back.
 std::int64_t LiveThings(const std::string& entry_point) {
   const standin::LiveCounts live = Host::Get("the test").ledger().Live();
   return live.Total() - (entry_point == "PluginDisposeStringData" ? live.string_data : 0);
 }
 
-// One use of everything while `fault` holds; its calls count from now.
+// Uses everything once while `fault` holds. The fault counts calls from now on.
 void UseOnceWith(const std::string& name, Fault fault) {
   Host& host = Host::Get("the test");
   const std::string what = "call " + std::to_string(fault.from_call);
@@ -156,15 +158,15 @@ void UseOnceWith(const std::string& name, Fault fault) {
   }
   host.SetFault(name, std::nullopt);
   host.DropStray();
-  EXPECT_GE(host.CallCount(name), fault.from_call) << what << " never came";
+  EXPECT_GE(host.CallCount(name), fault.from_call) << what << "  was never made";
   EXPECT_TRUE(!host.CountsLocks() || LiveThings(name) == things_before) << what << " leaks";
   const LiveBlocks blocks = FailingNew::Live();
   EXPECT_EQ(blocks.single, blocks_before.single) << what << " leaks memory";
   EXPECT_EQ(blocks.arrays, blocks_before.arrays) << what << " leaks arrays";
 }
 
-// Fails the calls number `first` to `first + count - 1` of one use, each alone and with all after
-// it. Gives the number of calls of one use.
+// Lets each of the calls `first` to `first + count - 1` of one use fail, once alone and once with
+// all calls after it. Returns the number of calls of one use.
 std::uint64_t FailSomeCalls(const FailingRow& row, const std::string& name, std::uint64_t first,
                             std::uint64_t count) {
   const auto session = StartBroken(row.host, {{name, Fault{row.kind, kForEver}}});
@@ -179,12 +181,13 @@ std::uint64_t FailSomeCalls(const FailingRow& row, const std::string& name, std:
       UseOnceWith(name, Fault{row.kind, n, calls});
     }
   }
-  EXPECT_EQ(MirrorWithoutDates(Parse(CompleteMessage())).dump(), seen) << "what failed lasts";
+  EXPECT_EQ(MirrorWithoutDates(Parse(CompleteMessage())).dump(), seen)
+      << "a failed call changed a later result";
   return last;
 }
 
-// In a library that is in use: every single call. Children of some calls each, so that a crash
-// tells nearly where it was.
+// Tests a library that is in use: every single call fails once. Each child process has some calls
+// only, so that the name of a child that crashes shows approximately which call failed.
 TEST_P(FailingEntryPoints, EveryCall) {
   constexpr std::uint64_t kChunk = kSanitized ? 410 : 200;
   const FailingRow& row = GetParam();
@@ -212,7 +215,7 @@ std::string RaisedWithFault(const char* entry_point, Fault::Kind kind) {
   return ConstructFromString(PlainMessage()).raised;
 }
 
-// What the application sees of a C++ exception that a host let out.
+// The host exception that results from a C++ exception thrown by an entry point.
 TEST_F(InterfaceTest, ThrownExceptionsBecomeTheHosts) {
   LoadLibraryFile();
   InChild("std::runtime_error", [] {

@@ -9,7 +9,7 @@
 namespace zqv::interface_test {
 namespace {
 
-// For the book itself, which must not go through operator new.
+// Allocates the entries of the map below, which must not use operator new.
 template <typename T>
 struct MallocAllocator {
   using value_type = T;
@@ -32,13 +32,13 @@ struct State {
   std::uint64_t from = 0;
   std::uint64_t calls = 0;
   LiveBlocks live;
-  // Every block in the book, and whether it comes from new[].
+  // Every live block of the plug-in, and whether it was allocated with new[].
   std::unordered_map<void*, bool, std::hash<void*>, std::equal_to<>,
                      MallocAllocator<std::pair<void* const, bool>>>
       blocks;
 };
 
-// Never destroyed, since blocks are freed until the very end.
+// Never destroyed, because blocks are freed until the process ends.
 State& TheState() {
   alignas(State) static unsigned char memory[sizeof(State)];
   static State* const state = new (memory) State;

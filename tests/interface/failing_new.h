@@ -1,7 +1,7 @@
-// Memory that the library gets with `new`: how much of it is in use, and making it run out.
+// Counts the memory that the plug-in allocates with `new`, and makes allocations fail.
 //
-// The program's own operator new stands in the place of the standard library's for the plug-in too.
-// Only what code of the plug-in allocates is counted and made to fail; the host is spared.
+// This program's operator new replaces the standard library's, also in the plug-in. Only
+// allocations made while code of the plug-in runs are counted and can fail; the host's are not.
 #pragma once
 
 #include <cstddef>
@@ -10,14 +10,14 @@
 
 namespace zqv::interface_test {
 
-// Blocks of the plug-in that are in use, by the operator they come from.
+// Live blocks of the plug-in, by the operator that allocated them.
 struct LiveBlocks {
   std::int64_t single = 0;  // new
   std::int64_t arrays = 0;  // new[]
 };
 
-// While one lives, the plug-in's allocations are counted, and those number `from` (from 1) to
-// `from + calls - 1` throw std::bad_alloc.
+// While an instance exists, the plug-in's allocations are counted from 1, and those with the
+// numbers `from` to `from + calls - 1` throw std::bad_alloc.
 class FailingNew {
  public:
   static constexpr std::uint64_t kNever = std::numeric_limits<std::uint64_t>::max();
@@ -27,9 +27,9 @@ class FailingNew {
   FailingNew(const FailingNew&) = delete;
   FailingNew& operator=(const FailingNew&) = delete;
 
-  // Allocations so far, failed ones included.
+  // The number of allocations so far, failed ones included.
   static std::uint64_t Count();
-  // Of those made while any FailingNew lived.
+  // The live blocks among all that were allocated while any FailingNew existed.
   static LiveBlocks Live();
 };
 

@@ -19,12 +19,12 @@ namespace zqv::interface_test {
 
 namespace {
 
-// Makes a folder whose path begins so; gives its path, or an empty one.
+// Creates a folder whose path begins with `start`. Returns its path; empty when it failed.
 std::string MakeFolder(const std::string& start) {
 #if defined(_WIN32)
-  static std::atomic<int> number{0};  // several threads make some at once
+  static std::atomic<int> number{0};  // several threads may create folders at once
   const std::string with_process = start + std::to_string(_getpid()) + "-";
-  // An earlier process of that number may have left some behind.
+  // An earlier process with the same number may have left folders.
   std::string path;
   do {
     path = with_process + std::to_string(++number);
@@ -59,7 +59,7 @@ std::string TemporaryFolder::UrlPath(std::string_view name) const {
 }
 
 std::string TemporaryFolder::Write(std::string_view name, std::string_view bytes) const {
-  // A path and not its text, which would be read in a code page on Windows.
+  // A path object, because on Windows a plain text would be read in the process's code page.
   std::ofstream file(std::filesystem::u8path(Path(name)), std::ios::binary);
   file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   file.close();

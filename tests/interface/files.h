@@ -1,4 +1,4 @@
-// Files for tests that need real ones.
+// Temporary folders and files for tests.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace zqv::interface_test {
 
-// A folder that goes, with all in it, when this does.
+// A temporary folder, which is deleted with its contents by the destructor.
 class TemporaryFolder {
  public:
   TemporaryFolder();
@@ -15,18 +15,18 @@ class TemporaryFolder {
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
   const std::string& path() const { return path_; }
-  // The path of `name` in it, whether there is such a file or not.
+  // The path of `name` in the folder, even if there is no such file.
   std::string Path(std::string_view name) const { return path_ + "/" + std::string(name); }
-  // The same as in a URL of a file, before anything is escaped.
+  // That path as it is in a file URL, before characters are escaped.
   std::string UrlPath(std::string_view name) const;
-  // Writes a file and gives its path.
+  // Writes a file and returns its path.
   std::string Write(std::string_view name, std::string_view bytes) const;
 
  private:
   std::string path_;
 };
 
-// The whole file; a file that cannot be read fails the test.
+// The bytes of a file. A file that cannot be read fails the test.
 std::string ReadWholeFile(const std::string& path);
 
 }  // namespace zqv::interface_test

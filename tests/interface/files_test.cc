@@ -1,5 +1,5 @@
-// Files as POSIX systems have them: folders, pipes, devices, files without permission and files of
-// gigabytes. What Windows has in their place: windows_files_test.cc.
+// Files on POSIX systems: folders, pipes, devices, unreadable files and files of gigabytes.
+// windows_files_test.cc has the cases of Windows.
 #include "tests/interface/files.h"
 
 #include <gtest/gtest.h>
@@ -25,8 +25,8 @@ namespace {
 
 class Files : public InterfaceTest {};
 
-// What a directory's length is, and whether it can be read, the file system decides; what follows
-// from that is the rule.
+// The expected exception for a folder. It depends on the length that the file system reports for
+// the folder, and on whether it can be opened.
 std::string RuleForDirectory(const std::string& path) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(path.c_str(), "rb"),
                                                                &std::fclose);
@@ -57,7 +57,7 @@ void ReadsUnreadableFile(const std::string& path) {
     ExpectNothingSet(ConstructWith(kFromFile, MakeFolderItem(path)), kNotOpened);
   }
   if (!is_root) return;
-  // A leak checker can look at a process only when it is as it was.
+  // The leak checker needs the process's original user to examine the process.
   ASSERT_EQ(seteuid(0), 0);
   ASSERT_EQ(prctl(PR_SET_DUMPABLE, 1), 0);
 }
@@ -90,7 +90,7 @@ std::ptrdiff_t OpenDescriptors() {
   return std::distance(begin(descriptors), end(descriptors));
 }
 
-// Whatever becomes of them: parsed, refused, not read, not opened.
+// Files are closed after each outcome: parsed, refused, not read, not opened.
 TEST_F(Files, FilesAreClosed) {
   Start();
   const TemporaryFolder folder;
@@ -114,7 +114,7 @@ TEST_F(Files, DevicesAreEmptyFiles) {
   EXPECT_EQ(RaisedByFile("/dev/null"), kEmpty);
 }
 
-// A file system's length may be wrong; fewer bytes than it says is an error.
+// A file system may report a wrong length; fewer bytes than reported are an error.
 TEST_F(Files, FileShorterThanItsLength) {
   Start();
   std::FILE* const probe = std::fopen("/sys/kernel/mm/transparent_hugepage/enabled", "rb");
@@ -131,14 +131,15 @@ TEST_F(Files, FileShorterThanItsLength) {
       kNotRead);
 }
 
-// A header, then three gigabytes of zeros that take no room on the disk.
+// A header followed by a hole of three gigabytes, which reads as zeros and takes no space on the
+// disk.
 std::string WriteHugeFile(const TemporaryFolder& folder) {
   const std::string path = folder.Write("huge.eml", "Subject: Huge\n\nText\n");
   EXPECT_EQ(truncate(path.c_str(), 3'000'000'000L), 0);
   return path;
 }
 
-// It is parsed or refused for want of memory; anything else would be a crash.
+// The file is either parsed, or refused because there is not enough memory.
 void ReadsHugeFile(const std::string& path) {
   Session session;
   const Constructed constructed = ConstructWith(kFromFile, MakeFolderItem(path));
@@ -165,7 +166,7 @@ TEST_F(Files, HugeFileWithLittleMemory) {
   }
 }
 
-// The file, the parsed body while it grows, and some.
+// The memory needed is the file, the parsed body while it grows, and a reserve.
 TEST_F(Files, HugeFile) {
   constexpr long kWanted = 14L << 30U;
   if (kSanitized) GTEST_SKIP() << "takes minutes under AddressSanitizer";

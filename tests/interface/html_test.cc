@@ -1,4 +1,4 @@
-// What the shared method HTMLToPlainText makes of HTML.
+// The result of the shared method HTMLToPlainText.
 #include <gtest/gtest.h>
 
 #include <ostream>
@@ -19,7 +19,7 @@ std::string TextOf(const Value& html) {
 struct HtmlRow {
   const char* name;
   std::string_view html;
-  const char* text;  // in UTF-8, as every text comes; null for nil
+  const char* text;  // in UTF-8, as all results are; null means nil
 };
 
 void PrintTo(const HtmlRow& row, std::ostream* out) { *out << row.name; }
@@ -31,7 +31,7 @@ TEST_P(HtmlOf, GivesItsText) {
   const HtmlRow& row = GetParam();
   const std::string shown = row.text != nullptr ? std::string("0x8000100 ") + row.text : "nil";
   EXPECT_EQ(TextOf(MakeString(row.html)), shown);
-  // As UTF-16 too, for HTML that is ASCII.
+  // HTML in ASCII is tested in UTF-16 too.
   const std::u16string wide(row.html.begin(), row.html.end());
   EXPECT_EQ(TextOf(MakeUtf16(wide)), shown);
 }
@@ -72,9 +72,8 @@ constexpr HtmlRow kTags[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Tags, HtmlOf, ::testing::ValuesIn(kTags), NameOfRow);
 
-// A reference reaches to its ";", at most eight code points, and one more for the ";" is passed
-// over: ten from the "&" on. Names are found by the first row that begins so: sigmaf 962, ordf 170,
-// sup2 178.
+// A reference extends to its ";", but at most over eight code points and one more: ten from the "&"
+// on. A name finds the first row of the table that begins with it: sigmaf 962, ordf 170, sup2 178.
 constexpr HtmlRow kReferences[] = {
     {"Ampersand", "a&amp;b", "a&b"},
     {"AmpersandInUpperCase", "a&AMP;b", "ab"},
@@ -94,9 +93,9 @@ constexpr HtmlRow kReferences[] = {
 };
 INSTANTIATE_TEST_SUITE_P(References, HtmlOf, ::testing::ValuesIn(kReferences), NameOfRow);
 
-// Halves of pairs are dropped, and what is beyond U+10FFFF becomes U+FFFD, the rest of the text
-// staying. A number that needs more than 32 bits is beyond it too, and not what its lowest bits
-// say: 4294967361 is 2^32 + 65, 18446744073709551681 is 2^64 + 65, an "A" in the lowest bits.
+// Halves of surrogate pairs are dropped, and a number above U+10FFFF becomes U+FFFD; the rest of
+// the text stays. A number of more than 32 bits is not cut to its low bits: 4294967361 is 2^32 + 65
+// and 18446744073709551681 is 2^64 + 65, and 65 is "A".
 constexpr HtmlRow kCodePoints[] = {
     {"Pair", "a&#x1F600;b&#128512;",
      "a\xF0\x9F\x98\x80"
@@ -136,12 +135,12 @@ TEST_F(Html, NilAndEmptyGiveNil) {
   }
 }
 
-// Each is "<p>", e with acute, the reference for the euro sign.
+// Each string is "<p>", an e with acute accent, and the reference for the euro sign.
 TEST_F(Html, InHostStringsOfAnyEncoding) {
   Start();
   const String kTexts[] = {
       MakeString("<p>\xC3\xA9&euro;", abi::kUtf8),
-      MakeString("<p>\xC3\xA9&euro;", abi::kAscii),  // bytes labelled ASCII that are not
+      MakeString("<p>\xC3\xA9&euro;", abi::kAscii),  // bytes that are not ASCII, labelled ASCII
       MakeString("<p>\xE9&euro;", abi::kIsoLatin1),
       MakeString("<p>\xE9&euro;", abi::kWindowsLatin1),
       MakeString("<p>\x8E&euro;", abi::kMacRoman),
@@ -153,7 +152,7 @@ TEST_F(Html, InHostStringsOfAnyEncoding) {
   for (const String& text : kTexts) {
     const std::string bytes(text.bytes());
     EXPECT_EQ(TextOf(text), "0x8000100 \r\xC3\xA9\xE2\x82\xAC") << text.encoding();
-    EXPECT_EQ(text.bytes(), bytes) << "the application's string is not touched";
+    EXPECT_EQ(text.bytes(), bytes) << "the application's string does not change";
   }
 }
 
@@ -165,9 +164,9 @@ TEST_F(Html, InUtf32OfEitherByteOrder) {
             "0x8000100 a\xF0\x9F\x98\x80");
 }
 
-TEST_F(Html, OfUnknownEncodingIsReadAsMacRomanWhateverItLooksLike) {
+TEST_F(Html, OfUnknownEncodingIsAlwaysReadAsMacRoman) {
   Start();
-  // C3 is the square root in Mac Roman, A9 the copyright sign.
+  // In Mac Roman C3 is the square root and A9 the copyright sign.
   EXPECT_EQ(TextOf(MakeString("\xC3\xA9", abi::kUnknownEncoding)),
             "0x8000100 \xE2\x88\x9A\xC2\xA9");
   EXPECT_EQ(TextOf(MakeString("<b>plain</b>", abi::kUnknownEncoding)), "0x8000100 plain");
@@ -179,7 +178,7 @@ TEST_F(Html, TextOutsideTheFirstPlane) {
   EXPECT_EQ(TextOf(MakeUtf16(u"<b>\U0001F600</b>")), "0x8000100 \xF0\x9F\x98\x80");
 }
 
-// What stands before the first byte that is no UTF-8 is kept.
+// The text before the first byte that is not UTF-8 is kept.
 TEST_F(Html, InBadUtf8EndsThere) {
   Start();
   EXPECT_EQ(TextOf(MakeString("<b>ab\xC3(cd</b>")), "0x8000100 ab");
@@ -195,7 +194,7 @@ TEST_F(Html, ByteOrderMarksAreDropped) {
   EXPECT_EQ(TextOf(MakeUtf16(u"\uFEFF<p>a\uFEFFb")), "0x8000100 \rab");
 }
 
-// A text of white space only is one: the space; no-break spaces are spaces too.
+// White space only gives one space. A no-break space is white space too.
 TEST_F(Html, WhiteSpaceAloneIsText) {
   Start();
   EXPECT_EQ(TextOf(MakeString("   ")), "0x8000100  ");
@@ -209,7 +208,8 @@ TEST_F(Html, OfAMessageBecomesItsPlainText) {
   };
   EXPECT_EQ(plain_text("; charset=iso-8859-1", "<p>Caf\xE9</p>"), "0x8000100 \rCaf\xC3\xA9\r");
   EXPECT_EQ(plain_text("; charset=utf-8", "Caf\xC3\xA9 &#xD800;"), "0x8000100 Caf\xC3\xA9 ");
-  EXPECT_EQ(plain_text("", "Caf\x8E"), "0x8000100 Caf\xC3\xA9") << "Mac Roman by its bytes";
+  EXPECT_EQ(plain_text("", "Caf\x8E"), "0x8000100 Caf\xC3\xA9")
+      << "Mac Roman, because the bytes are not UTF-8";
   EXPECT_EQ(plain_text("; charset=x-none", "Caf\x8E"), "0x8000100 Caf\xC3\xA9");
   EXPECT_EQ(plain_text("", "<p"), "0x8000100 \r");
   EXPECT_EQ(plain_text("", "<b></b>"), "nil");

@@ -1,4 +1,4 @@
-// From construction to release: what constructors store, what getters hand out, who owns it.
+// From construction to release: what constructors store, what getters return, and who owns it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -28,7 +28,7 @@ Object Element(const Object& object, std::string_view method, int index) {
   return ObjectOf(Call(object, method, index));
 }
 
-TEST_F(Lifecycle, SourceOfAStringIsThatVeryString) {
+TEST_F(Lifecycle, SourceOfAStringIsTheSameString) {
   Start();
   const String content = MakeString(PlainMessage(), abi::kUnknownEncoding);
   const Object message = standin::Construct(kEmail, kFromString, content);
@@ -55,8 +55,8 @@ TEST_F(Lifecycle, SourceOfLowBytesIsAscii) {
   }
 }
 
-// Every way of input gives the same message, apart from the source.
-TEST_F(Lifecycle, AllWaysGiveTheSameMessage) {
+// Each of the three constructors gives the same message, apart from its source.
+TEST_F(Lifecycle, AllConstructorsGiveTheSameMessage) {
   Start();
   const auto read = [](Way way) { return MirrorWithoutDates(Parse(RichMessage(), way)).dump(1); };
   const std::string from_string = read(Way::kString);
@@ -65,7 +65,7 @@ TEST_F(Lifecycle, AllWaysGiveTheSameMessage) {
   EXPECT_EQ(read(Way::kFile), from_string);
 }
 
-TEST_F(Lifecycle, GettersHandOutTheSameStringWithOneMoreLock) {
+TEST_F(Lifecycle, GettersReturnTheSameStringWithOneMoreLock) {
   Start();
   const Object message = Parse(RichMessage());
   for (const char* name : {"Source", "Subject", "PlainText", "HTMLText"}) {
@@ -77,7 +77,7 @@ TEST_F(Lifecycle, GettersHandOutTheSameStringWithOneMoreLock) {
   }
 }
 
-TEST_F(Lifecycle, GettersHandOutTheSameObjectWithOneMoreLock) {
+TEST_F(Lifecycle, GettersReturnTheSameObjectWithOneMoreLock) {
   Start();
   const Object message = Parse(RichMessage());
   for (const char* name :
@@ -117,7 +117,7 @@ TEST_F(Lifecycle, EveryListIsOneArrayInEachForm) {
                  "Mailboxes as MimeMailboxZQV()", "MailboxesVariant");
 }
 
-// No copy is handed out: what the application does to the array, it does to the list.
+// The list's array is returned itself, not a copy, so a change by the application changes the list.
 TEST_F(Lifecycle, ChangingTheArrayChangesTheList) {
   Start();
   const Object message = Parse(RichMessage());
@@ -138,7 +138,7 @@ TEST_F(Lifecycle, ElementsComeWithOneMoreLock) {
   EXPECT_EQ(first.locks(), 3);
 }
 
-TEST_F(Lifecycle, AttachmentsShareWhatThePartHolds) {
+TEST_F(Lifecycle, AttachmentsShareTheObjectsOfTheirPart) {
   Start();
   const Object message = Parse(RichMessage());
   const Object part = Element(ObjectOf(Get(message, "Body")), "Parts", 1);
@@ -147,10 +147,11 @@ TEST_F(Lifecycle, AttachmentsShareWhatThePartHolds) {
   EXPECT_TRUE(ObjectOf(Get(attachment, "Header")) == ObjectOf(Get(part, "Header")));
   const auto data = std::get<String>(Get(attachment, "Data"));
   EXPECT_TRUE(data == std::get<String>(Get(part, "BodyDecoded")));
-  EXPECT_EQ(data.locks(), 3) << "the part, the attachment, the application";
+  EXPECT_EQ(data.locks(), 3)
+      << "one held by the part, one by the attachment, one by the application";
 }
 
-TEST_F(Lifecycle, ThePlainTextIsThePartsString) {
+TEST_F(Lifecycle, ThePlainTextIsTheStringOfItsPart) {
   Start();
   const Object message = Parse(PlainMessage());
   const auto text = std::get<String>(Get(message, "PlainText"));
@@ -169,7 +170,8 @@ TEST_F(Lifecycle, SecondConstructionReplacesEverything) {
   EXPECT_EQ(ShowProperty(message, "HTMLText"), "nil");
   EXPECT_TRUE(ObjectOf(Get(message, "Date")).IsNil());
   EXPECT_EQ(ObjectOf(Call(message, "Attachments as MimeAttachmentZQV()")).Size(), 0);
-  EXPECT_EQ(TextOf(kept, "MimeType"), "application/pdf") << "the old one lives on";
+  EXPECT_EQ(TextOf(kept, "MimeType"), "application/pdf")
+      << "an object of the first construction stays valid";
 }
 
 TEST_F(Lifecycle, SecondConstructionOfTheTextClasses) {
@@ -182,8 +184,8 @@ TEST_F(Lifecycle, SecondConstructionOfTheTextClasses) {
   }
 }
 
-// The ledger is looked at by the session's end as well; here after each kind of message.
-TEST_F(Lifecycle, TenThousandMessagesLeaveNothing) {
+// The end of each session checks the ledger too; this test checks it after each kind of message.
+TEST_F(Lifecycle, TenThousandMessagesLeaveNoObjects) {
   Start();
   const std::string messages[] = {PlainMessage(), RichMessage(), NestedMultiparts(5)};
   for (const std::string& bytes : messages) UseEverything(Way::kString, bytes);
@@ -197,7 +199,7 @@ TEST_F(Lifecycle, TenThousandMessagesLeaveNothing) {
   EXPECT_EQ(before, 0);
 }
 
-// What an application has taken lives on after the message, each taken alone.
+// Each object that an application holds stays valid after its message is released.
 TEST_F(Lifecycle, ObjectsOutliveTheMessage) {
   Start();
   const auto take = [](const char* what) {
@@ -233,7 +235,7 @@ TEST_F(Lifecycle, StringsOutliveTheMessage) {
   EXPECT_EQ(source.locks(), 1);
 }
 
-// The members of an object that hold anything.
+// The names of the members of an object that are not empty.
 std::vector<std::string> Filled(const Object& object) {
   std::vector<std::string> names;
   const nlohmann::ordered_json mirror = standin::Mirror(object);
@@ -244,8 +246,8 @@ std::vector<std::string> Filled(const Object& object) {
   return names;
 }
 
-// Nil for every member: strings, objects and lists; counts are 0, looking up finds nothing, and an
-// element of a list that is not there is nil without an exception.
+// Every string, object and list is nil, counts are 0, and no field is found. An element of a
+// missing list is nil, and no exception is raised.
 TEST_F(Lifecycle, InstancesOfTheApplicationAreEmpty) {
   Start();
   for (const standin::ClassInfo* info : host().classes().registered()) {
@@ -268,7 +270,7 @@ TEST_F(Lifecycle, InstancesOfTheApplicationAreEmpty) {
   EXPECT_TRUE(standin::IsNil(Call(NewInstance(kEmail), "SourceWithoutAttachments")));
 }
 
-// Their parameterless constructors do nothing, and applications cannot call them.
+// These constructors do nothing, and applications cannot call them.
 TEST_F(Lifecycle, PrivateConstructorsDoNothing) {
   Start();
   for (const char* name : {"MimeBodyZQV", "MimeHeaderZQV", "MimeEntityZQV", "MimeAttachmentZQV"}) {
@@ -289,7 +291,7 @@ const standin::Property& SharedProperty(std::string_view name) {
   throw std::invalid_argument("no such shared property");
 }
 
-TEST_F(Lifecycle, SharedSwitchesAreOffAndKeepWhatTheyAreSetTo) {
+TEST_F(Lifecycle, SharedSwitchesAreOffAndKeepTheirValue) {
   Start();
   for (const char* name : {"RaiseUnknownFormatExceptions", "Debugging"}) {
     EXPECT_FALSE(std::get<bool>(GetShared(kEmail, name))) << name;
@@ -297,7 +299,7 @@ TEST_F(Lifecycle, SharedSwitchesAreOffAndKeepWhatTheyAreSetTo) {
       SetShared(kEmail, name, value);
       EXPECT_EQ(std::get<bool>(GetShared(kEmail, name)), value) << name;
     }
-    // Any value but 0 is true; reading gives 1, or the host would end the test.
+    // Any value except 0 is true. A read must give 1, because the host accepts only 0 and 1.
     standin::CallArguments two;
     two.Add(std::int64_t{2});
     standin::CallNothing(SharedProperty(name).row->setter, two, name);
@@ -307,7 +309,7 @@ TEST_F(Lifecycle, SharedSwitchesAreOffAndKeepWhatTheyAreSetTo) {
 }
 
 TEST_F(Lifecycle, SwitchesAreSharedByAllMessages) {
-  // A message of one part meets its charset twice, so the exception is raised twice.
+  // A message of one part looks its charset up twice, so two exceptions are raised.
   const Session session({}, Exceptions::kMayBeLost);
   const std::string bytes = "Content-Type: text/plain; charset=foo\n\nText\n";
   const std::string raised = "UnsupportedFormatException, 0: Unhandled charset: foo";

@@ -1,7 +1,7 @@
-// What a message gives does not depend on the locale that the application is in.
+// Results do not depend on the locale of the application.
 //
-// Applications set it before they load plug-ins, so each test starts a child that does the same.
-// The locales of the system are made by the build; see cmake/test_locales.cmake.
+// An application sets its locale before it loads plug-ins, so each test does the same in a child
+// process. The build creates the locales; see cmake/test_locales.cmake.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -28,10 +28,11 @@
 namespace zqv::interface_test {
 namespace {
 
-// Whether "1,5" is a number and a half.
+// Whether the locale reads "1,5" as one and a half.
 bool HasDecimalComma() { return std::strtod("1,5", nullptr) == 1.5; }
 
-// The capital letter of the small i. Compilers believe that they know it.
+// The upper case of "i". The call goes through a pointer, because compilers compute toupper('i')
+// themselves.
 int CapitalI() {
   int (*const volatile to_capital)(int) = std::toupper;
   return to_capital('i');
@@ -43,7 +44,7 @@ std::string Written(int number) {
   return out.str();
 }
 
-// Gives numbers written to a stream a point after every third digit, as no locale of C does.
+// A C++ locale that writes a point after every third digit. No C locale can do this.
 class Grouping : public std::numpunct<char> {
  protected:
   char do_thousands_sep() const override { return '.'; }
@@ -52,15 +53,15 @@ class Grouping : public std::numpunct<char> {
 
 struct Row {
   const char* name;   // letters and digits only
-  const char* needs;  // the folder of the locale, or nothing
+  const char* needs;  // the locale's folder; empty when none is needed
   void (*enter)();
-  // What shows that the locale is in force.
+  // Tells whether the locale is in effect.
   bool (*is_in_force)();
 };
 
 void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
 
-// The C library keeps for ever what it noted of LOCPATH when a C++ locale was made.
+// The C library never frees what it stores about LOCPATH when a C++ locale is created.
 extern "C" __attribute__((weak)) void __lsan_disable();
 extern "C" __attribute__((weak)) void __lsan_enable();
 
@@ -70,10 +71,10 @@ void EnterStreams(const char* name) {
   if (__lsan_enable != nullptr) __lsan_enable();
 }
 
-// The C locale, which every program starts in, is what all are compared with.
+// Results are compared with those in the C locale, in which every program starts.
 const Row kRows[] = {
     {"Utf8", "", [] { std::setlocale(LC_ALL, "C.UTF-8"); }, [] { return MB_CUR_MAX > 1; }},
-    // Small i and capital I are two letters there, in no pair.
+    // In Turkish, "i" and "I" are not the lower and upper case of one letter.
     {"TurkishUtf8", "tr_TR.UTF-8", [] { std::setlocale(LC_ALL, "tr_TR.UTF-8"); },
      [] { return CapitalI() != 'I' && HasDecimalComma(); }},
     {"TurkishLatin5", "tr_TR.ISO-8859-9", [] { std::setlocale(LC_ALL, "tr_TR.ISO-8859-9"); },
@@ -89,7 +90,8 @@ const Row kRows[] = {
      [] { return Written(1234567) == "1.234.567" && !HasDecimalComma(); }},
 };
 
-// Runs `body` in a session in the C locale, or in that of `row`, in a child.
+// Runs `body` in a session in a child process, in the locale of `row`, or in the C locale when it
+// is null.
 void InLocale(const Row* row, const std::function<void()>& body) {
   InChild(row == nullptr ? "C" : row->name, [&] {
     ASSERT_EQ(setenv("LOCPATH", ZQV_LOCALES, 1), 0);
@@ -98,7 +100,7 @@ void InLocale(const Row* row, const std::function<void()>& body) {
       row->enter();
       ASSERT_TRUE(row->is_in_force());
     }
-    // A message of one part asks for its charset twice and so may raise twice in one call.
+    // A message of one part looks its charset up twice, so one call can raise two exceptions.
     const Session session({}, Exceptions::kMayBeLost);
     body();
   });
@@ -115,7 +117,7 @@ class Locales : public ::testing::TestWithParam<Row> {
   }
 };
 
-// The messages of samples and tests/corpus, in the order of their names.
+// The paths of the messages in samples and tests/corpus, sorted.
 std::vector<std::string> MessagePaths() {
   std::vector<std::string> paths;
   for (const char* folder : {ZQV_SAMPLES, ZQV_CORPUS}) {
@@ -127,7 +129,7 @@ std::vector<std::string> MessagePaths() {
   return paths;
 }
 
-// All that comes of a message, in one line.
+// Everything that the library returns for a message, in one line.
 std::string AllOf(const std::string& bytes, bool raises) {
   SetShared("MimeEmailZQV", "RaiseUnknownFormatExceptions", raises);
   const Constructed constructed = ConstructFromString(bytes);
@@ -136,7 +138,7 @@ std::string AllOf(const std::string& bytes, bool raises) {
          standin::EscapeBytes(Show(stripped));
 }
 
-// Two lines for each message: charset names that are not known raise, or they do not.
+// Two lines for each message: with and without exceptions for unknown charsets.
 std::vector<std::string> AllOfAll(const std::vector<std::string>& paths) {
   std::vector<std::string> lines;
   for (const std::string& path : paths) {
@@ -169,7 +171,7 @@ std::vector<std::string> ReadLines(const std::string& path) {
   return lines;
 }
 
-TEST_P(Locales, GiveTheSameOfEveryMessage) {
+TEST_P(Locales, GiveTheSameForEveryMessage) {
   const std::vector<std::string> paths = MessagePaths();
   ASSERT_GT(paths.size(), 200U);
   const TemporaryFolder folder;
@@ -185,7 +187,7 @@ TEST_P(Locales, GiveTheSameOfEveryMessage) {
   });
 }
 
-// What mail compares without regard to case, in the letters that its names do not stand in here.
+// A message whose names are all in upper case. Mail compares them without regard to case.
 constexpr std::string_view kCapitals =
     "MIME-VERSION: 1000.2000\n"
     "SUBJECT: =?ISO-8859-1?Q?Fa=E7ade?=\n"
@@ -213,7 +215,7 @@ constexpr std::string_view kCapitals =
     "PK\n"
     "--B--\n";
 
-// The same with the names of its fields in small letters.
+// The message with its field names in lower case.
 std::string WithSmallNames(std::string_view message) {
   std::string result;
   std::istringstream lines{std::string(message)};
@@ -249,7 +251,7 @@ void ExpectWhatCapitalsSay(const std::string& bytes) {
   EXPECT_EQ(ShowProperty(archive, "MimeVersion"), "0x600 1000.2000");
 }
 
-TEST_P(Locales, DoNotDecideWhichLettersAreTheSame) {
+TEST_P(Locales, DoNotChangeHowNamesAreCompared) {
   for (const std::string& bytes : {std::string(kCapitals), WithSmallNames(kCapitals)}) {
     InLocale(nullptr, [&] { ExpectWhatCapitalsSay(bytes); });
     InLocale(&GetParam(), [&] { ExpectWhatCapitalsSay(bytes); });

@@ -1,4 +1,4 @@
-// The log of a test as lines.
+// Captures the debug log of a test, as lines.
 #pragma once
 
 #include <string>
@@ -8,10 +8,10 @@
 
 namespace zqv::interface_test {
 
-// While one lives, standard error goes to it alone.
+// While an instance exists, standard error goes to it only.
 class LogCapture {
  public:
-  // What was written so far, without the line ends; a last line without one gets three dots.
+  // The lines written so far, without line ends. An incomplete last line gets three dots.
   std::vector<std::string> Lines() const;
 
  private:

@@ -1,8 +1,9 @@
-// What messages cost in memory, and messages that ask for more than there is.
+// The memory that messages take, and messages that need more than there is.
 //
-// Measured is the peak of the process's resident memory above what was resident just before the
-// constructor, the input itself not counted: the parse, the objects and strings of the stand-in
-// host, which keeps no ledger here, and the reading of everything. Each message has a child process
+// The tests measure the peak of the process's resident memory minus what was resident before the
+// constructor, without the input itself. This includes the parse, the objects and strings of the
+// stand-in host, which keeps no ledger here, and reading everything. Each message has a child
+// process of its own.
 // of its own.
 #include <gtest/gtest.h>
 #include <malloc.h>
@@ -35,7 +36,7 @@ using test::Repeat;
 
 constexpr std::size_t kMegabyte = std::size_t{1} << 20;
 
-// A line "VmRSS:  1234 kB" of the process's status, in bytes.
+// The value of a line of /proc/self/status, such as "VmRSS:  1234 kB", in bytes.
 std::size_t StatusOf(std::string_view key) {
   std::ifstream status("/proc/self/status");
   for (std::string line; std::getline(status, line);) {
@@ -46,12 +47,12 @@ std::size_t StatusOf(std::string_view key) {
   return 0;
 }
 
-// Gives unused memory back and lets the peak begin anew; gives what is resident.
+// Returns unused memory to the system and resets the peak. Returns the resident bytes.
 std::size_t BeginPeak() {
   malloc_trim(0);
   std::ofstream("/proc/self/clear_refs") << "5";
   const std::size_t resident = StatusOf("VmRSS");
-  EXPECT_LT(StatusOf("VmHWM"), resident + kMegabyte) << "the peak was not forgotten";
+  EXPECT_LT(StatusOf("VmHWM"), resident + kMegabyte) << "the peak was not reset";
   return resident;
 }
 
@@ -73,7 +74,7 @@ std::string Multipart(const std::string& parts) {
   return "MIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=b\n\n" + parts + "--b--\n";
 }
 
-// A folded field of many entries.
+// A folded field with many entries.
 std::string ManyAddresses(std::size_t bytes) {
   return "To: " +
          Count(bytes,
@@ -88,7 +89,7 @@ struct Shape {
   std::string (*make)(std::size_t bytes);
 };
 
-// Mail as there is, of any size.
+// Ordinary mail, in any size.
 constexpr Shape kRealShapes[] = {
     {"plain text",
      [](std::size_t n) {
@@ -154,7 +155,7 @@ constexpr Shape kRealShapes[] = {
      [](std::size_t n) { return NestedMixture(40) + Repeat("The innermost text goes on.\n", n); }},
 };
 
-// Texts of which a byte costs far more than a byte.
+// Texts for which one byte takes much more than a byte of memory.
 constexpr Shape kAmplifiers[] = {
     {"empty parts", [](std::size_t n) { return Multipart(Repeat("--b\n\n", n)); }},
     {"fields of three bytes", [](std::size_t n) { return WithHeader(Repeat("a:\n", n)); }},
@@ -181,8 +182,8 @@ constexpr Shape kAmplifiers[] = {
     {"multiparts in multiparts", [](std::size_t n) { return NestedMultiparts(n / 70); }},
 };
 
-// As much as one message may have of everything at once, in as few bytes as possible: parts, fields
-// and addresses (mime/limits.h), and then HTML up to `bytes`.
+// A message just below the limits of parts, fields and addresses (mime/limits.h), in as few bytes
+// as possible, and then HTML until it has `bytes` bytes.
 std::string AllJustBelowTheLimits(std::size_t bytes) {
   constexpr int kParts = 9'990;
   constexpr int kFieldsOfEach = 3;
@@ -200,7 +201,7 @@ std::string AllJustBelowTheLimits(std::size_t bytes) {
                    Repeat("<ul><li>&lt;", rest) + "\n");
 }
 
-// What may be raised for a message that asks for too much.
+// Whether `raised` is an exception that a message beyond limits or memory may raise.
 bool IsClear(const std::string& raised) {
   static constexpr std::string_view kClear[] = {
       "RuntimeException, 0: C++ Exception: the message has too many parts",
@@ -217,14 +218,14 @@ Capabilities WithoutLedger() {
   return capabilities;
 }
 
-// What one message cost.
+// The memory that one message took.
 struct Cost {
   std::size_t message;  // bytes
   std::size_t growth;   // bytes
   bool is_raised;
 };
 
-// Constructs and reads `text` in a session without ledger.
+// Constructs `text` and reads everything of it in a session without a ledger.
 Cost Measure(const std::string& text) {
   const Session session(WithoutLedger());
   const Input input(Way::kString, text);
@@ -250,8 +251,8 @@ Cost MeasureInChild(const std::string& name, const std::string& text) {
   return *cost;
 }
 
-// A host that is out of memory throws. The stand-in ends the process instead, so it is asked only
-// for what there is room for.
+// A host that has no memory throws, but the stand-in ends the process. These entry points therefore
+// check that there is enough memory before they call the stand-in's.
 abi::Resolver real_resolver = nullptr;
 
 template <typename Function>
@@ -259,7 +260,7 @@ Function RealEntryPoint(const char* name) {
   return reinterpret_cast<Function>(real_resolver(name));
 }
 
-// Room for a thing of so many bytes and for what is needed to make it.
+// Throws std::bad_alloc unless there is memory for an object of `bytes` bytes and for creating it.
 void RequireRoom(std::size_t bytes) {
   const standin::PluginScope scope(false);
   void* const room = std::malloc(8 * bytes + 64 * 1024);
@@ -315,8 +316,8 @@ void* ResolverOfSmallHost(const char* name) {
   return real_resolver(name);
 }
 
-// The stack of the first thread takes address space as it grows, and a limit would end the process
-// there: so it grows before.
+// The first thread's stack takes address space as it grows, and would end the process when a limit
+// prevents that. Hence it is made to grow before the limit is set.
 void GrowStack(std::size_t bytes) {
   volatile char frame[64 * 1024];
   frame[0] = 0;
@@ -324,14 +325,15 @@ void GrowStack(std::size_t bytes) {
   frame[sizeof frame - 1] = 0;
 }
 
-// Most of what the first thread may have; what the library reckons with.
+// Grows the first thread's stack to nearly its limit, to the size that the library assumes.
 void GrowStackToItsEnd() {
   rlimit stack{};
   getrlimit(RLIMIT_STACK, &stack);
   GrowStack(std::min<std::size_t>(stack.rlim_cur, 8 * kMegabyte) - kMegabyte / 4);
 }
 
-// While one lives, the process can have only so much more address space than at its beginning.
+// While an instance exists, the process can use at most `more` bytes of address space more than at
+// its start.
 class AddressSpaceLimit {
  public:
   explicit AddressSpaceLimit(std::size_t more) {
@@ -350,8 +352,8 @@ class AddressSpaceLimit {
   rlimit before_{};
 };
 
-// Constructs `text` with so much memory; gives what was raised. What there is of the message can be
-// read and freed in any case, and the next message has all it needs.
+// Constructs `text` with `more` bytes of memory, and returns what was raised. Reads what the
+// message then has, and constructs another message without a limit.
 std::string ConstructWithin(std::size_t more, const std::string& text) {
   real_resolver = Host::Start()->resolver();
   const Session session(WithoutLedger(), Exceptions::kMayBeLost, &ResolverOfSmallHost);
@@ -361,15 +363,15 @@ std::string ConstructWithin(std::size_t more, const std::string& text) {
     const AddressSpaceLimit limit(more);
     constructed = ConstructOn(constructed.message, "Constructor(Content as string)", input.value());
   }
-  // The source without the files is parsed anew, and refused anew.
+  // The source without the files is parsed again, so it may be refused again.
   const std::string read = ReadEverything(constructed.message);
   EXPECT_TRUE(read.empty() || IsClear(read)) << read;
   EXPECT_EQ(ConstructFromString(PlainMessage()).raised, "");
   return constructed.raised;
 }
 
-// Constructs a nested message with so much memory: true for the whole tree, false for a clear
-// exception.
+// Constructs a nested message with `more` bytes of memory. Returns true when the whole tree was
+// made, false when an exception was raised.
 bool ConstructDeep(std::size_t more, const std::string& text, std::size_t levels) {
   real_resolver = Host::Start()->resolver();
   const Session session(WithoutLedger(), Exceptions::kMayBeLost, &ResolverOfSmallHost);
@@ -382,8 +384,8 @@ bool ConstructDeep(std::size_t more, const std::string& text, std::size_t levels
       EXPECT_EQ(LevelsOf(constructed.message), levels);
     }
   }
-  // A header object that cannot be filled raises at once, with the memory of all levels still
-  // taken: then the host may have none for the exception's text.
+  // A header object that cannot be filled raises while the memory of all levels is still in use, so
+  // that the host may have no memory for the exception's text.
   EXPECT_TRUE(constructed.raised.empty() || IsClear(constructed.raised) ||
               constructed.raised == "OutOfMemoryException, 0: ")
       << constructed.raised;
@@ -396,12 +398,12 @@ bool ConstructDeep(std::size_t more, const std::string& text, std::size_t levels
 class Memory : public InterfaceTest {
  protected:
   void SetUp() override {
-    if (!kShips) GTEST_SKIP() << "only what ships is measured";
+    if (!kShips) GTEST_SKIP() << "only the shipped build is measured";
     InterfaceTest::SetUp();
   }
 };
 
-// The limits of parts, fields and addresses are chosen for these two (docs/limits.md).
+// The limits of parts, fields and addresses were chosen for these two figures (docs/limits.md).
 constexpr std::size_t kMostForOneMegabyte = 100 * kMegabyte;
 constexpr std::size_t kMostFor25Megabytes = 500 * kMegabyte;
 
@@ -425,8 +427,8 @@ TEST_F(Memory, AmplifiersStayBelowTheBounds) {
   }
 }
 
-// With a quarter of a gigabyte, and with little more than the message itself: the message or a
-// clear exception, never the end of the process.
+// With a quarter of a gigabyte, and with little more than the message itself, the result is the
+// message or an exception, and the process does not end.
 TEST_F(Memory, RunningOutRaises) {
   LoadLibraryFile();
   for (const Shape& shape : kAmplifiers) {
@@ -444,12 +446,12 @@ TEST_F(Memory, RunningOutRaises) {
         });
       }
     }
-    EXPECT_TRUE(*has_raised) << shape.name << ": 25 MB cannot do with 4 MB";
+    EXPECT_TRUE(*has_raised) << shape.name << ": 25 MB cannot be parsed in 4 MB";
   }
 }
 
-// The deepest message that may be, with every room from almost none on: the whole tree or a clear
-// exception. A tree that is half built when the memory ends is released without needing any.
+// The deepest message, with every amount of memory from almost none. The result is the whole tree
+// or an exception. Releasing a partly built tree needs no memory.
 TEST_F(Memory, RunningOutInTheDeepestMessageRaises) {
   constexpr std::size_t kLevels = kMostEntities - 1;
   LoadLibraryFile();
@@ -463,8 +465,8 @@ TEST_F(Memory, RunningOutInTheDeepestMessageRaises) {
       InChild("deepest message in " + std::to_string(room) + " MB",
               [&] { ++*(ConstructDeep(room * kMegabyte, text, kLevels) ? whole : raised); });
     }
-    EXPECT_GT(*raised, 0U) << "there was always room";
-    EXPECT_GT(*whole, 0U) << "there was never room";
+    EXPECT_GT(*raised, 0U) << "there was always enough memory";
+    EXPECT_GT(*whole, 0U) << "there was never enough memory";
   }
 }
 
@@ -472,7 +474,7 @@ TEST_F(Memory, EverythingJustBelowTheLimitsStaysBelowTheBounds) {
   LoadLibraryFile();
   for (const std::size_t bytes : {kMegabyte, 10 * kMegabyte, 25 * kMegabyte}) {
     const Cost cost = MeasureInChild("everything", AllJustBelowTheLimits(bytes));
-    EXPECT_FALSE(cost.is_raised) << "this is to be below the limits";
+    EXPECT_FALSE(cost.is_raised) << "this message should be below the limits";
     EXPECT_LT(cost.growth, bytes > kMegabyte ? kMostFor25Megabytes : kMostForOneMegabyte)
         << bytes / kMegabyte << " MB";
   }

@@ -5,7 +5,7 @@ namespace {
 
 constexpr const char* kTextPart = "Content-Type: text/plain\n\nThe innermost text.\n";
 
-// Opens a level whose content follows.
+// The header of a multipart and the boundary line of its first part.
 std::string OpenMultipart(std::size_t number) {
   const std::string boundary = "b" + std::to_string(number) + "x";
   return "Content-Type: multipart/mixed; boundary=\"" + boundary + "\"\n\n--" + boundary + "\n";

@@ -1,6 +1,6 @@
-// Hosts that lack entry points: the step is skipped, and nothing crashes, leaks or lets a C++
-// exception out. The stand-in host ends the process on every misuse of what it handed out, so each
-// configuration runs in a child.
+// Hosts that lack entry points. The step that needs one is skipped; nothing may crash, leak or
+// throw a C++ exception out of the library. The stand-in host ends the process when a lock is
+// misused, so each configuration runs in a child process.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,7 +21,7 @@ namespace {
 
 class MissingEntryPoints : public InterfaceTest {};
 
-// What every test below relies on: the run does use the entry points.
+// The other tests prove something only if the run uses every entry point.
 TEST_F(MissingEntryPoints, TheRunUsesEveryEntryPoint) {
   LoadLibraryFile();
   for (const HostKind& kind : kHosts) {
@@ -52,7 +52,8 @@ TEST_F(MissingEntryPoints, EachMissingInTurn) {
   }
 }
 
-// Entry points of which one may take the place of another, or one is of no use without another.
+// Groups of entry points of which one can replace another, or of which one is useless without
+// another.
 const std::vector<std::vector<std::string>> kFamilies = {
     // strings
     {"REALLockString", "REALUnlockString", "REALBuildString", "REALBuildStringWithEncoding",
@@ -94,7 +95,7 @@ TEST_F(MissingEntryPoints, EachPairOfAFamily) {
       }
     }
   }
-  EXPECT_EQ(covered.size(), std::size(kEntryPoints)) << "each is of some family";
+  EXPECT_EQ(covered.size(), std::size(kEntryPoints)) << "each entry point belongs to a family";
 }
 
 TEST_F(MissingEntryPoints, WholeFamilies) {
@@ -109,8 +110,8 @@ TEST_F(MissingEntryPoints, WholeFamilies) {
   }
 }
 
-// A host of which nothing can be had, and one that only takes classes.
-TEST_F(MissingEntryPoints, All) {
+// A host without any entry point, and a host that offers only those for registration.
+TEST_F(MissingEntryPoints, AllAtOnce) {
   LoadLibraryFile();
   for (const HostKind& kind : kHosts) {
     Faults faults;
@@ -121,7 +122,7 @@ TEST_F(MissingEntryPoints, All) {
   }
 }
 
-// Each list of the library, on a host that cannot tell an upper bound.
+// Uses each list of the library in a host that reports no upper bounds.
 TEST_F(MissingEntryPoints, EveryListSurvives) {
   LoadLibraryFile();
   InChild("without RuntimeUBound", [] {
@@ -142,7 +143,7 @@ TEST_F(MissingEntryPoints, EveryListSurvives) {
   });
 }
 
-// While a string is built, the exception is the building's own, and nil takes the string's place.
+// When a string cannot be built, the exception of that failure is raised, and the result is nil.
 TEST_F(MissingEntryPoints, FailingToBuildAStringGivesNil) {
   LoadLibraryFile();
   for (const Fault::Kind kind : {Fault::Kind::kMissing, Fault::Kind::kNothing}) {
@@ -155,7 +156,7 @@ TEST_F(MissingEntryPoints, FailingToBuildAStringGivesNil) {
         EXPECT_EQ(ShowProperty(message, name), "nil") << name;
       }
       EXPECT_EQ(ObjectOf(Call(message, "Attachments as MimeAttachmentZQV()")).Size(), 2)
-          << "a text without a string counts as none, so no text is ever the second one";
+          << "text that could not be built counts as absent, so a later text is not a second one";
     });
   }
 }
@@ -166,7 +167,7 @@ struct MissingRow {
   bool is_nil;
 };
 
-// The step that needs the entry point is skipped; the others are not.
+// Only the step that needs the missing entry point is skipped.
 TEST_F(MissingEntryPoints, OnlyTheStepIsSkipped) {
   static constexpr MissingRow kRows[] = {
       {"RuntimeArrayCreateSingleDimBoundedArray", "InlinesVariant", true},
@@ -195,7 +196,7 @@ TEST_F(MissingEntryPoints, OnlyTheStepIsSkipped) {
   }
 }
 
-// What the application sees of one thing.
+// A value that an application reads, and what it is when an entry point is missing.
 struct FallbackRow {
   const char* entry_point;
   const char* what;
@@ -206,7 +207,7 @@ struct FallbackRow {
 std::string EmptyText() { return ConstructFromString("").raised; }
 std::string PlainFrom(Way way) { return Construct(way, PlainMessage()).raised; }
 std::string Utf16Text() {
-  // "Hi" in UTF-16, its first unit the byte-order mark of this machine's order.
+  // "Hi" in UTF-16, after a byte order mark in this machine's byte order.
   return ShowProperty(Parse("Content-Type: text/plain; charset=utf-16\n"
                             "Content-Transfer-Encoding: base64\n\n//5IAGkA\n"),
                       "PlainText");
@@ -224,7 +225,7 @@ std::string MacRomanHtml() {
   return Show(CallShared("MimeEmailZQV", "HTMLToPlainText", MakeString("Caf\x8E", abi::kMacRoman)));
 }
 
-// What takes the place of the step that is skipped.
+// The value that replaces the result of a skipped step.
 TEST_F(MissingEntryPoints, FallbackValues) {
   static constexpr char kNoText[] = "UnsupportedOperationException, 0: Can't parse empty text.";
   static constexpr char kNoFile[] = "IOException, 0: Failed to open file for reading.";
@@ -257,7 +258,8 @@ TEST_F(MissingEntryPoints, FallbackValues) {
   }
 }
 
-// An array of another layout than the known ones is read through the host, or not at all.
+// An array of an unknown layout is read through the host; when the host cannot do that either,
+// elements are nil.
 TEST_F(MissingEntryPoints, WithoutReadingArraysElementsAreNil) {
   LoadLibraryFile();
   for (const bool is_missing : {false, true}) {
@@ -285,7 +287,8 @@ TEST_F(MissingEntryPoints, WithoutComparisonNoFieldIsFound) {
   });
 }
 
-// Without a way to lock, nothing is handed out that could be unlocked too often.
+// When no lock can be added, getters return nil, because the application would unlock what they
+// return.
 TEST_F(MissingEntryPoints, WithoutLocksGettersGiveNil) {
   LoadLibraryFile();
   InChild("without locks", [] {
@@ -300,7 +303,8 @@ TEST_F(MissingEntryPoints, WithoutLocksGettersGiveNil) {
   });
 }
 
-// A class that the host does not make instances of is left out, with all below it.
+// When the host cannot create instances of a class, its objects and everything below them are
+// missing.
 TEST_F(MissingEntryPoints, ClassesThatTheHostCannotMake) {
   LoadLibraryFile();
   for (const char* name : {"MimeBodyZQV", "MimeHeaderZQV", "MimeEntityZQV", "MimeAddressZQV",

@@ -1,5 +1,5 @@
-// The same message in hosts around each version from which something is done otherwise: the
-// application sees no difference, and each host is asked only for what it has.
+// The same message in hosts around each version from which the library works differently. Results
+// are equal, and each host is asked only for functions that it has.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -17,7 +17,7 @@ namespace {
 constexpr double kVersions[] = {0.0,     2009.0,  2011.99, 2012.0,  2012.99, 2013.0, 2013.02,
                                 2013.03, 2013.04, 2020.01, 2020.02, 2020.99, 2021.0, 2024.1};
 
-// Texts that take each way of building a string: labelled bytes, UTF-16, UTF-32 of a short and of a
+// Texts for each way of building a string: labelled bytes, UTF-16, and UTF-32 of a short and of a
 // long text, with and without surrogate pairs.
 std::vector<std::string> Messages() {
   std::string long_html;
@@ -33,7 +33,7 @@ std::vector<std::string> Messages() {
   };
 }
 
-// All that an application sees of all messages, the two dates included.
+// Everything that an application reads from all messages, the two dates included.
 std::string SeenBy(double version) {
   Capabilities capabilities;
   capabilities.version = version;
@@ -51,7 +51,7 @@ std::string SeenBy(double version) {
 
 class OldHosts : public InterfaceTest {};
 
-TEST_F(OldHosts, SeeTheSameMessages) {
+TEST_F(OldHosts, GiveTheSameMessages) {
   LoadLibraryFile();
   std::vector<std::string> seen;
   for (const double version : kVersions) {

@@ -12,11 +12,10 @@ constexpr std::string_view kConstructors[] = {"Constructor(Content as string)",
                                               "Constructor(Content as MemoryBlock)",
                                               "Constructor(File as FolderItem)"};
 
-// Reads all there is below an object, one kind of member at a time. No recursion: applications
-// have small stacks too.
+// Reads everything below an object. It is a loop, so that it works on a small stack.
 class Reader {
  public:
-  // Elements of lists are asked for by the indices from -1 to `last_index`.
+  // Reads elements of lists with the indices from -1 to `last_index`.
   explicit Reader(int last_index = 11) : last_index_(last_index) {}
 
   void Run(const Object& top) {
@@ -34,7 +33,7 @@ class Reader {
   template <typename Work>
   void Try(Work work) {
     const std::string raised = RaisedBy(work);
-    // Indices around the bounds are part of the reading.
+    // An exception for an index out of bounds is expected.
     if (raised.find("OutOfBoundsException, 0: The parameter index") != 0) raised_ += raised;
     ++calls_;
   }
@@ -50,7 +49,7 @@ class Reader {
       for (const standin::Property& property : c->properties) {
         Try([&] {
           const Value value = Get(object, property.name);
-          // Attachments share what the tree holds; reading that once is enough.
+          // The objects of an attachment are also in the tree, where they are read.
           if (object.ClassName() == "MimeAttachmentZQV") return;
           if (const auto* const member = std::get_if<Object>(&value)) Add(*member);
         });
@@ -143,7 +142,7 @@ int UseEverything(Way way, std::string_view bytes) {
   for (const char* class_name : {"MimeMailboxZQV", "MimeGroupZQV", "MimeAddressZQV",
                                  "MimeMailboxListZQV", "MimeAddressListZQV", "MimeFieldZQV"}) {
     reader.Try([&] {
-      // Mac Roman, so that the host has to convert it.
+      // Text in Mac Roman, so that the host has to convert it.
       const String text = MakeString("Caf\x8E: Ada <a@example.org>;", abi::kMacRoman);
       reader.Run(standin::Construct(class_name, "Constructor", text));
     });

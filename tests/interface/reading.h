@@ -1,4 +1,4 @@
-// Making messages in each way that applications have, and reading all there is to read.
+// Constructs messages in each way that an application can, and reads everything of them.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@ enum class Way { kString, kBlock, kFile };
 inline constexpr Way kAllWays[] = {Way::kString, Way::kBlock, Way::kFile};
 const char* NameOf(Way way);
 
-// What an application hands to a constructor; keeps the file of a FolderItem.
+// The argument of a constructor. Owns the file of a FolderItem.
 class Input {
  public:
   Input(Way way, std::string_view bytes);
@@ -27,14 +27,14 @@ class Input {
   const Value& value() const { return value_; }
 
  private:
-  std::unique_ptr<TemporaryFolder> folder_;  // of the file; null for the other ways
+  std::unique_ptr<TemporaryFolder> folder_;  // of the FolderItem's file; null for other arguments
   Value value_;
 };
 
-// A message that a constructor has run on, whether it raised or not.
+// A message after its constructor was called, and the exception that it raised.
 struct Constructed {
   Object message;
-  // "Class, ErrorNumber: Message" of what was raised; empty for nothing.
+  // "Class, ErrorNumber: Message"; empty when nothing was raised.
   std::string raised;
 };
 
@@ -43,41 +43,41 @@ Constructed Construct(Way way, std::string_view bytes);
 inline Constructed ConstructFromString(std::string_view bytes) {
   return Construct(Way::kString, bytes);
 }
-// A message of which nothing may be raised.
+// Constructs a message, and fails the test when an exception is raised.
 Object Parse(std::string_view bytes, Way way = Way::kString);
 
-// What `work` raises, in the form above.
+// The exception that `work` raises, in the form of Constructed::raised.
 template <typename Work>
 std::string RaisedBy(Work work);
 
-// An object of one of the classes that are made from a text.
+// Constructs an object of one of the classes that are made from text.
 Object FromText(std::string_view class_name, std::string_view text);
 
-// A string's bytes and the number of its encoding, "nil" for none: "0x600 Hello".
+// Shows a string as the number of its encoding and its bytes, "0x600 Hello"; "nil" for nil.
 std::string Show(const Value& value);
 std::string ShowProperty(const Object& object, std::string_view property);
 
-// Parses a message in the given way and calls everything the library offers on it and beside it:
-// properties, array methods, elements one by one, counts, look-ups, shared methods, constructors
-// from text. Exceptions of the host are let pass. Gives the number of calls that came back.
+// Constructs a message and calls everything that the library offers: properties, array methods,
+// single elements, counts, look-ups, shared methods, and constructors from text. Ignores host
+// exceptions. Returns the number of calls.
 int UseEverything(Way way, std::string_view bytes);
 
-// The same for an object that there is already, without what is beside it; elements of lists by the
-// indices from -1 to `last_index`. Gives what was raised; that an index is out of bounds does not
-// count.
+// Reads all members of an object and of the objects below it. Elements are read with the indices
+// from -1 to `last_index`. Returns the exceptions that were raised, except those for an index out
+// of bounds.
 std::string ReadEverything(const Object& object, int last_index = 11);
 
-// The first of the entities in an entity; nil when there is none.
+// The first part of an entity; nil when it has none.
 Object FirstPartOf(const Object& entity);
-// How many entities lie in one another, each as the first of its level; the message itself is none.
+// The depth of nesting along the first parts; 0 for a message without parts.
 std::size_t LevelsOf(const Object& message);
 
-// A message of so many levels without the members that share with others what they give: of what
-// they share only the path would be written, which is as long as the tree is deep.
+// The tree of a message with `levels` levels, without members whose object is elsewhere in the tree
+// too. Such a member would be written as its path, whose length grows with the depth.
 nlohmann::ordered_json MirrorOfTree(const Object& message, std::size_t levels);
 
-// The properties and array methods of a message and of all below it; dates left out, since they
-// depend on this machine's zone.
+// The properties and array methods of a message and of everything below it, without the dates,
+// which depend on the time zone.
 nlohmann::ordered_json MirrorWithoutDates(const Object& message);
 
 template <typename Work>

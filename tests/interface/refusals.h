@@ -1,4 +1,4 @@
-// Constructors that refuse: what they raise, and what stays set.
+// Input that a constructor refuses: the exception, and the properties that stay set.
 #pragma once
 
 #include <string>
@@ -22,16 +22,16 @@ inline constexpr const char* kNoMemory =
 
 Constructed ConstructWith(const char* constructor, const Value& content);
 
-// What the constructor raises for the file at this path.
+// The exception of the constructor for the file at this path.
 std::string RaisedByFile(std::string_view path);
 
 void ExpectNoParsedMembers(const Object& message);
 
-// Refused input leaves two empty lists and the source, and nothing else.
+// After refused input the message has two empty lists and its source, and nothing else.
 void ExpectRefused(const Constructed& constructed, const std::string& raised,
                    const std::string& source);
 
-// What fails before there is any input leaves nothing at all.
+// When there is no input at all, nothing is set.
 void ExpectNothingSet(const Constructed& constructed, const std::string& raised);
 
 }  // namespace zqv::interface_test

@@ -1,5 +1,5 @@
-// What the library tells a host when it is loaded: which classes with which members, in which
-// order, for which host version.
+// The classes and members that the library registers when it is loaded, their order, and the
+// differences between host versions.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -24,8 +24,8 @@ constexpr const char* kEntryPoints[] = {
 class Registration : public InterfaceTest {};
 class RegistrationFor : public InterfaceTest, public ::testing::WithParamInterface<std::string> {};
 
-// The parameter is the host version in the name of a listing, which expected_classes.py made from
-// tables typed in by hand; "none" is a host that cannot tell its version.
+// The parameter is a host version, as in the name of a listing; "none" is a host that reports no
+// version. expected_classes.py makes the listings from tables written by hand.
 TEST_P(RegistrationFor, ListsTheClasses) {
   Capabilities capabilities;
   if (GetParam() == "none") {
@@ -91,7 +91,7 @@ TEST_F(Registration, RecordSizesAreMultiplesOf16) {
   }
 }
 
-TEST_F(Registration, HappensOnlyInTheEntryFunction) {
+TEST_F(Registration, HappensInTheEntryFunctionOnly) {
   const auto host = Host::Start();
   const standin::Library library(ZQV_LIBRARY);
   EXPECT_EQ(host->ListClasses(), "");
@@ -124,8 +124,8 @@ TEST_F(Registration, HostWithoutAnnouncementGetsTheClassesAllTheSame) {
   EXPECT_TRUE(host().classes().announced().empty());
 }
 
-// The rest is looked for when it is needed.
-TEST_F(Registration, ResolvesNothingThatItDoesNotNeed) {
+// Other entry points are resolved when they are needed.
+TEST_F(Registration, ResolvesOnlyWhatItNeeds) {
   Start();
   std::vector<std::string> resolved;
   for (const char* name : kEntryPoints) {
@@ -144,8 +144,8 @@ void EachIsResolvedOnceAtMost(double version, standin::DateFlavour date_flavour)
     for (const Way way : kAllWays) UseEverything(way, RichMessage());
   }
   for (const std::string_view name : kEntryPoints) {
-    // This host lacks it; what is missing is asked for again and again, on the one platform that
-    // uses it.
+    // This host lacks it. A missing entry point is looked up again each time; the code for this one
+    // runs on a single platform.
     if (name == "REALGetStringCFString") continue;
     const bool called = session.host().CallCount(name) > 0;
     EXPECT_EQ(session.host().ResolveCount(name), called ? 1U : 0U) << name;
@@ -160,8 +160,8 @@ TEST_F(Registration, EachEntryPointIsResolvedOnce) {
   }
 }
 
-// QUIRK of the class table: the record stores MimeType before MimeVersion, the class lists them
-// the other way round.
+// QUIRK: the record stores MimeType before MimeVersion, and the class table lists them in the
+// opposite order.
 TEST_F(Registration, AttachmentKeepsBothOrders) {
   Start();
   const auto& properties = host().classes().Find("MimeAttachmentZQV")->properties;

@@ -37,7 +37,7 @@ void Session::ExpectNothingLeft() {
 Session::~Session() {
   host_->DropAllStrays();
   ExpectNothingLeft();
-  EXPECT_EQ(host_->StrangeNames(), 0U) << "the library asks for names that no host has";
+  EXPECT_EQ(host_->StrangeNames(), 0U) << "the library looked up names that no host has";
   if (exceptions_ == Exceptions::kMayBeLost) return;
   EXPECT_EQ(host_->DroppedExceptions(), 0U);
   EXPECT_EQ(host_->StrayExceptions(), 0U);
@@ -46,7 +46,7 @@ Session::~Session() {
 void InterfaceTest::SetUp() {
   if (::testing::UnitTest::GetInstance()->test_to_run_count() == 1) return;
   EXPECT_TRUE(PassesAgain());
-  GTEST_SKIP() << "ran in a process of its own";
+  GTEST_SKIP() << "the test ran in its own process";
 }
 
 }  // namespace zqv::interface_test

@@ -1,8 +1,9 @@
-// A stand-in host with the built library loaded into it, as every test here needs one.
+// A stand-in host with the built library loaded into it.
 //
-// Invariant: when a session ends, nothing that the library or the application made is left, unless
-// the host was told to lose count. The library keeps state for the life of the process, so there is
-// one session in a process: InterfaceTest sees to it by running each test in a process of its own.
+// When a session ends, it expects that nothing which the library or the application made is left,
+// unless the host does not count locks. The library keeps state for the life of the process, so a
+// process can have one session only. InterfaceTest therefore runs each test in a process of its
+// own.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -37,23 +38,24 @@ using standin::SetShared;
 using standin::String;
 using standin::Value;
 
-// Loads the library's file without running anything of it, so that forked children need not.
+// Loads the library's file without calling any of its functions, so that forked children need not
+// load it.
 void LoadLibraryFile();
 
-// What the end of a session expects of the host's exceptions.
+// Expectation about host exceptions at the end of a session.
 enum class Exceptions {
   kNoneLost,  // each was delivered by the call that raised it
   kMayBeLost  // a broken host may make the library raise twice in one call, or outside of one
 };
 
-// Whether lent string data that is still outstanding is a leak, which it is not on a host that does
-// not take it back.
+// Whether lent string data that was not given back counts as a leak. In a host without the function
+// to give it back it does not.
 enum class StringData { kGivenBack, kMayStay };
 
 class Session {
  public:
   explicit Session(Capabilities capabilities = {}, Exceptions exceptions = Exceptions::kNoneLost);
-  // The same, but the library is entered with this resolver in the place of the host's own.
+  // Does the same, but gives the library this resolver instead of the host's.
   Session(Capabilities capabilities, Exceptions exceptions, abi::Resolver resolver);
   ~Session();
   Session(const Session&) = delete;
@@ -70,8 +72,8 @@ class Session {
   StringData string_data_ = StringData::kGivenBack;
 };
 
-// A test with at most one session, in a process of its own: when several tests are to run in this
-// process, SetUp starts another one for the test and the body is skipped here.
+// A test with at most one session, in a process of its own. When the process runs several tests,
+// SetUp starts a new process for the test and skips the body here.
 class InterfaceTest : public ::testing::Test {
  protected:
   void SetUp() override;

@@ -1,6 +1,6 @@
-// Nested messages on the smallest stack that threads have. How deep a message may be nested depends
-// on the number of its entities alone: the deepest one is parsed, built, read, stripped, written
-// and released on 128 KB, also by a host that takes much stack itself for each release.
+// Nested messages on the smallest stack that threads have. The depth is limited only by the number
+// of entities: the deepest message is parsed, built, read, stripped and released on 128 KB, also in
+// a host that uses much stack for each release.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -21,9 +21,9 @@ namespace {
 constexpr const char* kTooMany =
     "RuntimeException, 0: C++ Exception: the message has too many parts";
 
-// Frames are larger in builds that do not ship.
+// Builds that are not shipped have larger stack frames.
 constexpr std::size_t kStack = kShips ? test::kTinyStack : test::kSmallStack;
-// What a host with large frames may take for the release of one object.
+// The stack that a host with large frames uses to release one object.
 constexpr std::size_t kReleaseStack = 4096;
 
 struct Shape {
@@ -31,7 +31,7 @@ struct Shape {
   std::string (*make)(std::size_t levels);
   std::size_t entities_per_level;
 
-  // The message itself is no level.
+  // The message itself does not count as a level.
   std::size_t DeepestLevel() const { return (kMostEntities - 1) / entities_per_level; }
 };
 void PrintTo(const Shape& shape, std::ostream* out) { *out << shape.name; }
@@ -40,14 +40,14 @@ constexpr Shape kShapes[] = {{"Multiparts", &NestedMultiparts, 1},
                              {"Mixture", &NestedMixture, 1},
                              {"MultipartsWithFiles", &NestedMultipartsWithFiles, 2}};
 
-// The source without its files.
+// Checks the source without the files.
 void ExpectStripped(const Object& message) {
   const std::string text = standin::BytesOf(Call(message, "SourceWithoutAttachments"));
   EXPECT_NE(text.find("The innermost text."), std::string::npos);
   EXPECT_EQ(text.find("File of level"), std::string::npos);
 }
 
-// Makes, reads, writes and releases a message of so many levels.
+// Constructs a message with this many levels, reads everything of it, and releases it.
 void ExpectWholeTree(const Shape& shape, std::size_t levels) {
   const Constructed constructed = Construct(Way::kBlock, shape.make(levels));
   ASSERT_EQ(constructed.raised, "");
@@ -82,8 +82,8 @@ TEST_P(Stack, DeepestMessageIsReleasedByAHostWithLargeFrames) {
   test::RunOnStack(kStack, [] { ExpectWholeTree(GetParam(), GetParam().DeepestLevel()); });
 }
 
-// What is left of the deepest message when the message itself is gone: each part in turn holds the
-// rest of the tree alone.
+// Releases the deepest message level by level: each part, when it is released, is the only owner of
+// the levels below it.
 TEST_P(Stack, DeepestMessageIsReleasedFromTheTopDown) {
   Start(WithLargeFrames());
   test::RunOnStack(kStack, [] {
@@ -100,12 +100,12 @@ TEST_P(Stack, OneLevelMoreIsRefused) {
     ExpectRefused(GetParam(), GetParam().DeepestLevel() + 1);
     ExpectRefused(GetParam(), 2 * GetParam().DeepestLevel());
     ExpectRefused(GetParam(), 100'000);
-    // A refused message spoils nothing for the next one.
+    // After a refused message the next one is parsed as usual.
     ExpectWholeTree(GetParam(), 3);
   });
 }
 
-TEST_P(Stack, AnySmallerDepthGivesTheWholeTree) {
+TEST_P(Stack, SmallerDepthsGiveTheWholeTree) {
   Start(WithLargeFrames());
   test::RunOnStack(kStack, [] {
     for (const std::size_t levels : {1U, 2U, 7U, 8U, 9U, 10U, 50U, 100U, 250U, 1000U, 4000U}) {
@@ -130,7 +130,7 @@ std::string FlatMessage(std::size_t parts) {
   return text + "--b--\n";
 }
 
-// The message itself counts.
+// The message itself counts as an entity.
 TEST_F(InterfaceTest, TooManyPartsAreRefused) {
   Start();
   EXPECT_EQ(Construct(Way::kBlock, FlatMessage(kMostEntities)).raised, kTooMany);

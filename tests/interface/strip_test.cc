@@ -1,8 +1,8 @@
-// The message's source without its files, as SourceWithoutAttachments gives it.
+// SourceWithoutAttachments: the source of a message without its files.
 //
-// Expected texts follow from how a message is written: header fields one a line with the value of
-// Content-Type rewritten (its parameters in quotes), a blank line, the body as it was; each part
-// after a blank line and its boundary line. Every line break is one CR in the end.
+// The expected texts follow from how a message is written: one line a header field, Content-Type in
+// its parsed form with quoted parameters, a blank line, and the body as it was. Before each part
+// come a blank line and its boundary line. Finally every line break becomes one CR.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -42,7 +42,7 @@ std::string StrippedUtf8(std::string_view source) {
   return Stripped(FromString(MakeString(source, abi::kUtf8)));
 }
 
-// Parts must not end in a line end.
+// Makes a multipart. A part must not end in a line end.
 std::string Multipart(const std::string& subtype, const std::string& boundary,
                       const std::vector<std::string>& parts) {
   std::string source = "Content-Type: multipart/" + subtype + "; boundary=" + boundary + "\n";
@@ -50,7 +50,7 @@ std::string Multipart(const std::string& subtype, const std::string& boundary,
   return source + "\n--" + boundary + "--\n";
 }
 
-// The same, as it is written.
+// The same multipart as the library writes it.
 std::string Written(const std::string& subtype, const std::string& boundary,
                     const std::vector<std::string>& parts) {
   std::string text = "Content-Type: multipart/" + subtype + "; boundary=\"" + boundary + "\"\r";
@@ -63,7 +63,8 @@ constexpr const char* kTextWritten = "Content-Type: text/plain\r\rtext";
 constexpr const char* kPdf =
     "Content-Type: application/pdf\nContent-Disposition: attachment; filename=a.pdf\n\npdf";
 
-// A container's last line end stands before the next boundary already.
+// Removes the line end of a nested container, because Multipart writes one before the next
+// boundary.
 std::string WithoutLastLineEnd(std::string source) {
   source.pop_back();
   return source;
@@ -83,17 +84,17 @@ TEST_F(Strip, KeepsTheTextAndTheFrame) {
             "0x600 " + Written("mixed", "b", {kTextWritten}));
 }
 
-TEST_F(Strip, RemovesFilesWhereverTheyStand) {
+TEST_F(Strip, RemovesFilesAtAnyPosition) {
   Start();
   const std::string other = "Content-Disposition: INLINE\n\nother";
   EXPECT_EQ(StrippedUtf8(Multipart("mixed", "b", {kPdf, other, kText, kPdf, kText, other, kPdf})),
             "0x600 " + Written("mixed", "b", {kTextWritten, kTextWritten}));
-  // An empty frame still has its first line.
+  // A container whose parts are all removed keeps its first boundary line.
   EXPECT_EQ(StrippedUtf8(Multipart("mixed", "b", {kPdf, other})),
             "0x600 " + Written("mixed", "b", {""}));
 }
 
-// An image with a Content-ID is listed among the inlines, and stays without a disposition.
+// An image with a Content-ID is listed in Inlines. Without a disposition it is not removed.
 TEST_F(Strip, OnlyTheDispositionDecides) {
   Start();
   const auto image = [](const std::string& fields) {
@@ -119,7 +120,8 @@ TEST_F(Strip, OnlyTheDispositionDecides) {
                                 "\rimage"}));
 }
 
-// The message shows it as its plain text; the source without files lacks it.
+// The text is the message's plain text, and its disposition removes it from the source all the
+// same.
 TEST_F(Strip, RemovesPlainTextMarkedInline) {
   Start();
   const Object message =
@@ -168,14 +170,14 @@ TEST_F(Strip, PrunesAttachedMessagesThatStay) {
       "0x600 " + Written("mixed", "b", {kTextWritten}));
 }
 
-// The disposition of the attached message's own header is that of a part too.
-TEST_F(Strip, RemovesAMessageThatCallsItselfAFile) {
+// The header of an attached message can have the disposition that removes the part.
+TEST_F(Strip, RemovesAMessageWithTheDispositionOfAFile) {
   Start();
   EXPECT_EQ(StrippedUtf8("Content-Type: message/rfc822\n\nContent-Disposition: attachment\n\nx\n"),
             "0x600 Content-Type: message/rfc822\r");
 }
 
-// Four line feeds go, each behind the CR of its pair: two of the header, two of the body.
+// Of four CRLFs, two in the header and two in the body, each loses its LF.
 TEST_F(Strip, MakesEachLineBreakOneCr) {
   Start();
   EXPECT_EQ(StrippedUtf8("X: y\r\n\r\na\r\n\r\nb"), "0x600 X: y\r\ra\r\rb");
@@ -199,9 +201,8 @@ TEST_F(Strip, OfAStringIsReadInTheStringsEncoding) {
             "0x600 A: b\r\rcafe\r");
 }
 
-// Bytes that are called ISO 8859-1 come out as UTF-8 of the same code points, control characters
-// included: converted back they are what they were. Of them, ESC makes the text no UTF-8 to the
-// detection, which changes its label and no byte.
+// Bytes labelled ISO 8859-1 become UTF-8 of the same code points, control characters included. A
+// text with ESC is not detected as UTF-8, which changes the label and not the bytes.
 TEST_F(Strip, OfIsoLatin1KeepsEveryByte) {
   Start();
   std::string source = "A: b\n\n";
@@ -216,20 +217,21 @@ TEST_F(Strip, OfIsoLatin1KeepsEveryByte) {
             "0x0 " + utf8 + "\x1B");
 }
 
-// The message was parsed from the string's bytes, of which the file's disposition is not seen;
-// the source is read as text.
+// The message was parsed from the bytes of the string, in which no disposition is found. The source
+// is converted to text first.
 TEST_F(Strip, OfAUtf16StringIsReadAsText) {
   Start();
   const std::string source = Multipart("mixed", "b", {kText, kPdf});
   const Object message = FromString(MakeUtf16(std::u16string(source.begin(), source.end())));
-  EXPECT_EQ(ObjectOf(Call(message, "Attachments")).Size(), 1) << "all of it, as one file";
+  EXPECT_EQ(ObjectOf(Call(message, "Attachments")).Size(), 1)
+      << "the whole message is listed as one file";
   EXPECT_EQ(Stripped(message), "0x600 " + Written("mixed", "b", {kTextWritten}));
   EXPECT_EQ(Stripped(FromString(MakeUtf16(u"A: b\n\ncaf\u00E9 \U0001F600"))),
             "0x8000100 A: b\r\rcaf\xC3\xA9 \xF0\x9F\x98\x80");
 }
 
-// A block and a file have no encoding, so bytes of 0x80 and above are read as Mac Roman: 8E is e
-// with acute, C3 the square root, A9 the copyright sign.
+// Blocks and files have no encoding, so bytes above 0x7F are read as Mac Roman: 8E is an e with
+// acute accent, C3 the square root, A9 the copyright sign.
 TEST_F(Strip, OfABlockOrFileIsReadAsMacRoman) {
   Start();
   for (const Way way : {Way::kBlock, Way::kFile}) {
@@ -240,14 +242,14 @@ TEST_F(Strip, OfABlockOrFileIsReadAsMacRoman) {
   }
 }
 
-// A form feed or a DEL is in no text that is taken for UTF-8.
+// Text with a form feed or DEL is not accepted as UTF-8.
 TEST_F(Strip, ResultIsAsciiUtf8OrMacRomanByItsBytes) {
   Start();
   EXPECT_EQ(StrippedUtf8("A: b\n\n\x0C\x7F"), "0x600 A: b\r\r\x0C\x7F");
   EXPECT_EQ(StrippedUtf8("A: b\n\n\x0C\xC3\xA9"), "0x0 A: b\r\r\x0C\xC3\xA9");
   EXPECT_EQ(StrippedUtf8("A: b\n\n\x7F\xC3\xA9"), "0x0 A: b\r\r\x7F\xC3\xA9");
-  EXPECT_EQ(StrippedUtf8("A: b\n\ncaf\xE9"), "0x0 A: b\r\rcaf\xE9") << "bytes that are no UTF-8";
-  // High bytes in the file alone go with it.
+  EXPECT_EQ(StrippedUtf8("A: b\n\ncaf\xE9"), "0x0 A: b\r\rcaf\xE9") << "the bytes are not UTF-8";
+  // Bytes above 0x7F in a removed file do not count.
   EXPECT_EQ(StrippedUtf8(Multipart("mixed", "b", {kText, std::string(kPdf) + "\xC3\xA9"})),
             "0x600 " + Written("mixed", "b", {kTextWritten}));
 }
@@ -273,9 +275,9 @@ TEST_F(Strip, WithoutSourceIsNil) {
   EXPECT_EQ(Stripped(empty.message), "nil");
 }
 
-// No first byte is looked at here: a line that begins with one above 0x7F is no header field, so
-// the whole text is the body of a message without header.
-TEST_F(Strip, DoesWhatTheConstructorRefusesOrSkips) {
+// The first byte is not checked here. A line that begins with a byte above 0x7F is not a header
+// field, so the whole text is the body of a message without a header.
+TEST_F(Strip, AcceptsInputThatTheConstructorRefuses) {
   Start();
   const Constructed refused = ConstructOn(NewInstance(kEmail), "Constructor(Content as string)",
                                           MakeString("\xC3\xA9: x\n\nT"));
@@ -306,12 +308,12 @@ TEST_F(Strip, LeavesTheMessageAsItWas) {
     EXPECT_EQ(source.bytes(), RichMessage());
     EXPECT_EQ(standin::Mirror(message).dump(), before);
     EXPECT_EQ(ObjectOf(Call(message, "Attachments")).Size(), 3)
-        << "the plan, the attached message, its text";
+        << "the plan, the attached message, and its text";
   }
 }
 
-// A new string at each asking, owned by the application.
-TEST_F(Strip, IsMadeAtEachAsking) {
+// Each call returns a new string, of which the application owns the lock.
+TEST_F(Strip, IsANewStringAtEachCall) {
   Start();
   const Object message = Parse(PlainMessage());
   const auto first = std::get<String>(Call(message, "SourceWithoutAttachments"));
@@ -319,7 +321,7 @@ TEST_F(Strip, IsMadeAtEachAsking) {
   EXPECT_FALSE(first == std::get<String>(Call(message, "SourceWithoutAttachments")));
 }
 
-// Names of the fields, as a reader of the written message finds them.
+// The field names of a parsed message.
 std::vector<std::string> FieldNames(const Object& message) {
   std::vector<std::string> names;
   const Object fields =
@@ -330,8 +332,9 @@ std::vector<std::string> FieldNames(const Object& message) {
   return names;
 }
 
-// Line breaks hidden in words, quotes, comments, folds and long lines that are folded anew.
-TEST_F(Strip, WritesNoFieldThatWasNotThere) {
+// Line breaks are hidden in encoded words, quotes, comments, folds, and in long lines that are
+// folded again.
+TEST_F(Strip, AddsNoField) {
   Start();
   const std::string source =
       "Subject: =?utf-8?Q?a=0D=0ABcc:_eve@example.org?= =?utf-8?B?DQpFdmlsOiB4?=\n"

@@ -1,6 +1,5 @@
-// Several threads that construct messages at the same time: each gets the exceptions that it caused
-// and no other, and each message is the one that a single thread gets. Hosts have threads that run
-// side by side.
+// Several threads construct messages at the same time. Each thread gets exactly the exceptions that
+// it caused, and each message equals the one constructed by a single thread.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -22,13 +21,13 @@ namespace {
 
 constexpr int kThreads = 8;
 
-// In a part of its own: a message of one part is labelled twice and raises twice.
+// A multipart, because a message of one part looks its charset up twice and raises twice.
 std::string UnknownCharset() {
   return "Subject: Unknown\nMIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=b\n\n"
          "--b\nContent-Type: text/plain; charset=foo\n\nText\n--b--\n";
 }
 
-// Many kinds of members, and every charset known.
+// Has objects of many classes, and known charsets only.
 std::string KnownCharsets() {
   std::string text = RichMessage();
   const std::string_view unknown = "charset=foo";
@@ -36,7 +35,7 @@ std::string KnownCharsets() {
   return text;
 }
 
-// More than any message may have.
+// More parts than the limit.
 std::string TooManyParts() {
   std::string text = "Content-Type: multipart/mixed; boundary=b\n\n";
   for (std::size_t i = 0; i < 10 * kMostEntities; ++i) text += "--b\n\n";
@@ -46,7 +45,7 @@ std::string TooManyParts() {
 struct Row {
   const char* name;
   std::string bytes;
-  std::string raised;  // by each constructor; empty: nothing
+  std::string raised;  // by each constructor; empty when nothing is raised
   bool is_slow = false;
 };
 
@@ -66,10 +65,10 @@ const std::vector<Row>& Rows() {
   return kRows;
 }
 
-// What came of a construction.
+// The result of a construction.
 struct Outcome {
   std::string raised;
-  std::string reading;  // the message's members, also of a refused one
+  std::string reading;  // all members of the message, even of a refused one
 
   friend bool operator==(const Outcome& a, const Outcome& b) {
     return a.raised == b.raised && a.reading == b.reading;
@@ -82,13 +81,13 @@ Outcome OutcomeOf(const Constructed& constructed) {
 
 Outcome OutcomeOf(Way way, const std::string& bytes) { return OutcomeOf(Construct(way, bytes)); }
 
-// From a file that is not there.
+// The result for a file that does not exist.
 Outcome OutcomeOfMissingFile() {
   return OutcomeOf(ConstructOn(NewInstance("MimeEmailZQV"), "Constructor(File as FolderItem)",
                                MakeFolderItem("/nowhere/absent.eml")));
 }
 
-// All rows in all ways in one thread, the missing file last.
+// The results of all rows with all constructors in one thread, and of a missing file as the last.
 std::vector<Outcome> AllOutcomes() {
   std::vector<Outcome> outcomes;
   for (const Row& row : Rows()) {
@@ -102,13 +101,14 @@ std::vector<Outcome> AllOutcomes() {
   return outcomes;
 }
 
-// What threads found, each for itself.
+// Counts of one thread.
 struct Found {
   std::size_t raised = 0;
-  std::size_t different = 0;  // from the outcome in one thread
+  std::size_t different = 0;  // outcomes that differ from those in one thread
 };
 
-// One round: the slow rows only when asked for.
+// Constructs all rows once, the slow ones only if `with_slow`, and counts what differs from
+// `expected`.
 void UseEachRow(const std::vector<Outcome>& expected, bool with_slow, Found* found) {
   const auto note = [&](const Outcome& outcome, const Outcome& wanted) {
     if (!outcome.raised.empty()) ++found->raised;
@@ -138,7 +138,7 @@ TEST_F(Threads, EachGetsItsOwnExceptionsAndMessages) {
       UseEachRow(expected, round == 0, &found[static_cast<std::size_t>(number)]);
     }
   });
-  // Three rows and the missing file raise in each round, a fourth row in the first.
+  // In each round three rows and the missing file raise; in the first round a fourth row does too.
   constexpr std::size_t kRaised = kRounds * (3 * std::size(kAllWays) + 1) + std::size(kAllWays);
   for (const Found& one : found) {
     EXPECT_EQ(one.raised, kRaised);
@@ -147,7 +147,8 @@ TEST_F(Threads, EachGetsItsOwnExceptionsAndMessages) {
   EXPECT_EQ(host().CallCount("RuntimeRaiseException") - raised_before, kThreads * kRaised);
 }
 
-// In new processes: what the library looks up once and keeps is looked up by all threads at once.
+// Each new process begins with a message in all threads at once, so that they fill the library's
+// caches at the same time.
 TEST_F(Threads, FirstMessagesOfAProcessAtOnce) {
   LoadLibraryFile();
   for (int i = 0; i < Repetitions(40, 10); ++i) {

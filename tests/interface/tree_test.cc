@@ -1,4 +1,4 @@
-// The tree of a message as applications browse it: entities, bodies, headers and fields.
+// The tree of a message as applications read it: entities, bodies, headers and fields.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -36,7 +36,7 @@ bool HasField(const Object& header, std::string_view name) {
   return std::get<bool>(Call(header, "hasField", MakeString(name)));
 }
 
-// "Name: Value" of every field in order, a nil value as "nil".
+// Each field in order as "Name: Value"; a nil value is "nil".
 std::vector<std::string> FieldsOf(const Object& header) {
   std::vector<std::string> fields;
   const Object array = ObjectOf(Call(header, "Fields as MimeFieldZQV()"));
@@ -80,7 +80,7 @@ TEST_F(Tree, PresentAddressFieldsAreObjects) {
   EXPECT_EQ(ShowProperty(sender, "Email"), "0x600 rene@example.org");
 }
 
-// Never a made-up one, which would disclose the machine's name.
+// The library does not make up an id, which would contain the machine's name.
 TEST_F(Tree, AbsentIdsAreNil) {
   Start();
   const Object message = Parse("Content-Type: image/png\n\nX\n");
@@ -130,7 +130,7 @@ TEST_F(Tree, FieldsComeInOrderWithNamesAsWritten) {
   EXPECT_EQ(ShowProperty(ObjectOf(Call(header, "Fields", 1)), "Name"), "0x600 x-A");
 }
 
-TEST_F(Tree, FieldTextsGetTheEncodingThatTheirBytesShow) {
+TEST_F(Tree, FieldTextsAreLabelledByTheirBytes) {
   Start();
   const std::string nul("a\0b", 3);
   const Object header = HeaderOf("X-Utf: caf\xC3\xA9\nX-Other: caf\x8E\nX-Nul: " + nul +
@@ -186,7 +186,7 @@ TEST_F(Tree, BodyTextIsUndecoded) {
   EXPECT_EQ(ShowProperty(message, "BodyDecoded"), "0x600 Hello");
 }
 
-TEST_F(Tree, DepthIsThatOfTheNesting) {
+TEST_F(Tree, HasTheDepthOfTheNesting) {
   Start();
   const Object message = Parse(RichMessage());
   const Object alternative = Part(Part(message, 0), 0);
@@ -214,7 +214,7 @@ TEST_F(Tree, InnerAttachmentsComeBeforeLaterOuterOnes) {
   EXPECT_THAT(types, ElementsAre("application/a", "application/b", "application/c"));
 }
 
-TEST_F(Tree, ChildrenHoldOnlyWhatIsTheirs) {
+TEST_F(Tree, PartsHaveOnlyTheirOwnMembers) {
   Start();
   const Object part = Part(Parse(RichMessage()), 1);
   EXPECT_EQ(part.ClassName(), "MimeEntityZQV");
@@ -245,7 +245,7 @@ TEST_F(Tree, FieldFromText) {
   }
 }
 
-// The text is taken in UTF-8, whatever it comes in.
+// The text is converted to UTF-8 from any encoding.
 TEST_F(Tree, FieldFromTextInOtherEncodings) {
   Start();
   const auto value = [](const String& text) {
@@ -256,7 +256,7 @@ TEST_F(Tree, FieldFromTextInOtherEncodings) {
   EXPECT_EQ(value(MakeString(std::string("X\0:\0\xE9\0", 6), abi::kUtf16LittleEndian)),
             "0x8000100 \xC3\xA9");
   EXPECT_EQ(value(MakeString("X: caf\x8E", abi::kUnknownEncoding)), "0x8000100 caf\xC3\xA9")
-      << "bytes of no encoding are read as Mac Roman";
+      << "bytes without an encoding are read as Mac Roman";
 }
 
 }  // namespace

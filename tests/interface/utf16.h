@@ -1,4 +1,4 @@
-// Strings of an application that keeps its text in UTF-16.
+// Strings in UTF-16, as an application can have them.
 #pragma once
 
 #include <cstring>
@@ -9,7 +9,7 @@
 
 namespace zqv::interface_test {
 
-// In this machine's byte order, as the host's own UTF-16 is.
+// A string in this machine's byte order, as the host's UTF-16 strings are.
 inline String MakeUtf16(std::u16string_view text) {
   std::string bytes(text.size() * sizeof(char16_t), '\0');
   std::memcpy(bytes.data(), text.data(), bytes.size());

@@ -1,4 +1,4 @@
-// Files as Windows has them: devices by name, streams, locks, long paths, drives and servers.
+// Files on Windows: devices by name, streams, locks, long paths, drives and servers.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -19,7 +19,7 @@ namespace {
 
 class Files : public InterfaceTest {};
 
-// A handle of ours on a file, which says what others may do with it meanwhile.
+// An open handle of a file, with the rights that other handles have meanwhile.
 class Holder {
  public:
   Holder(const std::string& path, DWORD share)
@@ -31,7 +31,7 @@ class Holder {
   Holder(const Holder&) = delete;
   Holder& operator=(const Holder&) = delete;
 
-  // Others may neither read nor write so many bytes from `start` on.
+  // Locks `length` bytes from `start` on against reading and writing by others.
   void Lock(DWORD start, DWORD length) const {
     OVERLAPPED range = {};
     range.Offset = start;
@@ -55,8 +55,9 @@ class Holder {
   const HANDLE handle_;
 };
 
-// While it lives, does something when the library has asked for the length of a file that it has
-// opened, and not read it yet: with the log on, a line of it comes then.
+// While an instance exists, it runs an action once: after the library has determined the length of
+// an opened file, and before it reads the file. It uses the line that the library then writes to
+// the log.
 class OnceLengthIsKnown {
  public:
   explicit OnceLengthIsKnown(std::function<void()> action)
@@ -66,7 +67,7 @@ class OnceLengthIsKnown {
   }
   ~OnceLengthIsKnown() {
     RemoveVectoredExceptionHandler(handler_);
-    EXPECT_EQ(g_action, nullptr) << "no such line";
+    EXPECT_EQ(g_action, nullptr) << "the log had no such line";
   }
   OnceLengthIsKnown(const OnceLengthIsKnown&) = delete;
   OnceLengthIsKnown& operator=(const OnceLengthIsKnown&) = delete;
@@ -115,7 +116,8 @@ TEST_F(Files, WithBytesThatOthersLockAreNotRead) {
   {
     const Holder holder(path, kShareAll);
     holder.Lock(0, 10);
-    if (Holder(path, kShareAll).CanRead()) GTEST_SKIP() << "nothing keeps others from reading";
+    if (Holder(path, kShareAll).CanRead())
+      GTEST_SKIP() << "locks do not prevent reading on this system";
     ExpectNothingSet(ConstructWith(kFromFile, MakeFolderItem(path)), kNotRead);
   }
   EXPECT_EQ(RaisedByFile(path), "");
@@ -149,7 +151,7 @@ TEST_F(Files, ThatOthersWriteAreRead) {
   EXPECT_EQ(RaisedByFile(path), "");
 }
 
-TEST_F(Files, DevicesAreNone) {
+TEST_F(Files, DevicesAreNotOpened) {
   Start();
   const TemporaryFolder folder;
   for (const char* name :
@@ -161,8 +163,8 @@ TEST_F(Files, DevicesAreNone) {
   EXPECT_EQ(RaisedByFile(folder.Path("COM1")), kNotOpened);
 }
 
-// Who listens is not even called.
-TEST_F(Files, PipesAreNone) {
+// The library does not even connect to the pipe.
+TEST_F(Files, PipesAreNotOpened) {
   Start();
   constexpr const char* kPipe = "\\\\.\\pipe\\zqv-interface-test";
   const HANDLE pipe = CreateNamedPipeA(kPipe, PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE | PIPE_NOWAIT, 1,
@@ -176,7 +178,7 @@ TEST_F(Files, PipesAreNone) {
   CloseHandle(pipe);
 }
 
-TEST_F(Files, StreamsAreNone) {
+TEST_F(Files, StreamsAreNotOpened) {
   Start();
   const TemporaryFolder folder;
   const std::string path = folder.Write("a.eml", PlainMessage());
@@ -185,7 +187,7 @@ TEST_F(Files, StreamsAreNone) {
   }
 }
 
-// Elsewhere a folder opens, and claims a length for which there is no memory.
+// Other systems open a folder and report a length for which there is no memory.
 TEST_F(Files, FoldersAreNotOpened) {
   Start();
   const TemporaryFolder folder;
@@ -277,7 +279,7 @@ TEST_F(Files, UrlsHaveADriveOrAServer) {
   EXPECT_EQ(RaisedByUrl("http://localhost" + local), kNotOpened);
 }
 
-// A header, then zeros up to three gigabytes, which is beyond what 32 bits can say.
+// A header and zeros up to three gigabytes, a length that needs more than 32 bits.
 TEST_F(Files, OfGigabytesAreReadOrRefused) {
   MEMORYSTATUSEX memory = {};
   memory.dwLength = sizeof memory;
@@ -301,7 +303,7 @@ DWORD OpenHandles() {
   return count;
 }
 
-// Whatever becomes of them: parsed, refused, not opened.
+// Files are closed after each outcome: parsed, refused, not opened.
 TEST_F(Files, AreClosed) {
   Start();
   const TemporaryFolder folder;

@@ -1,8 +1,8 @@
-// Loading and unloading, and exceptions that cross from the host's file into the library's.
+// Loading and unloading the library, and C++ exceptions from the host's file in the library's.
 #include <gtest/gtest.h>
 #include <windows.h>
 
-// Uses the types of windows.h, so it comes later.
+// After windows.h, whose types it uses.
 #include <psapi.h>
 
 #include <string>
@@ -26,11 +26,11 @@ abi::REALproc Open(const std::string& path) {
              : reinterpret_cast<abi::REALproc>(GetProcAddress(g_loaded, "REALPluginMain"));
 }
 
-// What a process does that loads a library, reads mail with it and lets it go again.
+// Loads the library, reads mail with it, and unloads it.
 void LoadUseAndFree() {
   {
     Capabilities capabilities;
-    // Reading a message throws and catches inside, and the host throws into the library.
+    // Reading a message throws and catches inside the library, and the host throws into it.
     capabilities.faults["RuntimeUBound"] = {Fault::Kind::kThrows, 1, 1};
     const auto host = Host::Start(capabilities);
     standin::UseOpener(&Open);
@@ -49,8 +49,8 @@ std::size_t PrivateBytes() {
   return counters.PrivateUsage;
 }
 
-// Each thousandth part of what a process has of handles, memory and slots for threads would be
-// gone.
+// If each load leaked one handle, one slot for threads or a kilobyte, a thousand would exceed the
+// bounds.
 TEST_F(LibraryFile, IsLoadedAndFreedAThousandTimes) {
   constexpr int kTimes = 1000;
   for (int i = 0; i < 50; ++i) LoadUseAndFree();
@@ -61,15 +61,16 @@ TEST_F(LibraryFile, IsLoadedAndFreedAThousandTimes) {
   TlsFree(slot_before);
   for (int i = 0; i < kTimes && !HasFailure(); ++i) LoadUseAndFree();
   const DWORD slot = TlsAlloc();
-  EXPECT_EQ(slot, slot_before) << "slots for threads are used up";
+  EXPECT_EQ(slot, slot_before) << "slots for threads are leaked";
   TlsFree(slot);
   DWORD handles = 0;
   GetProcessHandleCount(GetCurrentProcess(), &handles);
   EXPECT_EQ(handles, handles_before);
-  EXPECT_LT(PrivateBytes(), memory_before + 1'000 * kTimes) << "a kilobyte each time";
+  EXPECT_LT(PrivateBytes(), memory_before + 1'000 * kTimes)
+      << "about a kilobyte is leaked each time";
 }
 
-TEST_F(LibraryFile, KeepsExceptionsOfTheHostInside) {
+TEST_F(LibraryFile, CatchesExceptionsOfTheHost) {
   Capabilities capabilities;
   capabilities.faults["REALBuildStringWithEncoding"] = {Fault::Kind::kThrows, 1, 1'000'000};
   Session session(capabilities, Exceptions::kMayBeLost);
@@ -77,7 +78,7 @@ TEST_F(LibraryFile, KeepsExceptionsOfTheHostInside) {
   EXPECT_NE(constructed.raised.find("RuntimeException"), std::string::npos) << constructed.raised;
 }
 
-TEST_F(LibraryFile, KeepsThrownNumbersOfTheHostInside) {
+TEST_F(LibraryFile, CatchesNumbersThrownByTheHost) {
   Capabilities capabilities;
   capabilities.faults["PluginNewInstance"] = {Fault::Kind::kThrowsInt, 5, 1};
   Session session(capabilities, Exceptions::kMayBeLost);

@@ -1,6 +1,6 @@
-// Encoded words, as the shared method DecodeInline decodes them and as a subject and a mailbox's
-// label show them. Expected texts are "encoding bytes": 0x600 is ASCII, 0x8000100 UTF-8, 0x201
-// Latin-1, 0x0 Mac Roman. Bytes below 0x80 alone in Latin-1 or Mac Roman become ASCII.
+// Encoded words decoded by the shared method DecodeInline, in a subject and in a mailbox's label.
+// Expected texts are "encoding bytes": 0x600 is ASCII, 0x8000100 UTF-8, 0x201 Latin-1, 0x0 Mac
+// Roman. Text in Latin-1 or Mac Roman with no byte above 0x7F becomes ASCII.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -28,7 +28,7 @@ std::string SubjectDecoded(const Object& message) {
   return ShowProperty(ObjectOf(Get(message, "Header")), "subjectDecoded");
 }
 
-// The three places where a text is decoded in the same way.
+// Checks the three places where text is decoded in the same way.
 void ExpectDecoded(const std::string& text, const std::string& shown) {
   EXPECT_EQ(DecodedInline(MakeString(text)), shown) << text;
   const Object message = Parse("Subject: " + text + "\n\nText\n");
@@ -48,7 +48,7 @@ TEST_F(Words, NilAndEmptyTextsAreNil) {
   }
 }
 
-// "0" is a name for Latin-1, the only one short enough for a word of seven bytes.
+// "0" is a name of Latin-1, and the only name short enough for a word of seven bytes.
 TEST_F(Words, FewerThanSevenBytesAreNotDecoded) {
   Start();
   ExpectDecoded("=?0?Qx", "0x600 =?0?Qx");
@@ -65,7 +65,7 @@ TEST_F(Words, BAndQJoinOverOneSpace) {
   ExpectDecoded("=?ISO-8859-1?B?QWxhZGRpbg==?= =?ISO-8859-1?Q?_x?=", "0x600 Aladdin x");
 }
 
-// A line break in the field, with the blanks behind it, is one space.
+// A folded line, with the blanks at its start, counts as one space.
 TEST_F(Words, OnTwoLinesOfASubjectJoin) {
   Start();
   const Object message = Parse("Subject: =?utf-8?Q?Caf=C3?=\n\t =?utf-8?Q?=A9?=\n\nText\n");
@@ -92,7 +92,7 @@ TEST_F(Words, OnlyOneSpaceBeforeAnEqualsSignIsDropped) {
   ExpectDecoded("=?utf-8?Q?a?= x", "0x8000100 a x");
 }
 
-// All bytes are taken in the charset that was named last.
+// All bytes are labelled with the charset named last.
 TEST_F(Words, LastNamedCharsetWins) {
   Start();
   ExpectDecoded("=?ISO-8859-1?Q?=C3=A9?= =?UTF-8?Q?=C3=A8?=", "0x8000100 \xC3\xA9\xC3\xA8");
@@ -111,7 +111,7 @@ TEST_F(Words, UnknownCharsetLeavesTheTextUnchanged) {
   ExpectDecoded("\xC3\xA9 =?x-none?Q?a?=", "0x8000100 \xC3\xA9 =?x-none?Q?a?=");
 }
 
-// "binary" is a charset name that stands for no encoding.
+// "binary" is in the table of charsets, but has no text encoding.
 TEST_F(Words, CharsetWithoutEncodingRaisesWhenAskedTo) {
   Start();
   const String text = MakeString("=?binary?Q?a=20b?=");
@@ -122,7 +122,8 @@ TEST_F(Words, CharsetWithoutEncodingRaisesWhenAskedTo) {
   EXPECT_EQ(DecodedInline(text), "0x600 =?binary?Q?a=20b?=");
 }
 
-// Two are raised in one call, by the look-up of the name and by the decoder; the host delivers one.
+// One call raises twice, in the look-up of the name and in the decoder; the host delivers the first
+// exception.
 TEST_F(Words, UnknownCharsetRaisesWhenAskedTo) {
   const Session session({}, Exceptions::kMayBeLost);
   SetShared(kEmail, "RaiseUnknownFormatExceptions", true);
@@ -166,7 +167,7 @@ TEST_F(Words, OfALabelLoseTheQuotesAroundThem) {
       {"\"=?utf-8?Q?Ren=C3=A9_Example?=\"", "0x8000100 Ren\xC3\xA9 Example"},
       {"=?utf-8?Q?=22Ren=C3=A9=22?=", "0x8000100 Ren\xC3\xA9"},
       {"\"Ada Example\"", "0x600 Ada Example"},
-      {"\"Ada\"", "0x600 Ada"},  // five bytes: not decoded, but unquoted
+      {"\"Ada\"", "0x600 Ada"},  // too short to be decoded, but its quotes are removed
       {"\"=?x-none?Q?Ada?=\"", "0x600 =?x-none?Q?Ada?="},
   };
   for (const auto& row : kRows) {
@@ -185,7 +186,7 @@ TEST_F(Words, OfAnyOtherTextKeepTheQuotesAroundThem) {
   ExpectDecoded("\"Ada Example\"", "0x600 \"Ada Example\"");
 }
 
-// A DEL or a form feed is not in the UTF-8 that is taken for text.
+// Text with a DEL or a form feed is not accepted as UTF-8.
 TEST_F(Words, PlainHighBytesAreUtf8OrMacRoman) {
   Start();
   ExpectDecoded("Caf\xC3\xA9 at noon", "0x8000100 Caf\xC3\xA9 at noon");
@@ -196,7 +197,7 @@ TEST_F(Words, PlainHighBytesAreUtf8OrMacRoman) {
   ExpectDecoded("Caf\f at noon\x7F", "0x600 Caf\f at noon\x7F");
 }
 
-// "4" and no second digit is 0x40, an "@"; no digit at all is a NUL.
+// "4" without a second digit is 0x40, an "@"; without any digit the byte is a NUL.
 TEST_F(Words, DigitsThatAreMissingCountAsZero) {
   Start();
   ExpectDecoded("=?utf-8?Q?a=4?=", "0x8000100 a@");
@@ -205,14 +206,14 @@ TEST_F(Words, DigitsThatAreMissingCountAsZero) {
   ExpectDecoded("=?utf-8?Q?a=4zb?=", "0x8000100 a@b");
 }
 
-TEST_F(Words, WithoutAnEndRunToTheEndOfTheText) {
+TEST_F(Words, WithoutAnEndExtendToTheEndOfTheText) {
   Start();
   ExpectDecoded("=?utf-8?Q?a_b", "0x8000100 a b");
-  ExpectDecoded("=?utf-8?B?QWxhZGRpb", "0x8000100 Aladdi");  // the ninth letter is no byte
+  ExpectDecoded("=?utf-8?B?QWxhZGRpb", "0x8000100 Aladdi");  // the ninth character gives no byte
   ExpectDecoded("x =?utf-8", "0x8000100 x ");
 }
 
-// The host's text is taken in UTF-8, which stays as it is in what the words decode to.
+// The string is converted to UTF-8 first; text around the words stays UTF-8.
 TEST_F(Words, InHostStringsOfOtherEncodings) {
   Start();
   const struct {
@@ -234,12 +235,12 @@ TEST_F(Words, InHostStringsOfOtherEncodings) {
     const std::string bytes(row.text.bytes());
     const abi::Encoding encoding = row.text.encoding();
     EXPECT_EQ(DecodedInline(row.text), row.decoded);
-    EXPECT_EQ(row.text.bytes(), bytes) << "the application's string is not touched";
+    EXPECT_EQ(row.text.bytes(), bytes) << "the application's string does not change";
     EXPECT_EQ(row.text.encoding(), encoding);
   }
 }
 
-// In Mac Roman 8E is e with acute, C3 the square root, A9 the copyright sign.
+// In Mac Roman 8E is an e with acute accent, C3 the square root, A9 the copyright sign.
 TEST_F(Words, InHostStringsOfUnknownEncodingAreReadAsMacRoman) {
   Start();
   const auto decoded = [](const char* bytes) {

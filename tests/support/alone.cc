@@ -24,7 +24,7 @@ bool IsAlone() {
   int status = -1;
   EXPECT_EQ(posix_spawn(&child, program.c_str(), nullptr, nullptr, arguments, environ), 0);
   EXPECT_EQ(waitpid(child, &status, 0), child);
-  EXPECT_EQ(status, 0) << "the test failed in a process of its own";
+  EXPECT_EQ(status, 0) << "the test failed in its own process";
   return false;
 }
 

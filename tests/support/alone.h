@@ -1,10 +1,10 @@
-// Tests of what a process does only once need a process in which nothing has run before.
+// For tests of code that runs only once in a process, such as the caching of the host's layout.
 #pragma once
 
 namespace zqv::test {
 
-// True when this is the only test that this process runs. Otherwise runs it in a process of its
-// own, fails here when it fails there, and gives false: the test then returns at once.
+// Returns true when the process runs this test only. Otherwise it runs the test in a new process,
+// fails here if it failed there, and returns false; the test must then return at once.
 bool IsAlone();
 
 }  // namespace zqv::test

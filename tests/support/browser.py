@@ -14,7 +14,7 @@ except ImportError:
 
 BROWSER = shutil.which("chromium")
 DRIVER = shutil.which("chromedriver")
-# Debian's packages that are not there; the last one is seen by Debian's own Python alone.
+# Debian's packages that are missing. The last one is visible only to Debian's own Python.
 MISSING = [name for name, found in (("chromium", BROWSER), ("chromium-driver", DRIVER),
                                     ("python3-selenium", webdriver)) if not found]
 
@@ -75,7 +75,7 @@ class Window:
         return base64.b64decode(self.command("Page.printToPDF", **options)["data"])
 
 
-PDF_READER = shutil.which("pdftotext")  # of Debian's poppler-utils
+PDF_READER = shutil.which("pdftotext")  # from Debian's package poppler-utils
 
 
 def text_of_pdf(data):

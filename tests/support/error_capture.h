@@ -1,12 +1,13 @@
-// Standard error of a test as text; on Windows, what it says to debuggers. One lives at a time.
+// Captures what a test writes to standard error or, on Windows, to the debugger. Only one instance
+// may exist at a time.
 #pragma once
 
 #include <string>
 
 namespace zqv::test {
 
-// While one lives, standard error goes to it alone. Only a sanitizer's report goes where it always
-// does: it ends the process, so that nobody would see it here.
+// While an instance exists, standard error goes to it only. The exception is a sanitizer's report,
+// which ends the process and so goes to the original standard error.
 class ErrorCapture {
  public:
   ErrorCapture();
@@ -14,14 +15,14 @@ class ErrorCapture {
   ErrorCapture(const ErrorCapture&) = delete;
   ErrorCapture& operator=(const ErrorCapture&) = delete;
 
-  // All that was written so far.
+  // Everything written so far.
   std::string Text() const;
 
  private:
 #if defined(_WIN32)
-  void* const handler_;  // of the system's exceptions
+  void* const handler_;  // of the handler for debugger messages
 #else
-  const int standard_error_;  // the descriptor it had before
+  const int standard_error_;  // a descriptor of the original standard error
   const int file_;
 #endif
 };

@@ -1,5 +1,5 @@
-// There the library writes its log for debuggers: each line is an exception that a process sees
-// first and may call dealt with.
+// On Windows the library writes its log to the debugger. Each line is raised as an exception, which
+// a handler in the process can receive.
 #include <windows.h>
 
 #include <string>

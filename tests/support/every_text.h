@@ -1,4 +1,5 @@
-// Comparing two implementations on many texts: all short ones, and random ones made of pieces.
+// Helpers to compare two implementations on many texts: all short texts, and random texts made of
+// pieces.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +10,7 @@
 
 namespace zqv::test {
 
-// Unoptimised and instrumented builds run a tenth as fast, and have fewer texts.
+// Unoptimised and instrumented builds run at a tenth of the speed, so their tests use fewer texts.
 #if !defined(__OPTIMIZE__) || defined(ZQV_INSTRUMENTED)
 inline constexpr bool kIsSlowBuild = true;
 #else
@@ -33,8 +34,8 @@ void ForEachText(std::string_view characters, std::size_t most, Visit visit) {
   }
 }
 
-// What difference(text) says, with the text, of the first text of up to `most` of these characters
-// of which it does not say nothing; empty when there is none.
+// Calls difference(text) for every text of up to `most` of these characters. Returns the first
+// result that is not empty, with its text; empty when all results are empty.
 template <class Difference>
 std::string FirstDifferenceOfAll(Difference difference, std::string_view characters,
                                  std::size_t most) {
@@ -47,7 +48,7 @@ std::string FirstDifferenceOfAll(Difference difference, std::string_view charact
   return first;
 }
 
-// One of the pieces after the other, fewer than `most`.
+// A random text of fewer than `most` pieces.
 template <std::size_t kSize>
 std::string RandomText(std::mt19937& random, const std::string_view (&pieces)[kSize],
                        std::size_t most) {

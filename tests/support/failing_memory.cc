@@ -27,7 +27,7 @@ void* operator new(std::size_t size) {
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
-// The linker puts __wrap_calloc in the place of calloc.
+// The linker option --wrap=calloc makes calls of calloc go to __wrap_calloc.
 extern "C" {
 void* __real_calloc(std::size_t count, std::size_t size);
 void* __wrap_calloc(std::size_t count, std::size_t size);

@@ -1,11 +1,11 @@
-// Memory that runs out when a test says so.
+// Makes allocations fail in a test.
 #pragma once
 
 #include <cstddef>
 
 namespace zqv::test {
 
-// While one lives, an allocation of more than `largest` bytes fails, with new and with calloc.
+// While an instance exists, an allocation of more than `largest` bytes fails, by new and by calloc.
 class AllocationLimit {
  public:
   explicit AllocationLimit(std::size_t largest);

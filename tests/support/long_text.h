@@ -1,4 +1,4 @@
-// Texts of any length, for tests of what hostile mail costs.
+// Long texts, for tests of the cost of hostile mail.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace zqv::test {
 
-// `text` as often as it takes to have at least so many bytes.
+// `text` repeated until the result has at least `bytes` bytes.
 inline std::string Repeat(std::string_view text, std::size_t bytes) {
   std::string result;
   result.reserve(bytes + text.size());
@@ -15,7 +15,7 @@ inline std::string Repeat(std::string_view text, std::size_t bytes) {
   return result;
 }
 
-// item(0), item(1) and so on, until there are at least so many bytes.
+// item(0), item(1) and so on, joined until the result has at least `bytes` bytes.
 template <typename Item>
 std::string Count(std::size_t bytes, Item item) {
   std::string result;

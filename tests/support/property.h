@@ -1,4 +1,4 @@
-// Properties that hold for any generated input.
+// Tests of properties that must hold for any generated input.
 #pragma once
 
 #include <rapidcheck.h>
@@ -9,8 +9,8 @@
 
 namespace zqv::test {
 
-// Whether `property` holds for a few thousand inputs; prints the smallest for which it does not,
-// and the seed. RC_PARAMS in the environment overrides the numbers.
+// Whether `property` holds for a few thousand generated inputs. Prints the smallest input for which
+// it does not hold, and the seed. The environment variable RC_PARAMS overrides numbers and seed.
 template <class Property>
 bool Holds(const std::string& description, Property&& property) {
   setenv("RC_PARAMS", "max_success=3000 max_size=60", 0);

@@ -1,4 +1,4 @@
-// The time zone of a machine, as the environment says it.
+// The time zone of a process, as its environment sets it.
 #pragma once
 
 #include <cstdlib>
@@ -6,8 +6,9 @@
 
 namespace zqv::test {
 
-// Puts this process, and those that it starts, into a zone. A process for Windows has the zone that
-// it was started with, which ZQV_ZONE names; it gives false for any other.
+// Sets the time zone of this process and of the processes that it starts; returns false when it
+// cannot. A process on Windows keeps the zone in which it was started, which ZQV_ZONE names, so any
+// other zone gives false.
 inline bool SetZone(const char* zone) {
 #if defined(_WIN32)
   const char* const own = std::getenv("ZQV_ZONE");

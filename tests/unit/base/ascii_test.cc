@@ -8,7 +8,8 @@
 namespace zqv::test {
 namespace {
 
-// Each function gives its answer for the characters of a list, and the other one for all the rest.
+// Each predicate is checked for all 256 bytes: true for the listed characters, false for all
+// others.
 std::string Accepted(bool (*accepts)(char)) {
   std::string accepted;
   for (int c = 0; c < 0x100; ++c) {
@@ -25,7 +26,7 @@ TEST(Ascii, KindsOfCharacters) {
             "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz");
 }
 
-TEST(Ascii, OnlyItsLettersHaveALowerCase) {
+TEST(Ascii, LowerCaseChangesAsciiLettersOnly) {
   const std::string_view upper = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
   const std::string_view lower = "abcdefghijklmnopqrstuvwxyz";
   for (int i = 0; i < 0x100; ++i) {
@@ -44,17 +45,18 @@ TEST(Ascii, HexadecimalDigits) {
   }
 }
 
-TEST(Ascii, WordsAreEqualWhateverTheirCase) {
+TEST(Ascii, ComparesWordsWithoutRegardToCase) {
   EXPECT_TRUE(base::EqualsIgnoringCase("", ""));
   EXPECT_TRUE(base::EqualsIgnoringCase("Content-ID", "cONTENT-id"));
   EXPECT_FALSE(base::EqualsIgnoringCase("Content-ID", "Content-I"));
   EXPECT_FALSE(base::EqualsIgnoringCase("Content-ID", "Content-ID "));
-  EXPECT_FALSE(base::EqualsIgnoringCase("\xC3\x89", "\xC3\xA9")) << "no ASCII letters";
-  EXPECT_FALSE(base::EqualsIgnoringCase("[", "{")) << "32 apart, and no letters";
+  EXPECT_FALSE(base::EqualsIgnoringCase("\xC3\x89", "\xC3\xA9")) << "not ASCII letters";
+  EXPECT_FALSE(base::EqualsIgnoringCase("[", "{"))
+      << "differ by 32 as letters do, but are not letters";
 }
 
-// Eight characters are compared at once, so every pair of bytes is tried in every place of words
-// around that length.
+// Eight characters are compared at once, so every pair of bytes is tested at every position of
+// words of about that length.
 TEST(Ascii, EveryPairOfBytesIsComparedAlikeInEveryPlace) {
   for (const std::size_t length : {1U, 7U, 8U, 9U, 16U, 17U}) {
     for (std::size_t place = 0; place < length; ++place) {

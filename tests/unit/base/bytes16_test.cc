@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kLongest = 3 * base::kBytes16 + 1;
 
-// The text in memory of exactly its length, so that reading past it is found.
+// A copy of the text in memory of exactly its length, so that a sanitizer finds a read beyond it.
 std::unique_ptr<char[]> Exact(const std::string& text) {
   std::unique_ptr<char[]> memory(new char[text.size()]);
   text.copy(memory.get(), text.size());
@@ -26,7 +26,7 @@ TEST(FindFirst, FindsEachPlaceInTextsOfEachLength) {
     for (std::size_t place = 0; place <= length; ++place) {
       std::string text(length, '.');
       if (place < length) text[place] = '!';
-      if (place + 1 < length) text[length - 1] = '!';  // a later one does not count
+      if (place + 1 < length) text[length - 1] = '!';  // a second mark, which must not be returned
       const auto memory = Exact(text);
       const char* const found = base::FindFirst(memory.get(), memory.get() + length, AreMarks);
       EXPECT_EQ(static_cast<std::size_t>(found - memory.get()), place) << length;
@@ -34,7 +34,7 @@ TEST(FindFirst, FindsEachPlaceInTextsOfEachLength) {
   }
 }
 
-TEST(FindFirst, TakesNothingBehindTheTextForAPartOfIt) {
+TEST(FindFirst, IgnoresBytesAfterTheText) {
   for (std::size_t length = 0; length < base::kBytes16; ++length) {
     const auto memory = Exact(std::string(length, '.'));
     EXPECT_EQ(base::FindFirst(memory.get(), memory.get() + length, AreNul), memory.get() + length);

@@ -5,7 +5,7 @@
 namespace zqv::base {
 namespace {
 
-// The published values of FNV-1a with 64 bits.
+// The published test values of the 64-bit FNV-1a hash.
 TEST(Fnv, IsThePublishedHash) {
   EXPECT_EQ(Fnv(""), 0xCBF29CE484222325U);
   EXPECT_EQ(Fnv("a"), 0xAF63DC4C8601EC8CU);

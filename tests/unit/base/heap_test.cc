@@ -21,12 +21,13 @@ TEST(Heap, GivesNullWithoutMemory) {
   const AllocationLimit limit(100);
   EXPECT_NE(base::AllocateZeroed<char>(100), nullptr);
   EXPECT_EQ(base::AllocateZeroed<char>(101), nullptr);
-  EXPECT_EQ(base::AllocateZeroed<char32_t>(26), nullptr) << "a unit has four bytes";
+  EXPECT_EQ(base::AllocateZeroed<char32_t>(26), nullptr)
+      << "the size is counted in units of four bytes";
 }
 
-TEST(Heap, GivesNullForMoreBytesThanThereAreNumbers) {
+TEST(Heap, GivesNullWhenTheSizeOverflows) {
 #if defined(ZQV_INSTRUMENTED)
-  GTEST_SKIP() << "the sanitizers' own calloc ends the process instead";
+  GTEST_SKIP() << "a sanitizer's calloc ends the process when a size overflows";
 #endif
   volatile std::size_t count = std::numeric_limits<std::size_t>::max() / 2;
   EXPECT_EQ(base::AllocateZeroed<char32_t>(count), nullptr);

@@ -11,14 +11,16 @@ namespace zqv::base {
 namespace {
 
 constexpr std::size_t kMegabyte = std::size_t{1} << 20U;
-constexpr std::size_t kRoom = 12 * kMegabyte + 3 * 4096;  // does not end where a large page does
+constexpr std::size_t kRoom =
+    12 * kMegabyte + 3 * 4096;  // does not end at the border of a large page
 
-// The system refuses what does not begin at one of its pages, and what is not the process's own.
-TEST(LargePages, AreAskedForWithinTheBytesAlone) {
+// madvise fails for an address that is not at the start of a page and for memory that is not
+// mapped.
+TEST(LargePages, AreRequestedInsideTheBytesOnly) {
   void* const room = mmap(nullptr, 2 * kRoom, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   ASSERT_NE(room, MAP_FAILED);
   char* const bytes = static_cast<char*>(room);
-  ASSERT_EQ(munmap(bytes + kRoom, kRoom), 0);  // nothing lies behind
+  ASSERT_EQ(munmap(bytes + kRoom, kRoom), 0);  // the memory after the bytes is not mapped
   errno = 0;
   if (madvise(bytes, kRoom, MADV_HUGEPAGE) != 0) GTEST_SKIP() << "this system has no large pages";
   for (const std::size_t start : {0 * kMegabyte, std::size_t{1}, std::size_t{4097}, kMegabyte}) {

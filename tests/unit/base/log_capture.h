@@ -1,4 +1,4 @@
-// The debug log of a test as text.
+// Captures the debug log, so that a test can compare it.
 #pragma once
 
 #include <initializer_list>
@@ -8,7 +8,8 @@
 
 namespace zqv::test {
 
-// While one lives, the log is on and standard error goes to it alone.
+// While an instance exists, the log is on, and what is written to standard error goes to the
+// instance only.
 class LogCapture {
  public:
   LogCapture();
@@ -16,7 +17,7 @@ class LogCapture {
   LogCapture(const LogCapture&) = delete;
   LogCapture& operator=(const LogCapture&) = delete;
 
-  // All that was written so far.
+  // Everything written so far.
   std::string Text() const { return errors_.Text(); }
 
  private:
@@ -24,7 +25,7 @@ class LogCapture {
   const ErrorCapture errors_;
 };
 
-// The text of these lines, each behind the log's prefix.
+// The text of the log when it consists of these lines, each with the log's prefix before it.
 std::string Logged(std::initializer_list<std::string> lines);
 
 }  // namespace zqv::test

@@ -13,7 +13,7 @@ namespace {
 using test::LogCapture;
 using test::Logged;
 
-// The switch is off again after each.
+// Turns the debug log off after each test.
 class DebugLog : public ::testing::Test {
  protected:
   ~DebugLog() override { DebuggingEnabled = false; }
@@ -35,7 +35,7 @@ TEST_F(DebugLog, MessagesAreWrittenWhateverTheSwitchSays) {
   EXPECT_EQ(log.Text(), "x 5\n");
 }
 
-TEST_F(DebugLog, MacroAsksTheSwitchBeforeItComputesAnything) {
+TEST_F(DebugLog, MacroTestsTheSwitchBeforeItEvaluatesArguments) {
   const LogCapture log;
   int computed = 0;
   const auto compute = [&] { return ++computed; };

@@ -46,7 +46,7 @@ TEST(TextArena, ExtendsATextWhereItLies) {
   EXPECT_EQ(arena.Join(first, "").data(), first.data());
   const std::string_view behind = arena.Join("d", "e");
   const std::string_view moved = arena.Join(first, "f");
-  EXPECT_NE(moved.data(), first.data()) << "another text is behind it";
+  EXPECT_NE(moved.data(), first.data()) << "another text follows it in the arena";
   EXPECT_EQ(moved, "abf");
   EXPECT_EQ(behind, "de");
 }

@@ -9,7 +9,7 @@ namespace {
 
 TEST(ThreadSlot, IsNullAtFirst) { EXPECT_EQ(base::GetThreadSlot(), nullptr); }
 
-TEST(ThreadSlot, GivesWhatWasPutIn) {
+TEST(ThreadSlot, ReturnsTheStoredValue) {
   int value = 0;
   base::SetThreadSlot(&value);
   EXPECT_EQ(base::GetThreadSlot(), &value);
@@ -17,7 +17,7 @@ TEST(ThreadSlot, GivesWhatWasPutIn) {
   EXPECT_EQ(base::GetThreadSlot(), nullptr);
 }
 
-TEST(ThreadSlot, IsEachThreadsOwn) {
+TEST(ThreadSlot, HasAValueForEachThread) {
   int ours = 0;
   int theirs = 0;
   base::SetThreadSlot(&ours);

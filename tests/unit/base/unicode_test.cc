@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "base/bytes16.h"
-#include "tests/reference/utf8_twin.h"
+#include "tests/reference/reference_utf8.h"
 #include "tests/support/property.h"
 
 namespace zqv::base {
@@ -38,7 +38,7 @@ TEST(LengthOfAsciiText, EndsAtANulAndAtAHighByte) {
   }
 }
 
-TEST(BitsOf64, TellsOfEachByte) {
+TEST(BitsOf64, HasABitForEachByte) {
   std::string bytes(64, 'a');
   const auto is_b = [](base::Bytes16 c) { return c == 'b'; };
   EXPECT_EQ(base::BitsOf64(bytes.data(), is_b), 0U);
@@ -50,7 +50,7 @@ TEST(BitsOf64, TellsOfEachByte) {
   EXPECT_EQ(base::BitsOf64(std::string(64, 'b').data(), is_b), ~std::uint64_t{0});
 }
 
-TEST(IsAscii, LooksAtEveryByte) {
+TEST(IsAscii, TestsEveryByte) {
   EXPECT_TRUE(IsAscii(""));
   for (std::size_t length = 1; length <= 150; ++length) {
     EXPECT_TRUE(IsAscii(std::string(length, '\x7F')));
@@ -72,9 +72,9 @@ TEST(IsUtf8, RejectsControlCharacters) {
   }
 }
 
-// Texts are read eight bytes at a time: every byte at every place of three times as many, and the
-// same before a character of two bytes.
-TEST(IsUtf8, LooksAtEveryByte) {
+// Eight bytes are read at once, so every byte is tested at every position of 24 bytes, and again
+// before a character of two bytes.
+TEST(IsUtf8, TestsEveryByte) {
   for (int byte = 0; byte < 0x100; ++byte) {
     for (std::size_t at = 0; at < 24; ++at) {
       std::string bytes(24, ' ');
@@ -98,7 +98,7 @@ TEST(IsUtf8, AcceptsFirstAndLastOfEachLength) {
     EXPECT_TRUE(IsUtf8(text)) << text;
 }
 
-TEST(IsUtf8, RejectsOverlongFormsSurrogatesAndWhatIsBeyondUnicode) {
+TEST(IsUtf8, RejectsOverlongFormsSurrogatesAndTooLargeCodePoints) {
   for (const char* text :
        {"\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", "\xED\xA0\x80", "\xED\xBF\xBF",
         "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xF8\x88\x80\x80\x80", "\xFF"})
@@ -111,13 +111,13 @@ TEST(IsUtf8, RejectsCutAndStrayBytes) {
     EXPECT_FALSE(IsUtf8(text));
 }
 
-TEST(IsUtf8, CutIsSeenByTheLengthNotByTheBytes) {
+TEST(IsUtf8, ReadsNoByteAfterTheGivenLength) {
   EXPECT_FALSE(is_utf8("\xC3\xA9", 1));
   EXPECT_FALSE(is_utf8("\xE2\x82\xAC", 2));
   EXPECT_TRUE(is_utf8("\xE2\x82\xAC\x80", 3));
 }
 
-TEST(IsUtf8, AgreesWithItsTwinOnEveryPairOfBytes) {
+TEST(IsUtf8, AgreesWithTheReferenceOnEveryPairOfBytes) {
   for (int first = 0; first < 256; ++first) {
     for (int second = 0; second < 256; ++second) {
       const std::string bytes = Bytes({first, second});
@@ -126,7 +126,7 @@ TEST(IsUtf8, AgreesWithItsTwinOnEveryPairOfBytes) {
   }
 }
 
-// The bytes at which the rules change.
+// The bytes at the limits of the ranges in RFC 3629, section 4, and their neighbours.
 const std::vector<int>& Borders() {
   static const std::vector<int> borders = {0x00, 0x08, 0x09, 0x0A, 0x0D, 0x1F, 0x20, 0x41,
                                            0x7E, 0x7F, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF,
@@ -135,7 +135,7 @@ const std::vector<int>& Borders() {
   return borders;
 }
 
-TEST(IsUtf8, AgreesWithItsTwinOnThreeAndFourBytesAtTheBorders) {
+TEST(IsUtf8, AgreesWithTheReferenceOnThreeAndFourBytesAtTheBorders) {
   for (const int a : Borders()) {
     for (const int b : Borders()) {
       for (const int c : Borders()) {
@@ -160,7 +160,7 @@ rc::Gen<std::string> AnyBytes() {
                       });
 }
 
-// A text of whole sequences, so that long ones are legal too.
+// A text of mostly complete sequences, so that long valid texts occur too.
 rc::Gen<std::string> MostlyLegal() {
   const std::vector<std::string> pieces = {"a",
                                            "\n",
@@ -182,7 +182,7 @@ rc::Gen<std::string> MostlyLegal() {
       });
 }
 
-TEST(IsUtf8, AgreesWithItsTwin) {
+TEST(IsUtf8, AgreesWithTheReference) {
   EXPECT_TRUE(test::Holds("any bytes", [] {
     const std::string bytes = *AnyBytes();
     RC_ASSERT(IsUtf8(bytes) == reference::IsUtf8(bytes));
@@ -214,7 +214,8 @@ TEST(Utf8SequenceLength, IsWhatTheLeadByteAsksFor) {
 
 TEST(IsLegalUTF8, NeedsTheLengthThatTheLeadByteAsksFor) {
   EXPECT_TRUE(IsLegalUTF8("a", 1));
-  EXPECT_TRUE(IsLegalUTF8("\f", 1));  // control characters are legal, only no text
+  EXPECT_TRUE(IsLegalUTF8(
+      "\f", 1));  // legal in UTF-8, although is_utf8 rejects text with control characters
   EXPECT_FALSE(IsLegalUTF8("\x80", 1));
   EXPECT_FALSE(IsLegalUTF8("ab", 2));
   EXPECT_TRUE(IsLegalUTF8("\xC3\xA9", 2));
@@ -268,7 +269,7 @@ TEST(Utf8ToUtf32, KeepsNulsAndControlCharacters) {
   EXPECT_EQ(FromUtf8(std::string_view("a\0\f", 3)).text, std::u32string(U"a\0\f", 3));
 }
 
-TEST(Utf8ToUtf32, AgreesWithItsTwin) {
+TEST(Utf8ToUtf32, AgreesWithTheReference) {
   const auto agrees = [](const std::string& bytes) {
     const Decoded decoded = FromUtf8(bytes);
     const reference::DecodedUtf8 expected = reference::DecodeUtf8(bytes);
@@ -292,7 +293,7 @@ TEST(Utf16ToUtf32, DecodesUnitsAndPairs) {
   const Decoded decoded = FromUtf16(u"a\u20AC\U0001F600\U0010FFFF");
   EXPECT_EQ(decoded.text, U"a\u20AC\U0001F600\U0010FFFF");
   EXPECT_TRUE(decoded.conversion.legal);
-  EXPECT_EQ(decoded.conversion.stopped, 12u);  // bytes
+  EXPECT_EQ(decoded.conversion.stopped, 12u);  // the offset is in bytes, not in units
 }
 
 TEST(Utf16ToUtf32, DropsByteOrderMarks) {
@@ -336,7 +337,7 @@ TEST(Utf32ToUtf16, DropsSurrogates) {
             (std::u16string{u'a', 0xD7FF, 0xE000}));
 }
 
-TEST(Utf32ToUtf16, ReplacesWhatIsBeyondUnicode) {
+TEST(Utf32ToUtf16, ReplacesTooLargeCodePoints) {
   EXPECT_EQ(ToUtf16({0x110000, 0xFFFFFFFF, 0x7FFFFFFF}), u"\uFFFD\uFFFD\uFFFD");
 }
 

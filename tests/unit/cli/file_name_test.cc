@@ -106,7 +106,7 @@ INSTANTIATE_TEST_SUITE_P(
         {"FourThousand", Repeat("a", 3996) + ".pdf", Repeat("a", 196) + ".pdf"},
         {"WithoutExtension", Repeat("b", 4000), Repeat("b", 200)},
         {"LongExtension", "a." + Repeat("c", 300), "a." + Repeat("c", 198)},
-        // 196 bytes hold 65 signs of three bytes.
+        // The 196 bytes before the extension hold 65 characters of three bytes.
         {"ThreeByteSigns", Repeat("€", 100) + ".txt", Repeat("€", 65) + ".txt"},
         {"BlankAtTheCut", Repeat("a", 195) + " " + Repeat("b", 50) + ".txt",
          Repeat("a", 195) + ".txt"},

@@ -1,5 +1,5 @@
-// Files in folders of every kind of system: those that have files without names, and those that
-// have not or do not show them.
+// Writes files in folders of several kinds of system: with unnamed files (O_TMPFILE), on a file
+// system or kernel without them, and without /proc.
 #include "cli/folder.h"
 
 #include <fcntl.h>
@@ -24,11 +24,12 @@
 
 namespace {
 
-// What the system calls below do instead of their work.
-int g_unnamed_error = 0;                  // of opening a file without a name
-int g_link_error = 0;                     // of giving it one
-int g_rename_error = 0;                   // of refusing to replace
-std::optional<std::size_t> g_free_bytes;  // on the disk; nothing: enough
+// Errors that the replaced system calls return; 0 makes the real call.
+int g_unnamed_error = 0;  // of openat for an unnamed file
+int g_link_error = 0;     // of linkat, which gives it a name
+int g_rename_error = 0;   // of renameat2
+std::optional<std::size_t>
+    g_free_bytes;  // bytes that can be written until the disk is full; empty: no limit
 std::function<void()> g_at_write;
 
 int Failed(int error) {
@@ -38,7 +39,7 @@ int Failed(int error) {
 
 }  // namespace
 
-// The linker puts these in the places of the functions that they are named after.
+// The linker uses these instead of the functions whose names they contain.
 extern "C" {
 int __real_openat(int folder, const char* path, int flags, ...);
 int __wrap_openat(int folder, const char* path, int flags, ...);
@@ -139,7 +140,7 @@ class FolderOnSystem : public FolderTest, public testing::WithParamInterface<Sys
   }
 };
 
-// What a call complains of; empty when it does not.
+// The text of the exception that a call throws; empty when it throws none.
 template <typename Call>
 std::string ErrorOf(const Call& call) {
   try {
@@ -157,8 +158,9 @@ TEST_P(FolderOnSystem, WritesAFileWhole) {
   EXPECT_THAT(Names(), UnorderedElementsAre("a.bin"));
 }
 
-// What a killed process left does not count as the file, and is in nobody's way.
-TEST_P(FolderOnSystem, GoesOnAfterAKilledProcess) {
+// An unfinished file of a killed process is not taken for the file, and does not prevent writing
+// it.
+TEST_P(FolderOnSystem, IgnoresAnUnfinishedFile) {
   const Folder folder(path_);
   const std::string name(250, 'n');
   std::ofstream(path_ / UnfinishedName(name)) << "half";
@@ -169,7 +171,7 @@ TEST_P(FolderOnSystem, GoesOnAfterAKilledProcess) {
   EXPECT_EQ(Bytes(name), "whole");
 }
 
-TEST_P(FolderOnSystem, ReplacesNothingUnasked) {
+TEST_P(FolderOnSystem, ReplacesAFileOnRequestOnly) {
   const Folder folder(path_);
   folder.Write("a.txt", "old", false);
   EXPECT_THAT(ErrorOf([&] { folder.Write("a.txt", "new", false); }),
@@ -198,10 +200,10 @@ TEST_P(FolderOnSystem, LeavesNothingOnAFullDisk) {
   EXPECT_THAT(Names(), IsEmpty());
 }
 
-TEST_P(FolderOnSystem, ComplainsWhenItIsGone) {
+TEST_P(FolderOnSystem, FailsWhenItWasRemoved) {
   const Folder folder(path_);
   fs::remove_all(path_);
-  // What of is up to the kernel.
+  // The error that follows the name depends on the kernel.
   EXPECT_THAT(ErrorOf([&] { folder.Write("a.txt", "bytes", false); }), HasSubstr("a.txt: "));
 }
 
@@ -214,7 +216,7 @@ INSTANTIATE_TEST_SUITE_P(Folder, FolderOnSystem,
 
 TEST_F(FolderTest, GivesANewNameAndReplacesNothing) {
   const Folder folder(path_);
-  for (const int error : {0, EINVAL}) {  // EINVAL: a file system that cannot refuse to replace
+  for (const int error : {0, EINVAL}) {  // EINVAL: the file system cannot rename without replacing
     g_rename_error = error;
     folder.Sub("from").Write("new.txt", "new", false);
     folder.Rename("from", "to");
@@ -228,8 +230,8 @@ TEST_F(FolderTest, GivesANewNameAndReplacesNothing) {
   }
 }
 
-// The folder that was opened is meant, whatever stands in its place now.
-TEST_F(FolderTest, RemovesInTheOpenedFolderAlone) {
+// Remove works in the folder that was opened, even if a link has taken its place at that path.
+TEST_F(FolderTest, RemovesInTheOpenedFolderOnly) {
   const Folder folder = Folder(path_).Sub("inside");
   folder.Sub("thing").Write("a.txt", "bytes", false);
   fs::rename(path_ / "inside", path_ / "moved");

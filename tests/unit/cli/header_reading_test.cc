@@ -1,4 +1,4 @@
-// What header fields say to a reader: texts, addresses, parameters, transfer encodings.
+// The readable form of header fields: texts, addresses, parameters, transfer encodings.
 #include "cli/header_reading.h"
 
 #include <gmock/gmock.h>
@@ -32,7 +32,7 @@ TEST(CharsetTextTest, MarksWhatCannotBeRead) {
 TEST(HeaderTextTest, DecodesWords) {
   EXPECT_EQ(ReadHeaderText(" =?utf-8?q?caf=C3=A9_au?= =?UTF-8?b?IGxhaXQ=?= !"),
             "caf\u00E9 au lait !");
-  // A character that two words share, and words of two charsets.
+  // Two words that share the bytes of one character, and two words in different charsets.
   EXPECT_EQ(ReadHeaderText("=?utf-8?q?=C3?=\r\n =?utf-8?q?=A9?="), "\u00E9");
   EXPECT_EQ(ReadHeaderText("=?iso-8859-1*fr?Q?=E9?= =?utf-8?Q?=C3=A9?="), "\u00E9\u00E9");
   EXPECT_EQ(ReadHeaderText("\"=?utf-8?Q?=C3=A9?=\" <a@b>"), "\"\u00E9\" <a@b>");
@@ -41,7 +41,7 @@ TEST(HeaderTextTest, DecodesWords) {
   EXPECT_EQ(ReadHeaderText(""), "");
 }
 
-TEST(AddressesTest, AreCutWhereNothingHoldsThem) {
+TEST(AddressesTest, AreSplitOutsideQuotesAndComments) {
   EXPECT_THAT(ReadAddresses("\"Moss, Ada\" <a@b>, Ben (x, y) <c,d@e>; f@g,, "),
               ElementsAre("\"Moss, Ada\" <a@b>", "Ben (x, y) <c,d@e>", "f@g"));
   EXPECT_THAT(ReadAddresses("Crew: a@b, c@d;, e@f"), ElementsAre("Crew: a@b, c@d;", "e@f"));
@@ -58,7 +58,7 @@ TEST(AddressesTest, HaveAMailbox) {
   EXPECT_EQ(MailboxOf("@example.com"), "");
 }
 
-TEST(WrittenParametersTest, AreCutOutsideOfQuotes) {
+TEST(WrittenParametersTest, AreSplitOutsideQuotes) {
   const WrittenParameters parameters(" Text/PLAIN (x;y) ; Charset=\"a;b\" ;name = c d ; e");
   EXPECT_EQ(parameters.main(), "text/plain");
   EXPECT_EQ(parameters.Text("charset"), "a;b");

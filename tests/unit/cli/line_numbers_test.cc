@@ -20,7 +20,8 @@ std::vector<std::size_t> NumbersOf(std::string_view text) {
 
 using Numbers = std::vector<std::size_t>;
 
-// A line end is in the line that it ends; the end of the text is in the line that would follow.
+// A line end belongs to the line that it ends. The end of a text that ends in a line end belongs to
+// the line after it.
 TEST(LineNumbers, CountEveryKindOfLineEndOnce) {
   EXPECT_EQ(NumbersOf(""), (Numbers{1}));
   EXPECT_EQ(NumbersOf("ab"), (Numbers{1, 1, 1}));

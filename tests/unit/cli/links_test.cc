@@ -1,4 +1,4 @@
-// Where links lead, what their texts claim, and the references that hide both.
+// The host to which a link leads, the host that its text names, and character references in both.
 #include "cli/links.h"
 
 #include <gtest/gtest.h>

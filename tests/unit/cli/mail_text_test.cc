@@ -36,7 +36,8 @@ TEST(TypeTest, StandsBeforeTheParameters) {
   EXPECT_EQ(TypeOf(""), "");
 }
 
-// The words joined by "|".
+// Shows the encoded words found in a text, each with its charset and encoding, with a vertical bar
+// between them.
 std::string Words(std::string_view text) {
   std::string joined;
   for (const EncodedWord& word : EncodedWordsOf(text)) {
@@ -59,7 +60,7 @@ TEST(EncodedWordsTest, AreNothingElse) {
         "= ?utf-8?Q?b?="sv}) {
     EXPECT_EQ(Words(text), "") << text;
   }
-  // What begins like a word may have one in it.
+  // Text that looks like the beginning of a word can contain a complete word.
   EXPECT_EQ(Words("=?=?utf-8?X?=?utf-8?Q?b?="), "=?utf-8?Q?b?=,utf-8,Q");
 }
 

@@ -17,7 +17,7 @@ using testing::IsEmpty;
 
 const std::string kSeparator = "From ada@example.com Sat Jan  3 01:05:34 1996\n";
 
-// The messages of a file that comes in pieces of `step` bytes.
+// Splits a file that is added in pieces of `step` bytes, and returns its messages.
 std::vector<std::string> Split(std::string_view file, std::size_t step) {
   std::vector<std::string> messages;
   MboxSplitter splitter([&](std::string&& message) {
@@ -48,7 +48,7 @@ TEST(MboxSeparator, HasAMonthAndATime) {
   EXPECT_FALSE(IsMboxSeparator(""));
 }
 
-TEST(MboxSplitterTest, GivesTheSameWhateverThePieces) {
+TEST(MboxSplitterTest, GivesTheSameForPiecesOfAnySize) {
   const std::string file = kSeparator + "A: 1\n\none\n>From x\n\n" + kSeparator +
                            "A: 2\r\n\r\ntwo\r\n\r\n" + kSeparator + "A: 3\n\nFrom " +
                            "long\n\n\nthree";
@@ -59,7 +59,7 @@ TEST(MboxSplitterTest, GivesTheSameWhateverThePieces) {
   }
 }
 
-TEST(MboxSplitterTest, TakesOneEmptyLineBeforeASeparatorAway) {
+TEST(MboxSplitterTest, RemovesOneEmptyLineBeforeASeparator) {
   EXPECT_THAT(Split(kSeparator + "a\n\n\n\n" + kSeparator + "b\n\n\n", 1000),
               ElementsAre("a\n\n\n", "b\n\n"));
 }
@@ -75,18 +75,18 @@ TEST(MboxSplitterTest, GivesEmptyMessages) {
   EXPECT_THAT(Split(kSeparator + "\n" + kSeparator + "\n\n", 1000), ElementsAre("", "\n"));
 }
 
-TEST(MboxSplitterTest, TakesOneSignOfQuotedLinesOnly) {
+TEST(MboxSplitterTest, RemovesOneSignFromQuotedLinesOnly) {
   EXPECT_THAT(Split(kSeparator + ">From a\n>>>From b\n> From c\n>From\n>Fro", 1000),
               ElementsAre("From a\n>>From b\n> From c\n>From\n>Fro"));
 }
 
-TEST(MboxSplitterTest, StopsWhereThereIsNoMailbox) {
+TEST(MboxSplitterTest, StopsAtTextThatIsNoMailbox) {
   EXPECT_THAT(Split("A: 1\n\n" + kSeparator + "b\n", 1000), IsEmpty());
   MboxSplitter splitter([](std::string&&) { return true; });
   EXPECT_FALSE(splitter.Add("A: 1\n"));
 }
 
-TEST(MboxSplitterTest, StopsWhenToldTo) {
+TEST(MboxSplitterTest, StopsWhenTheVisitorReturnsFalse) {
   int count = 0;
   MboxSplitter splitter([&](std::string&&) { return ++count < 2; });
   std::string file;
@@ -96,7 +96,7 @@ TEST(MboxSplitterTest, StopsWhenToldTo) {
   EXPECT_EQ(count, 2);
 }
 
-// A message whose header says how long its body is.
+// A message with a Content-Length field.
 std::string WithLength(const std::string& length, const std::string& body) {
   return "A: 1\nContent-Length: " + length + "\n\n" + body;
 }
@@ -118,14 +118,14 @@ TEST(MboxLengths, NeedNoEmptyLineBehindTheMessage) {
               ElementsAre(WithLength("one\n"), WithLength("two\n")));
 }
 
-TEST(MboxLengths, ASignGoesWhereNoSeparatorStandsUnquoted) {
+TEST(MboxLengths, UnquoteLinesOfABodyWithoutSeparators) {
   const std::string body = "one\n>From here\n";
   EXPECT_THAT(Split(kSeparator + WithLength(body) + "\n" + kSeparator + "A: 2\n\n", 1000),
               ElementsAre(WithLength(std::to_string(body.size()), "one\nFrom here\n"), "A: 2\n"));
 }
 
-// As if none were there.
-TEST(MboxLengths, ThatAreWrongCountForNothing) {
+// A wrong Content-Length has the same effect as a missing one.
+TEST(MboxLengths, AreIgnoredWhenWrong) {
   const std::string body = "one\n>From here\n";
   const std::string plain = "one\nFrom here\n";
   for (const char* const length :
@@ -140,7 +140,7 @@ TEST(MboxLengths, ThatAreWrongCountForNothing) {
   }
 }
 
-TEST(MboxLengths, NoneIsBelievedBehindAWrongOne) {
+TEST(MboxLengths, AreIgnoredAfterAWrongOne) {
   const std::string body = "two\n\n" + kSeparator + "x\n";
   EXPECT_THAT(Split(kSeparator + WithLength("1", "one\n") + "\n" + kSeparator + WithLength(body) +
                         "\n" + kSeparator + "A: 3\n\n",
@@ -155,7 +155,7 @@ TEST(MboxLengths, OfAnAttachedMessageDoNotCount) {
               ElementsAre(inner, "A: 2\n"));
 }
 
-TEST(MboxLengths, FileThatIsCutAnywhereGivesWhatIsInFront) {
+TEST(MboxLengths, ATruncatedFileGivesTheMessagesBeforeTheCut) {
   const std::string first = WithLength("one\n\n" + kSeparator + "more\n");
   const std::string file =
       kSeparator + first + "\n" + kSeparator + WithLength("two\n") + "\n" + kSeparator + "A: 3\n";

@@ -14,7 +14,7 @@ using namespace std::string_view_literals;
 using mime::HeaderEnd;
 using mime::PartKind;
 
-TEST(MessageSource, TellsLinesWhateverEndsThem) {
+TEST(MessageSource, NumbersLinesWithAnyLineEnd) {
   for (const std::string_view end : {"\n"sv, "\r\n"sv, "\r"sv, "\n\r"sv}) {
     std::string text;
     for (const char* line : {"A: b", " c", "D : e", ":f", " g", "", "body"}) {
@@ -36,7 +36,7 @@ TEST(MessageSource, TellsLinesWhateverEndsThem) {
   }
 }
 
-TEST(MessageSource, TellsWhatEndsAHeader) {
+TEST(MessageSource, ReportsWhatEndsAHeader) {
   const auto end_of = [](std::string_view text) {
     return MessageSource(text).parts()[0].header_end;
   };
@@ -55,9 +55,10 @@ TEST(MessageSource, TellsWhatEndsAHeader) {
 constexpr std::string_view kNested =
     "Content-Type: multipart/mixed; boundary=o\n\n--o\n"                        // 0
     "Content-Type: message/rfc822\n\n"                                          // 1
-    "Content-Type: Multipart/x;\n boundary=\"i\"\n\n--i\n\none\n--i\n\ntwo\n";  // 1.1 and its two
+    "Content-Type: Multipart/x;\n boundary=\"i\"\n\n--i\n\none\n--i\n\ntwo\n";  // part 1.1 and its
+                                                                                // two parts
 
-TEST(MessageSource, ListsPartsInTheLibrarysOrder) {
+TEST(MessageSource, ListsPartsInTheOrderOfTheLibrary) {
   const std::string text = std::string(kNested) + "--i--\n--o\n\nthree\n--o--\n";
   const MessageSource source(text);
   ASSERT_EQ(source.parts().size(), 6U);
@@ -70,7 +71,7 @@ TEST(MessageSource, ListsPartsInTheLibrarysOrder) {
   EXPECT_TRUE(source.parts()[2].is_closed);
 }
 
-TEST(MessageSource, ListsLostPartsBehindTheLibrarys) {
+TEST(MessageSource, ListsLostPartsAfterThoseOfTheLibrary) {
   const std::string text = std::string(kNested) + "--o\n\nthree\n--o--\n";
   const MessageSource source(text);
   ASSERT_EQ(source.parts().size(), 6U);
@@ -82,8 +83,8 @@ TEST(MessageSource, ListsLostPartsBehindTheLibrarys) {
   EXPECT_TRUE(source.parts()[0].is_closed);
 }
 
-// Whatever ends its lines, and whether the boundary's line end stays in the text before it.
-TEST(MessageSource, TellsTheLineAfterAMultipart) {
+// The line is right for every kind of line end, and for a multipart whose text is empty.
+TEST(MessageSource, ReportsTheLineAfterAMultipart) {
   for (const std::string_view end : {"\n"sv, "\r\n"sv, "\r"sv, "\n\r"sv}) {
     std::string text;
     for (const char* line :
@@ -117,7 +118,7 @@ TEST(MessageSource, LastLineNeedsNoLineEnd) {
   EXPECT_TRUE(source.parts()[0].is_closed);
 }
 
-TEST(MessageSource, NothingBeginsWithTheLastLine) {
+TEST(MessageSource, ABoundaryOnTheLastLineBeginsNoPart) {
   for (const char* end : {"", "\n"}) {
     const std::string text =
         std::string("Content-Type: multipart/mixed; boundary=o\n\n--o\n\none\n--o") + end;
@@ -133,7 +134,7 @@ TEST(MessageSource, MessageBeyondTheLimitsThrows) {
   EXPECT_THROW(MessageSource{text}, std::runtime_error);
 }
 
-// The boundary in the header of the last part.
+// The boundary line found in the header of the last part; empty when there is none.
 std::string_view LastFound(const MessageSource& source) {
   return BoundariesInHeaders(source).back();
 }
@@ -161,7 +162,8 @@ TEST(BoundariesInHeaders, FirstLineCounts) {
   EXPECT_EQ(LastFound(source), "--o: 1");
 }
 
-// That of a multipart is none in its own header, nor behind the multipart.
+// A boundary line counts in the headers inside its multipart only: not in the multipart's own
+// header, and not in headers after it.
 TEST(BoundariesInHeaders, OnlyOfMultipartsThatAreOpen) {
   const MessageSource own("Content-Type: multipart/mixed; boundary=o\n--o\n\ntext\n");
   EXPECT_EQ(LastFound(own), "");

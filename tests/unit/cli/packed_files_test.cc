@@ -21,7 +21,8 @@ const std::string kAllBytes = [] {
   return bytes;
 }();
 
-// Uuencode as POSIX describes it: a character for the count, then six bits a character.
+// Encodes with uuencode (POSIX): each line has one character for its number of bytes, then six bits
+// a character.
 std::string Uuencoded(std::string_view data, const std::string& name, char zero = '`') {
   const auto digit = [&](unsigned value) {
     return value == 0 ? zero : static_cast<char>(value + ' ');
@@ -42,7 +43,8 @@ std::string Uuencoded(std::string_view data, const std::string& name, char zero 
   return text + zero + "\nend\n";
 }
 
-// yEnc: each byte 42 further on, "=" and 64 more for those that a line cannot hold.
+// Encodes with yEnc: adds 42 to each byte. A byte that a line cannot contain is written as "=" and
+// the byte plus 64.
 std::string Yenc(std::string_view data, const std::string& name) {
   const std::string size = std::to_string(data.size());
   std::string text = "=ybegin line=64 size=" + size + " name=" + name + "\n";
@@ -63,7 +65,8 @@ PackedFile OnlyFile(const std::string& text) {
 }
 
 TEST(Uuencode, IsDecoded) {
-  const PackedFile file = OnlyFile("begin 644 cat.txt\n#0V%T\n`\nend\n");  // known from manuals
+  const PackedFile file =
+      OnlyFile("begin 644 cat.txt\n#0V%T\n`\nend\n");  // the usual example of the encoding
   EXPECT_EQ(file.packing, Packing::kUuencode);
   EXPECT_EQ(file.name, "cat.txt");
   EXPECT_EQ(file.bytes, "Cat");
@@ -106,17 +109,17 @@ TEST(Uuencode, OtherTextIsNoFile) {
   }
 }
 
-TEST(Uuencode, LineThatSaysMoreThanItHasIsFilledWithZeros) {
+TEST(Uuencode, ALineShorterThanItsCountIsFilledWithZeros) {
   EXPECT_EQ(OnlyFile("begin 644 a\n_0V%T\n`\nend\n").bytes, "Cat" + std::string(60, '\0'));
 }
 
-TEST(Uuencode, LineThatHasMoreThanItSaysEndsTheFile) {
+TEST(Uuencode, ALineLongerThanItsCountEndsTheFile) {
   const PackedFile file = OnlyFile("begin 644 a\n#0V%T\n#0V%T0V%T0V%T\nend\n");
   EXPECT_EQ(file.bytes, "Cat");
   EXPECT_FALSE(file.is_whole);
 }
 
-TEST(Uuencode, CutAnywhereGivesWhatIsInFront) {
+TEST(Uuencode, TruncatedTextGivesTheBytesBeforeTheCut) {
   const std::string code = Uuencoded(kAllBytes, "a.bin");
   for (std::size_t size = 0; size + 1 < code.size(); ++size) {
     const std::vector<PackedFile> files = FindPackedFiles(code.substr(0, size));
@@ -126,7 +129,7 @@ TEST(Uuencode, CutAnywhereGivesWhatIsInFront) {
     }
     const std::string& bytes = files.front().bytes;
     ASSERT_THAT(files, SizeIs(1));
-    // The last line is filled with zeros.
+    // A cut last line is filled with zeros, so its bytes are not compared.
     const std::size_t whole_lines = bytes.size() < 45 ? 0 : bytes.size() - 45;
     EXPECT_EQ(bytes.substr(0, whole_lines), kAllBytes.substr(0, whole_lines)) << size;
     EXPECT_EQ(files.front().is_whole, size + 1 == code.size()) << size;
@@ -134,10 +137,10 @@ TEST(Uuencode, CutAnywhereGivesWhatIsInFront) {
   EXPECT_TRUE(OnlyFile(code.substr(0, code.size() - 1)).is_whole);
 }
 
-TEST(Uuencode, FilesInOneAnotherAreOne) {
+TEST(Uuencode, ANestedFileIsPartOfTheOuterOne) {
   const std::string inner = Uuencoded("inner", "inner.txt");
   EXPECT_EQ(OnlyFile(Uuencoded(inner, "outer.uue")).bytes, inner);
-  // A second beginning within the lines of the first ends that.
+  // A second "begin" line among the lines of a file ends that file.
   const std::vector<PackedFile> files =
       FindPackedFiles("begin 644 a\n#0V%T\n" + Uuencoded("hello", "b"));
   ASSERT_THAT(files, SizeIs(2));
@@ -159,7 +162,8 @@ TEST(Base64Block, IsDecoded) {
 }
 
 TEST(YencBlock, IsDecoded) {
-  // "hi" is 0x92 0x93; NUL, LF, CR and "=" after the shift are written as two characters.
+  // "hi" is 0x92 0x93. The bytes that give NUL, LF, CR and "=" when 42 is added are written as two
+  // characters.
   const PackedFile file = OnlyFile(
       "=ybegin line=128 size=6 name=a b.bin \n\x92\x93=@=J=M=}\n"
       "=yend size=6\n");
@@ -174,7 +178,7 @@ TEST(YencBlock, IsDecoded) {
   }
 }
 
-TEST(YencBlock, OfSeveralPartsHasALineMore) {
+TEST(YencBlock, OfSeveralPartsHasAnExtraLine) {
   const PackedFile file = OnlyFile(
       "=ybegin part=1 line=128 size=9 name=a\n=ypart begin=1 end=2\n"
       "\x92\x93\n=yend size=2 part=1\n");
@@ -182,7 +186,7 @@ TEST(YencBlock, OfSeveralPartsHasALineMore) {
   EXPECT_TRUE(file.is_whole);
 }
 
-TEST(YencBlock, SizeThatIsNoneIsNoFile) {
+TEST(YencBlock, InvalidSizeGivesNoFile) {
   for (const char* const size : {"-1", "", "x", "99999999999999999999"}) {
     EXPECT_THAT(FindPackedFiles("=ybegin line=128 size=" + std::string(size) +
                                 " name=a\n\x92\n=yend size=1\n"),
@@ -202,7 +206,7 @@ TEST(YencBlock, SizeAtTheEndTellsWhetherItIsWhole) {
   }
 }
 
-TEST(YencBlock, CutAnywhereGivesWhatIsInFront) {
+TEST(YencBlock, TruncatedTextGivesTheBytesBeforeTheCut) {
   const std::string code = Yenc(kAllBytes, "a.bin");
   const std::size_t body = code.find('\n') + 1;
   const std::size_t end = code.find("\n=yend");
@@ -211,7 +215,8 @@ TEST(YencBlock, CutAnywhereGivesWhatIsInFront) {
     EXPECT_EQ(files.size(), size >= body ? 1U : files.size()) << size;
     for (const PackedFile& file : files) {
       EXPECT_FALSE(file.is_whole) << size;
-      const std::size_t sure = file.bytes.empty() ? 0 : file.bytes.size() - 1;  // a cut code
+      const std::size_t sure =
+          file.bytes.empty() ? 0 : file.bytes.size() - 1;  // the last code may be cut
       EXPECT_EQ(file.bytes.substr(0, sure), kAllBytes.substr(0, sure)) << size;
     }
   }

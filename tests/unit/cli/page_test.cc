@@ -1,4 +1,4 @@
-// What a report's page is made of: escaped text, cleaned HTML, pictures, base64.
+// The parts of a report's page: escaped text, cleaned HTML, pictures, base64.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -47,7 +47,7 @@ SanitizedHtml Letter(std::string_view html) {
   });
 }
 
-// Without the elements around a text.
+// The cleaned HTML without the two elements that SafeHtml puts around it.
 std::string Clean(std::string_view html) {
   constexpr std::string_view kStart = "<zqv-html><zqv-body>";
   constexpr std::string_view kEnd = "</zqv-body></zqv-html>";

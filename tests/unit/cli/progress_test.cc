@@ -17,22 +17,22 @@ TEST(DurationTextTest, GrowsWithTheDuration) {
   EXPECT_EQ(DurationText(Seconds(3 * 3600 + 2 * 60 + 7)), "3:02:07");
 }
 
-TEST(ProgressTextTest, TellsRateAndTimeLeft) {
-  // A quarter in ten seconds leaves thirty.
+TEST(ProgressTextTest, ShowsRateAndTimeLeft) {
+  // A quarter of the bytes took ten seconds, so the rest takes thirty.
   EXPECT_EQ(ProgressText(1200, 250, 1000, Seconds(10)),
             "1,200 messages, 120 a second, 25 %, 30 s left");
 }
 
-TEST(ProgressTextTest, TellsNothingOfTheFirstSecond) {
+TEST(ProgressTextTest, IsEmptyInTheFirstSecond) {
   EXPECT_EQ(ProgressText(1, 250, 1000, Seconds(0.5)), "1 message, 25 %");
 }
 
-TEST(ProgressTextTest, TellsNoShareOfAnUnknownWhole) {
+TEST(ProgressTextTest, ShowsNoShareOfAnUnknownTotal) {
   EXPECT_EQ(ProgressText(30, 250, 0, Seconds(10)), "30 messages, 3 a second");
   EXPECT_EQ(ProgressText(30, 0, 1000, Seconds(10)), "30 messages, 3 a second");
 }
 
-TEST(ProgressTextTest, EndsAtTheWhole) {
+TEST(ProgressTextTest, StopsAtTheTotal) {
   EXPECT_EQ(ProgressText(30, 1200, 1000, Seconds(10)),
             "30 messages, 3 a second, 100 %, 0.0 s left");
 }

@@ -1,4 +1,4 @@
-// What stays of a message's style sheets, and that nothing that loads is among it.
+// Cleaning of style sheets: harmless rules stay, and nothing that loads or runs does.
 #include "cli/safe_css.h"
 
 #include <gtest/gtest.h>
@@ -148,7 +148,7 @@ TEST(SafeCssTest, LetsNothingBreakOut) {
   for (const Case& c : sheets) EXPECT_EQ(Sheet(c.css), c.safe) << c.css;
 }
 
-// Reading the result again changes nothing: what was written is what was meant.
+// Cleaning the result again does not change it, so it is parsed as it was meant.
 TEST(SafeCssTest, IsCleanWhenReadAgain) {
   constexpr std::string_view kSheets[] = {
       "@media screen { p { a: \\75rl(x) 'y<' (z; } } q { \\31 a: 1e3 -\\32 }",

@@ -25,7 +25,7 @@ TEST(PartsBetween, AreThoseBetweenBoundaries) {
   EXPECT_THAT(PartsBetween("-b\n--c\n --b\n", "b"), IsEmpty());
 }
 
-TEST(Extents, AreTheWholePartsWithoutSuchABoundary) {
+TEST(Extents, AreTheWholePartsWithoutABoundaryInAHeader) {
   const std::string text = kMixed + "--b\nA: 1\n\none\n--b\nA: 2\n\ntwo\n--b--\n";
   const MessageSource source(text);
   const std::vector<PartExtent> extents = ExtentsOf(source);
@@ -57,7 +57,8 @@ TEST(Extents, EndBeforeTheWholeLineEnd) {
   EXPECT_THAT(extents[1].swallowed, ElementsAre("A: 2\r\n\r\ntwo"));
 }
 
-// 1 is a message, 1.1 what is in it; the boundary in the header of 1.1 divides the outermost.
+// Part 1 is a message, and part 1.1 the part inside it. The line in the header of 1.1 is a boundary
+// of the outermost multipart, so both parts end there.
 TEST(Extents, OfAllPartsAroundTheHeaderEndThere) {
   const std::string text = kMixed +
                            "--b\nContent-Type: message/rfc822\n\n"
@@ -91,7 +92,7 @@ TEST(Extents, SeveralPartsAreSwallowedByFieldsThatAreBoundaries) {
   EXPECT_THAT(extents[1].swallowed, ElementsAre("A: 2", "A: 3\n\nthree"));
 }
 
-TEST(Extents, HaveNoLineEndThatTheMessageHasNot) {
+TEST(Extents, AddNoLineEnd) {
   const std::string text = "A: 1\n\nx";
   const MessageSource source(text);
   EXPECT_EQ(ExtentsOf(source)[0].own, text);

@@ -25,7 +25,7 @@ TEST(FormatTableTest, AlignsColumns) {
       ElementsAre("a       5  x", "bcd  1000  y"));
 }
 
-TEST(FormatTableTest, MeasuresWhatIsSeen) {
+TEST(FormatTableTest, AlignsByDisplayWidth) {
   EXPECT_THAT(Lines({Align::kLeft, Align::kLeft}, {{"写真", "x"}, {"Ü", "y"}}),
               ElementsAre("写真  x", "Ü     y"));
 }
@@ -40,7 +40,7 @@ TEST(FormatTableTest, LeavesNoBlanksAtLineEnds) {
               ElementsAre("a  long", "b"));
 }
 
-TEST(FormatTableTest, AWideCellMovesItsOwnRowAlone) {
+TEST(FormatTableTest, AWideCellMovesItsOwnRowOnly) {
   const std::string wide(100, 'w');
   EXPECT_THAT(Lines({Align::kLeft, Align::kLeft}, {{wide, "x"}, {"b", "y"}}),
               ElementsAre(wide + "  x", "b" + std::string(59, ' ') + "  y"));

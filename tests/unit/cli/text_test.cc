@@ -59,12 +59,12 @@ TEST_F(HostTextTest, IsConvertedByTheHost) {
   EXPECT_EQ(SafeText(standin::String(), Lines::kMany), "");
 }
 
-TEST_F(HostTextTest, KeepsAsciiAloneOfWhatTheHostCannotConvert) {
+TEST_F(HostTextTest, KeepsOnlyAsciiWhenTheHostCannotConvert) {
   const auto unknown = standin::MakeString("21\xB0 \xC3\xA9\r\n", abi::kUnknownEncoding);
   EXPECT_EQ(SafeText(unknown, Lines::kMany), "21\\xB0 \\xC3\\xA9\n");
 }
 
-TEST_F(HostTextTest, KeepsTheGoodHalfOfBrokenUtf8) {
+TEST_F(HostTextTest, KeepsTheValidStartOfBrokenUtf8) {
   EXPECT_EQ(SafeText(standin::MakeString("\xC3\xA9 \xE9", abi::kUtf8), Lines::kMany),
             "\xC3\xA9 \\xE9");
 }
@@ -91,12 +91,13 @@ TEST(CutToWidthTest, KeepsWhatFits) {
 TEST(CutToWidthTest, EndsWithAnEllipsisInTheLastColumn) {
   EXPECT_EQ(CutToWidth("abcd", 3), "ab…");
   EXPECT_EQ(CutToWidth("写真部", 5), "写真…");
-  EXPECT_EQ(CutToWidth("写真部", 4), "写…");  // half a sign cannot be shown
+  EXPECT_EQ(CutToWidth("写真部", 4),
+            "写…");  // a wide character has two columns and is not cut in half
   EXPECT_EQ(CutToWidth("e\u0301e\u0301e\u0301", 2), "e\u0301…");
   EXPECT_EQ(CutToWidth("abc", 1), "…");
 }
 
-TEST(CountedTest, GroupsDigitsAndKnowsOne) {
+TEST(CountedTest, GroupsDigitsAndUsesTheSingularForOne) {
   EXPECT_EQ(Counted(0, "message"), "0 messages");
   EXPECT_EQ(Counted(1, "message"), "1 message");
   EXPECT_EQ(Counted(999, "message"), "999 messages");
@@ -104,7 +105,7 @@ TEST(CountedTest, GroupsDigitsAndKnowsOne) {
   EXPECT_EQ(Counted(1234567, "message"), "1,234,567 messages");
 }
 
-TEST(ByteCountTest, KnowsOneByte) {
+TEST(ByteCountTest, UsesTheSingularForOne) {
   EXPECT_EQ(ByteCount(0), "0 bytes");
   EXPECT_EQ(ByteCount(1), "1 byte");
   EXPECT_EQ(ByteCount(665), "665 bytes");

@@ -14,7 +14,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-// Writes TNEF as the format's description has it: numbers low byte first.
+// Encodes a number as TNEF does, the lowest byte first.
 std::string Number(std::uint64_t number, int bytes) {
   std::string text;
   for (int i = 0; i < bytes; ++i) text += static_cast<char>(number >> (8 * i) & 0xFFU);
@@ -86,7 +86,7 @@ TEST(Tnef, OfNothingIsEmpty) {
   EXPECT_TRUE(content.is_whole);
 }
 
-TEST(Tnef, LongNameGoesBeforeTheShortOne) {
+TEST(Tnef, ALongNameIsPreferred) {
   const std::string list = Property(kText16, 0x3707, Utf16("a long name.txt")) +
                            Property(kText8, 0x370E, std::string("text/plain\0", 11)) +
                            Property(kText8, 0x3712, "one@example.com");
@@ -110,18 +110,19 @@ TEST(Tnef, NamesAreInTheCodePage) {
   };
   EXPECT_EQ(name_of(1252, "\xFC.txt"), "\u00FC.txt");
   EXPECT_EQ(name_of(1251, "\xFC.txt"), "\u044C.txt");
-  EXPECT_EQ(name_of(99999, "\xFC.txt"), "\u00FC.txt");  // of no known one: as most are
+  EXPECT_EQ(name_of(99999, "\xFC.txt"),
+            "\u00FC.txt");  // an unknown code page is read as the most common one, 1252
 }
 
-TEST(Tnef, PropertiesInFrontAreSkippedWhateverTheirSize) {
+TEST(Tnef, EarlierPropertiesOfAnySizeAreSkipped) {
   const std::string wanted = Property(kText8, 0x3707, "a.txt");
   const std::string name = Number(0, 8) + Number(0, 8);
   for (const std::string& other :
-       {Number(0x0003, 2) + Number(0x3705, 2) + Number(1, 4),                 // a number
-        Number(0x0005, 2) + Number(0x3705, 2) + Number(1, 8),                 // a larger one
-        Number(0x000B, 2) + Number(0x3705, 2) + Number(1, 4),                 // yes or no
-        Number(0x0040, 2) + Number(0x3705, 2) + Number(1, 8),                 // a time
-        Number(0x0048, 2) + Number(0x3705, 2) + Number(1, 8) + Number(2, 8),  // an identifier
+       {Number(0x0003, 2) + Number(0x3705, 2) + Number(1, 4),  // a 32-bit integer
+        Number(0x0005, 2) + Number(0x3705, 2) + Number(1, 8),  // a floating-point number
+        Number(0x000B, 2) + Number(0x3705, 2) + Number(1, 4),  // a boolean
+        Number(0x0040, 2) + Number(0x3705, 2) + Number(1, 8),  // a time
+        Number(0x0048, 2) + Number(0x3705, 2) + Number(1, 8) + Number(2, 8),  // a GUID
         Number(0x1003, 2) + Number(0x3705, 2) + Number(2, 4) + Number(1, 4) + Number(2, 4),
         Property(kBinary, 0x3702, "abc"), Property(kText8, 0x3001, "abcde"),
         Number(0x0003, 2) + Number(0x8001, 2) + name + Number(0, 4) + Number(7, 4) + Number(1, 4),
@@ -132,7 +133,7 @@ TEST(Tnef, PropertiesInFrontAreSkippedWhateverTheirSize) {
   }
 }
 
-TEST(Tnef, AnObjectHasItsInterfaceInFront) {
+TEST(Tnef, AnObjectBeginsWithItsInterface) {
   const std::string inner = kStart + File("deep.txt", "deep");
   const std::string value = std::string(16, 'i') + inner;
   const std::string data =
@@ -143,7 +144,7 @@ TEST(Tnef, AnObjectHasItsInterfaceInFront) {
   EXPECT_EQ(ReadTnef(short_one).files.at(0).bytes, "");
 }
 
-TEST(Tnef, WhatIsTheMessagesIsNoFile) {
+TEST(Tnef, AttributesOfTheMessageAreNotFiles) {
   const std::string data = kStart + Attribute(kData, "x") + Attribute(kTitle, "a.txt") +
                            Properties(1, Property(kText8, 0x3707, "b.txt"));
   EXPECT_THAT(ReadTnef(data).files, IsEmpty());
@@ -162,8 +163,8 @@ TEST(Tnef, LengthsBeyondTheEndGiveNothing) {
   }
 }
 
-// Counts and lengths within the properties.
-TEST(Tnef, PropertiesThatClaimTooMuchEndWithTheirAttribute) {
+// The same for counts and lengths inside the list of properties.
+TEST(Tnef, PropertiesWithTooLargeSizesEndWithTheirAttribute) {
   const std::string good = Property(kText8, 0x3707, "a.txt");
   const std::string most = Number(0xFFFFFFFF, 4);
   for (const std::string& list :
@@ -183,7 +184,7 @@ TEST(Tnef, PropertiesThatClaimTooMuchEndWithTheirAttribute) {
   }
 }
 
-TEST(Tnef, CutAnywhereGivesTheFilesInFront) {
+TEST(Tnef, TruncatedDataGivesTheFilesBeforeTheCut) {
   const std::string first = kStart + File("a.txt", "hello");
   const std::string whole =
       first + File("b.txt", "world") + Properties(1, Property(kText16, 0x3707, Utf16("long.txt")));

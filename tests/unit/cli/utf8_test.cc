@@ -7,7 +7,8 @@
 namespace zqv::cli {
 namespace {
 
-// Encodes without any check, by the definition of UTF-8's four lengths.
+// Encodes any code point in one to four bytes (RFC 3629, section 3), without checking that it is
+// valid.
 std::string Encode(char32_t c) {
   const auto byte = [](char32_t value) { return static_cast<char>(value); };
   if (c < 0x80) return {byte(c)};
@@ -41,7 +42,7 @@ TEST(FirstCodePointTest, RefusesOverlongAndBrokenSequences) {
   }
 }
 
-TEST(WholeSequencesTest, NeverCutsThroughOne) {
+TEST(WholeSequencesTest, NeverCutsASequence) {
   EXPECT_EQ(WholeSequences("a€b", 0), 0U);
   EXPECT_EQ(WholeSequences("a€b", 1), 1U);
   EXPECT_EQ(WholeSequences("a€b", 3), 1U);

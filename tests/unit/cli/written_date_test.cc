@@ -59,7 +59,7 @@ TEST(WrittenDateTest, IsTheSameInstantInUtc) {
   EXPECT_EQ(SecondsOf(*ReadWrittenDate("9 Sep 2001 01:46:40 GMT")), 1000000000);
 }
 
-TEST(PeriodTest, IsAsLongAsItIsNamed) {
+TEST(PeriodTest, HasTheLengthOfItsName) {
   const auto length = [](std::string_view text) -> std::int64_t {
     const std::optional<Period> period = ReadPeriod(text);
     return period ? period->last - period->first + 1 : -1;

@@ -1,4 +1,5 @@
-// Dates beside the MIME library's own reading of them: regular ones, and every way of spoiling one.
+// The date reader compared with mimetic's: regular dates, and regular dates in which characters
+// were changed.
 #include "email/date_text.h"
 
 #include <gtest/gtest.h>
@@ -65,7 +66,7 @@ TEST(DateText, KnowsEveryMonth) {
 
 const std::string kCharacters = std::string(" ,:+-()\"<>;aJnMT0129\t\r\n\\\x80") + '\0';
 
-TEST(DateText, ReadsAsTheLibraryDoesWhateverOneCharacterIs) {
+TEST(DateText, ReadsAsMimeticDoesWhateverOneCharacterIs) {
   std::size_t compared = 0;
   for (const DateRow& row : kRegular) {
     const std::string text = row.text;
@@ -85,7 +86,7 @@ TEST(DateText, ReadsAsTheLibraryDoesWhateverOneCharacterIs) {
   EXPECT_GT(compared, 15000U);
 }
 
-TEST(DateText, ReadsAsTheLibraryDoesAfterRandomChanges) {
+TEST(DateText, ReadsAsMimeticDoesAfterRandomChanges) {
   std::mt19937 random(20260101);
   const auto below = [&random](std::size_t limit) { return random() % limit; };
   for (int i = 0; i < 50000; ++i) {

@@ -16,7 +16,7 @@
 namespace zqv::test {
 namespace {
 
-// Bodies by which the kind of file is known.
+// Bodies whose first bytes determine the type of the file.
 const std::string kPng = "\x89PNG\r\n\x1A\n";
 const std::string kGif = "GIF89a";
 const std::string kHtml = "<html>";
@@ -24,7 +24,7 @@ const std::string kOther = "something else";
 
 std::string Jfif(std::size_t offset) { return std::string(offset, 'x') + "JFIF"; }
 
-// Two ways to make up a name: from a Content-ID and from data.
+// A file name that is made up from the part's Content-ID and from the type of its data.
 struct MadeUpRow {
   const char* name;
   std::string content_id;
@@ -83,7 +83,8 @@ std::string Ascii(std::string_view bytes) { return Shown(abi::kAscii, bytes); }
 std::string Utf8(std::string_view bytes) { return Shown(abi::kUtf8, bytes); }
 std::string MacRoman(std::string_view bytes) { return Shown(abi::kMacRoman, bytes); }
 
-// The names that a header offers, best first: each its encoding and bytes, or "empty".
+// All names that a header offers, the preferred one first: each as its encoding and bytes, or
+// "empty".
 std::vector<std::string> NamesOf(const std::string& header, std::string_view data = kOther) {
   const std::string text = header + "\n";
   const mime::Message message(text);
@@ -97,7 +98,7 @@ std::vector<std::string> NamesOf(const std::string& header, std::string_view dat
   return shown;
 }
 
-// The first that is not empty.
+// The first name that is not empty.
 std::string NameOf(const std::string& header, std::string_view data = kOther) {
   for (const std::string& name : NamesOf(header, data)) {
     if (name != "empty") return name;
@@ -105,7 +106,7 @@ std::string NameOf(const std::string& header, std::string_view data = kOther) {
   return "none";
 }
 
-// The name for a value of the parameter `filename*`.
+// The file name of a part whose parameter `filename*` has this value.
 std::string NameOfExtended(const std::string& value) {
   return NameOf("Content-Disposition: attachment; filename*=" + value + "\n");
 }
@@ -146,13 +147,14 @@ TEST(FileNames, ExtendedParameterIsInItsCharset) {
 
 TEST(FileNames, ExtendedParameterOfAnUnknownCharsetIsTakenWhole) {
   EXPECT_EQ(NameOfExtended("no-such''abc.txt"), Ascii("no-such''abc.txt, not no-such"));
-  EXPECT_EQ(NameOfExtended("binary''abc.txt"), Ascii("binary''abc.txt")) << "known, but no text";
+  EXPECT_EQ(NameOfExtended("binary''abc.txt"), Ascii("binary''abc.txt"))
+      << "a known charset, but without a text encoding";
 }
 
 TEST(FileNames, ExtendedParameterOfFewerThanFiveBytesIsTakenWhole) {
   EXPECT_EQ(NameOfExtended("0''a"), Ascii("0''a"));
   EXPECT_EQ(NameOfExtended("0''ab"), Shown(abi::kIsoLatin1, "ab"))
-      << "five bytes, of the charset 0";
+      << "five bytes, with the charset " 0 "";
 }
 
 TEST(FileNames, ExtendedParameterWithALanguageIsTakenWhole) {

@@ -119,7 +119,7 @@ constexpr ContainerRow kContainers[] = {
 INSTANTIATE_TEST_SUITE_P(Types, ContainerOf, ::testing::ValuesIn(kContainers),
                          [](const auto& row) { return row.param.name; });
 
-// A message's own header, as routing sees it.
+// A message without parts, for functions that take one header and body.
 class OnePart {
  public:
   explicit OnePart(std::string text) : text_(std::move(text)), message_(text_) {}
@@ -132,7 +132,7 @@ class OnePart {
   const mime::Message message_;
 };
 
-TEST(TraitsOf, AreThoseOfTheHeader) {
+TEST(TraitsOf, AreReadFromTheHeader) {
   const OnePart part(
       "Content-Type: Text/Plain; charset=x\nContent-Disposition: Attachment; filename=a\n"
       "Content-ID: <i>\n\n");
@@ -156,7 +156,7 @@ TEST(TraitsOf, AreEmptyWithoutFields) {
   }
 }
 
-TEST(IsText, WantsBothWordsInAnyCase) {
+TEST(IsText, ComparesTypeAndSubtypeInAnyCase) {
   EXPECT_TRUE(email::IsText("text", "plain", "plain"));
   EXPECT_TRUE(email::IsText("TEXT", "Html", "html"));
   EXPECT_FALSE(email::IsText("text", "html", "plain"));

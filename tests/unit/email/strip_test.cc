@@ -64,7 +64,7 @@ constexpr LineBreakRow kLineBreaks[] = {
 INSTANTIATE_TEST_SUITE_P(Texts, LineBreaksOf, ::testing::ValuesIn(kLineBreaks),
                          [](const auto& row) { return row.param.name; });
 
-// The text that it becomes; one byte of each of these is dropped.
+// The rewritten text, for texts of which exactly one byte is dropped.
 std::string WithoutOne(std::string text) {
   EXPECT_EQ(email::RewriteLineBreaks(text), 1U);
   return text;
@@ -73,7 +73,7 @@ std::string WithoutOne(std::string text) {
 TEST(LineBreaks, BreakAtPositionOneIsDropped) {
   EXPECT_EQ(WithoutOne("a\nb\n"), "ab\r");
   EXPECT_EQ(WithoutOne("a\rb\r"), "ab\r");
-  // The CR at position 1 goes; the LF behind it then is a break of its own.
+  // The CR at position 1 is dropped; the LF after it is then a line break by itself.
   EXPECT_EQ(WithoutOne("a\r\nb"), "a\rb");
 }
 
@@ -83,7 +83,7 @@ TEST(Strip, WithoutFilesGivesTheMessageWithSingleCrs) {
   EXPECT_EQ(Stripped("Subject: x\nTo: y\n\nline\n\nend\n"), "Subject: x\rTo: y\r\rline\r\rend\r");
 }
 
-// A multipart/mixed of these parts, each beginning with its header.
+// A multipart/mixed message with these parts, each of which begins with its header.
 std::string Mixed(const std::vector<std::string>& parts) {
   std::string message = "Content-Type: multipart/mixed; boundary=b\n\n";
   for (const std::string& part : parts) message += "--b\n" + part + "\n";
@@ -145,7 +145,7 @@ TEST(Strip, EndsAtANul) { EXPECT_EQ(Stripped({"A: b\n\none\0two", 13}), "A: b\r\
 
 TEST(Strip, OfNothingIsNothing) { EXPECT_EQ(Stripped(""), "\r"); }
 
-TEST(Strip, SaysWhatItDoesAndScansAnewAfterEachRemoval) {
+TEST(Strip, LogsEachRemovalAndScansAgain) {
   const std::string message =
       Mixed({kText, "Content-Disposition: attachment\n\nx", "Content-Disposition: Inline\n\nx"});
   const LogCapture log;
@@ -163,7 +163,8 @@ TEST(Strip, MultipartWithoutPartsKeepsItsBoundary) {
             "Content-Type: multipart/mixed; boundary=\"b\"\r\rno boundary\r\r--b\r\r--b--\r");
 }
 
-// Content-Type in every part, Content-Disposition in all but the message itself, and no other.
+// Content-Type is written in its parsed form in every part, Content-Disposition in every part but
+// the message itself. All other fields keep their text.
 TEST(Strip, WritesTheParsedContentFields) {
   EXPECT_EQ(Stripped("Mime-Version: 1.0 (x)\nContent-Disposition: x;a=b\nTo: a@b ,c@d\n"
                      "Content-Type: multipart/mixed;boundary=b\n\n--b\n"
@@ -175,8 +176,9 @@ TEST(Strip, WritesTheParsedContentFields) {
             "--b--\r");
 }
 
-// The message as the MIME library writes the tree that it has parsed, with single CRs.
-std::string WrittenByTheLibrary(const std::string& message) {
+// The tree that mimetic parses from `message`, written by mimetic, with each line break as a single
+// CR.
+std::string WrittenByMimetic(const std::string& message) {
   std::istringstream stream(message);
   const mimetic::MimeEntity entity(stream);
   std::ostringstream written;
@@ -190,8 +192,8 @@ constexpr const char* kPieces[] = {
     "word",  " ", "\t",  "  ",    "\"",       "\\\"",         "a very long word, ",
     "; a=b", ",", "(c)", "<a@b>", "\xC3\xA9", "=?utf-8?Q?x?="};
 
-// Fields of all lengths, with blanks and quotes at any place: they are folded alike.
-TEST(Strip, FoldsFieldsAsTheLibraryDoes) {
+// Random fields of all lengths, with blanks and quotes anywhere, are folded as by mimetic.
+TEST(Strip, FoldsFieldsAsMimeticDoes) {
   std::mt19937 random(1);
   constexpr const char* kNames[] = {"Subject", "To", "X-Long-Name-Of-A-Field", "A", "Received"};
   for (int round = 0; round < 5'000; ++round) {
@@ -201,14 +203,14 @@ TEST(Strip, FoldsFieldsAsTheLibraryDoes) {
     }
     const std::string message =
         std::string(kNames[random() % std::size(kNames)]) + ": " + value + "\n\nbody\n";
-    ASSERT_EQ(Stripped(message), WrittenByTheLibrary(message)) << message;
+    ASSERT_EQ(Stripped(message), WrittenByMimetic(message)) << message;
   }
 }
 
-TEST(Strip, WritesMessagesAsTheLibraryDoes) {
+TEST(Strip, WritesMessagesAsMimeticDoes) {
   for (std::uint64_t seed = 1; seed <= 500; ++seed) {
     const std::string message = MessageMaker(seed).Make();
-    ASSERT_EQ(Stripped(message), WrittenByTheLibrary(message)) << seed;
+    ASSERT_EQ(Stripped(message), WrittenByMimetic(message)) << seed;
   }
 }
 
@@ -216,7 +218,7 @@ TEST(Strip, RefusesAMessageBeyondTheLimits) {
   EXPECT_THROW(Stripped(NestedMessage(Nesting::kMultipart, 100'000)), std::runtime_error);
 }
 
-// Nesting costs no stack.
+// The depth of nesting needs no call stack.
 TEST(Strip, WritesTheDeepestMessageOnASmallStack) {
   for (const Nesting nesting : {Nesting::kMultipart, Nesting::kMessage, Nesting::kBoth}) {
     const std::string message = NestedMessage(nesting, mime::kMostParts - 1);

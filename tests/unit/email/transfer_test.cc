@@ -91,7 +91,7 @@ constexpr DecodeRow kIdentity[] = {
 INSTANTIATE_TEST_SUITE_P(Identity, Transfer, ::testing::ValuesIn(kIdentity),
                          [](const auto& row) { return row.param.name; });
 
-TEST(DecodedBody, IsTheVeryBytesWhenNothingHadToBeDecoded) {
+TEST(DecodedBody, BorrowsBytesThatNeedNoDecoding) {
   const std::string_view text = "text";
   EXPECT_EQ(email::DecodeData("8bit", text).bytes().data(), text.data());
 }

@@ -40,7 +40,7 @@ class Arrays : public test::HostTest {
     return list;
   }
 
-  // Reads the first element of a list of one, twice, and gives the log of that.
+  // Reads the element of a list of one object twice. Returns the log that this wrote.
   std::string LogOfTwoReads() {
     const auto thing = NewThing();
     const ArrayRef list = ListOf({thing});
@@ -48,7 +48,7 @@ class Arrays : public test::HostTest {
     for (int i = 0; i < 2; ++i) {
       const ObjectRef read = REALGetArrayObject(list.get(), 0);
       EXPECT_EQ(read.get(), thing.raw());
-      EXPECT_EQ(thing.locks(), 3);  // ours, the list's, the reader's
+      EXPECT_EQ(thing.locks(), 3);  // held by `thing`, by the list, and by `read`
     }
     EXPECT_EQ(thing.locks(), 2);
     return log.Text();
@@ -78,7 +78,7 @@ TEST_F(Arrays, AppendedObjectsAreInOrder) {
   EXPECT_EQ(REALGetArrayObject(list.get(), 2).get(), third.raw());
 }
 
-TEST_F(Arrays, ListAddsItsOwnCount) {
+TEST_F(Arrays, AListAddsItsOwnLock) {
   Start();
   const auto thing = NewThing();
   {
@@ -174,7 +174,7 @@ TEST_F(Arrays, ElementsAreReadDirectlyFromTheNewLayout) {
   StartVersion(2021.0);
   EXPECT_EQ(LogOfTwoReads(), Logged({"TestArray 2021.000000"}));
   EXPECT_EQ(host().CallCount(kSlowRead), 0u);
-  EXPECT_EQ(host().CallCount(kCreate), 2u);  // the list, and one for the only self-test
+  EXPECT_EQ(host().CallCount(kCreate), 2u);  // one for the list, one for the only self-test
 }
 
 TEST_F(Arrays, ElementsAreReadDirectlyFromTheOldLayout) {
@@ -209,7 +209,7 @@ TEST_F(Arrays, NewListTakesNothingWithoutAnInsertProcedure) {
   EXPECT_EQ(ArrayCount(list.get()), 0);
   host().SetFault("PluginObjectArrayInsertProc", std::nullopt);
   filler.Append(thing.raw());
-  EXPECT_EQ(ArrayCount(list.get()), 1) << "what was not inserted does not count";
+  EXPECT_EQ(ArrayCount(list.get()), 1) << "an object that was not inserted is not counted";
 }
 
 TEST_F(Arrays, NilElementIsNil) {
@@ -222,7 +222,7 @@ TEST_F(Arrays, NilElementIsNil) {
   EXPECT_EQ(host().CallCount("REALLockObject"), 0u);
 }
 
-// Each of the six things that the self-test looks at, broken in turn.
+// Each value in an array's memory that the self-test checks is wrong in one of these tests.
 class BrokenLayout : public Arrays {
  protected:
   void ExpectSlowReads(ArrayLayout layout, const std::string& failure, double version = 2024.1) {
@@ -273,11 +273,11 @@ TEST_F(BrokenLayout, ShortDimensionCountWhereALongOneIsExpected) {
 }
 
 TEST_F(BrokenLayout, UpperBoundAtTheNewPlaceInAnOldHost) {
-  // The old place holds the filler of the stand-in: 0xA5 four times.
+  // At the offset of the old layout the stand-in has its filler, four bytes 0xA5.
   if (test::IsAlone()) ExpectSlowReads(ArrayLayout::kNew, "ubound wrong -1515870811", 2019.1);
 }
 
-// What the host's own operations can get wrong in the self-test.
+// Each of these tests lets one of the host's array operations fail in the self-test.
 class FailingSelfTest : public Arrays {
  protected:
   void ExpectFailure(const std::string& failure) {
@@ -294,7 +294,9 @@ TEST_F(FailingSelfTest, NoArray) {
 
 TEST_F(FailingSelfTest, UpperBound) {
   if (!test::IsAlone()) return;
-  StartWithFault("RuntimeUBound", {Fault::Kind::kNothing, 3, 1});  // append, first read, test
+  StartWithFault("RuntimeUBound",
+                 {Fault::Kind::kNothing, 3,
+                  1});  // the third call, after those for appending and for the first read
   ExpectFailure("ubound failed 0");
 }
 
@@ -310,7 +312,7 @@ TEST_F(FailingSelfTest, NoGetProcedure) {
   ExpectFailure("Index 0 failed 0");
 }
 
-// A get procedure that is right but for one index.
+// A get procedure that returns wrong values for one index only.
 std::int64_t g_wrong_index;
 abi::RBInteger NearlyRight(abi::REALarray, abi::RBInteger index) {
   if (index == g_wrong_index) return 7;

@@ -68,7 +68,7 @@ TEST_F(EntryPoints, NamesAreThoseOfTheHost) {
 #include "abi/entry_points.def"
        }) {
     ++count;
-    if (std::string(name) == "REALGetStringCFString") continue;  // hosts on macOS alone
+    if (std::string(name) == "REALGetStringCFString") continue;  // only hosts on macOS have it
     EXPECT_NE(Resolve(name), nullptr) << name;
   }
   EXPECT_EQ(count, 35);
@@ -88,7 +88,7 @@ TEST(Records, AreFoundThroughTheDefinition) {
   abi::REALclassDefinition definition{};
   EXPECT_EQ(RecordOf<TestRecord>(object), nullptr);
   BindRecord<TestRecord>(&definition);
-  definition.forSystemUse = 48;  // the host writes it after the definition was bound
+  definition.forSystemUse = 48;  // the host sets it after the definition was bound
   EXPECT_EQ(static_cast<void*>(RecordOf<TestRecord>(object)), instance + 48);
   EXPECT_EQ(RecordOf<TestRecord>(nullptr), nullptr);
   EXPECT_EQ(RecordOf<OtherRecord>(object), nullptr);

@@ -87,7 +87,7 @@ TEST_F(Raising, PropertiesThatCannotBeSetAreLeft) {
   EXPECT_EQ(TakeRaised(), "IOException, 0: x");
 }
 
-TEST_F(Raising, HostThatThrowsMeanwhileIsBorne) {
+TEST_F(Raising, ToleratesAHostThatThrowsMeanwhile) {
   for (const char* name :
        {"REALBuildStringWithEncoding", "PluginNewInstance", "REALSetPropValueString",
         "REALSetPropValueInteger", "RuntimeRaiseException"}) {
@@ -157,7 +157,7 @@ TEST_F(OutOfBoundsMessage, IsShortWithoutMemory) {
   EXPECT_EQ(TakeRaised(), "OutOfBoundsException, 0: Out of Bounds");
 }
 
-// A standard exception of some type whose text is chosen, null included.
+// A standard exception of type `Base` with a chosen text, which may be null.
 template <class Base>
 class Saying : public Base {
  public:
@@ -245,7 +245,7 @@ TEST_F(Guarding, PassesValuesOn) {
   EXPECT_EQ(TakeRaised(), "");
 }
 
-TEST_F(Guarding, HandsAnOwnersCountOn) {
+TEST_F(Guarding, HandsAnOwnersLockOn) {
   const auto string = standin::MakeString("x");
   const abi::REALstring raw = Guard([&] { return StringRef::Share(string.raw()); });
   EXPECT_EQ(raw, string.raw());

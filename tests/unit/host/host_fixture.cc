@@ -23,7 +23,7 @@ void* Resolve(const char* name) {
   return standin::Host::Get("a test").resolver()(name);
 }
 
-// In its place: it holds an atomic, which cannot be assigned.
+// Constructs an entry point again in its place. It holds an atomic, so it cannot be assigned.
 template <class EntryPoint>
 void MakeAnew(EntryPoint& entry_point, const char* name) {
   std::destroy_at(&entry_point);

@@ -1,8 +1,8 @@
-// A test with a stand-in host of its own.
+// A test fixture that has a stand-in host of its own.
 //
-// The library caches what it found in a host for the life of the process; starting a host here
-// makes it forget that, so that each test meets its own. The end of a test expects that everything
-// was given back and that no exception is left pending.
+// The library caches for the life of the process what it found in a host. Starting a host here
+// clears that cache, so that each test uses its own host. At its end, a test fails if the library
+// still holds a lock or if an exception is pending.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -24,21 +24,22 @@ class HostTest : public ::testing::Test {
   ~HostTest() override;
   void TearDown() override;
 
-  // Starts the test's host, as the library meets it when it is loaded.
+  // Starts the host of this test, in the state in which a host loads the library.
   standin::Host& Start(const standin::Capabilities& capabilities = {});
-  // The same for a complete host of a version, or one in which one entry point misbehaves.
+  // Does the same with a complete host of a version, or with a host in which one entry point fails.
   standin::Host& StartVersion(double version);
   standin::Host& StartWithFault(const char* name, standin::Fault fault, double version = 2024.1);
   standin::Host& StartWithout(const char* name, double version = 2024.1);
 
-  // From now on the resolver answers `name` with `function`; null takes the entry point away.
+  // Makes the resolver return `function` for `name`; null makes the entry point missing.
   template <class Result, class... Arguments>
   void Replace(const char* name, Result (*function)(Arguments...)) {
     ReplaceWith(name, reinterpret_cast<void*>(function));
   }
   void ReplaceWith(const char* name, void* function);
 
-  // The pending exception as "Class, ErrorNumber: Message", taken away; empty when there is none.
+  // Returns the pending exception as "Class, ErrorNumber: Message", and removes it; empty when none
+  // is pending.
   std::string TakeRaised();
 
   standin::Host& host() { return *host_; }
@@ -47,10 +48,9 @@ class HostTest : public ::testing::Test {
   std::unique_ptr<standin::Host> host_;
 };
 
-// What a host string holds, "nil" when there is none: its encoding in 8 hexadecimal
-// digits, a blank, its bytes.
+// Shows a host string: its encoding in 8 hexadecimal digits, a blank, and its bytes; "nil" for nil.
 std::string Show(const host::StringRef& string);
-// The same text for bytes and an encoding.
+// Shows bytes and an encoding in the same form.
 std::string Shown(abi::Encoding encoding, std::string_view bytes);
 
 }  // namespace zqv::test

@@ -12,10 +12,10 @@
 namespace zqv::host {
 namespace {
 
-// Paths on Linux. A file reference holds a path, and the URL that stands for it.
+// Paths of file references on Linux. A file reference has a path and a URL.
 class FilePaths : public test::HostTest {
  protected:
-  // The path of a reference whose URL is `url`, in a host that has no paths.
+  // The path that is found for a reference with this URL in a host that offers no native paths.
   std::string OfUrl(const std::string& url) {
     StartVersion(2012.99);
     const auto file = standin::MakeFolderItem("/unused");

@@ -15,7 +15,8 @@ using standin::Fault;
 
 class Refs : public test::HostTest {
  protected:
-  // A string with one lock of its own and one that the caller of this is given.
+  // Makes a string with two locks: one held by the returned object, and one for the caller to give
+  // back.
   static standin::String Make() { return standin::MakeString("x"); }
   static abi::REALstring Given(const standin::String& string) {
     entry::REALLockString(string.raw());
@@ -37,7 +38,7 @@ TEST_F(Refs, NilIsNothing) {
   EXPECT_EQ(host().TotalCalls(), 0u);
 }
 
-TEST_F(Refs, AdoptTakesTheCountOver) {
+TEST_F(Refs, AdoptTakesOverTheLock) {
   Start();
   const auto string = Make();
   const abi::REALstring raw = Given(string);
@@ -50,7 +51,7 @@ TEST_F(Refs, AdoptTakesTheCountOver) {
   EXPECT_EQ(string.locks(), 1);
 }
 
-TEST_F(Refs, ShareAddsACount) {
+TEST_F(Refs, ShareAddsALock) {
   Start();
   const auto string = Make();
   {
@@ -61,7 +62,7 @@ TEST_F(Refs, ShareAddsACount) {
   EXPECT_EQ(string.locks(), 1);
 }
 
-TEST_F(Refs, ShareIsNilWhenNoCountCanBeAdded) {
+TEST_F(Refs, ShareIsNilWhenNoLockCanBeAdded) {
   StartWithout("REALLockString");
   {
     const auto string = Make();
@@ -75,7 +76,7 @@ TEST_F(Refs, ShareIsNilWhenNoCountCanBeAdded) {
   EXPECT_EQ(host().CallCount("REALUnlockObject"), 0u);
 }
 
-TEST_F(Refs, DetachHandsTheCountOn) {
+TEST_F(Refs, DetachHandsTheLockOn) {
   Start();
   const auto string = Make();
   {
@@ -88,7 +89,7 @@ TEST_F(Refs, DetachHandsTheCountOn) {
   entry::REALUnlockString(string.raw());
 }
 
-TEST_F(Refs, MovesCarryTheCount) {
+TEST_F(Refs, MovesKeepTheLock) {
   Start();
   const auto first = Make();
   const auto second = Make();
@@ -122,7 +123,7 @@ TEST_F(Refs, ObjectsAndArraysAreCountedAsObjects) {
   EXPECT_EQ(host().ledger().Live().arrays, 0);
 }
 
-TEST_F(Refs, HostThatThrowsWhileTakingBackIsBorne) {
+TEST_F(Refs, ToleratesAHostThatThrowsInUnlock) {
   for (const Fault::Kind kind : {Fault::Kind::kThrows, Fault::Kind::kThrowsInt}) {
     StartWithFault("REALUnlockString", {kind});
     const auto string = Make();
@@ -168,7 +169,7 @@ TEST_F(Refs, SlotKeepsWhatIsPutAndGivesBackWhatItHeld) {
   EXPECT_EQ(second.locks(), 1);
 }
 
-TEST_F(Refs, SlotTakesTheSameThingAgain) {
+TEST_F(Refs, SlotCanBeGivenItsOwnValue) {
   Start();
   const auto string = Make();
   Record record{};

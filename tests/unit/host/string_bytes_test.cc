@@ -31,7 +31,7 @@ TEST_F(StringBytes, AreTheStringsOwn) {
   }
 }
 
-TEST_F(StringBytes, StringIsHeldMeanwhile) {
+TEST_F(StringBytes, HoldTheString) {
   Start();
   const auto string = standin::MakeString("x");
   {

@@ -125,7 +125,7 @@ TEST_F(BuildUnicodeString, Utf32IsConvertedByTheHostFromVersion2013On) {
   EXPECT_EQ(host().CallCount("REALConvertString"), 1u);
 }
 
-// What the host was given last, with its length in bytes.
+// A copy of the bytes that the host was given last.
 std::string g_given;
 std::vector<abi::Encoding> g_given_encodings;
 abi::REALstring KeepAndRefuse(const char* bytes, int length, std::uint32_t encoding) {
@@ -185,7 +185,7 @@ TEST_F(BuildUnicodeString, Utf32ThatTheHostCannotConvertGoesTheOlderWay) {
 
 TEST_F(BuildUnicodeString, Utf32WithoutMemoryIsNil) {
   StartVersion(2012.5);
-  const std::u32string text(200, U'a');  // needs 401 units of 2 bytes
+  const std::u32string text(200, U'a');  // which takes 401 units of 2 bytes
   const test::LogCapture log;
   {
     const test::AllocationLimit limit(801);

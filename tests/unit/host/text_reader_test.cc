@@ -30,7 +30,7 @@ constexpr char kTo16[] = "Try UTF8 to UTF16 conversion...";
 constexpr char kFrom16[] = "Try UTF16 to UTF32 conversion...";
 constexpr char kTo32[] = "Try UTF8 to UTF32 conversion...";
 
-// "Caf\u00E9 \U0001F600" and its beginning in Mac Roman.
+// "Caf\u00E9 \U0001F600" in UTF-8 and UTF-32, and its first word in Mac Roman.
 constexpr char kCafe8[] = "Caf\xC3\xA9 \xF0\x9F\x98\x80";
 constexpr char32_t kCafe32[] = U"Caf\u00E9 \U0001F600";
 constexpr char kCafeMac[] = "Caf\x8E";
@@ -117,7 +117,7 @@ TEST_F(TextReader, EveryEncodingIsReadAsUtf8AndUtf32) {
     EXPECT_EQ(text.Utf8(), kCafe8) << encoding;
     EXPECT_EQ(text.Utf32(), kCafe32) << encoding;
     EXPECT_FALSE(text.flagged());
-    // Without a high byte, but not ASCII as it stands.
+    // A text without a byte above 0x7F, which in these encodings still has to be converted.
     const auto plain = In(encoding, "plain");
     EXPECT_EQ(rbText(plain.raw()).Utf8(), "plain") << encoding;
     EXPECT_EQ(rbText(plain.raw()).Utf32(), U"plain") << encoding;
@@ -134,7 +134,7 @@ TEST_F(TextReader, SingleByteTextIsConverted) {
   EXPECT_FALSE(text.CheckASCII());
 }
 
-TEST_F(TextReader, AsciiIsFoundOut) {
+TEST_F(TextReader, DetectsAscii) {
   Start();
   const auto plain = MakeString("plain\x7F", abi::kUtf8);
   EXPECT_TRUE(rbText(plain.raw()).CheckASCII());
@@ -160,7 +160,7 @@ TEST_F(TextReader, ConvertUtf8AsksTheHostForWhatIsNotAscii) {
   EXPECT_EQ(host().CallCount("PluginGetStringData"), 1u);
 }
 
-TEST_F(TextReader, StringIsHeldMeanwhile) {
+TEST_F(TextReader, HoldsTheString) {
   Start();
   const auto string = MakeString("x");
   {
@@ -177,14 +177,14 @@ TEST_F(TextReader, UnknownEncodingIsReadAsMacRoman) {
     rbText text(string.raw());
     EXPECT_EQ(text.encoding(), abi::kMacRoman);
     EXPECT_TRUE(text.flagged());
-    EXPECT_EQ(string.locks(), 1);  // only the copy is held
+    EXPECT_EQ(string.locks(), 1);  // held by `string` only: the reader holds a converted copy
     EXPECT_EQ(text.Utf8(), "Caf\xC3\xA9");
     EXPECT_EQ(text.Utf32(), U"Caf\u00E9");
   }
   EXPECT_EQ(string.locks(), 1);
 }
 
-// The flag sends a text of unknown encoding by way of UTF-16.
+// Once a text of unknown encoding could not be rebuilt, the reader converts by way of UTF-16.
 TEST_F(TextReader, UnknownEncodingIsReadThroughUtf16) {
   if (!test::IsAlone()) return;
   Start();
@@ -195,7 +195,7 @@ TEST_F(TextReader, UnknownEncodingIsReadThroughUtf16) {
   EXPECT_EQ(log.Text(), Logged({"REALBuildUnicodeString failed", kTo16, kFrom16}));
 }
 
-TEST_F(TextReader, SaysOnceThatTheRebuildFailed) {
+TEST_F(TextReader, LogsOnceThatTheRebuildFailed) {
   if (!test::IsAlone()) return;
   Start();
   const auto string = MakeString(kCafeMac, abi::kUnknownEncoding);
@@ -217,7 +217,7 @@ TEST_F(TextReader, RebuildThatFailsGivesAnEmptyText) {
   EXPECT_EQ(log.Text(), Logged({"REALBuildUnicodeString failed"}));
 }
 
-// A host whose string lengths change from one asking to the next.
+// A host that returns another string length at each call, the last of `g_lengths` first.
 std::vector<abi::RBInteger> g_lengths;
 abi::RBInteger NextLength(abi::REALstring) {
   const abi::RBInteger length = g_lengths.back();
@@ -373,7 +373,7 @@ TEST_F(TextReader, ByteOrderMarksAreDropped) {
   EXPECT_EQ(rbText(utf16.raw()).Utf32().substr(0, 2), U"a\u00C9");
 }
 
-// In a text that comes from the host as UTF-32 only marks at the start are skipped.
+// In a text that the host returns as UTF-32, byte order marks are skipped at the start only.
 TEST_F(TextReader, LeadingMarksOfUtf32AreSkipped) {
   Start();
   EXPECT_EQ(rbText(Utf32String({0xFEFF, U'a', 0xFEFF}).raw()).Utf32(),
@@ -396,7 +396,7 @@ TEST_F(TextReader, Utf32InTheOtherByteOrderIsSwapped) {
   EXPECT_EQ(log.Text(), Logged({"String is Little Endian. Swap."}));
 }
 
-TEST_F(TextReader, DataWithoutAZeroBehindAreCopied) {
+TEST_F(TextReader, DataWithoutATerminatorAreCopied) {
   StartLending(StringDataFlavour::kUnterminated);
   const auto string = MakeString(kCafeMac, abi::kMacRoman);
   const test::LogCapture log;
@@ -410,7 +410,7 @@ TEST_F(TextReader, DataWithoutAZeroBehindAreCopied) {
   EXPECT_EQ(log.Text(), Logged({kNotTerminated, kNotTerminated}));
 }
 
-// A host whose data stand at an odd address.
+// A host that lends string data at an odd address.
 abi::RBBoolean LendOddAddress(abi::REALstring, std::uint32_t, abi::REALstringData* data) {
   alignas(16) static char memory[13];
   const char32_t units[] = {U'a', 0x20AC, 0};
@@ -462,7 +462,7 @@ TEST_F(TextReader, EveryReadIsGivenBack) {
   EXPECT_EQ(host().ledger().Live().string_data, 0);
 }
 
-TEST_F(TextReader, HostThatThrowsWhileTakingDataBackIsBorne) {
+TEST_F(TextReader, ToleratesAHostThatThrowsWhenDataIsGivenBack) {
   StartWithFault("PluginDisposeStringData", {Fault::Kind::kThrows});
   Replace("PluginGetStringData", &LendNull);
   const auto string = MakeString(kCafeMac, abi::kMacRoman);
@@ -480,7 +480,7 @@ TEST_F(TextReader, WithoutMemoryViewsAreEmpty) {
   rbText utf8_text(utf8.raw());
   const test::LogCapture log;
   {
-    text.ConvertUTF8();  // what the host lends
+    text.ConvertUTF8();  // borrows the bytes that the host lends
     const std::string before = log.Text();
     EXPECT_EQ(before, Logged({kNotTerminated}));
     const test::AllocationLimit limit(5000);
@@ -492,7 +492,7 @@ TEST_F(TextReader, WithoutMemoryViewsAreEmpty) {
   EXPECT_EQ(log.Text(), Logged({kNotTerminated, "Out of memory", kTo32, "Out of memory"}));
 }
 
-// A host that lends 5000 bytes without a zero behind them, and needs no memory for that.
+// A host that lends 5,000 bytes without a zero after them, for which it allocates no memory.
 constexpr std::size_t kLent = 5000;
 alignas(16) char g_lent[kLent + 4];
 abi::RBBoolean LendLong(abi::REALstring, std::uint32_t, abi::REALstringData* data) {
@@ -538,8 +538,8 @@ TEST_F(TextReader, SwapThatFailsLeavesTheViewEmpty) {
   EXPECT_EQ(log.Text(), Logged({"String is Little Endian. Swap.", "Out of memory"}));
 }
 
-// The guard words are the first and the last that a reader holds.
-TEST_F(TextReader, OverwrittenGuardsAreTold) {
+// A reader begins and ends with a guard word; overwriting one is reported in the log.
+TEST_F(TextReader, OverwrittenGuardsAreLogged) {
   Start();
   constexpr std::uint32_t kGuard = 0x5A515654;
   alignas(rbText) unsigned char memory[sizeof(rbText)];
@@ -560,7 +560,7 @@ TEST_F(TextReader, OverwrittenGuardsAreTold) {
             Logged({"Check1 in rbText invalid 17", "Check2 in rbText invalid 4294967295"}));
 }
 
-TEST_F(TextReader, IntactGuardsAreNotTold) {
+TEST_F(TextReader, IntactGuardsAreNotLogged) {
   Start();
   const test::LogCapture log;
   { const rbText text(nullptr); }

@@ -1,4 +1,5 @@
-// The readers of addresses beside the MIME library's own, and by hand where its reading is odd.
+// The address parsers compared with mimetic's, with expected values by hand where mimetic's result
+// is surprising.
 #include "mime/addresses.h"
 
 #include <gtest/gtest.h>
@@ -94,8 +95,9 @@ TEST(Addresses, IncompleteMailboxes) {
   // clang-format on
 }
 
-// A text that does not end in '>' has no label.
-TEST(Addresses, ABlankBehindTheAngleSpoilsTheMailbox) {
+// A mailbox whose text does not end in '>' has no label. Its angle brackets become text of the local
+// part and the domain.
+TEST(Addresses, ABlankAfterTheAngleGivesNoLabel) {
   ExpectMailboxes({{"blank", "X <a@b> ", "X <a@b> ", "", "X<a", "b>", ""},
                    {"comment", "X <a@b> (c)", "X <a@b> (c)", "", "X<a", "b>", ""}});
 }
@@ -106,7 +108,7 @@ TEST(Addresses, ALabelOfOneSpaceStays) {
                    {"three", "   <a@b>", "  <a@b>", " ", "a", "b", ""}});
 }
 
-TEST(Addresses, ASourceRouteTakesTheLabelsPlace) {
+TEST(Addresses, ASourceRouteReplacesTheLabel) {
   // clang-format off
   ExpectMailboxes({
       {"no label",    "<@r:u@v>",      "u@v",     "",  "u", "v", "@r"},
@@ -164,7 +166,7 @@ struct ListRow {
   std::vector<std::string> entries;
 };
 
-// What both kinds of list make of the same.
+// Checks both kinds of list, MailboxList and AddressList, with the same values.
 void ExpectLists(const std::vector<ListRow>& rows) {
   for (const ListRow& row : rows) {
     for (const Shown& shown :
@@ -184,7 +186,7 @@ TEST(Addresses, Lists) {
       {"one", "a@b", "a@b", {"a@b"}},
       {"two", "a@b,c@d", "a@b, c@d", {"a@b", "c@d"}},
       {"comma in quotes", "\"A, B\" <a@b>,c@d", "\"A, B\" <a@b>, c@d", {"\"A, B\" <a@b>", "c@d"}},
-      // A blank behind a comma is the entry's.
+      // A blank after a comma belongs to the next entry.
       {"blank", "A <a@b>, C <c@d>", "A <a@b>,  C <c@d>", {"A <a@b>", " C <c@d>"}},
   });
 }
@@ -244,7 +246,9 @@ TEST(Addresses, Groups) {
       {"comma in a comment", "G:a@b (x, y);", "Ga@b (x, y);", "G", {"a@b (x, y)"}},
       {"comma in angles", "G:X <a,b@c>;", "GX <a,b@c>;", "G", {"X <a,b@c>"}},
       {"colon in a member", "G:X <@r:a@b>;", "G@r:a@b>;", "G", {"@r:a@b>"}},
-      // What was closed too often is not open, but not closed either.
+      // An extra ')' makes the count of open parentheses negative. After it neither ',' nor ';'
+      // ends a member.
+      // does not end the group.
       {"closed too often", "G:a@b),c@d;e", "Ga@b),c@d;;", "G", {"a@b),c@d;"}},
   });
 }
@@ -300,7 +304,7 @@ TEST(Addresses, AColonBeforeAnyAngleMakesAGroup) {
   EXPECT_EQ(mime::AddressValue::CountMailboxes("a,b"), 1U);
 }
 
-TEST(Addresses, AColonSwallowsTheAddressesBehindIt) {
+TEST(Addresses, AColonMakesLaterAddressesMembersOfItsGroup) {
   const mime::AddressList list("X <@r:a@b>, c@d; e, f@g");
   ASSERT_EQ(list.size(), 2U);
   EXPECT_FALSE(list[0].is_group());
@@ -308,7 +312,7 @@ TEST(Addresses, AColonSwallowsTheAddressesBehindIt) {
   EXPECT_EQ(list[1].text(), " f@g");
 }
 
-TEST(Addresses, TextsAreWhereTheValueHasThem) {
+TEST(Addresses, TextsAreViewsOfTheValue) {
   const std::string value = "Ada <a@b>, c@d";
   const mime::MailboxList list(value);
   EXPECT_EQ(list[0].label.data(), value.data());
@@ -327,12 +331,12 @@ TEST(Addresses, MovingKeepsTheViews) {
 
 using Difference = std::string (*)(const std::string& value);
 
-// Those that mean something to the readers, with a letter for all others.
+// The characters that the parsers treat specially, and one letter for all others.
 constexpr std::string_view kMailboxCharacters = "<>@:\"() a";
 constexpr std::string_view kListCharacters = "<>@:;,\"() a";
 constexpr std::string_view kAllCharacters = "<>@:;,\"()\\ \t\r\na";
 
-TEST(Addresses, ReadAsTheLibraryDoesEveryShortText) {
+TEST(Addresses, ReadAsMimeticDoesEveryShortText) {
   constexpr std::size_t kMost = kIsSlowBuild ? 4 : 6;
   EXPECT_EQ(FirstDifferenceOfAll(MailboxDifference, kMailboxCharacters, kMost), "");
   for (const Difference difference :
@@ -351,8 +355,9 @@ std::string AnyAddressDifference(const std::string& value) {
   return {};
 }
 
-// Two characters anywhere in texts of all lengths around the blocks that are read at once.
-TEST(Addresses, ReadAsTheLibraryDoesWhereverCharactersStand) {
+// Two special characters anywhere in texts of all lengths around the block size: texts are scanned
+// in blocks.
+TEST(Addresses, ReadAsMimeticDoesWhereverCharactersStand) {
   const std::vector<std::size_t> sizes =
       kIsSlowBuild ? std::vector<std::size_t>{17, 66}
                    : std::vector<std::size_t>{15, 16, 17, 31, 32, 33, 63, 64, 65, 80};
@@ -411,7 +416,7 @@ constexpr std::string_view kPieces[] = {"<",
                                         "(\")\")",
                                         "< a @ b >"};
 
-TEST(Addresses, ReadAsTheLibraryDoesRandomTexts) {
+TEST(Addresses, ReadAsMimeticDoesRandomTexts) {
   std::mt19937 random(20'261'122);
   std::size_t groups = 0;
   for (int left = kIsSlowBuild ? 5'000 : 60'000; left > 0; --left) {
@@ -419,11 +424,11 @@ TEST(Addresses, ReadAsTheLibraryDoesRandomTexts) {
     ASSERT_EQ(AnyAddressDifference(text), "") << ::testing::PrintToString(text);
     if (mime::AddressValue(text)->is_group()) ++groups;
   }
-  // Neither kind is rare.
+  // Both kinds of address, groups and mailboxes, must occur often.
   EXPECT_GT(groups, kIsSlowBuild ? 1'000U : 12'000U);
 }
 
-TEST(Addresses, ReadAsTheLibraryDoesWhatShrinksToTheSmallest) {
+TEST(Addresses, ReadAsMimeticDoesGeneratedTexts) {
   const std::vector<std::string_view> all(std::begin(kPieces), std::end(kPieces));
   EXPECT_TRUE(rc::check([&all] {
     const auto pieces = *rc::gen::container<std::vector<std::string_view>>(rc::gen::elementOf(all));
@@ -433,7 +438,7 @@ TEST(Addresses, ReadAsTheLibraryDoesWhatShrinksToTheSmallest) {
   }));
 }
 
-// Were any of it quadratic, this would take minutes.
+// With quadratic time this test would take minutes.
 TEST(Addresses, HostileTextsTakeLinearTime) {
   constexpr std::size_t kBytes = kIsSlowBuild ? 100'000 : 300'000;
   std::size_t mailboxes = 0;

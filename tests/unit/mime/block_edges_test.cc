@@ -1,5 +1,5 @@
-// The MIME library reads a text through a buffer that is full at 4,093 bytes, and its results
-// depend on what lies there. Ours must equal them, whatever lies at the buffer's edges.
+// mimetic reads a text through a buffer that is full at 4,093 bytes, and its result depends on the
+// line ends at the buffer's edge. Our parser must give the same result, whatever bytes lie there.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -16,7 +16,7 @@
 namespace zqv::test {
 namespace {
 
-// Every run of one to five CRs and LFs, and of up to five line ends of two characters.
+// Every run of one to five CRs and LFs, and runs of three to five CRLFs or LFCRs.
 std::vector<std::string> Runs() {
   std::vector<std::string> runs;
   for (unsigned length = 1; length <= 5; ++length) {
@@ -36,7 +36,7 @@ std::vector<std::string> Runs() {
   return runs;
 }
 
-// What follows the run, and whether the text before it is one line.
+// What follows the run of line ends, and whether the text before the run is a single line.
 struct EdgeRow {
   const char* name;
   std::string_view behind;
@@ -45,11 +45,12 @@ struct EdgeRow {
 
 void PrintTo(const EdgeRow& row, std::ostream* out) { *out << row.name; }
 
-// Our parser searches a text sixteen bytes at a time, from a line's start on. So how far the edge
-// of the buffer is from there, in sixteenths, must take every value: at the first edge by a line at
-// the start of the text, which begins with "-", at the second by the length of all lines.
+// Our parser searches a text in blocks of sixteen bytes, from the start of a line. The distance
+// from there to the buffer's edge must therefore take every value modulo sixteen. For the first
+// edge, a first line of that length, which begins with "-", sets the distance; for the second, the
+// length of all lines does.
 constexpr std::size_t kAlignments = 16;
-// Builds without optimisation take ten times as long.
+// Unoptimised builds take ten times as long.
 #ifdef NDEBUG
 constexpr std::size_t kAlignmentStep = 1;
 #else
@@ -58,12 +59,13 @@ constexpr std::size_t kAlignmentStep = 5;
 
 struct Layout {
   std::string text;                // long enough for both edges
-  std::vector<std::size_t> edges;  // bytes of the text that were read when the buffer is full
+  std::vector<std::size_t> edges;  // offsets in the text at which mimetic's buffer is full
 };
 
 Layout OneLine() { return {std::string(3 * kLibraryBuffer, 'x'), {4'093, 8'186}}; }
 
-// Lines that end in CR LF. The buffer begins anew with the line that it cannot hold.
+// Lines that end in CRLF. When a line does not fit into the buffer, the buffer restarts at that
+// line.
 Layout Lines(std::size_t alignment) {
   Layout layout{"-" + std::string(alignment, 'x') + "\r\n", {}};
   const std::string line = std::string(60 + alignment, 'x') + "\r\n";
@@ -81,8 +83,8 @@ Layout Lines(std::size_t alignment) {
 
 class BlockEdges : public ::testing::TestWithParam<EdgeRow> {
  protected:
-  // Every run at each place around the edges; counts what it compares. The text begins `alignment`
-  // bytes later in memory.
+  // Compares every run at each position around the edges. A header field of `alignment` bytes
+  // before the text moves the text in memory. Counts the comparisons.
   ::testing::AssertionResult AgreeAround(const Layout& layout, std::size_t alignment) {
     const std::string head =
         "Content-Type: multipart/mixed; boundary=o\n\n--o\n"
@@ -149,7 +151,7 @@ TEST(BlockEdgesOfRandomMessages, GiveTheReferencesTree) {
     ASSERT_EQ(DifferenceFromTheReference(message), "") << "message " << seed;
     parts += mime::Message(message).parts().size();
   }
-  EXPECT_GT(parts, 3 * kMessages) << "they should have several";
+  EXPECT_GT(parts, 3 * kMessages) << "most messages should have several parts";
 }
 
 }  // namespace

@@ -1,9 +1,10 @@
-// Compares our parser with the MIME library's on random messages, for as long as wanted:
+// Compares our parser with mimetic's on random messages, for as long as requested:
 //
 //   compare_parsers [count] [seed]
 //
-// Message `i` has the seed `seed + i`, so that one can be made again alone. Ends at the first
-// difference with exit status 1, after it has written the message to compare_parsers.eml.
+// Message `i` is made from the seed `seed + i`, so that it can be made again alone. At the first
+// difference the message is written to compare_parsers.eml, and the program ends with exit status
+// 1.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

@@ -11,7 +11,7 @@ namespace {
 
 using mime::FieldName;
 
-// RFC 5322, section 3.6, and RFC 2045, section 3.
+// The names of RFC 5322, section 3.6, and RFC 2045, section 3.
 struct NameRow {
   const char* text;
   FieldName name;
@@ -45,7 +45,7 @@ TEST(FieldName, IsRecognisedInAnyCase) {
   }
 }
 
-TEST(FieldName, IsNothingElse) {
+TEST(FieldName, RejectsOtherTexts) {
   for (const NameRow& row : kRows) {
     const std::string name = row.text;
     for (const std::string& other : {name + "s", name + " ", " " + name, "x" + name.substr(1)}) {

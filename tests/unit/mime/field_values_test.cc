@@ -1,5 +1,5 @@
-// Every field of the test messages and samples, read by every reader of values beside the MIME
-// library's own, in the C locale and in one with UTF-8.
+// Every field of the test messages and samples, parsed by each of our value parsers and by
+// mimetic's, in the C locale and in a UTF-8 locale.
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -13,8 +13,8 @@
 namespace zqv::test {
 namespace {
 
-// Calls visit(value) for the value of each line of a file that could be a header's, with the folded
-// lines that follow it.
+// Calls visit(value) for each line of a file that could be a header field, with the value of that
+// field. The value includes the folded lines after it.
 template <class Visit>
 void ForEachValue(const std::filesystem::path& file, Visit visit) {
   std::ifstream stream(file, std::ios::binary);
@@ -51,8 +51,8 @@ void ExpectNoDifference(const char* locale) {
   EXPECT_GT(values, 500U);
 }
 
-TEST(FieldValues, AreReadAsTheLibraryDoesInTheCLocale) { ExpectNoDifference("C"); }
-TEST(FieldValues, AreReadAsTheLibraryDoesInAUtf8Locale) { ExpectNoDifference("C.UTF-8"); }
+TEST(FieldValues, AreReadAsMimeticDoesInTheCLocale) { ExpectNoDifference("C"); }
+TEST(FieldValues, AreReadAsMimeticDoesInAUtf8Locale) { ExpectNoDifference("C.UTF-8"); }
 
 }  // namespace
 }  // namespace zqv::test

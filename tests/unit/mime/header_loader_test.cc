@@ -18,8 +18,10 @@ namespace {
 using mime::HeaderEnd;
 using ::testing::ElementsAreArray;
 
-// A header, its fields as "name|value|bytes", what ended it, and what is left of the text: the
-// body, and the part of it that is searched for boundaries.
+// A header and the expected result: its fields as "name
+// value
+// bytes", what ended the header, the body after it, and the rest of the text in which boundaries
+// are searched.
 struct HeaderRow {
   const char* name;
   std::string_view text;

@@ -38,7 +38,7 @@ constexpr NameRow kNames[] = {
     {"To", FieldName::kTo},
 };
 
-TEST(Header, HasWhatTheHeaderHas) {
+TEST(Header, HasTheValuesOfItsFields) {
   for (const NameRow& row : kNames) {
     const std::string text = "X: y\n" + std::string(row.text) + ": z\nX: y\n\n";
     const mime::Message message(text);
@@ -47,8 +47,9 @@ TEST(Header, HasWhatTheHeaderHas) {
   }
 }
 
-// As the library answers for a header without any field, but for the ids, which it makes up.
-TEST(Header, GivesTheLibrarysAnswersForAbsentFields) {
+// The values of a header without fields equal mimetic's. Ids are not compared, because mimetic
+// makes them up.
+TEST(Header, GivesMimeticsAnswersForAbsentFields) {
   const mime::Header header(nullptr, 0);
   EXPECT_EQ(header.content_type().Text(), "/");
   EXPECT_EQ(header.content_disposition().Text(), "");
@@ -87,7 +88,7 @@ TEST(Header, GivesTheFirstFieldOfAName) {
   EXPECT_EQ(header.Value(1), "b");
 }
 
-// The library's text form of a value of each type.
+// The text that mimetic writes for a value of the type that a field name has.
 std::string FormOf(FieldName name, const std::string& value) {
   switch (name) {
     case FieldName::kMimeVersion:
@@ -118,7 +119,7 @@ std::string FormOf(FieldName name, const std::string& value) {
   }
 }
 
-// Pieces of values, so that some of what is put together of them means something.
+// Pieces of field values. Many random combinations of them are valid values.
 constexpr const char* kPieces[] = {
     "text",    "/",   "html",  ";",      " ",          "charset",   "=",
     "\"",      "a@b", "<c@d>", ",",      "Label ",     ":",         "(comment)",
@@ -126,16 +127,16 @@ constexpr const char* kPieces[] = {
     "\xC3\xA9"};
 
 std::string MakeValue(std::mt19937& random) {
-  std::string value = "v";  // blanks at the start are no part of it
+  std::string value = "v";  // a blank at the start would not be part of the value
   for (unsigned left = random() % 8; left > 0; --left) {
     value += kPieces[random() % std::size(kPieces)];
   }
   return value;
 }
 
-// The field that counts has the library's text form, as a whole and among the fields; the others
-// have the values that they are written with.
-TEST(Header, GivesTheLibrarysTextForms) {
+// Each of these types has a text form, which equals mimetic's. The first field of a name gives its
+// text form; later fields of that name, and unknown fields, give the value as written.
+TEST(Header, GivesMimeticsTextForms) {
   std::mt19937 random(1);
   for (const NameRow& row : kNames) {
     for (int round = 0; round < 500; ++round) {

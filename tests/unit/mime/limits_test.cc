@@ -22,12 +22,12 @@ std::string Repeated(const std::string& start, const std::string& repeated, std:
   return message + end;
 }
 
-// A message of so many parts, itself included: the shortest there are.
+// The shortest message with that many parts, the message itself included.
 std::string ManyParts(std::size_t parts) {
   return Repeated("Content-Type: multipart/mixed\n\n", "--\n\n", parts - 1, "");
 }
 
-// Why a message is not parsed; empty when it is.
+// The text of the exception with which a message is refused; empty when the message is accepted.
 std::string Refusal(const std::string& text) {
   try {
     const mime::Message message(text);
@@ -37,7 +37,7 @@ std::string Refusal(const std::string& text) {
   return {};
 }
 
-TEST(ParserLimits, AcceptExactlySoManyParts) {
+TEST(ParserLimits, AcceptExactlyTheLimitOfParts) {
   const std::string text = ManyParts(mime::kMostParts);
   const mime::Message message(text);
   EXPECT_EQ(message.parts().size(), mime::kMostParts);
@@ -59,7 +59,7 @@ TEST(ParserLimits, CountTheEntriesOfListFields) {
   struct Row {
     const char* start;
     const char* separator;
-    std::size_t accepted;  // separators
+    std::size_t accepted;  // number of separators that are accepted
   };
   const Row rows[] = {{"To: ", ",", rest},
                       {"from: ", ",", rest},
@@ -77,8 +77,8 @@ TEST(ParserLimits, CountTheEntriesOfListFields) {
 
 TEST(ParserLimits, CountASenderAsOne) {
   const std::size_t senders = 10;
-  const std::string list =
-      Repeated("\nTo: ", ",", mime::kMostEntries - senders, "\n");  // all but ten
+  const std::string list = Repeated("\nTo: ", ",", mime::kMostEntries - senders,
+                                    "\n");  // leaves ten entries below the limit
   const std::string sender = "Sender: a,b,c;d\n";
   EXPECT_EQ(Refusal(Repeated("", sender, senders, "A: b" + list + "\n")), "");
   EXPECT_EQ(Refusal(Repeated("", sender, senders + 1, "A: b" + list + "\n")),
@@ -89,11 +89,11 @@ TEST(ParserLimits, DoNotCountTheSeparatorsOfOtherFields) {
   EXPECT_EQ(Refusal(Repeated("Subject: ", ",;", mime::kMostEntries, "\n\n")), "");
 }
 
-TEST(ParserLimits, DoNotCountWhatIsInOneName) {
+TEST(ParserLimits, DoNotCountCommasInAQuotedName) {
   EXPECT_EQ(Refusal(Repeated("To: \"", ",", 100'001, "\" <a@b>\n\n")), "");
 }
 
-// What AdmitText says of a text; empty when it lets the text pass.
+// The text of the exception that AdmitText throws; empty when it accepts the text.
 std::string RefusalOfText(mime::CountEntries count, const std::string& text) {
   try {
     mime::AdmitText(count, text);
@@ -103,7 +103,7 @@ std::string RefusalOfText(mime::CountEntries count, const std::string& text) {
   return {};
 }
 
-TEST(ParserLimits, HoldForATextThatIsParsedByItself) {
+TEST(ParserLimits, ApplyToTextsOutsideMessages) {
   const std::string most(mime::kMostEntries, ',');
   for (const mime::CountEntries count :
        {&mime::MailboxList::CountMailboxes, &mime::AddressList::CountMailboxes}) {
@@ -121,7 +121,7 @@ TEST(ParserLimits, CountAgainForEachMessage) {
   for (int i = 0; i < 2; ++i) EXPECT_EQ(Refusal(ManyParts(mime::kMostParts)), "");
 }
 
-// Parsing needs no stack for what is nested: the limit of parts is the limit of nesting.
+// Parsing needs no call stack for nested parts, so the limit of parts is also the limit of nesting.
 TEST(NestingLimit, IsThatOfPartsOnASmallStack) {
   for (const Nesting nesting : {Nesting::kMultipart, Nesting::kMessage, Nesting::kBoth}) {
     RunOnStack(std::size_t{128} * 1024, [nesting] {

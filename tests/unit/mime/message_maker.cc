@@ -6,7 +6,7 @@
 namespace zqv::test {
 namespace {
 
-// Messages have one kind, or any at each line.
+// The line ends of a message: one of these in all of it, or another one at each line.
 constexpr std::string_view kLineEnds[] = {"\r\n", "\n", "\r\n", "\n", "\r", "\n\r"};
 constexpr std::size_t kMixed = std::size(kLineEnds);
 
@@ -21,7 +21,7 @@ std::string MessageMaker::Make() {
   boundaries_.clear();
   line_end_ = Below(kMixed + 3);
   constexpr std::size_t kKilobyte = 1024;
-  // Most are small: two or three buffers show what there is to see.
+  // Three of four messages fill a few buffers only, which is enough for most differences.
   const std::size_t size =
       OneIn(4) ? 4 * kKilobyte + Below(60 * kKilobyte) : 4 * kKilobyte + Below(10 * kKilobyte);
   Add("Subject: x");
@@ -38,7 +38,7 @@ void MessageMaker::Add(std::string_view line) {
   EndLine();
 }
 
-// One that ends the header of its own, or that is cut off.
+// Adds the rest of a part's header, or leaves the header without its end, and then the part's body.
 void MessageMaker::AddPart(std::size_t depth, std::size_t size) {
   if (OneIn(3)) Add("A: b");
   if (OneIn(40)) Add("no field");
@@ -72,7 +72,7 @@ void MessageMaker::AddMultipart(std::size_t depth, std::size_t size) {
   if (OneIn(3)) AddText(Below(size));
 }
 
-// Lines, and at most of the buffer's edges a run of line ends.
+// Adds lines. At most edges of mimetic's buffer it adds a run of line ends.
 void MessageMaker::AddText(std::size_t size) {
   const std::size_t start = message_.size();
   while (message_.size() - start < size) {
@@ -93,7 +93,8 @@ void MessageMaker::AddLine(std::size_t length) {
   EndLine();
 }
 
-// "-", "--", part of a boundary, one that is open, one with something behind.
+// Adds "-", "--", the beginning of an open boundary, or an open boundary with other characters
+// after it.
 void MessageMaker::AddBoundaryLikeLine() {
   constexpr std::string_view kStarts[] = {"-", "--", "---", " --b", "x--b", "--bx"};
   if (boundaries_.empty() || !OneIn(4)) return Add(kStarts[Below(std::size(kStarts))]);
@@ -103,8 +104,8 @@ void MessageMaker::AddBoundaryLikeLine() {
   Add(line.append(kEnds[Below(std::size(kEnds))]));
 }
 
-// One to five line ends that begin up to seven bytes before the edge or behind it, and what follows
-// them.
+// Adds one to five line ends that begin at most seven bytes before or after the buffer's edge, and
+// then a boundary or a few characters.
 void MessageMaker::AddLineEndsAtEdge(std::size_t text_start) {
   constexpr std::size_t kAround = 7;
   const std::size_t in_text = message_.size() - text_start;

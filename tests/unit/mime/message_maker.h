@@ -1,6 +1,6 @@
-// Random messages for the comparison of our parser with the MIME library's: several parts, nested
-// multiparts, attached messages, lines that look like boundaries, all kinds of line ends, and above
-// all texts that have their line ends and boundaries where the library's buffer is full.
+// Random messages for the comparison of our parser with mimetic's: several parts, nested
+// multiparts, attached messages, lines that resemble boundaries, and all kinds of line ends. Many
+// texts have line ends and boundaries at the position where mimetic's buffer is full.
 #pragma once
 
 #include <cstddef>
@@ -12,15 +12,15 @@
 
 namespace zqv::test {
 
-// Bytes of a text that fill the library's buffer.
+// mimetic's buffer is full after this many bytes of a text.
 inline constexpr std::size_t kLibraryBuffer = 4093;
 
 class MessageMaker {
  public:
-  // Makes the same messages for the same seed.
+  // An equal seed gives equal messages.
   explicit MessageMaker(std::uint64_t seed) : random_(seed) {}
 
-  // The next message, of 4 to 64 KB or a little more.
+  // Returns the next message, of 4 KB to a little more than 64 KB.
   std::string Make();
 
  private:
@@ -38,8 +38,9 @@ class MessageMaker {
 
   std::mt19937_64 random_;
   std::string message_;
-  std::vector<std::string> boundaries_;  // of the multiparts that are being made, innermost last
-  std::size_t line_end_ = 0;             // which kind this message has
+  std::vector<std::string> boundaries_;  // of the unfinished multiparts, innermost last
+  std::size_t line_end_ =
+      0;  // index of the message's line end in kLineEnds, or larger for mixed line ends
 };
 
 }  // namespace zqv::test

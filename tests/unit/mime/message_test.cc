@@ -29,7 +29,7 @@ bool IsIn(std::string_view text, std::string_view message) {
   return text.data() >= message.data() && text.data() < message.data() + message.size();
 }
 
-// What the first header ends at, and where its body begins, as the bytes of the header.
+// What ends the first header, the bytes of that header, and the body after it.
 struct EndRow {
   const char* name;
   std::string_view text;
@@ -38,7 +38,7 @@ struct EndRow {
   std::string_view body;
 };
 
-TEST(Message, TellsWhereAHeaderEnds) {
+TEST(Message, ReportsWhereAHeaderEnds) {
   constexpr EndRow kRows[] = {
       {"empty line", "A: b\r\n\r\nbody", HeaderEnd::kEmptyLine, "A: b\r\n\r\n", "body"},
       {"no field", "A: b\nno field\nbody", HeaderEnd::kOtherLine, "A: b\n", "no field\nbody"},
@@ -106,7 +106,7 @@ TEST(Message, IsOneListOfParts) {
   EXPECT_EQ(parts[4].kind, PartKind::kMessage);
 }
 
-TEST(Message, TellsWhereEachPartLies) {
+TEST(Message, ReportsThePositionOfEachPart) {
   const Message message(kNested);
   const std::vector<Part>& parts = message.parts();
   ASSERT_EQ(parts.size(), 6U);
@@ -125,7 +125,7 @@ TEST(Message, TellsWhereEachPartLies) {
   for (const Part& part : parts) EXPECT_TRUE(IsIn(part.header, kNested));
 }
 
-TEST(Message, TellsWhichMultipartsAreClosed) {
+TEST(Message, ReportsWhichMultipartsAreClosed) {
   const Message closed(kNested);
   EXPECT_TRUE(closed.parts()[0].is_closed);
   EXPECT_TRUE(closed.parts()[1].is_closed);
@@ -134,10 +134,10 @@ TEST(Message, TellsWhichMultipartsAreClosed) {
   EXPECT_FALSE(cut.parts()[0].is_closed);
   EXPECT_FALSE(cut.parts()[1].is_closed);
   const Message cut_behind(kNested.substr(0, kNested.find("--i--") + 7));
-  EXPECT_TRUE(cut_behind.parts()[1].is_closed) << "nothing follows the closing boundary";
+  EXPECT_TRUE(cut_behind.parts()[1].is_closed) << "nothing needs to follow the closing boundary";
 }
 
-TEST(Message, TellsWhatWasNotParsed) {
+TEST(Message, ReportsHowMuchWasParsed) {
   const std::string_view parsed = kNested.substr(0, kNested.find("--i--"));
   const std::string text = std::string(parsed) + "--o\r\nlost\r\n";
   const Message message(text);
@@ -151,7 +151,7 @@ constexpr std::string_view kFields =
     "X-Empty:\nX-Short: value\nX-Fold:\n folded\nX-Long: one\n\ttwo\n three\n"
     "Content-Type: text/plain;charset=utf-8\n\nbody\n";
 
-// The value of each field: whether it lies in the message, was kept as a copy, or is a text form.
+// The value of each field and its place: in the message's bytes, kept as a copy, or a text form.
 struct ValueRow {
   std::string_view name, value, place;
 };
@@ -164,7 +164,7 @@ constexpr ValueRow kValues[] = {
     {"Content-Type", "text/plain; charset=\"utf-8\"", "form"},
 };
 
-TEST(Message, LeavesTheValuesOfFieldsWhereTheyLie) {
+TEST(Message, CopiesFoldedValuesOnly) {
   const Message message(kFields);
   const mime::Header header = message.HeaderOf(message.top());
   std::size_t index = 0;
@@ -242,7 +242,7 @@ TEST(Walk, SkipsAPart) {
   EXPECT_EQ(Steps(0, {{1, Visit::kSkip}, {4, Visit::kSkip}}), "+0+1+4-0");
 }
 
-TEST(Walk, NeedsNoStackForWhatIsNested) {
+TEST(Walk, NeedsNoStackForNesting) {
   const std::string text = NestedMessage(Nesting::kBoth, mime::kMostParts - 1);
   RunOnStack(std::size_t{128} * 1024, [&text] {
     const Message message(text);

@@ -1,4 +1,4 @@
-// The reader of MIME-Version beside the MIME library's own, and by hand.
+// The parser of MIME-Version compared with mimetic's, and with values worked out by hand.
 #include "mime/mime_version.h"
 
 #include <gtest/gtest.h>
@@ -42,7 +42,7 @@ TEST(MimeVersion, Texts) {
                   {"word", "one.zero", "0.0"}});
 }
 
-TEST(MimeVersion, OddNumbers) {
+TEST(MimeVersion, UnusualNumbers) {
   ExpectVersions({{"leading zeros", "001.000", "1.0"},
                   {"plus", "+1.+0", "1.0"},
                   {"minus", "-1.0", "-1.0"},
@@ -62,12 +62,12 @@ TEST(MimeVersion, OddNumbers) {
                   {"less than -2^64", "-99999999999999999999999.0", "0.0"}});
 }
 
-TEST(MimeVersion, ReadsAsTheLibraryDoesEveryShortText) {
+TEST(MimeVersion, ReadsAsMimeticDoesEveryShortText) {
   constexpr std::string_view kCharacters("0129.+- \t\va\0\x80\xA0", 14);
   EXPECT_EQ(FirstDifferenceOfAll(MimeVersionDifference, kCharacters, kIsSlowBuild ? 4 : 5), "");
 }
 
-TEST(MimeVersion, ReadsAsTheLibraryDoesLongNumbers) {
+TEST(MimeVersion, ReadsAsMimeticDoesLongNumbers) {
   constexpr std::string_view kPieces[] = {"0",
                                           "1",
                                           "2",

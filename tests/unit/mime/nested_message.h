@@ -1,4 +1,4 @@
-// Messages that are nested deeply.
+// Deeply nested messages.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,8 @@ namespace zqv::test {
 
 enum class Nesting { kMultipart, kMessage, kBoth };
 
-// A message with `levels` entities inside one another below the message itself; the innermost has
-// the body "end\n". kBoth takes turns, a multipart first.
+// A message with `levels` entities nested in one another below the message itself. The innermost
+// has the body "end\n". kBoth alternates multiparts and attached messages, a multipart first.
 std::string NestedMessage(Nesting nesting, std::size_t levels);
 
 }  // namespace zqv::test

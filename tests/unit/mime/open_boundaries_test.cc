@@ -14,7 +14,7 @@ namespace {
 
 using mime::OpenBoundaries;
 
-TEST(OpenBoundaries, FindAnyThatBeginsALine) {
+TEST(OpenBoundaries, FindAnOpenBoundaryAtTheStartOfALine) {
   OpenBoundaries open;
   EXPECT_TRUE(open.IsEmpty());
   open.Push("--outer");
@@ -28,7 +28,7 @@ TEST(OpenBoundaries, FindAnyThatBeginsALine) {
   }
 }
 
-TEST(OpenBoundaries, ForgetTheInnermost) {
+TEST(OpenBoundaries, ForgetTheInnermostWhenItIsClosed) {
   OpenBoundaries open;
   open.Push("--a");
   open.Push("--b");
@@ -41,7 +41,7 @@ TEST(OpenBoundaries, ForgetTheInnermost) {
   EXPECT_FALSE(open.AnyBegins("--a"));
 }
 
-TEST(OpenBoundaries, KeepOneThatIsOpenTwice) {
+TEST(OpenBoundaries, KeepABoundaryThatIsOpenTwice) {
   OpenBoundaries open;
   for (const char* boundary : {"--a", "--b", "--a"}) open.Push(boundary);
   open.Pop();
@@ -52,18 +52,18 @@ TEST(OpenBoundaries, KeepOneThatIsOpenTwice) {
   EXPECT_FALSE(open.AnyBegins("--a"));
 }
 
-// Asking each one, as the library does.
+// Compares the line with each open boundary, as mimetic does.
 bool AnyBegins(const std::deque<std::string>& each, const std::string& line) {
   return std::any_of(each.begin(), each.end(), [&](const std::string& boundary) {
     return line.compare(0, boundary.size(), boundary) == 0;
   });
 }
 
-TEST(OpenBoundaries, AgreeWithAskingEachOne) {
+TEST(OpenBoundaries, AgreeWithComparingEachBoundary) {
   const bool agreed = rc::check([] {
     const auto text = rc::gen::container<std::string>(rc::gen::element('-', 'a', 'b'));
     OpenBoundaries open;
-    std::deque<std::string> each;  // which the open ones are views of
+    std::deque<std::string> each;  // owns the texts that the open boundaries are views of
     for (int i = 0; i < 40; ++i) {
       if (!each.empty() && *rc::gen::inRange(0, 3) == 0) {
         open.Pop();

@@ -1,4 +1,4 @@
-// A boundary of an outer multipart inside an inner one that is not closed.
+// Tests for a boundary of an outer multipart inside an inner multipart that is not closed.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -9,11 +9,11 @@
 namespace zqv::mime {
 namespace {
 
-// Two multiparts in one another, with a part in each.
+// The beginnings of an outer and an inner multipart, each up to the header of its first part.
 constexpr std::string_view kTop = "Content-Type: multipart/mixed; boundary=a\n\n--a\n";
 constexpr std::string_view kInner = "Content-Type: multipart/mixed; boundary=b\n\n--b\n\none\n";
 
-// The parents of all parts: "-" for none, then a digit each.
+// The index of each part's parent, as one digit a part; "-" for the message itself.
 std::string ParentsOf(const Message& message) {
   std::string parents;
   for (const Part& part : message.parts()) {
@@ -67,8 +67,9 @@ TEST(OuterBoundary, EndsSeveralInnerMultiparts) {
   EXPECT_EQ(message.parts_before_outer(), 5U);
 }
 
-// Of equal boundaries the innermost counts, whose parts go on.
-TEST(OuterBoundary, EqualBoundariesAreNoOuterOnes) {
+// When an inner and an outer multipart have equal boundaries, a boundary line belongs to the inner
+// one and begins its next part.
+TEST(OuterBoundary, AnEqualBoundaryBelongsToTheInnermost) {
   const std::string text = std::string(kTop).append(
       "Content-Type: multipart/mixed; boundary=a\n\n--a\n"
       "Content-Type: multipart/mixed; boundary=c\n\n--a\n\ntwo\n");
@@ -77,7 +78,7 @@ TEST(OuterBoundary, EqualBoundariesAreNoOuterOnes) {
   EXPECT_EQ(message.parts_before_outer(), 3U);
 }
 
-TEST(OuterBoundary, WithoutOneBothGiveTheSame) {
+TEST(OuterBoundary, WithoutAnOuterBoundaryBothSettingsAgree) {
   const std::string text = std::string(kTop).append(kInner).append("--b--\n--a\n\ntwo\n");
   EXPECT_EQ(ParentsOf(Message(text)), "-010");
   const Message message(text, OuterBoundary::kEndsInner);
@@ -85,7 +86,7 @@ TEST(OuterBoundary, WithoutOneBothGiveTheSame) {
   EXPECT_EQ(message.parts_before_outer(), 4U);
 }
 
-// A multipart that is not closed goes on to the end of the message, also behind its last boundary.
+// A multipart that is not closed extends to the end of the message, past its last boundary line.
 TEST(OuterBoundary, LastLineIsInTheMultipart) {
   for (const char* end : {"--a\n", "--a--\n"}) {
     const std::string text = std::string(kTop).append("\none\n").append(end);

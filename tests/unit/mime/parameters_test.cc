@@ -1,4 +1,5 @@
-// The readers of Content-Type and Content-Disposition beside the MIME library's own, and by hand.
+// The parsers of Content-Type and Content-Disposition compared with mimetic's, and with values
+// worked out by hand.
 #include "mime/parameters.h"
 
 #include <gtest/gtest.h>
@@ -107,12 +108,12 @@ std::string AnyDifference(const std::string& value) {
   return first.empty() ? ContentDispositionDifference(value) : first;
 }
 
-TEST(Parameters, ReadAsTheLibraryDoesEveryShortText) {
+TEST(Parameters, ReadAsMimeticDoesEveryShortText) {
   constexpr std::string_view kCharacters(";=\"/* \taA\0\x80", 11);
   EXPECT_EQ(FirstDifferenceOfAll(AnyDifference, kCharacters, kIsSlowBuild ? 4 : 6), "");
 }
 
-TEST(Parameters, ReadAsTheLibraryDoesRandomTexts) {
+TEST(Parameters, ReadAsMimeticDoesRandomTexts) {
   constexpr std::string_view kPieces[] = {";",
                                           "; ",
                                           "=",
@@ -153,7 +154,7 @@ TEST(Parameters, ReadAsTheLibraryDoesRandomTexts) {
   }
 }
 
-// Were any of it quadratic, this would take minutes.
+// With quadratic time this test would take minutes.
 TEST(Parameters, HostileTextsTakeLinearTime) {
   constexpr std::size_t kBytes = kIsSlowBuild ? 300'000 : 1'000'000;
   std::size_t found = 0;

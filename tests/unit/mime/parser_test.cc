@@ -56,7 +56,8 @@ TEST(Parser, GivesTheReferencesTreeForEverySample) { ExpectSameTrees(ZQV_SAMPLES
 
 TEST(Parser, GivesTheReferencesTreeForEveryTestMessage) { ExpectSameTrees(ZQV_MESSAGES, 40); }
 
-// Every message of up to `length` bytes of these; so every turn that a header can take.
+// Compares the trees of every message of up to `length` of these bytes, which covers every sequence
+// of states in a header.
 void ExpectSameTreesOfAll(const std::string& bytes, std::size_t length) {
   std::vector<std::size_t> digits;
   while (digits.size() <= length) {
@@ -87,7 +88,7 @@ TEST(Parser, GivesTheReferencesTreeForEveryShortHeaderOfAMultipart) {
   }
 }
 
-// The rows of the two quirks, each seen to be what it is.
+// The two quirks of the parser that docs/quirks.md lists under this test's name.
 TEST(Parser, GivesTheReferencesTree) {
   const auto kind = [](const std::string& type) {
     const std::string message = "Content-Type: " + type + "\n\nA: b\n\nbody\n";
@@ -103,7 +104,8 @@ TEST(Parser, GivesTheReferencesTree) {
   EXPECT_EQ(kind("message/rfc"), mime::PartKind::kLeaf);
   EXPECT_EQ(kind("text/plain"), mime::PartKind::kLeaf);
 
-  // The line "x --b" is no field. Of it "x " was read, so that a boundary is found in its middle.
+  // The line "x --b" is not a header field, so it ends the header. The parser had scanned "x " by
+  // then, so it finds the boundary in the middle of the line.
   const std::string message =
       "Content-Type: multipart/mixed; boundary=b\n\n--b\nx --b\n\nlast\n--b--\n";
   EXPECT_EQ(DifferenceFromTheReference(message), "");
@@ -133,8 +135,8 @@ TEST(Parser, GivesTheReferencesTreeForLongHeaders) {
   }
 }
 
-// The library copies bodies in blocks of 4 KB and forgets to trim a line end that falls between two
-// of them; so every length around the ends of the first two blocks counts.
+// mimetic copies bodies in blocks of 4 KB, and does not remove a line end that lies across the end
+// of a block. The test covers every length around the ends of the first two blocks.
 TEST(Parser, GivesTheReferencesTreeForEveryBodyLengthAroundItsBlocks) {
   const std::string head = "Content-Type: multipart/mixed; boundary=b\n\n--b\n\n";
   for (const std::size_t block : {4'060U, 8'150U}) {
@@ -146,7 +148,8 @@ TEST(Parser, GivesTheReferencesTreeForEveryBodyLengthAroundItsBlocks) {
   }
 }
 
-// Lines that end in each way, begin as boundaries do or not, and fill blocks to the byte or nearly.
+// A random line: any line end, with or without "--" at its start, and often as long as a block or
+// nearly so.
 std::string AnyLine(std::mt19937& random) {
   static constexpr const char* kStarts[] = {"",    "",     "",    "-",      "--",  "--b",
                                             "--c", "--b-", "---", "--b--x", "x--", " --b"};
@@ -177,7 +180,7 @@ TEST(Parser, GivesTheReferencesTreeForLinesThatFillItsBlocks) {
   EXPECT_GT(with_parts, 1'000U);
 }
 
-// Changes a message at random, the same way on every run.
+// Makes random changes to a message, the same ones on every run.
 class Mutator {
  public:
   explicit Mutator(std::uint32_t seed) : random_(seed) {}
@@ -286,7 +289,8 @@ class Mutator {
     text = Join(lines);
   }
 
-  // Of a length at which the library's copy buffer runs full, before a line of the message.
+  // Inserts a line of such a length that mimetic's copy buffer is full before another line of the
+  // message.
   void InsertLongLine(std::string& text) {
     std::vector<std::string> lines = Lines(text);
     const std::string line =
@@ -319,11 +323,12 @@ TEST(Parser, GivesTheReferencesTreeForMutatedMessages) {
     if (HasParts(message)) ++with_parts;
     ASSERT_EQ(DifferenceFromTheReference(message), "") << "mutation " << i << ":\n" << message;
   }
-  // Mutations that destroy every structure would prove little.
+  // Most mutated messages should keep a structure, because a comparison of single parts would show
+  // little.
   EXPECT_GT(with_parts, kMutations / 3);
 }
 
-// Two messages that differ in one respect, and the words that name it.
+// Two messages that differ in one respect, and the description that the comparison must give.
 struct DifferentMessages {
   const char* name;
   const char* reference;
@@ -366,8 +371,9 @@ constexpr DifferentMessages kDifferentMessages[] = {
 INSTANTIATE_TEST_SUITE_P(Messages, TreeDifference, ::testing::ValuesIn(kDifferentMessages),
                          [](const auto& row) { return row.param.name; });
 
-// The library has a second algorithm, for stronger iterators, which finds a boundary inside a line.
-TEST(Parser, IsNotTheLibrarysAlgorithmForRandomAccess) {
+// mimetic has a second algorithm for random-access iterators, which finds a boundary inside a line.
+// Our parser follows the one for streams.
+TEST(Parser, IsNotMimeticsAlgorithmForRandomAccess) {
   const std::string message = ZQV_MULTIPART "--b\n\nnot a --b\n\nboundary\n--b--\n";
   const mimetic::MimeEntity other(message.begin(), message.end());
   const mime::Message parsed(message);
@@ -376,7 +382,7 @@ TEST(Parser, IsNotTheLibrarysAlgorithmForRandomAccess) {
   EXPECT_NE(FirstDifference(other, parsed), "");
 }
 
-// A boundary of an outer multipart ends the parse; what follows is in no part.
+// A boundary of an outer multipart ends the parse. The text after it is in no part.
 TEST(Parser, InnerMultipartWithoutEndLosesTheRest) {
   const std::string parsed_bytes =
       ZQV_MULTIPART "--b\nContent-Type: multipart/mixed; boundary=i\n\n--i\n\ninner\n--b\n";

@@ -11,7 +11,8 @@ using mime::Message;
 using mime::Part;
 using mime::PartKind;
 
-// Field names are strings that compare without case; here every byte counts.
+// mimetic compares field names without regard to case. This converts one to plain bytes, so that
+// case counts.
 template <class Text>
 std::string_view Bytes(const Text& text) {
   return {text.data(), text.size()};
@@ -29,7 +30,8 @@ std::string HeaderDifference(const mimetic::Header& reference, const mime::Heade
   for (const mimetic::Field& field : reference) {
     const std::string place = " of field " + std::to_string(number);
     if (Bytes(field.name()) != ours[number].name) return "the name" + place;
-    // The library's parser has asked for the type, so its tree has the type's text form.
+    // mimetic's parser requests the content type, which replaces the field's value by its text
+    // form.
     const bool is_type = ours[number].known == mime::FieldName::kContentType;
     const std::string_view value = is_type ? ours.Value(number) : ours[number].value;
     if (field.value() != value) return "the value" + place;
@@ -45,7 +47,7 @@ std::string TextDifference(const mimetic::Body& reference, const Part& ours) {
   return {};
 }
 
-// As the library's parser asks for it.
+// Determines the kind of a part from mimetic's header as mimetic's parser does.
 std::string KindDifference(const mimetic::Header& reference, PartKind ours) {
   const auto& type = reference.contentType();
   const bool is_message = type.type() == "message" && type.subtype() == "rfc822";

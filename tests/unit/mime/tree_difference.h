@@ -1,4 +1,4 @@
-// Whether our parse of a message and the MIME library's gave the same tree.
+// Compares the tree that our parser makes of a message with mimetic's.
 #pragma once
 
 #include <mimetic/mimeentity.h>
@@ -11,15 +11,15 @@
 
 namespace zqv::test {
 
-// The first thing in which a tree differs from the reference, in words that name the place; empty
-// when they are the same: field names and values, bodies, preambles, epilogues, kinds and numbers
-// of parts, all byte for byte.
+// Describes the first difference between a tree and the reference; empty when both are equal.
+// Compared byte for byte are names and values of fields, bodies, preambles and epilogues, and also
+// kinds and numbers of parts.
 std::string FirstDifference(const mimetic::MimeEntity& reference, const mime::Message& message);
 
-// The same for our parse of `message` and the library's own stream constructor.
+// Parses `message` with both parsers, mimetic's from a stream, and compares the trees.
 std::string DifferenceFromTheReference(std::string_view message);
 
-// How deeply the parts of a message are nested: 1 for a message without parts.
+// The depth to which the parts of a message are nested: 1 for a message without parts.
 std::size_t Levels(const mime::Message& message);
 
 }  // namespace zqv::test

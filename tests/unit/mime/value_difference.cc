@@ -15,7 +15,7 @@
 namespace zqv::test {
 namespace {
 
-// A text without a terminating NUL behind it.
+// A copy of a text in memory of exactly its length, without a terminating NUL.
 class ExactCopy {
  public:
   explicit ExactCopy(const std::string& text) : bytes_(new char[text.size()]), size_(text.size()) {
@@ -28,7 +28,7 @@ class ExactCopy {
   const std::size_t size_;
 };
 
-// Notes the first difference of many.
+// Keeps the first of several differences.
 class Differences {
  public:
   void Compare(const char* what, std::string_view ours, const std::string& theirs) {
@@ -38,7 +38,7 @@ class Differences {
   void Compare(const char* what, std::size_t ours, std::size_t theirs) {
     if (ours != theirs) Compare(what, std::to_string(ours), std::to_string(theirs));
   }
-  // That a text is a part of the whole one.
+  // Expects `part` to be a view into `whole`.
   void ExpectInside(std::string_view part, std::string_view whole) {
     const std::less_equal<> not_behind;
     if (!not_behind(whole.data(), part.data()) ||
@@ -70,7 +70,7 @@ void Compare(Differences& differences, const mime::Group& ours, const mimetic::G
   }
 }
 
-// Gives the number of mailboxes.
+// Compares a mailbox list and returns the number of its mailboxes.
 std::size_t Compare(Differences& differences, const mime::Address& ours,
                     const mimetic::Address& theirs) {
   differences.Compare("is a group", ours.is_group() ? 1 : 0, theirs.isGroup() ? 1 : 0);
@@ -84,11 +84,11 @@ std::size_t Compare(Differences& differences, const mime::Address& ours,
   return 1;
 }
 
-// What all classes with parameters have.
+// Compares the parameters, which Content-Type and Content-Disposition have in common.
 template <class Theirs>
 void Compare(Differences& differences, const mime::Parameters& ours, const Theirs& theirs) {
   differences.Compare("parameters", ours.Count(), theirs.paramList().size());
-  constexpr std::size_t kMost = 20;  // of those that are asked for by their names
+  constexpr std::size_t kMost = 20;  // number of parameters that are also looked up by name
   std::size_t asked = 0;
   for (const mimetic::FieldParam& parameter : theirs.paramList()) {
     if (++asked > kMost) break;

@@ -1,7 +1,8 @@
-// Whether our readers of fields' values and the MIME library make the same of a value.
+// Compares our parsers of field values with mimetic's.
 //
-// Each function says in words in what they differ first; empty when they agree. Ours reads the
-// value from memory of just its size, so that a sanitizer sees a read beyond it.
+// Each function describes the first difference between the two results; the description is empty
+// when they are equal. Our parser reads a copy of the value in memory of exactly its size, so that
+// a sanitizer finds a read beyond it.
 #pragma once
 
 #include <string>
@@ -17,7 +18,7 @@ std::string ContentTypeDifference(const std::string& value);
 std::string ContentDispositionDifference(const std::string& value);
 std::string MimeVersionDifference(const std::string& value);
 
-// The first of all these.
+// The first difference that any of the functions above finds.
 std::string ValueDifference(const std::string& value);
 
 }  // namespace zqv::test

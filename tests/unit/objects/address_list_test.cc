@@ -44,7 +44,7 @@ TEST_F(AddressList, HasEveryAddressWithItsText) {
   EXPECT_EQ(Texts(), (std::vector<std::string>{Ascii("A <a@b>"), Ascii("Teamc@d;"), Ascii("e@f")}));
 }
 
-// As the library writes an address that follows a comma and a blank.
+// In its text form, an address after a comma and a blank keeps the blank.
 TEST_F(AddressList, TextKeepsTheBlankBehindAComma) {
   const auto& record = Make("a@b, c@d");
   EXPECT_EQ(Show(record.StringValue), Ascii("a@b,  c@d"));
@@ -68,7 +68,8 @@ TEST_F(AddressList, OfNothingIsEmpty) {
 }
 
 TEST_F(AddressList, LeavesOutThoseThatTheHostCannotMake) {
-  // The list itself is the first instance; an address is followed by its mailbox.
+  // Instances are created in this order: the list, then each address and its mailbox. The fourth is
+  // the second address.
   StartObjectsWithFault("PluginNewInstance", {standin::Fault::Kind::kNothing, 4, 1});
   Make("a@b,c@d,e@f");
   EXPECT_EQ(Texts(), (std::vector<std::string>{Ascii("a@b"), Ascii("e@f")}));

@@ -18,11 +18,11 @@ using objects::MimeAttachmentClassData;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// Bodies by which the kind of file is known.
+// Bodies whose first bytes determine the type of the file.
 const std::string kPng = "\x89PNG\r\n\x1A\n";
 const std::string kOther = "something else";
 
-// A part by its header lines and body, as the only one of a message and no text.
+// Tests with a message of one part, made of header lines and a body, that is not text.
 class AttachmentTest : public EmailTest {
  protected:
   void TearDown() override {
@@ -44,7 +44,7 @@ class AttachmentTest : public EmailTest {
     return Show(Attach(header, body).Filename);
   }
 
-  // The name for a value of the parameter `filename*`.
+  // The file name of a part whose parameter `filename*` has this value.
   std::string NameOfExtended(const std::string& value) {
     return NameOf("Content-Disposition: attachment; filename*=" + value + "\n");
   }
@@ -54,7 +54,7 @@ class AttachmentTest : public EmailTest {
 
 class FileNamesOfParts : public AttachmentTest {};
 
-// What the host sees of the names; email/file_name_test.cc has the rest.
+// File names as host strings; email/file_name_test.cc tests the names themselves.
 TEST_F(FileNamesOfParts, AreDecoded) {
   EXPECT_EQ(NameOf("Content-Disposition: attachment; filename=\"=?utf-8?Q?caf=C3=A9?=\"\n", kPng),
             Utf8("caf\xC3\xA9"));
@@ -163,7 +163,7 @@ TEST_F(AttachmentRecord, OfASecondPlainTextHoldsItsText) {
   EXPECT_EQ(Show(Attachments(email)[0]->Data), Ascii("second"));
 }
 
-// Lists a part of a header line, whose entity holds nothing.
+// Adds a part with one header line to the list. The part's entity holds no objects.
 void AddEmptyPart(objects::ArraySlot& list) {
   const objects::MimeEntityClassData entity{};
   const auto message = Parse("X: y\n\n");
@@ -212,7 +212,8 @@ TEST_F(AttachmentRecord, IsNotListedWhenTheHostCannotInsert) {
   EXPECT_THAT(Attachments(email_), IsEmpty());
 }
 
-// Only the listed one is kept: what the host throws on the way frees the other.
+// When the host throws while an attachment is made, that attachment is freed, and earlier ones
+// stay.
 TEST_F(AttachmentRecord, IsGivenBackWhenTheHostThrows) {
   const auto email = NewEmail();
   host().SetFault("PluginObjectArrayInsertProc", standin::Fault{standin::Fault::Kind::kThrows});

@@ -18,7 +18,7 @@ using objects::MimeEntityClassData;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// Every part has a type that is listed under its name.
+// A nested message. The type of each part names the part.
 constexpr char kNested[] =
     "Content-Type: multipart/mixed; boundary=o\n"
     "\n"
@@ -49,7 +49,7 @@ class Body : public EmailTest {
     EmailTest::TearDown();
   }
 
-  // The record of a message's body.
+  // The record of the body of `message`.
   const MimeBodyClassData& Build(std::string_view message) {
     email_ = ParseEmail(message);
     return BodyOf(RecordOf(email_));
@@ -111,7 +111,7 @@ TEST_F(Body, TextTakesItsEncodingFromItsBytesAndEndsAtANul) {
   EXPECT_EQ(Show(Build({"A: b\n\n\0two", 10}).StringValue), "nil");
 }
 
-// A line that is no field is read with the header, and the body begins with it.
+// A line that is not a field ends the header, and is the first line of the body.
 TEST_F(Body, BeginsWithALineThatIsNoField) {
   EXPECT_EQ(Show(Build("A: b\nno field\nrest\n").StringValue), Ascii("no field\nrest\n"));
 }
@@ -152,7 +152,8 @@ TEST_F(Body, IsNilWhenItsClassWasNeverRegistered) {
   objects::MimeBodyDestructor(nullptr);
 }
 
-// Instances are made in this order: the message's body, then of a part its entity, body and header.
+// Instances are created in this order: the body of the message, then for each part its entity, body
+// and header.
 TEST_F(Body, OfAPartIsNilWhenTheHostCannotMakeIt) {
   StartEmailWithFault("PluginNewInstance", {standin::Fault::Kind::kNothing, 3, 1});
   Build("Content-Type: multipart/mixed; boundary=o\n\n--o\nX-Name: a\n\n1\n--o--\n");
@@ -197,7 +198,8 @@ TEST_F(Body, WithoutAListIsWalkedAndGivesTheEntitiesBack) {
   EXPECT_EQ(Show(RecordOf(email_).PlainText), Ascii("one"));
   EXPECT_EQ(Show(RecordOf(email_).HTMLText), Ascii("two"));
   EXPECT_EQ(body.parts.get(), nullptr);
-  EXPECT_EQ(host().ledger().Live().objects, 3) << "the message, its body and its header";
+  EXPECT_EQ(host().ledger().Live().objects, 3)
+      << "only the message, its body and its header are left";
 }
 
 TEST_F(Body, DropsEntitiesThatTheHostCannotInsert) {
@@ -205,7 +207,8 @@ TEST_F(Body, DropsEntitiesThatTheHostCannotInsert) {
   Build(Mixed({"Content-Type: text/plain\n\none", "Content-Type: text/html\n\ntwo"}));
   EXPECT_EQ(Show(RecordOf(email_).PlainText), Ascii("one"));
   EXPECT_EQ(objects::BodyParts::Count(Object()), 0);
-  EXPECT_EQ(host().ledger().Live().objects, 3) << "the message, its body and its header";
+  EXPECT_EQ(host().ledger().Live().objects, 3)
+      << "only the message, its body and its header are left";
 }
 
 TEST_F(Body, MembersGiveTheListItself) {
@@ -217,7 +220,7 @@ TEST_F(Body, MembersGiveTheListItself) {
   EXPECT_EQ(whole.get(), body.parts.get());
   EXPECT_EQ(again.get(), whole.get());
   EXPECT_EQ(static_cast<void*>(variant.get()), static_cast<void*>(whole.get()));
-  EXPECT_EQ(LocksOf(whole.get()), 4) << "the record's and ours";
+  EXPECT_EQ(LocksOf(whole.get()), 4) << "two of the record, two of this test";
 }
 
 TEST_F(Body, LivesOnInAPartThatIsHeld) {

@@ -193,7 +193,7 @@ TEST_F(ParseMessage, BeyondTheLimitsIsRefused) {
   EXPECT_EQ(TakeRaised(), "RuntimeException, 0: C++ Exception: the message has too many parts");
 }
 
-// Objects are made, and given back, without recursion.
+// Creating and freeing the objects needs no recursion.
 TEST_F(ParseMessage, ThatIsTheDeepestIsHandledOnASmallStack) {
   for (const Nesting nesting : {Nesting::kMultipart, Nesting::kMessage, Nesting::kBoth}) {
     const std::string message = NestedMessage(nesting, mime::kMostParts - 1);
@@ -207,8 +207,9 @@ TEST_F(ParseMessage, ThatIsTheDeepestIsHandledOnASmallStack) {
   EXPECT_EQ(TakeRaised(), "");
 }
 
-// Far inside a message that is nested as deeply, the host throws; all that was made is given back.
-TEST_F(ParseMessage, ThatIsBrokenOffDeepInsideIsGivenBackOnASmallStack) {
+// The host throws when the deepest part of a deeply nested message is reached. Everything made so
+// far is freed.
+TEST_F(ParseMessage, ThatFailsDeepInsideIsFreedOnASmallStack) {
   StartEmailWithFault("PluginNewInstance",
                       {standin::Fault::Kind::kThrows, static_cast<int>(mime::kMostParts), 1});
   const std::string message = NestedMessage(Nesting::kMultipart, mime::kMostParts - 1);
@@ -222,7 +223,7 @@ TEST_F(ParseMessage, ThatIsBrokenOffDeepInsideIsGivenBackOnASmallStack) {
 
 TEST_F(ParseMessage, KeepsWhatWasSetBeforeTheHostThrew) {
   StartEmailWithFault("PluginObjectArrayInsertProc", {standin::Fault::Kind::kThrows, 3, 1});
-  // The list of the part's fields and that of attachments come first, then that of parts.
+  // The lists of a part's fields and of the attachments are created first, then the list of parts.
   const auto email = ParseEmail(Mixed({"A: b\nC: d\n\nx"}));
   EXPECT_EQ(TakeRaised(),
             "RuntimeException, 0: C++ Exception: fault of PluginObjectArrayInsertProc");
@@ -232,21 +233,21 @@ TEST_F(ParseMessage, KeepsWhatWasSetBeforeTheHostThrew) {
   EXPECT_EQ(Show(RecordOf(email).Subject), "nil");
 }
 
-TEST_F(ParseMessage, SaysEachStepOfAPlainMessage) {
+TEST_F(ParseMessage, LogsEachStepOfAPlainMessage) {
   const LogCapture log;
   const auto email = ParseEmail("Content-Type: text/plain\n\nbody");
   EXPECT_EQ(log.Text(), Logged({"MimeEmailConstructor 30", "decoded body of type text, plain",
                                 "Set email plainText", "parts count 0"}));
 }
 
-TEST_F(ParseMessage, SaysEachStepOfAnImage) {
+TEST_F(ParseMessage, LogsEachStepOfAnImage) {
   const LogCapture log;
   const auto email = ParseEmail("Content-Type: image/png\n\nbody");
   EXPECT_EQ(log.Text(), Logged({"MimeEmailConstructor 29", "decoded body of type image, png",
                                 "parts count 0", "no mime type, make it text"}));
 }
 
-TEST_F(ParseMessage, SaysEachStepOfAMultipart) {
+TEST_F(ParseMessage, LogsEachStepOfAMultipart) {
   const LogCapture log;
   const auto email =
       ParseEmail(Mixed({"Content-Type: text/plain\n\none", "Content-Type: text/html\n\ntwo"}));
@@ -301,7 +302,7 @@ TEST_F(SinglePart, WithoutATypeIsOfferedAsText) {
   EXPECT_EQ(Attachments(email).size(), 1U);
 }
 
-// Listed as an attachment by its disposition, and yet the message's text.
+// The disposition makes the text an attachment; it is the message's text all the same.
 TEST_F(SinglePart, TextMarkedAttachmentIsListedAndOfferedAsText) {
   const auto plain =
       ParseEmail("Content-Type: text/plain\nContent-Disposition: attachment; filename=a\n\nplain");
@@ -338,7 +339,7 @@ TEST_F(SinglePart, WithoutCharsetTakesItsEncodingFromItsBytes) {
   EXPECT_EQ(text(""), "nil");
 }
 
-// A container without a part is a single part: its own, empty body.
+// A container without parts counts as a single part with its own, empty body.
 TEST_F(SinglePart, ContainerWithoutPartsHasNoText) {
   const auto email = ParseEmail("Content-Type: multipart/mixed; boundary=b\n\nno boundary\n");
   EXPECT_EQ(Show(RecordOf(email).BodyDecoded), "nil");

@@ -19,7 +19,7 @@
 namespace zqv::test {
 namespace {
 
-// What the wrapped clock tells; nothing is the machine's own time.
+// The time that the replaced clock returns; the real time when empty.
 std::optional<std::time_t> g_now;
 bool g_localtime_fails = false;
 
@@ -30,7 +30,7 @@ constexpr char kSummerTime[] = "CET-1CEST,M3.5.0,M10.5.0/3";
 }  // namespace
 }  // namespace zqv::test
 
-// The linker puts these in the places of time and localtime_r.
+// The linker uses these instead of time and localtime_r.
 extern "C" {
 std::time_t __real_time(std::time_t* result);
 std::time_t __wrap_time(std::time_t* result);
@@ -84,14 +84,14 @@ class Dates : public EmailTest {
     tzset();
   }
 
-  // A host in which the class Date is made in one way.
+  // Starts a host whose class Date offers one way of construction.
   void StartWithDates(standin::DateFlavour flavour) {
     standin::Capabilities capabilities;
     capabilities.date_flavour = flavour;
     StartEmail(capabilities);
   }
 
-  // The record of an entity with these header lines.
+  // The record of an entity that has these header lines.
   const MimeEntityClassData& ParseHeader(const std::string& lines) {
     email_ = NewEmail();
     objects::LocalOffset local_offset;
@@ -127,7 +127,7 @@ TEST_F(Dates, OfWesternZonesMoveForward) {
   EXPECT_EQ(Sent("Mon, 31 Dec 2018 22:00:00 -0500"), "2019-01-01T03:00:00");
 }
 
-// A zone and its offset in seconds.
+// A zone of a date field, and its offset in seconds.
 struct ZoneRow {
   int zone;
   double seconds;
@@ -198,7 +198,7 @@ TEST_F(Dates, LastOfSeveralWinsAndTheOthersAreGivenBack) {
       "Received: c\n");
   EXPECT_EQ(DateText(record.SentDate), "2019-01-03T10:00:00");
   EXPECT_EQ(DateText(record.ReceivedDate), "2019-01-04T10:00:00");
-  EXPECT_EQ(host().ledger().Live().objects, 3) << "the entity and two dates";
+  EXPECT_EQ(host().ledger().Live().objects, 3) << "only the entity and two dates are left";
   EXPECT_EQ(LocksOf(record.SentDate.get()), 1);
 }
 
@@ -214,16 +214,18 @@ TEST_F(Dates, AreNilWithoutTheirFields) {
   EXPECT_EQ(record.ReceivedDate.get(), nullptr);
 }
 
-// The library's reading of a text is taken as it is, however wrong.
-TEST_F(Dates, TakeWhatTheLibraryReads) {
+// The result of mimetic's date parser is used unchanged, even where it is wrong.
+TEST_F(Dates, TakeWhatMimeticReads) {
   EXPECT_EQ(Sent("1 January 2019 10:20"), "2019-01-01T10:20:00");
   EXPECT_EQ(Sent("Tue, 1 Jan 2019 10:00:00 EST"), "2019-01-01T15:00:00");
-  EXPECT_EQ(Sent("31 Jun 2019 10:00:00 +0000"), "2019-07-01T10:00:00") << "rolls over in the host";
+  EXPECT_EQ(Sent("31 Jun 2019 10:00:00 +0000"), "2019-07-01T10:00:00")
+      << "the host makes 1 July of 31 June";
   EXPECT_NE(Sent("no date at all"), "nil");
   EXPECT_EQ(Sent(""), "1970-01-01T00:00:00");
 }
 
-// The three ways in which a host makes a date.
+// Tests of the three ways to create a date: with seven arguments, with six, by setting its
+// properties.
 using MakesDate = Dates;
 
 std::array<std::int64_t, 6> g_six{};
@@ -287,7 +289,8 @@ abi::RBBoolean RecordSetInteger(abi::REALobject object, const char* name, abi::R
   return g_set_integer(object, name, value);
 }
 
-// The day in between would roll over: a new date of this host is the 31st of a month.
+// In this host a new date is the 31st of a month. Setting month and day in turn could pass through
+// a day that does not exist and roll over, so the day is first set to 3.
 TEST_F(Dates, PropertyPathSetsTheDayTo3First) {
   StartWithDates(standin::DateFlavour::kNoConstructor);
   g_set.clear();
@@ -340,7 +343,7 @@ TEST_F(Dates, StayWhereTheyAreWhenTheHostsSecondsCannotBeSet) {
   EXPECT_EQ(Sent("Tue, 1 Jan 2019 10:00:00 +0200"), "2019-01-01T10:00:00");
 }
 
-TEST_F(Dates, ThatTheHostThrowsOverAreDroppedAndTheOthersGoOn) {
+TEST_F(Dates, ForWhichTheHostThrowsAreDroppedAndOthersAreMade) {
   StartEmailWithFault("REALGetPropValueDouble", {standin::Fault::Kind::kThrows, 1, 1});
   const auto& record =
       ParseHeader("Date: 1 Jan 2019 10:00:00 +0000\nReceived: a; 2 Jan 2019 10:00:00 +0000\n");
@@ -349,14 +352,14 @@ TEST_F(Dates, ThatTheHostThrowsOverAreDroppedAndTheOthersGoOn) {
   EXPECT_EQ(TakeRaised(), "");
 }
 
-TEST_F(Dates, ThatTheHostThrowsOverKeepAnEarlierOne) {
+TEST_F(Dates, ForWhichTheHostThrowsKeepAnEarlierDate) {
   StartEmailWithFault("REALGetPropValueDouble", {standin::Fault::Kind::kThrows, 2, 1});
   const auto& record =
       ParseHeader("Date: 1 Jan 2019 10:00:00 +0000\nDate: 2 Jan 2019 10:00:00 +0000\n");
   EXPECT_EQ(DateText(record.SentDate), "2019-01-01T10:00:00");
 }
 
-// The lines for a date's fields, up to those for the constructors.
+// The log lines for the fields of a date, without the lines for the constructors.
 std::vector<std::string> FieldLines() {
   return {"day 1",    "month 2",  "year 2019", "hour 3",
           "minute 4", "second 5", "zone -130", "NewDate 2019, 2, 1, 3, 4, 5"};
@@ -374,7 +377,8 @@ std::string Pointer(void* pointer) {
   return text;
 }
 
-// Seconds of 2019-02-01 03:04:05 in the host's reckoning: 115 years with 29 leap days from 1904 on.
+// 2019-02-01 03:04:05 in seconds since the host's epoch, 1904: 115 years with 29 leap days, and 31
+// days.
 constexpr std::int64_t kSeconds = (115 * 365 + 29 + 31) * kDay + 3 * 3'600 + 4 * 60 + 5;
 
 std::vector<std::string> SecondsLines() {
@@ -446,7 +450,7 @@ TEST_F(Dates, LogWhatTheHostThrows) {
                          {"C++ Exception:  St13runtime_error, fault of PluginNewInstance"})));
 }
 
-TEST_F(Dates, LogThatSomethingWithoutANameWasThrown) {
+TEST_F(Dates, LogAnExceptionWithoutATypeName) {
   StartEmailWithFault("PluginNewInstance", {standin::Fault::Kind::kThrowsInt, 1, 1});
   const LogCapture log;
   ParseHeader(kLoggedDate);

@@ -32,7 +32,8 @@ standin::Host& EmailTest::StartEmailWithFault(const char* name, standin::Fault f
   return StartEmail(capabilities);
 }
 
-// Past the entry points, so that a host without "PluginNewInstance" has a message to fill too.
+// Creates the instance without the entry points, because a test may run without
+// "PluginNewInstance".
 host::ObjectRef EmailTest::NewEmail() {
   standin::Host& host = standin::Host::Get("a test");
   const standin::ClassInfo* info = host.classes().Find("MimeEmailZQV");

@@ -1,4 +1,5 @@
-// A test with a stand-in host that knows the classes of a message and its parts.
+// A test fixture with a stand-in host in which the classes of a message and of its parts are
+// registered.
 #pragma once
 
 #include <string>
@@ -18,32 +19,33 @@ class EmailTest : public ObjectsTest {
   void SetUp() override { StartEmail(); }
   void TearDown() override;
 
-  // Starts a host and registers the classes of the layer below, MimeEmailZQV and MimeAttachmentZQV.
+  // Starts a host, and registers MimeEmailZQV, MimeAttachmentZQV and the classes of ObjectsTest.
   standin::Host& StartEmail(const standin::Capabilities& capabilities = {});
-  // The same for a host in which one entry point misbehaves, or is missing.
+  // Does the same with a host in which one entry point fails, or is missing.
   standin::Host& StartEmailWithFault(const char* name, standin::Fault fault = {});
 
-  // A MimeEmailZQV on which no constructor has run.
+  // Creates a MimeEmailZQV without calling a constructor.
   static host::ObjectRef NewEmail();
-  // One filled from a message; what is thrown becomes a pending exception, as in the real class.
+  // Creates one and parses `message` into it. A C++ exception becomes a pending exception, as in
+  // the registered constructors.
   static host::ObjectRef ParseEmail(std::string_view message);
 
   static objects::MimeEntityClassData& RecordOf(const host::ObjectRef& email);
   static std::vector<objects::MimeAttachmentClassData*> Attachments(const host::ObjectRef& email);
   static std::vector<objects::MimeAttachmentClassData*> Inlines(const host::ObjectRef& email);
-  // The records of the parts of a message or part.
+  // The records of the parts of a message, or of a part.
   static std::vector<objects::MimeEntityClassData*> Parts(
       const objects::MimeEntityClassData& entity);
 
-  // What an attachment's field Filename shows, of each.
+  // Field Filename of each attachment, as Show gives it.
   static std::vector<std::string> Names(
       const std::vector<objects::MimeAttachmentClassData*>& attachments);
 };
 
-// "2019-01-01T10:00:00" for a Date of the host, "nil" for nil.
+// Shows a Date of the host as "2019-01-01T10:00:00", and nil as "nil".
 std::string DateText(const host::ObjectSlot& date);
 
-// A multipart/mixed of these parts, each beginning with its header.
+// A multipart/mixed message with these parts, each of which begins with its header.
 std::string Mixed(const std::vector<std::string>& parts);
 
 }  // namespace zqv::test

@@ -15,7 +15,8 @@
 namespace zqv::test {
 namespace {
 
-// The constructors that the application calls only get the bytes.
+// The registered constructors of MimeEmailZQV. They get the bytes; build_test.cc tests what is made
+// of them.
 class EmailConstructor : public EmailTest {};
 
 TEST_F(EmailConstructor, FromAStringParsesItsOwnBytes) {
@@ -45,7 +46,7 @@ TEST_F(EmailConstructor, FromABlockParsesItsBytes) {
   EXPECT_EQ(Show(RecordOf(email).Source), Ascii("Subject: x\n\nbody"));
 }
 
-TEST_F(EmailConstructor, SaysWhichOneItIs) {
+TEST_F(EmailConstructor, LogsItsName) {
   const auto email = NewEmail();
   const LogCapture log;
   objects::MimeEmailConstructor1(email.get(), nullptr);

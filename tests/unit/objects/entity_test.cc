@@ -20,7 +20,7 @@ using ::testing::IsEmpty;
 
 class Entity : public ObjectsTest {
  protected:
-  // A record in which every field holds something of its own.
+  // Fills every field of a record with an object or string of its own.
   static void Fill(MimeEntityClassData& record) {
     record.Header.Put(NewThing());
     record.Body.Put(NewThing());
@@ -35,7 +35,7 @@ class Entity : public ObjectsTest {
     record.ReceivedDate.Put(NewThing());
   }
 
-  // What the record holds, in the order in which it is given back.
+  // The contents of a record in the order in which the destructor gives them back.
   static std::vector<const void*> Held(const MimeEntityClassData& record) {
     return {record.Header.get(),   record.Body.get(),        record.PlainText.get(),
             record.HTMLText.get(), record.BodyDecoded.get(), record.Subject.get(),
@@ -60,7 +60,7 @@ TEST_F(Entity, DestructorGivesEverythingBackInOrder) {
   EXPECT_EQ(Unlocked(), expected);
 }
 
-// MimeEmailZQV has neither a record nor a destructor of its own.
+// MimeEmailZQV inherits from MimeEntityZQV without a destructor of its own.
 TEST_F(Entity, DestructorServesASubclassWithoutData) {
   static abi::REALclassDefinition email;
   email = MadeUpClass("MimeEmailZQV", 0, nullptr, "MimeEntityZQV");
@@ -82,7 +82,7 @@ TEST_F(Entity, ClearLeavesNothing) {
   Fill(record);
   objects::Clear(record);
   EXPECT_EQ(Held(record), Nothing());
-  EXPECT_EQ(host().ledger().Live().Total(), 1) << "the entity itself";
+  EXPECT_EQ(host().ledger().Live().Total(), 1) << "only the entity itself is left";
   objects::Clear(record);
 }
 
@@ -103,7 +103,7 @@ TEST_F(Entity, DestructorWithoutARecordDoesNothing) {
   objects::MimeEntityDestructor(entity.get());
 }
 
-// A host that cannot take things back leaves the record empty all the same.
+// The destructor empties the record even when the host offers no function to unlock.
 TEST_F(Entity, DestructorEmptiesTheRecordWhenTheHostCannotUnlock) {
   StartObjectsWithFault("REALUnlockString");
   const auto entity = host::NewInstance<MimeEntityClassData>();
@@ -113,7 +113,7 @@ TEST_F(Entity, DestructorEmptiesTheRecordWhenTheHostCannotUnlock) {
   EXPECT_EQ(Held(record), Nothing());
 }
 
-// Where the parts of a message go.
+// Tests to which property of the message a part's contents go.
 class Routing : public EmailTest {};
 
 TEST_F(Routing, PlainTextMarkedAttachmentIsListedAndNoText) {
@@ -220,7 +220,7 @@ TEST_F(Routing, SharesTheTextBetweenThePartAndTheMessage) {
   EXPECT_EQ(LocksOf(record.PlainText.get()), 2);
 }
 
-TEST_F(Routing, SaysWhatItDid) {
+TEST_F(Routing, LogsEachDecision) {
   const auto message = Mixed({"Content-Type: text/plain\n\none", "Content-Type: Text/HTML\n\ntwo",
                               "Content-Type: image/png\n\nthree"});
   const LogCapture log;

@@ -14,11 +14,11 @@ namespace {
 
 using objects::MimeFieldClassData;
 
-// A text and what a field made from it has.
+// A text, and name and value of a field that is made from it.
 struct FieldRow {
   const char* name;
   std::string_view text;
-  std::string field_name;  // as Show gives it
+  std::string field_name;  // as Show gives it, as is the value
   std::string field_value;
 };
 
@@ -83,7 +83,7 @@ TEST_F(Field, MadeTwiceHoldsTheSecondText) {
 TEST_F(Field, ConstructorRaisesWhatTheHostThrows) {
   StartObjectsWithFault("PluginGetStringData", {standin::Fault::Kind::kThrows});
   const auto field = host::NewInstance<MimeFieldClassData>();
-  // Only text that has to be converted is asked of this entry point.
+  // The library calls this entry point only for text that has to be converted.
   objects::MimeFieldConstructor(field.get(),
                                 host::BuildString("A: caf\xE9", abi::kIsoLatin1).get());
   EXPECT_EQ(TakeRaised(), "RuntimeException, 0: C++ Exception: fault of PluginGetStringData");

@@ -36,7 +36,7 @@ TEST_F(Group, HasItsNameAndMailboxes) {
   EXPECT_EQ(Show(record.Name), Ascii("Team"));
   EXPECT_EQ(Show(record.NameDecoded), Ascii("Team"));
   EXPECT_EQ(Show(record.StringValue), Ascii("Teama@b,C <c@d>;"))
-      << "no colon, no blank behind a comma";
+      << "without the colon, and without blanks after commas";
   const auto mailboxes = RecordsIn<MimeMailboxClassData>(record.mailboxes.get());
   ASSERT_EQ(mailboxes.size(), 2U);
   EXPECT_EQ(Show(mailboxes[0]->StringValue), Ascii("a@b"));
@@ -58,7 +58,7 @@ TEST_F(Group, WithoutMailboxesHasAnEmptyList) {
   const auto& record = Make("undisclosed-recipients:;");
   EXPECT_EQ(Show(record.Name), Ascii("undisclosed-recipients"));
   EXPECT_EQ(Show(record.StringValue), Ascii("undisclosed-recipients@;"))
-      << "the library reads an empty mailbox";
+      << "mimetic gives one empty mailbox";
   EXPECT_NE(record.mailboxes.get(), nullptr);
   EXPECT_EQ(objects::GroupMailboxes::Count(group_.get()), 0);
 }

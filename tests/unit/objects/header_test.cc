@@ -42,7 +42,7 @@ class Header : public ObjectsTest {
     return *host::RecordOf<MimeHeaderClassData>(header.get());
   }
 
-  // "Name: value" of each field object; each must be ASCII.
+  // Each field object as "Name: value". Names and values must be ASCII.
   static std::vector<std::string> Fields(const host::ObjectRef& header) {
     std::vector<std::string> fields;
     for (const auto* field : RecordsIn<MimeFieldClassData>(RecordOf(header).fields.get()))
@@ -56,7 +56,7 @@ class Header : public ObjectsTest {
   static bool Has(const host::ObjectRef& header, std::string_view name) {
     return objects::hasField(header.get(), NewText(name).get()) != 0;
   }
-  // The value of the field found, "none" when nothing was.
+  // The value of the field that was found; "none" when none was.
   static std::string Find(const host::ObjectRef& header, std::string_view name) {
     const auto field =
         host::ObjectRef::Adopt(objects::FieldByName(header.get(), NewText(name).get()));
@@ -83,7 +83,7 @@ TEST_F(Header, KeepsEncodedWordsInSubjectAndDecodesThemInSubjectDecoded) {
   EXPECT_EQ(Show(RecordOf(header).subjectDecoded), Utf8("Caf\xC3\xA9"));
 }
 
-// The library's own texts for an absent Content-Type and version are handed on.
+// An absent Content-Type or MIME-Version has the text that mimetic gives for it.
 TEST_F(Header, OfAbsentFields) {
   const auto header = Build("X: y\n\n");
   const MimeHeaderClassData& record = RecordOf(header);
@@ -97,7 +97,7 @@ TEST_F(Header, OfAbsentFields) {
   EXPECT_EQ(Show(record.subjectDecoded), "nil");
 }
 
-// The library makes up an id that tells the machine's name.
+// mimetic makes up an id with the machine's name when there is none; the library does not.
 TEST_F(Header, MakesUpNoContentIdAndNoMessageId) {
   const auto header = Build("X: y\n\n");
   EXPECT_EQ(Show(RecordOf(header).contentId), "nil");
@@ -195,7 +195,7 @@ TEST_F(Header, ListsEveryFieldInTheOrderOfTheMessage) {
                                           Shown("b", "4"), Ascii("A") + ": nil"));
 }
 
-// The accessors have run by then, and the library writes their fields anew.
+// Fields that were parsed on demand are listed in their text form.
 TEST_F(Header, ListsTheTextFormOfFieldsThatHaveOne) {
   const auto header =
       Build("Mime-Version: 1.0 (x)\nContent-Type: text/plain;charset=utf-8\nX-Raw: a;b=c\n\n");
@@ -225,7 +225,7 @@ TEST_F(Header, FieldByNameGivesTheObjectOfTheListWithOneLockMore) {
   const auto found = host::ObjectRef::Adopt(objects::FieldByName(header.get(), NewText("A").get()));
   const auto listed = host::ObjectRef::Adopt(objects::HeaderFields::At(header.get(), 0));
   EXPECT_EQ(found.get(), listed.get());
-  EXPECT_EQ(LocksOf(found.get()), 3) << "the list's, the found one's, the listed one's";
+  EXPECT_EQ(LocksOf(found.get()), 3) << "held by the list and by the two references here";
 }
 
 TEST_F(Header, WithoutFieldsFindsNothing) {
@@ -246,7 +246,7 @@ TEST_F(Header, MadeByTheApplicationFindsNothing) {
   EXPECT_EQ(objects::FieldByName(nullptr, nullptr), nullptr);
 }
 
-// An application may put anything into the list that it was handed.
+// An application can put nil into the list, because the list is an ordinary array.
 TEST_F(Header, PassesOverElementsThatAreNil) {
   const auto header = Build("A: 1\n\n");
   host::AppendObject(RecordOf(header).fields.get(), nullptr);
@@ -294,14 +294,14 @@ TEST_F(Header, HasNoListWhenTheHostCannotMakeOne) {
 
 TEST_F(Header, KeepsWhatWasFilledWhenTheHostThrows) {
   StartObjectsWithFault("PluginNewInstance", {standin::Fault::Kind::kThrows, 3, 1});
-  // The header's own instance and that of the first field come first.
+  // The first instances are the header and its first field.
   const auto header = Build("Subject: x\nB: 2\nC: 3\n\n");
   EXPECT_EQ(TakeRaised(), "RuntimeException, 0: C++ Exception: fault of PluginNewInstance");
   EXPECT_EQ(Show(RecordOf(header).subject), Ascii("x"));
   EXPECT_THAT(Fields(header), ElementsAre(Shown("Subject", "x")));
 }
 
-TEST_F(Header, SaysThatSomethingWithoutANameWasThrown) {
+TEST_F(Header, LogsAnExceptionWithoutATypeName) {
   StartObjectsWithFault("PluginObjectArrayInsertProc", {standin::Fault::Kind::kThrowsInt});
   const LogCapture log;
   const auto header = Build("A: 1\n\n");

@@ -21,14 +21,14 @@
 namespace zqv::test {
 namespace {
 
-// What the wrapped file functions do instead of the real ones.
-std::optional<long> g_length;     // told by ftell
-std::size_t g_missing_bytes = 0;  // not read by fread
+// Results with which the replaced file functions differ from the real ones.
+std::optional<long> g_length;     // returned by ftell
+std::size_t g_missing_bytes = 0;  // by which fread returns fewer than requested
 
 }  // namespace
 }  // namespace zqv::test
 
-// The linker puts these in the places of the functions that they are named after.
+// The linker uses these instead of the functions whose names they contain.
 extern "C" {
 long __real_ftell(std::FILE* stream);
 long __wrap_ftell(std::FILE* stream);
@@ -69,7 +69,7 @@ class Input : public EmailTest {
     return path;
   }
 
-  // The file's bytes, "nothing" when there are none to have.
+  // The bytes of the file; "nothing" when it could not be read.
   static std::string Read(const std::string& path) {
     const auto file = standin::MakeFolderItem(path);
     const auto read = objects::ReadFile(file.raw());
@@ -104,7 +104,7 @@ TEST_F(Input, BlockWithoutBytesIsEmpty) {
   EXPECT_EQ(objects::BlockBytes(standin::MakeMemoryBlockWithoutPointer(3).raw()).bytes(), "");
 }
 
-TEST_F(Input, BlockIsEmptyWhenTheHostCannotTell) {
+TEST_F(Input, BlockIsEmptyWhenTheHostCannotReadIt) {
   for (const char* name : {"memoryBlockGetSize", "memoryBlockGetPtr"}) {
     StartEmailWithFault(name);
     EXPECT_EQ(objects::BlockBytes(standin::MakeMemoryBlock("abc").raw()).bytes(), "");
@@ -154,13 +154,13 @@ TEST_F(Input, PipeIsNotOpenedAndNotWaitedFor) {
   EXPECT_EQ(TakeRaised(), kNotOpened);
 }
 
-TEST_F(Input, FileThatTellsFewerBytesThanItHasIsReadSoFar) {
+TEST_F(Input, FileThatReportsFewerBytesThanItHasIsReadUpToThem) {
   const std::string path = Write("file", "0123456789");
   g_length = 4;
   EXPECT_EQ(Read(path), "0123");
 }
 
-TEST_F(Input, FileThatGivesFewerBytesThanItTellsIsRefused) {
+TEST_F(Input, FileWithFewerBytesThanReportedIsRefused) {
   const std::string path = Write("file", "0123456789");
   g_missing_bytes = 1;
   EXPECT_EQ(Read(path), "nothing");
@@ -171,7 +171,7 @@ TEST_F(Input, FileThatGivesFewerBytesThanItTellsIsRefused) {
   EXPECT_EQ(TakeRaised(), kNotRead);
 }
 
-TEST_F(Input, FileThatTellsNoLengthIsRefused) {
+TEST_F(Input, FileThatReportsNoLengthIsRefused) {
   const std::string path = Write("file", "x");
   g_length = -1;
   EXPECT_EQ(Read(path), "nothing");
@@ -188,11 +188,11 @@ TEST_F(Input, FileTooLargeForMemoryIsRefused) {
   };
   EXPECT_EQ(read_within(1'003), 0U);
   EXPECT_EQ(TakeRaised(), kNoMemory);
-  EXPECT_EQ(read_within(1'004), 1'000U) << "four bytes more than the file has are enough";
+  EXPECT_EQ(read_within(1'004), 1'000U) << "four bytes more than the file has suffice";
 }
 
-// A directory tells such a length.
-TEST_F(Input, LengthThatLeavesNoRoomForFourBytesMoreIsRefused) {
+// ftell returns this length for a directory.
+TEST_F(Input, LengthToWhichFourCannotBeAddedIsRefused) {
   const std::string path = Write("file", "x");
   for (long less = 0; less < 4; ++less) {
     g_length = std::numeric_limits<long>::max() - less;
@@ -204,7 +204,7 @@ TEST_F(Input, LengthThatLeavesNoRoomForFourBytesMoreIsRefused) {
 TEST_F(Input, DirectoryIsNoMessage) {
   const auto folder = standin::MakeFolderItem(folder_.string());
   const auto read = objects::ReadFile(folder.raw());
-  // What a directory tells of its length is the file system's own.
+  // Whether a directory has a length depends on the file system.
   if (read.has_value()) {
     EXPECT_EQ(read->bytes(), "");
   } else {
@@ -212,20 +212,20 @@ TEST_F(Input, DirectoryIsNoMessage) {
   }
 }
 
-TEST_F(Input, SaysEachStep) {
+TEST_F(Input, LogsEachStep) {
   const std::string path = Write("file", "0123456789");
   const auto file = standin::MakeFolderItem(path);
   const LogCapture log;
   EXPECT_TRUE(objects::ReadFile(file.raw()).has_value());
   const std::string text = log.Text();
-  // The two lines in the middle name the same stream, wherever it lies.
+  // The second and third line show the same address of a stream, which differs from run to run.
   const std::string stream = text.substr(text.find("result ") + 7, 14);
   EXPECT_EQ(stream.substr(0, 2), "0x");
   EXPECT_EQ(text, "native path: " + path + "\n" +
                       Logged({"result " + stream, "f " + stream, "fileLen 10", "r 10"}));
 }
 
-TEST_F(Input, SaysWhatIsMissing) {
+TEST_F(Input, LogsAMissingPathAndFile) {
   const std::string path = folder_ / "none";
   const auto none = standin::MakeFolderItem(path);
   const auto nowhere = standin::MakeFolderItem("");

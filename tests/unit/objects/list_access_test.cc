@@ -94,7 +94,7 @@ TEST_F(ListAccess, RaisesForTheFirstElementOfAnEmptyList) {
             "is 0.");
 }
 
-TEST_F(ListAccess, RaisesNothingWithoutAListAndSaysSo) {
+TEST_F(ListAccess, WithoutAListRaisesNothingAndLogsIt) {
   const auto entity = EntityWithList(-1);
   const LogCapture log;
   EXPECT_EQ(List::At(entity.get(), -1), nullptr);

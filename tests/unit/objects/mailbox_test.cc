@@ -22,7 +22,7 @@ class Mailbox : public ObjectsTest {
     ObjectsTest::TearDown();
   }
 
-  // The record of a mailbox that an application made from a text.
+  // The record of a mailbox made from a text, as by an application.
   const MimeMailboxClassData& Make(std::string_view text) {
     mailbox_ = host::NewInstance<MimeMailboxClassData>();
     objects::MimeMailboxConstructor(mailbox_.get(), NewText(text).get());
@@ -97,7 +97,7 @@ TEST_F(Mailbox, MadeTwiceHoldsTheSecondText) {
 
 TEST_F(Mailbox, FromAnyNumberOfCommasIsMade) {
   Make(std::string(100'000, ','));
-  EXPECT_EQ(TakeRaised(), "") << "one mailbox is one entry";
+  EXPECT_EQ(TakeRaised(), "") << "a mailbox counts as one entry of the limit";
 }
 
 TEST_F(Mailbox, DestructorGivesEverythingBackInOrder) {
@@ -112,7 +112,7 @@ TEST_F(Mailbox, DestructorGivesEverythingBackInOrder) {
   objects::MimeMailboxDestructor(nullptr);
 }
 
-// The labels, or the texts of those that have none.
+// The label of each mailbox, or its text when it has no label.
 std::vector<std::string> TextsIn(abi::REALarray array) {
   std::vector<std::string> texts;
   for (const auto* mailbox : RecordsIn<MimeMailboxClassData>(array)) {

@@ -19,7 +19,7 @@ namespace {
 
 constexpr int kVersion = 13;
 
-// What the recording entry points hand on to, and what they saw.
+// The original functions, which the recording ones call, and the locks recorded.
 decltype(host::entry::REALUnlockString)::Function g_unlock_string = nullptr;
 decltype(host::entry::REALUnlockObject)::Function g_unlock_object = nullptr;
 std::vector<const void*> g_unlocked;
@@ -64,7 +64,7 @@ standin::Host& ObjectsTest::StartObjectsWithoutClass(const char* name) {
   return StartObjects(capabilities);
 }
 
-// Past the entry points, whose calls a test may count or make fail.
+// Registers without the entry points, because a test may count their calls or let them fail.
 void ObjectsTest::RegisterDefinition(abi::REALclassDefinition& definition) {
   host().classes().AnnounceVersion(kVersion);
   host().classes().Register(&definition, "a test");

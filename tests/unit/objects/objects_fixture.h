@@ -1,7 +1,7 @@
-// A test with a stand-in host that knows the classes of a parsed message.
+// A test fixture with a stand-in host in which the classes of a parsed message are registered.
 //
-// The classes are made up: the real records and destructors under the real names, without members.
-// So the objects are tested without the tables that the plug-in registers.
+// The classes have the real names, records and destructors, but no members. The tests thus do not
+// depend on the class tables of the plug-in.
 #pragma once
 
 #include <cstddef>
@@ -21,24 +21,24 @@
 
 namespace zqv::test {
 
-// The definition of a class with a record of `size` bytes, which may be 0.
+// A class definition with a record of `size` bytes; 0 means no record.
 abi::REALclassDefinition MadeUpClass(const char* name, std::size_t size,
                                      void (*destructor)(abi::REALobject),
                                      const char* super = nullptr);
 
 class ObjectsTest : public HostTest {
  protected:
-  // Starts a complete host; a test that needs another one starts it instead.
+  // Starts a complete host. A test that needs another host starts that one afterwards.
   void SetUp() override { StartObjects(); }
 
-  // Starts a host and registers the nine classes of this layer.
+  // Starts a host and registers the nine classes of a parsed message.
   standin::Host& StartObjects(const standin::Capabilities& capabilities = {});
-  // The same for a host in which one entry point misbehaves, or is missing.
+  // Does the same with a host in which one entry point fails, or is missing.
   standin::Host& StartObjectsWithFault(const char* name, standin::Fault fault = {});
-  // The same for a host that can make no instance of one class.
+  // Does the same with a host that cannot create instances of one class.
   standin::Host& StartObjectsWithoutClass(const char* name);
 
-  // Registers a class with a record, a destructor and no members, and binds the record.
+  // Registers a class with a record and a destructor, without members, and binds the record.
   template <class Record, void (*kDestructor)(abi::REALobject)>
   void RegisterClass(const char* name) {
     static abi::REALclassDefinition definition;
@@ -46,16 +46,16 @@ class ObjectsTest : public HostTest {
     RegisterDefinition(definition);
     host::BindRecord<Record>(&definition);
   }
-  // The definition must outlive the host.
+  // Registers a class. The definition must outlive the host.
   void RegisterDefinition(abi::REALclassDefinition& definition);
 
-  // From now on Unlocked() tells which strings and objects got a lock given back by the library,
-  // in that order.
+  // From this call on, Unlocked() lists the strings and objects of which the library gave a lock
+  // back, in the order of the unlocks.
   void RecordUnlocks();
   static const std::vector<const void*>& Unlocked();
 };
 
-// A message with its own bytes.
+// A parsed message that owns its bytes.
 struct ParsedMessage {
   explicit ParsedMessage(std::string_view text) : bytes(text), message(bytes) {}
   mime::Header Header() const { return message.HeaderOf(message.top()); }
@@ -65,21 +65,21 @@ struct ParsedMessage {
 };
 std::unique_ptr<const ParsedMessage> Parse(std::string_view message);
 
-// What a stored string holds; see Show of a string.
+// Shows the string in a slot as Show does for a string reference.
 std::string Show(const host::StringSlot& slot);
-// The same texts for the encodings in which bytes without a charset come out.
+// Show's text for bytes in the encodings that the library gives to bytes without a charset.
 std::string Ascii(std::string_view bytes);
 std::string Utf8(std::string_view bytes);
 std::string MacRoman(std::string_view bytes);
 
-// Something that takes one of the host's counts, for records that are filled by hand.
+// Makes a host string, for records that a test fills by hand. [new lock]
 host::StringRef NewText(std::string_view bytes);
 host::ObjectRef NewThing();
 
-// The locks of a host string, object or array.
+// The number of locks of a host string, object or array.
 std::int64_t LocksOf(const void* thing);
 
-// The records of an array's elements, which live as long as the array.
+// The records of an array's elements. They are valid as long as the array lives.
 template <class Record>
 std::vector<Record*> RecordsIn(abi::REALarray array) {
   std::vector<Record*> records;

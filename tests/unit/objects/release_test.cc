@@ -19,7 +19,8 @@
 namespace zqv::test {
 namespace {
 
-// The queue asks for its memory in this way, and nothing else here does.
+// Whether nothrow new succeeds. Only the queue of the waiting lists uses nothrow new in this
+// program.
 bool g_has_memory = true;
 
 }  // namespace
@@ -44,15 +45,15 @@ class Release : public ObjectsTest {
     ObjectsTest::TearDown();
   }
 
-  // A body with the list of its parts, which has `count` entities with a body each. The lists are
-  // kept by address, the outer one first.
+  // A body whose list has `count` entities with a body each. `lists_` keeps the addresses of all
+  // lists, the outer one first.
   host::ObjectRef NewTree(std::size_t count) {
     host::ObjectRef top = NewBody();
     for (std::size_t i = 0; i < count; ++i) AddEntity(ListOf(top), NewBody());
     return top;
   }
 
-  // As deep as there are levels.
+  // A body that contains a list with one body, which contains another such list, and so on.
   host::ObjectRef NewChain(std::size_t levels) {
     host::ObjectRef body = NewBody();
     for (std::size_t i = 0; i < levels; ++i) {
@@ -63,7 +64,7 @@ class Release : public ObjectsTest {
     return body;
   }
 
-  // The lists among the things that were given back, in that order.
+  // The addresses of the lists that were given back, in that order.
   std::vector<const void*> UnlockedLists() const {
     std::vector<const void*> lists;
     for (const void* thing : Unlocked()) {
@@ -109,8 +110,8 @@ TEST_F(Release, GivesTheListBackAtOnce) {
 
 class ReleaseOfMany : public Release, public ::testing::WithParamInterface<std::size_t> {};
 
-// The lists inside wait until the outer one is gone, and are then given back newest first: those
-// that have a place on the stack and those that have not.
+// Inner lists wait until the outer list is gone, and are then given back newest first. The first 32
+// lists wait on the stack, all others in allocated memory.
 TEST_P(ReleaseOfMany, GivesTheListsInsideBackAfterTheOuterOne) {
   host::ObjectRef top = NewTree(GetParam());
   RecordUnlocks();
@@ -132,7 +133,8 @@ TEST_F(Release, GivesListsBackAtOnceWhenThereIsNoMemoryForThemToWait) {
   EXPECT_EQ(std::set<const void*>(unlocked.begin(), unlocked.end()).size(), 101U);
   EXPECT_EQ(unlocked.size(), 101U);
   EXPECT_EQ(unlocked.front(), lists_.front());
-  // Some have a place without memory of their own; the rest goes in the order of the message.
+  // The lists for which the queue has places without allocating wait. The others are given back at
+  // once, in the order of the message.
   const auto first = std::find(lists_.begin() + 1, lists_.end(), unlocked[1]);
   EXPECT_THAT(
       std::vector<const void*>(unlocked.begin() + 1, unlocked.begin() + 1 + (lists_.end() - first)),
@@ -148,8 +150,8 @@ TEST_F(Release, QueueIsUsedAgain) {
   }
 }
 
-// However deep the tree, a few of the host's frames are all that lies on the stack.
-TEST_F(Release, NeedsNoStackForWhatIsNested) {
+// The host's calls never nest deeper than a few frames, however deep the tree is.
+TEST_F(Release, NeedsNoStackForNesting) {
   standin::Capabilities capabilities;
   capabilities.release_stack = 4'000;
   StartObjects(capabilities);

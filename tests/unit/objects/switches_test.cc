@@ -11,7 +11,7 @@ namespace {
 using test::LogCapture;
 using test::Logged;
 
-// The switches are off again after each.
+// Turns the switches off after each test.
 class Switches : public ::testing::Test {
  protected:
   ~Switches() override {

@@ -16,7 +16,7 @@ namespace {
 using test::Logged;
 using test::Shown;
 
-// What the host sees of encoded words; text/encoded_word_test.cc has the rest.
+// Encoded words as host strings; text/encoded_word_test.cc tests the decoding itself.
 class HostWords : public test::HostTest {
  protected:
   ~HostWords() override { setRaiseUnknownFormatExceptions(0); }
@@ -68,7 +68,7 @@ TEST_F(HostWords, UnknownCharsetLeavesTheTextUnchanged) {
   EXPECT_EQ(TakeRaised(), "");
 }
 
-// The charset is reported first, and the first exception is the one that stays pending.
+// The unknown charset raises first. A second exception does not replace one that is pending.
 TEST_F(HostWords, UnknownCharsetRaisesWhenAskedTo) {
   setRaiseUnknownFormatExceptions(1);
   EXPECT_EQ(Decoded("=?f-o?Q?a?="), Ascii("=?f-o?Q?a?="));
@@ -77,7 +77,7 @@ TEST_F(HostWords, UnknownCharsetRaisesWhenAskedTo) {
   EXPECT_EQ(host().CallCount("RuntimeRaiseException"), 2u);
 }
 
-// "binary" is in the table with the value of an unknown charset.
+// The table of charsets has a row "binary" whose value is that of an unknown charset.
 TEST_F(HostWords, CharsetWithoutEncodingRaisesWhenAskedTo) {
   setRaiseUnknownFormatExceptions(1);
   EXPECT_EQ(Decoded("=?binary?Q?a=20b?="), Ascii("=?binary?Q?a=20b?="));

@@ -112,8 +112,8 @@ constexpr FlagRow kFlags[] = {
 INSTANTIATE_TEST_SUITE_P(Hosts, Flags, ::testing::ValuesIn(kFlags),
                          [](const auto& row) { return row.param.name; });
 
-// Registration changes the tables in place, once in the life of a process; so each test puts back
-// what it found.
+// Registration changes the class tables in place, once in the life of a process. Each test
+// therefore restores the tables.
 class Registration : public HostTest {
  protected:
   Registration() {
@@ -125,7 +125,7 @@ class Registration : public HostTest {
     plugin::CurrentREALControlVersion = 15;
   }
 
-  // Runs the exported function as a host of that version does.
+  // Calls the exported function as a host with these capabilities does.
   standin::Host& Register(const standin::Capabilities& capabilities) {
     Start(capabilities);
     REALPluginMain(host().resolver());
@@ -311,7 +311,8 @@ TEST_F(Registration, GivesOldHostsTheDatesOnAllTargets) {
   }
 }
 
-// The host writes where each record lies, and the library finds it by that.
+// The host writes the offset of each record into the definition, and the library finds records by
+// it.
 TEST_F(Registration, BindsEachRecordToItsClass) {
   RegisterVersion(2024.1);
   const auto entity = host::NewInstance<objects::MimeEntityClassData>();
@@ -333,7 +334,7 @@ TEST_F(Registration, AttachmentKeepsBothOrders) {
   EXPECT_EQ(names[5], "MimeType");
 }
 
-// Every row of every table against the list written by hand.
+// Compares every row of every table with expected_classes.cc, which is written by hand.
 class ClassTable : public Registration, public ::testing::WithParamInterface<std::size_t> {
  protected:
   static ExpectedClass Expected() { return ExpectedClasses()[GetParam()]; }

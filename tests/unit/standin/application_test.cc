@@ -1,4 +1,4 @@
-// What an application does with classes of a plug-in, and what the host notices meanwhile.
+// Calls of an application on a plug-in's classes, and the errors that the host detects in them.
 #include "standin/application.h"
 
 #include <stdexcept>
@@ -92,7 +92,8 @@ TEST_F(ApplicationTest, EveryKindOfPropertyIsRead) {
   EXPECT_EQ(std::get<double>(Get(animal, "Half")), 2.0);
   EXPECT_EQ(std::get<bool>(Get(animal, "IsBig")), false);
   EXPECT_EQ(std::get<std::int64_t>(Get(animal, "Count")), 0);
-  EXPECT_EQ(std::get<std::int64_t>(Get(animal, "Param")), 99) << "a getter receives its param";
+  EXPECT_EQ(std::get<std::int64_t>(Get(animal, "Param")), 99)
+      << "a getter receives the param of its row";
   const Value loud = Get(animal, "LoudName");
   EXPECT_EQ(BytesOf(loud), "Tom!");
   EXPECT_EQ(std::get<String>(loud).locks(), 1);
@@ -118,7 +119,7 @@ TEST_F(ApplicationTest, ArraysAreObjects) {
   const Object tom = NewAnimal("Tom");
   const Object rex = NewDog("Rex");
   Call(tom, "Befriend", rex);
-  EXPECT_EQ(rex.locks(), 3) << "the handle, the record and the array";
+  EXPECT_EQ(rex.locks(), 3) << "one held by the handle, one by the record, one by the array";
   const Object friends = ObjectOf(Call(tom, "Friends as Animal()"));
   ASSERT_TRUE(friends.IsArray());
   EXPECT_EQ(friends.Size(), 1);
@@ -173,7 +174,7 @@ TEST_F(ApplicationTest, PendingExceptionIsThrownAndTheResultReleased) {
     EXPECT_EQ(exception.error_number, 17);
     EXPECT_STREQ(exception.what(), "IOException: \xC3\xA4");
   }
-  EXPECT_EQ(host().ledger().Live().objects, 1) << "the animal alone is left";
+  EXPECT_EQ(host().ledger().Live().objects, 1) << "only the animal is left";
   EXPECT_THROW(Call(animal, "Friends", 0), HostException);
   EXPECT_EQ(std::get<std::int64_t>(Call(animal, "Add", 1, 1)), 2) << "delivered once";
 }
@@ -181,7 +182,7 @@ TEST_F(ApplicationTest, PendingExceptionIsThrownAndTheResultReleased) {
 TEST_F(ApplicationTest, ExceptionOfAGetterIsThrown) {
   const Object keeper = NewInstance("Keeper");
   EXPECT_THROW(Get(keeper, "Mood"), HostException);
-  EXPECT_EQ(host().ledger().Live().Total(), 1) << "the result was given back";
+  EXPECT_EQ(host().ledger().Live().Total(), 1) << "the getter's result was released";
 }
 
 TEST_F(ApplicationTest, FailedConstructorLeavesNothing) {
@@ -189,7 +190,7 @@ TEST_F(ApplicationTest, FailedConstructorLeavesNothing) {
   EXPECT_EQ(host().ledger().Live().Total(), 0);
 }
 
-TEST_F(ApplicationTest, ExceptionOutsideACallIsAStray) {
+TEST_F(ApplicationTest, ReportsAnExceptionOutsideACall) {
   const Object animal = NewAnimal("Tom");
   const Object exception = NewInstance("IOException");
   api().RuntimeRaiseException(exception.raw());
@@ -198,7 +199,7 @@ TEST_F(ApplicationTest, ExceptionOutsideACallIsAStray) {
   EXPECT_EQ(exception.locks(), 1);
 }
 
-TEST_F(ApplicationTest, MistakesOfTheCaller) {
+TEST_F(ApplicationTest, RefusesWrongArguments) {
   const Object animal = NewAnimal("Tom");
   EXPECT_THROW(NewInstance("Unicorn"), std::invalid_argument);
   EXPECT_THROW(Get(animal, "Horn"), std::invalid_argument);
@@ -211,7 +212,7 @@ TEST_F(ApplicationTest, MistakesOfTheCaller) {
   EXPECT_THROW(Call(animal, "Invert", 1), std::invalid_argument);
   EXPECT_THROW(Call(animal, "Add(a as Integer) as Integer", 1), std::invalid_argument);
   EXPECT_THROW(Construct("Animal", "Constructor", nullptr), std::invalid_argument)
-      << "nil fits both constructors";
+      << "a nil argument matches both constructors";
   EXPECT_THROW(Construct("Animal", "Invert", true), std::invalid_argument);
   EXPECT_THROW(Get(ObjectOf(Call(animal, "Friends")), "Name"), std::invalid_argument);
 }
@@ -227,7 +228,7 @@ TEST_F(ApplicationTest, NilFitsAWholeDeclaration) {
   EXPECT_TRUE(IsNil(Get(animal, "Name")));
 }
 
-TEST_F(ApplicationTest, FunctionBehindAMethod) {
+TEST_F(ApplicationTest, FindsTheFunctionOfAMethod) {
   using Function = abi::RBInteger (*)(abi::REALobject, abi::RBInteger, abi::RBInteger);
   const auto function = reinterpret_cast<Function>(
       FunctionOf("Animal", "Add(a as Integer, b as Integer) as Integer"));
@@ -255,7 +256,7 @@ TEST_F(ApplicationDeathTest, ResultOfTheWrongType) {
   EXPECT_DEATH(Call(animal, "BadBoolean"), "neither 0 nor 1");
 }
 
-TEST_F(ApplicationDeathTest, FieldsThatHoldNonsense) {
+TEST_F(ApplicationDeathTest, FieldsWithInvalidContents) {
   const Object animal = NewAnimal("Tom");
   EXPECT_DEATH(
       {

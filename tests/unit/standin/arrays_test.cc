@@ -36,7 +36,7 @@ class ArraysTest : public HostTest {
         array, index);
   }
 
-  // The array of the plug-in's own layout test, with its two values set.
+  // An array like the one with which the library tests the layout, with the same two values.
   abi::REALarray NewTestArray() {
     const abi::REALarray array = NewArray(kIntegers, 1234);
     Set(array, 0, 12345);
@@ -99,7 +99,7 @@ TEST_F(ArraysTest, InsertInFrontMovesTheRest) {
   const abi::REALobject second = api().RuntimeDirectReadObjectArray(array, 1);
   EXPECT_EQ(first, b);
   EXPECT_EQ(second, a);
-  EXPECT_EQ(Locks(a), 3) << "ours, the array's, the one just read";
+  EXPECT_EQ(Locks(a), 3) << "one held by the test, one by the array, one by the element just read";
   EXPECT_EQ(api().RuntimeDirectReadObjectArray(array, 2), nullptr);
   for (const abi::REALobject object : {a, b, first, second}) api().REALUnlockObject(object);
   Free(array);
@@ -140,7 +140,7 @@ TEST_F(ArraysDeathTest, ReadingObjectsFromAnIntegerArray) {
   Free(integers);
 }
 
-TEST_F(ArraysTest, ProceduresOnlyForTheFittingElements) {
+TEST_F(ArraysTest, OffersProceduresForItsKindOfElementOnly) {
   Start();
   const abi::REALarray objects = NewArray(kObjects, -1);
   const abi::REALarray integers = NewArray(kIntegers, -1);
@@ -203,11 +203,11 @@ TEST_F(ArraysTest, StorageFollowsInsertions) {
   Free(array);
 }
 
-// Each broken layout is wrong in exactly one of the six respects that are tested.
+// Each broken layout has exactly one wrong value among the six that the library's self-test checks.
 struct Broken {
   const char* name;
   ArrayLayout layout;
-  int wrong;  // which of the six checks fails
+  int wrong;  // index of the check that fails
 };
 class BrokenLayoutTest : public ArraysTest, public ::testing::WithParamInterface<Broken> {};
 
@@ -226,7 +226,7 @@ TEST_P(BrokenLayoutTest, BreaksOneCheckOnly) {
   for (int check = 0; check < 6; ++check) {
     EXPECT_EQ(passes[check], check != GetParam().wrong) << "check " << check;
   }
-  EXPECT_EQ(GetAt(array, 0), 12345) << "the host's own procedures still work";
+  EXPECT_EQ(GetAt(array, 0), 12345) << "the host's own procedures do not use the broken value";
   EXPECT_EQ(GetAt(array, 9), 123456);
   EXPECT_EQ(api().RuntimeUBound(array), 1234);
   EXPECT_EQ(Locks(array), 1);

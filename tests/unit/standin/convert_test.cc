@@ -19,7 +19,7 @@ struct Pair {
 
 std::ostream& operator<<(std::ostream& out, const Pair& pair) { return out << pair.name; }
 
-// The character codes are those of the encodings' own published tables.
+// The bytes are taken from the encodings' published code tables.
 const Pair kPairs[] = {
     {"MacRoman", 0x0000, "\x8A\xDB", "\xC3\xA4\xE2\x82\xAC"},
     {"MacCyrillic", 0x0007, "\x80", "\xD0\x90"},
@@ -77,7 +77,8 @@ TEST(ConvertTest, InvalidSourceFails) {
   EXPECT_EQ(Convert("\xED\xA0\x80", abi::kUtf8, abi::kUtf32), std::nullopt) << "surrogate";
   EXPECT_EQ(Convert("\xF4\x90\x80\x80", abi::kUtf8, abi::kUtf32), std::nullopt) << "too large";
   EXPECT_EQ(Convert("\x00\xD8"s, abi::kUtf16LittleEndian, abi::kUtf8), std::nullopt);
-  EXPECT_EQ(Convert("\x41"s, abi::kUtf16LittleEndian, abi::kUtf8), std::nullopt) << "half a unit";
+  EXPECT_EQ(Convert("\x41"s, abi::kUtf16LittleEndian, abi::kUtf8), std::nullopt)
+      << "half a UTF-16 unit";
   EXPECT_EQ(Convert("\x81", abi::kWindowsLatin1, abi::kUtf8), std::nullopt) << "no character";
 }
 
@@ -131,8 +132,8 @@ TEST(ConvertTest, LongTextGrowsTheBuffer) {
 
 TEST(ConvertTest, EmptyTextConverts) { EXPECT_EQ(Convert("", abi::kUtf8, abi::kUtf16), ""); }
 
-// The short cut for ASCII text must agree with what iconv itself says of each such byte.
-TEST(ConvertTest, ShortCutAgreesWithIconv) {
+// ASCII text is converted without iconv. For each such byte the result must be the one of iconv.
+TEST(ConvertTest, AsciiIsConvertedAsByIconv) {
   int encodings = 0;
   for (abi::Encoding encoding = 0; encoding < 0x0B00; ++encoding) {
     if (!IsKnownEncoding(encoding)) continue;

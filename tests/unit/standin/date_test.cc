@@ -20,7 +20,7 @@ TEST(DateTest, CountsSecondsFrom1904) {
   EXPECT_EQ(date.total_seconds(), 0.0);
   ASSERT_TRUE(date.SetFields({1904, 1, 2, 0, 0, 1}));
   EXPECT_EQ(date.total_seconds(), 86'401.0);
-  // The epoch of 1970 lies 66 years and 17 leap days later: 24107 days.
+  // 1970 begins 66 years with 17 leap days after 1904, which is 24,107 days.
   ASSERT_TRUE(date.SetFields({1970, 1, 1, 0, 0, 0}));
   EXPECT_EQ(date.total_seconds(), 2'082'844'800.0);
   ASSERT_TRUE(date.SetFields({2019, 1, 1, 10, 0, 0}));
@@ -99,7 +99,7 @@ TEST(DateTest, EveryDayOfFourCenturiesComesBack) {
   EXPECT_EQ(year, 2200);
 }
 
-TEST(DateTest, ValuesBeyondReckoningAreRefused) {
+TEST(DateTest, RefusesValuesOutOfRange) {
   Date date;
   const std::string before = date.IsoText();
   EXPECT_FALSE(date.SetField(Date::kYear, std::numeric_limits<std::int64_t>::max()));

@@ -32,7 +32,7 @@ TEST(DeclarationTest, ArrayResult) {
   EXPECT_TRUE(declaration->result.is_array);
 }
 
-TEST(DeclarationTest, WhatDoesNotParse) {
+TEST(DeclarationTest, RejectsMalformedText) {
   for (const char* text :
        {"", "(a as Integer)", "Add(a as Integer", "Add(a)", "Add(a as)", "Add(as Integer)",
         "Add(a as Integer,)", "Add as", "Add as Integer(", "Add as Integer() x", "Add Integer",

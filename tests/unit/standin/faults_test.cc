@@ -1,4 +1,4 @@
-// Counting, faults, and what the resolver offers.
+// Counts of calls, injected faults, and the entry points that the resolver offers.
 #include <stdexcept>
 
 #include "standin/invoke.h"
@@ -17,7 +17,7 @@ class FaultsTest : public HostTest {
 };
 using FaultsDeathTest = FaultsTest;
 
-TEST_F(FaultsTest, EveryListedEntryPointButOneIsOffered) {
+TEST_F(FaultsTest, OffersEveryListedEntryPointButOne) {
   Start();
   int offered = 0;
 #define ZQV_ENTRY_POINT(name, result, arguments, ownership) \
@@ -41,14 +41,14 @@ TEST_F(FaultsTest, PlatformStringsWhenGiven) {
   api().REALUnlockString(string);
 }
 
-TEST_F(FaultsTest, StrangeNamesAreNull) {
+TEST_F(FaultsTest, UnknownNamesResolveToNull) {
   Start();
   EXPECT_EQ(host().resolver()("REALNoSuchThing"), nullptr);
   EXPECT_EQ(host().resolver()("reallockobject"), nullptr);
   EXPECT_EQ(host().StrangeNames(), 2U);
 }
 
-TEST_F(FaultsTest, CountsCallsAndAskings) {
+TEST_F(FaultsTest, CountsCallsAndLookUps) {
   Start();
   EXPECT_EQ(host().ResolveCount("REALGetRBVersion"), 1U);
   host().resolver()("REALGetRBVersion");
@@ -111,10 +111,10 @@ TEST_F(FaultsTest, BrokenLocksMakeThingsImmortal) {
   EXPECT_EQ(Bytes(string), "a");
   const abi::REALobject date = api().PluginNewInstance("Date");
   api().REALUnlockObject(date);
-  EXPECT_EQ(host().ledger().Live().objects, 0) << "objects are counted as ever";
+  EXPECT_EQ(host().ledger().Live().objects, 0) << "objects are still counted";
 }
 
-TEST_F(FaultsTest, VersionIsTold) {
+TEST_F(FaultsTest, ReportsTheVersion) {
   Capabilities capabilities;
   capabilities.version = 2013.035;
   Start(capabilities);
@@ -126,7 +126,8 @@ bool seen_before = false;
 bool seen_inside_entry = false;
 bool seen_after = false;
 
-// Stands for a function of the plug-in that calls an entry point.
+// Stands for a function of the plug-in. It calls an entry point and records whether InPlugin holds
+// before, during and after the call.
 void NoteWhere() {
   seen_before = InPlugin();
   api_of_plugin->REALGetStringCFString(nullptr, 0);

@@ -1,5 +1,5 @@
-// A running stand-in host for one test, its entry points by name, and a check at the end that
-// nothing is outstanding.
+// A test fixture that runs a stand-in host and offers its entry points by name. At its end, a test
+// fails if the plug-in still holds a lock.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@
 
 namespace zqv::standin {
 
-// Every entry point as the plug-in sees it: asked of the resolver by name, null when missing.
+// All entry points as a plug-in gets them: resolved by name, null when missing.
 struct Api {
   using PlatformString = abi::PlatformString;
   using RBBoolean = abi::RBBoolean;

@@ -43,7 +43,7 @@ TEST_F(LibraryTest, NullResolver) {
   EXPECT_TRUE(host().classes().registered().empty());
 }
 
-TEST_F(LibraryTest, SecondHostMayFollow) {
+TEST_F(LibraryTest, AcceptsASecondHostAfterTheFirst) {
   for (int i = 0; i < 2; ++i) {
     StartWithPlugin();
     EXPECT_EQ(Construct("Animal", "Constructor(Name as String)", MakeString("x")).locks(), 1);
@@ -56,7 +56,8 @@ TEST_F(LibraryTest, MissingRegistrationIsNoMisuseOfThePlugin) {
   capabilities.faults["PluginRegisterClass"] = {Fault::Kind::kNothing, 1, 1};
   StartWithPlugin(capabilities);
   ASSERT_EQ(host().classes().registered().size(), 1U);
-  EXPECT_EQ(host().classes().registered()[0]->name, "Keeper") << "Dog lacks its super class";
+  EXPECT_EQ(host().classes().registered()[0]->name, "Keeper")
+      << "Dog cannot be registered without its super class";
 }
 
 TEST_F(LibraryTest, ListingShowsEverythingRegistered) {

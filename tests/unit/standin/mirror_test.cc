@@ -83,7 +83,8 @@ TEST_F(MirrorTest, RepeatsSharedThingsOnRequest) {
 
 TEST_F(MirrorTest, DeepTreesDoNotExhaustTheStack) {
   constexpr int kLinks = 20'000;
-  // Held one by one and freed from the top down, so that no destructor calls the next.
+  // The handles keep every animal alive until the vector is cleared from its start, so that no
+  // destructor runs another.
   std::vector<Object> all = {NewAnimal("0")};
   for (int i = 1; i < kLinks; ++i) {
     all.push_back(NewAnimal("x"));
@@ -100,7 +101,7 @@ TEST_F(MirrorTest, DeepTreesDoNotExhaustTheStack) {
   });
 }
 
-TEST_F(MirrorTest, TextIsUtf8WhereItCanBeHad) {
+TEST_F(MirrorTest, TextIsUtf8WhereItConverts) {
   EXPECT_EQ(MirrorText(MakeString("\xE4", abi::kIsoLatin1)),
             Json({{"text", "\xC3\xA4"}, {"encoding", "ISO-8859-1"}}));
   EXPECT_EQ(MirrorText(MakeString("abc", abi::kUnknownEncoding)),
@@ -117,7 +118,7 @@ TEST_F(MirrorTest, UndecodableBytesAreEscaped) {
 
 TEST_F(MirrorTest, NilIsNull) { EXPECT_EQ(Mirror(Object()), Json(nullptr)); }
 
-TEST_F(MirrorTest, ExceptionsAreLetThrough) {
+TEST_F(MirrorTest, PropagatesExceptions) {
   EXPECT_THROW(Mirror(NewInstance("Keeper")), HostException);
 }
 

@@ -1,4 +1,4 @@
-// The host's own classes through the entry points: Date, MemoryBlock, FolderItem, exceptions.
+// The host's own classes, used through entry points: Date, MemoryBlock, FolderItem, exceptions.
 #include "standin/native.h"
 
 #include "tests/unit/standin/fixture.h"

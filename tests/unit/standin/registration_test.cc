@@ -1,4 +1,5 @@
-// What the host demands of a class definition, each rule by a definition that breaks it alone.
+// The rules that the host checks in a class definition. For each rule, a definition breaks only
+// that one.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -15,7 +16,7 @@ void Nothing() {}
 
 const abi::REALproc kRecordGetter = reinterpret_cast<abi::REALproc>(~std::uintptr_t{0});
 
-// A faultless definition with one member of each kind, to be broken by a test.
+// A valid definition with one member of each kind. A test changes it to break a rule.
 struct Sample {
   abi::REALproperty properties[2] = {};
   abi::REALmethodDefinition methods[2] = {};
@@ -148,7 +149,7 @@ TEST_F(RegistrationTest, BelowVersion11TheLastFieldsAreNotRead) {
   munmap(memory, 2 * page);
 }
 
-TEST_F(RegistrationDeathTest, TypesMustBeKnownInTheEnd) {
+TEST_F(RegistrationDeathTest, TypesMustBeRegisteredAtTheEnd) {
   Sample sample;
   sample.properties[0].type = "LaterClass";
   api().PluginRegisterClass(&sample.definition);

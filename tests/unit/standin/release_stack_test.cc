@@ -1,4 +1,5 @@
-// The stack that a host with large frames takes for each release.
+// Tests of Capabilities::release_stack: the stack that each release of an object uses, as in a host
+// with large frames.
 #include <cstddef>
 #include <cstdint>
 
@@ -9,9 +10,10 @@ namespace zqv::standin {
 namespace {
 
 constexpr std::size_t kStack = 100'000;
-constexpr std::size_t kSlack = 20'000;  // for the host's own frames, which vary with the compiler
+constexpr std::size_t kSlack =
+    20'000;  // for the stand-in's own frames, whose size depends on the compiler
 
-// Where the last destructor's frame lay.
+// The address of the last destructor's frame.
 std::uintptr_t g_frame = 0;
 
 void NoteFrame(abi::REALobject) {
@@ -32,8 +34,8 @@ class ReleaseStackTest : public HostTest {
     api().PluginRegisterClass(&definition_);
   }
 
-  // How far below this function's frame the destructor's lies when an object is released that lies
-  // in so many arrays, one in the other.
+  // Releases an object inside `arrays` nested arrays. Returns the distance in bytes between this
+  // function's frame and the destructor's.
   std::size_t DepthOfRelease(int arrays) {
     abi::REALobject thing = api().PluginNewInstance("Framed");
     for (int i = 0; i < arrays; ++i) {
@@ -53,7 +55,7 @@ class ReleaseStackTest : public HostTest {
 };
 using ReleaseStackDeathTest = ReleaseStackTest;
 
-TEST_F(ReleaseStackTest, NoneUnlessAskedFor) {
+TEST_F(ReleaseStackTest, IsNotUsedByDefault) {
   StartWithClass(0);
   EXPECT_LT(DepthOfRelease(0), kSlack);
 }
@@ -79,7 +81,7 @@ TEST_F(ReleaseStackDeathTest, IsReallyUsed) {
   EXPECT_DEATH(test::RunOnStack(test::kSmallStack, [this] { DepthOfRelease(0); }), "");
 }
 
-// A string's release is no object's.
+// Releasing a string does not use that stack.
 TEST_F(ReleaseStackTest, StringsTakeNone) {
   StartWithClass(1024 * 1024);
   test::RunOnStack(test::kSmallStack, [this] { api().REALUnlockString(Build("text")); });

@@ -11,7 +11,7 @@ class StringsTest : public HostTest {
  protected:
   void SetUp() override { Start(); }
 
-  // Takes over both strings.
+  // Unlocks both strings.
   std::string Sum(abi::REALstring left, abi::REALstring right, abi::Encoding* encoding) {
     const abi::REALstring sum = api().RuntimeAddString(left, right);
     *encoding = api().REALGetStringEncoding(sum);
@@ -20,7 +20,7 @@ class StringsTest : public HostTest {
     return bytes;
   }
 
-  // Takes over both strings.
+  // Unlocks both strings.
   int Compare(abi::REALstring left, abi::REALstring right) {
     const abi::RBInteger result = api().RuntimeStringCompare(left, right);
     api().REALUnlockString(left);
@@ -97,15 +97,15 @@ TEST_F(StringsTest, DataInUtf32) {
   std::memcpy(units, data.data, sizeof units);
   EXPECT_EQ(units[0], 0x61U);
   EXPECT_EQ(units[1], 0x1F600U);
-  EXPECT_EQ(units[2], 0U) << "the text is followed by a zero unit";
+  EXPECT_EQ(units[2], 0U) << "a zero unit follows the text";
   api().REALUnlockString(string);
   std::memcpy(units, data.data, sizeof units);
-  EXPECT_EQ(units[1], 0x1F600U) << "the data lives until it is given back";
+  EXPECT_EQ(units[1], 0x1F600U) << "the data is valid until it is given back";
   api().PluginDisposeStringData(&data);
   EXPECT_EQ(data.data, nullptr);
 }
 
-TEST_F(StringsTest, DataThatCannotBeHad) {
+TEST_F(StringsTest, DataFailsForTextThatCannotBeConverted) {
   const abi::REALstring string = Build("\xFF", abi::kUtf8);
   abi::REALstringData data;
   EXPECT_EQ(api().PluginGetStringData(string, abi::kUtf32, &data), 0);
@@ -145,7 +145,7 @@ TEST_F(StringsTest, AddWithNil) {
   EXPECT_EQ(encoding, 0x0201U);
 }
 
-TEST_F(StringsTest, AddOfWhatCannotBeConverted) {
+TEST_F(StringsTest, AddOfTextThatCannotBeConverted) {
   abi::Encoding encoding = 0;
   EXPECT_EQ(Sum(Build("\xFF", abi::kUtf8), Build("@", abi::kAscii), &encoding), "\xFF@");
   EXPECT_EQ(encoding, 0xFFFFU);

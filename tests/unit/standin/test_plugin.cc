@@ -1,7 +1,7 @@
-// A small plug-in of made-up classes, which does on request what no plug-in may do.
+// A small plug-in of test classes. On request it breaks the rules of the interface.
 //
-// Animal has a record of every kind of field; Dog derives from it without a record of its own;
-// Keeper cannot be constructed by an application.
+// Animal has a record with every kind of field. Dog derives from it without a record of its own. An
+// application cannot construct a Keeper.
 #include <array>
 #include <cstdint>
 #include <cstring>

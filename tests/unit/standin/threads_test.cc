@@ -1,5 +1,5 @@
-// Several threads in one host: exceptions stay with their thread, nothing is lost from a count, and
-// functions of the plug-in run side by side.
+// Several threads in one host: an exception belongs to its thread, counts are exact, and functions
+// of the plug-in run at the same time.
 #include <array>
 #include <chrono>
 #include <condition_variable>
@@ -18,10 +18,10 @@ using test::InThreads;
 
 constexpr int kThreads = 8;
 
-// Where two threads wait for each other.
+// A barrier for two threads.
 class Meeting {
  public:
-  // False when nobody else came.
+  // Returns false when the other thread has not arrived in 20 seconds.
   bool Wait() {
     std::unique_lock<std::mutex> lock(mutex_);
     ++present_;
@@ -35,9 +35,9 @@ class Meeting {
   int present_ = 0;
 };
 
-// What the class's functions work with; set while there is one thread.
+// The entry points for the functions of the class; set before any thread is started.
 const Api* g_api = nullptr;
-// Where threads meet in a function of that kind; null: they do not.
+// Barriers in the functions of the class; null: the function does not wait.
 Meeting* g_in_constructor = nullptr;
 Meeting* g_in_method = nullptr;
 Meeting* g_at_end_of_method = nullptr;
@@ -45,7 +45,7 @@ Meeting* g_in_destructor = nullptr;
 
 void MeetIn(Meeting* meeting) {
   if (meeting != nullptr) {
-    EXPECT_TRUE(meeting->Wait()) << "the other thread is kept out";
+    EXPECT_TRUE(meeting->Wait()) << "the two threads did not run at the same time";
   }
 }
 
@@ -147,7 +147,7 @@ TEST_F(ThreadsTest, LocksAndCallsAreCounted) {
   EXPECT_EQ(host().TotalCalls(), std::uint64_t{kRounds} * kThreads * 4 + 2) << "two registrations";
 }
 
-// One of everything that a plug-in makes, and gives back.
+// Creates and releases one string, converted string, string data, object and array.
 void MakeAndGiveBack(const Api& api) {
   const abi::REALstring text = api.REALBuildStringWithEncoding("Caf\xC3\xA9", 5, abi::kUtf8);
   const abi::REALstring converted = api.REALConvertString(text, abi::kIsoLatin1);
@@ -169,11 +169,12 @@ void MakeAndGiveBack(const Api& api) {
   api.REALUnlockString(text);
 }
 
-TEST_F(ThreadsTest, NothingIsLeftOfManyThreads) {
+TEST_F(ThreadsTest, ManyThreadsLeaveNoObjects) {
   for (const bool ledger : {true, false}) {
     Capabilities capabilities;
     capabilities.ledger = ledger;
-    capabilities.quarantine_entries = 50;  // so that threads give back what others freed
+    capabilities.quarantine_entries =
+        50;  // few, so that a thread frees what another one put into the quarantine
     StartWithClass(capabilities);
     InThreads(kThreads, [&](int) {
       for (int round = 0; round < 500; ++round) MakeAndGiveBack(api());
@@ -183,7 +184,8 @@ TEST_F(ThreadsTest, NothingIsLeftOfManyThreads) {
   }
 }
 
-// Through the application side, which holds no lock meanwhile.
+// MakeString and Utf8 belong to the application's side, which does not hold the host's lock while
+// it converts.
 TEST_F(ThreadsTest, TextsAreConvertedSideBySide) {
   StartWithClass();
   InThreads(kThreads, [](int number) {
@@ -208,7 +210,8 @@ TEST_F(ThreadsTest, MethodsRunSideBySide) {
   InThreads(2, [](int) { Call(NewInstance("Worker"), "Work", MakeString("x")); });
 }
 
-// By the application's last lock, by the plug-in's, and as an element of an array.
+// Objects released through the application's handle, through the plug-in's lock, and as an array's
+// element.
 TEST_F(ThreadsTest, DestructorsRunSideBySide) {
   StartWithClass();
   const std::function<void()> ways[] = {
@@ -229,7 +232,7 @@ TEST_F(ThreadsTest, DestructorsRunSideBySide) {
   }
 }
 
-// Another thread gives back its own lock on an argument while the call runs.
+// While a call runs, another thread releases its own lock on the argument.
 TEST_F(ThreadsTest, BorrowedArgumentOfTwoThreads) {
   StartWithClass();
   const String text = MakeString("shared");

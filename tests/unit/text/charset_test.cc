@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-#include "tests/reference/charset_twin.h"
+#include "tests/reference/reference_charset.h"
 #include "tests/support/property.h"
 #include "tests/unit/base/log_capture.h"
 #include "tests/unit/text/tables.h"
@@ -47,7 +47,7 @@ TEST(Charset, NamesDifferByMoreThanCase) {
   EXPECT_EQ(count.size(), 119u);
 }
 
-TEST(Charset, KeepsTheOddRows) {
+TEST(Charset, KeepsTheUnusualRows) {
   EXPECT_EQ(GetEncodingValue("ASAX341963"), 0x0600u);
   EXPECT_EQ(GetEncodingValue("TIS-620"), GetEncodingValue("ISO-8859-11"));
   EXPECT_EQ(GetEncodingValue("TIS-620"), 0x020Bu);
@@ -119,11 +119,12 @@ TEST(NormaliseCharsetName, SecondQuoteEndsIt) {
 TEST(NormaliseCharsetName, FirstQuoteEndsItBehindSixCharacters) {
   EXPECT_EQ(NormaliseCharsetName("abcdef\"g"), "abcdef");
   EXPECT_EQ(NormaliseCharsetName("abcde\"f"), "abcdef");
-  EXPECT_EQ(NormaliseCharsetName("-ab-cde-\"f"), "abcdef");  // five are left of these
+  EXPECT_EQ(NormaliseCharsetName("-ab-cde-\"f"),
+            "abcdef");  // five characters are kept before the quote
 }
 
-TEST(NormaliseCharsetName, AgreesWithItsTwin) {
-  EXPECT_TRUE(test::Holds("the same name as the twin", [] {
+TEST(NormaliseCharsetName, AgreesWithTheReference) {
+  EXPECT_TRUE(test::Holds("the same name as the reference implementation", [] {
     const std::string name = *rc::gen::container<std::string>(
         rc::gen::weightedOneOf<char>({{3, rc::gen::inRange('a', 'e')},
                                       {2, rc::gen::elementOf(std::string("\"-._ \x7F\x80"))},

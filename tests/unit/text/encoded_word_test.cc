@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "base/unicode.h"
-#include "tests/reference/encoded_word_twin.h"
-#include "tests/reference/transfer_twin.h"
+#include "tests/reference/reference_encoded_word.h"
+#include "tests/reference/reference_transfer.h"
 #include "tests/support/property.h"
 #include "tests/unit/base/log_capture.h"
 #include "text/charset.h"
@@ -27,7 +27,7 @@ std::string Shown(abi::Encoding encoding, std::string_view bytes) {
   return number + std::string(bytes);
 }
 
-// The encoding in hexadecimal digits and the bytes; "empty" when there are none.
+// Shows the encoding in hexadecimal digits and the bytes; "empty" when there are no bytes.
 std::string Show(const HeaderText& text) {
   return text.bytes().empty() ? "empty" : Shown(text.encoding(), text.bytes());
 }
@@ -47,7 +47,7 @@ TEST(EncodedWords, EmptyTextStaysEmpty) {
 TEST(EncodedWords, FewerThanSevenBytesAreNotDecoded) {
   EXPECT_EQ(Decoded("=?a?Q?"), Ascii("=?a?Q?"));
   EXPECT_EQ(Decoded("=?0?Qx"), Ascii("=?0?Qx"));
-  EXPECT_EQ(Decoded("=?0?Q?x"), Latin1("x"));  // seven
+  EXPECT_EQ(Decoded("=?0?Q?x"), Latin1("x"));  // the shortest text that is decoded
 }
 
 TEST(EncodedWords, QInUtf8) { EXPECT_EQ(Decoded("=?utf-8?Q?Caf=C3=A9?="), Utf8("Caf\xC3\xA9")); }
@@ -91,7 +91,8 @@ TEST(EncodedWords, EmptyCharsetNameAloneLeavesTheTextUnchanged) {
   EXPECT_EQ(Decoded("x =??Q?a=20b?= y"), Ascii("x =??Q?a=20b?= y"));
 }
 
-// What was reported of a text: the charset that is not in the table, and the one of its words.
+// The two reports about a text, separated by a comma: the name of an unknown charset, and the name
+// of a charset that is known but has no text encoding.
 std::string Reported(const std::string& text) {
   const HeaderText decoded = DecodeEncodedWords(text, false);
   return decoded.unknown_charset + "," + decoded.charset_without_encoding;
@@ -104,7 +105,7 @@ TEST(EncodedWords, UnknownCharsetLeavesTheTextUnchanged) {
   EXPECT_EQ(Reported("=?f-o?Q?a?="), "f-o,f-o");
 }
 
-// "binary" is in the table with the value of an unknown charset.
+// The table of charsets has a row "binary" whose value is that of an unknown charset.
 TEST(EncodedWords, CharsetWithoutEncodingLeavesTheTextUnchanged) {
   EXPECT_EQ(Decoded("=?binary?Q?a=20b?="), Ascii("=?binary?Q?a=20b?="));
   EXPECT_EQ(Reported("=?binary?Q?a=20b?="), ",binary");
@@ -154,22 +155,22 @@ TEST(EncodedWords, PlainHighBytesAreUtf8OrMacRoman) {
 TEST(EncodedWords, QDigitsThatAreMissingOrBadCountAsZero) {
   EXPECT_EQ(Decoded("=?ISO-8859-1?Q?a=4"), Latin1("a@"));  // "4" and nothing: 0x40
   EXPECT_EQ(Decoded("=?ISO-8859-1?Q?a=4?="), Latin1("a@"));
-  EXPECT_EQ(Decoded("=?ISO-8859-1?Q?a=?="), Latin1("a"));  // 0x00 cuts
+  EXPECT_EQ(Decoded("=?ISO-8859-1?Q?a=?="), Latin1("a"));  // the byte 0x00 ends the text
   EXPECT_EQ(Decoded("=?ISO-8859-1?Q?a=4xb?="), Latin1("a@b"));
   EXPECT_EQ(Decoded("=?ISO-8859-1?Q?=z1=E9?="), Latin1("\x01\xE9"));
   EXPECT_EQ(Decoded("=?ISO-8859-1?Q?=e9=E9?="), Latin1("\xE9\xE9"));
 }
 
-TEST(EncodedWords, Base64SkipsStrangersAndFlushesTheRest) {
+TEST(EncodedWords, Base64SkipsOtherCharactersAndFlushesTheRest) {
   EXPECT_EQ(Decoded("=?utf-8?B?Q W!x-h*ZGRpbg?="), Utf8("Aladdin"));
   EXPECT_EQ(Decoded("=?utf-8?B?QWxhZA?="), Utf8("Alad"));
-  EXPECT_EQ(Decoded("=?utf-8?B?QWxhZ?="), Utf8("Ala"));  // a single one is no byte
+  EXPECT_EQ(Decoded("=?utf-8?B?QWxhZ?="), Utf8("Ala"));  // one leftover character gives no byte
   EXPECT_EQ(Decoded("=?utf-8?B?"
                     "?= x"),
             Utf8(" x"));
 }
 
-TEST(EncodedWords, EndsThatAreMissing) {
+TEST(EncodedWords, ReadsWordsWithoutTheirEnd) {
   EXPECT_EQ(Decoded("=?utf-8?Q?a b"), Utf8("a b"));
   EXPECT_EQ(Decoded("=?utf-8?Q?a b?"), Utf8("a b"));
   EXPECT_EQ(Decoded("=?utf-8?Q"), "empty");
@@ -188,12 +189,12 @@ TEST(EncodedWords, TextMayStartDirectlyBehindTheLetter) {
   EXPECT_EQ(Decoded("=?utf-8??abc?= x"), Utf8("abc x"));  // "?" in the place of the letter
 }
 
-TEST(EncodedWords, MarksThatAreNoWord) {
+TEST(EncodedWords, KeepsMarksThatFormNoWord) {
   EXPECT_EQ(Decoded("a = b =x ?= = ?"), Ascii("a = b =x ?= = ?"));
-  EXPECT_EQ(Decoded("a = b =x ?= =?"), Ascii("a = b =x ?= =?"));  // one that names no charset
+  EXPECT_EQ(Decoded("a = b =x ?= =?"), Ascii("a = b =x ?= =?"));  // the charset name is missing
 }
 
-TEST(EncodedWords, LogsWhatItMeets) {
+TEST(EncodedWords, LogsUnknownAndUnhandledNames) {
   const test::LogCapture log;
   EXPECT_EQ(Decoded("=?us-ascii?Q?=E9?= =?us-ascii?Q?b?="), Ascii("\xE9"
                                                                   "b"));
@@ -206,7 +207,7 @@ TEST(EncodedWords, LogsWhatItMeets) {
                     "unhandled encoding binary", "unknown charset xy", "unhandled encoding x-y"}));
 }
 
-// The line is decided by all bytes, and shows those before the NUL.
+// Whether the line is written depends on all bytes; the line shows only the bytes before the NUL.
 TEST(EncodedWords, BytesBehindANulCountForTheLogOfTextThatIsNotAscii) {
   const test::LogCapture log;
   EXPECT_EQ(Decoded("=?us-ascii?Q?ab=00=E9?="), Ascii("ab"));
@@ -215,7 +216,7 @@ TEST(EncodedWords, BytesBehindANulCountForTheLogOfTextThatIsNotAscii) {
   EXPECT_EQ(log.Text(), Logged({"Error: text is not ascii ab"}));
 }
 
-TEST(LabelText, IsUndecodedAndLoggedWhenItIsNotAsciiAsItSays) {
+TEST(LabelText, KeepsTheBytesAndLogsAsciiThatIsNot) {
   const test::LogCapture log;
   EXPECT_EQ(Show(LabelText("caf\xE9", abi::kAscii)), Ascii("caf\xE9"));
   EXPECT_EQ(Show(LabelText(std::string_view("ab\0\xE9", 4), abi::kAscii)), Ascii("ab"));
@@ -253,7 +254,7 @@ TEST(EncodedWords, HighBytesInOtherCharsetsAreNoError) {
   EXPECT_EQ(log.Text(), "");
 }
 
-// Pieces of words, so that random texts are mostly words with faults.
+// Text made of pieces of encoded words, most of them faulty.
 std::string AnyHeaderText() {
   const std::vector<std::string> pieces = {"=?",
                                            "?",
@@ -293,14 +294,14 @@ std::string AnyHeaderText() {
   return text;
 }
 
-// What the text must be for bytes that the twin decoded.
+// Shows a text as HeaderText would be shown, cut at its first NUL.
 std::string ShownText(std::string bytes, abi::Encoding encoding) {
   bytes = bytes.c_str();
   return bytes.empty() ? "empty" : Shown(encoding, bytes);
 }
 
-TEST(EncodedWords, AgreeWithTheirTwin) {
-  EXPECT_TRUE(test::Holds("the same text as the twin", [&](bool unquote) {
+TEST(EncodedWords, AgreeWithTheReference) {
+  EXPECT_TRUE(test::Holds("the same text as the reference implementation", [&](bool unquote) {
     const std::string text = AnyHeaderText();
     auto words = reference::DecodeWords(text);
     abi::Encoding encoding = GetEncodingValue(words.charset);
@@ -315,8 +316,8 @@ TEST(EncodedWords, AgreeWithTheirTwin) {
   }));
 }
 
-TEST(EncodedWords, Base64AgreesWithItsTwin) {
-  EXPECT_TRUE(test::Holds("the same bytes as the twin", [&] {
+TEST(EncodedWords, Base64AgreesWithTheReference) {
+  EXPECT_TRUE(test::Holds("the same bytes as the reference implementation", [&] {
     const std::string payload = *rc::gen::container<std::string>(
         rc::gen::elementOf(std::string("ABCXYZabcxyz0189+/=|-_ \n\x80")));
     RC_ASSERT(Show(DecodeEncodedWords("=?utf-8?B?" + payload + "?=", false)) ==

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/reference/html_twin.h"
+#include "tests/reference/reference_html.h"
 #include "tests/support/property.h"
 #include "tests/unit/base/log_capture.h"
 #include "tests/unit/text/tables.h"
@@ -18,7 +18,7 @@ namespace {
 
 using test::Logged;
 
-// The text of HTML in ASCII. What is not ASCII in the text shows as "{hexadecimal}".
+// The plain text of `html`, in ASCII. A code point that is not ASCII is shown as "{hexadecimal}".
 std::string Text(const std::string& html) {
   std::string shown;
   for (const char32_t c : HtmlToPlainText(std::u32string(html.begin(), html.end()))) {
@@ -60,7 +60,7 @@ TEST(HtmlTags, DeepListsAreIndented) {
   std::string html;
   for (int i = 0; i < 500; ++i) html += "<ul>";
   for (int i = 0; i < 500; ++i) html += "<li>";
-  // The first has no line break; each has 2 * 499 spaces, the bullet and a space.
+  // The first item has no line break. Each item has 2 * 499 spaces, the bullet and a space.
   EXPECT_EQ(Text(html).size(), 500u * 1001u - 1u);
 }
 
@@ -202,7 +202,7 @@ TEST(HtmlComments, PutTheTextAtLineStart) {
   EXPECT_EQ(Text("a<!----></div>b"), "ab");
 }
 
-TEST(HtmlComments, EndMarkIsLookedForBehindTheStartMark) {
+TEST(HtmlComments, EndMarkIsSearchedAfterTheStartMark) {
   EXPECT_EQ(Text("<!-->a-->b"), "b");
   EXPECT_EQ(Text("<!--->a-->b"), "b");
   EXPECT_EQ(Text("<!---->b"), "b");
@@ -214,7 +214,7 @@ TEST(HtmlComments, WithoutEndRunToTheEnd) {
   EXPECT_EQ(Text("a<!--"), "a");
 }
 
-TEST(HtmlComments, DoNotTouchTheTagDepth) { EXPECT_EQ(Text("<b <!-- > --> x>a"), "a"); }
+TEST(HtmlComments, DoNotChangeTheDepthOfTags) { EXPECT_EQ(Text("<b <!-- > --> x>a"), "a"); }
 
 TEST(HtmlLineBreaks, JoinWordsOutsidePreAndCountOneEachInside) {
   EXPECT_EQ(Text("one\ntwo"), "onetwo");
@@ -278,8 +278,9 @@ TEST(HtmlReferences, LastOneNeedsNoSemicolon) {
 
 TEST(HtmlReferences, ABareAmpersandSwallowsTenCodePoints) {
   EXPECT_EQ(Text("AT&T and more"), "ATe");
-  EXPECT_EQ(Text("a&<p>12345678"), "a78");  // a tag among them goes too
-  EXPECT_EQ(Text("a&b"), "a{A6}");          // "b" begins "brvbar"
+  EXPECT_EQ(Text("a&<p>12345678"),
+            "a78");                 // the ten code points include a tag, which is swallowed too
+  EXPECT_EQ(Text("a&b"), "a{A6}");  // "b" begins "brvbar"
 }
 
 TEST(HtmlReferences, EightCodePointsOfANameCount) {
@@ -332,28 +333,30 @@ TEST(HtmlReferences, NumbersBeyond32BitsAreTheLargest) {
 }
 
 TEST(HtmlReferences, HexadecimalNumbersHaveEightDigits) {
-  // Eight digits are read, but only the name's eight code points and one more are passed over.
+  // Eight digits are read, but the text continues after the eighth code point of the name and one
+  // more.
   EXPECT_EQ(Text("&#x0001F600;"), "{1F600}0;");
   EXPECT_EQ(Text("&#x000000411;"), "A11;");
 }
 
 TEST(HtmlReferences, DigitsAreReadByTheirLowBits) {
-  EXPECT_EQ(HtmlToPlainText(U"&#\u0136\u0135;"), U"A");                  // "65"
-  EXPECT_EQ(HtmlToPlainText(U"&#x\U00010034\U00010031;"), U"A");         // "41"
-  EXPECT_EQ(HtmlToPlainText(U"&#x\u0134\u0131;"), U"&#x\u0134\u0131;");  // 16 bits: no digits
+  EXPECT_EQ(HtmlToPlainText(U"&#\u0136\u0135;"), U"A");           // "65"
+  EXPECT_EQ(HtmlToPlainText(U"&#x\U00010034\U00010031;"), U"A");  // "41"
+  EXPECT_EQ(HtmlToPlainText(U"&#x\u0134\u0131;"),
+            U"&#x\u0134\u0131;");  // compared with all 16 bits, neither of these is a digit
 }
 
-TEST(HtmlReferences, EndTheLineStart) {
+TEST(HtmlReferences, EndTheStateAtTheStartOfALine) {
   EXPECT_EQ(Text("&Zz;<td>b"), "\tb");
   EXPECT_EQ(Text("&amp;<td>b"), "&\tb");
 }
 
-TEST(HtmlEntities, TheFirstRowThatBeginsSoWins) {
+TEST(HtmlEntities, TheFirstRowWithThePrefixWins) {
   EXPECT_EQ(Text("&sigma;&or;&sup;"), "{3C2}{AA}{B2}");  // 962, 170, 178
   EXPECT_EQ(Text("&a;&n;&thinsp;"), "&{A0}{2009}");
 }
 
-TEST(HtmlEntities, RowsAreThoseOfTheTable) {
+TEST(HtmlEntities, EachRowIsFoundByItsName) {
   const auto rows = References();
   ASSERT_EQ(rows.size(), kHtmlEntityCount);
   for (std::size_t i = 0; i < kHtmlEntityCount; ++i) {
@@ -362,13 +365,13 @@ TEST(HtmlEntities, RowsAreThoseOfTheTable) {
   }
 }
 
-TEST(HtmlEntities, WholeNamesFindTheirRowUnlessAnEarlierOneBeginsSo) {
+TEST(HtmlEntities, ACompleteNameFindsItsRowUnlessAnEarlierOneBeginsWithIt) {
   std::vector<std::string> others;
   for (const HtmlEntity& row : kHtmlEntities) {
     const std::u32string name(row.name.begin(), row.name.end());
     if (FindHtmlEntity(name) != row.code_point) others.emplace_back(row.name);
   }
-  // Earlier rows are "sigmaf", "ordf" and "sup2".
+  // Earlier rows of the table, "sigmaf", "ordf" and "sup2", begin with these names.
   EXPECT_THAT(others, ::testing::UnorderedElementsAre("sigma", "or", "sup"));
 }
 
@@ -377,9 +380,9 @@ TEST(HtmlEntities, UnknownNamesAreNotFound) {
   EXPECT_EQ(FindHtmlEntity(U"\u0161mp"), 0u);  // the low byte of the first is an "a"
 }
 
-TEST(HtmlToPlainText, NothingGivesNothing) { EXPECT_EQ(Text(""), ""); }
+TEST(HtmlToPlainText, EmptyHtmlGivesEmptyText) { EXPECT_EQ(Text(""), ""); }
 
-TEST(HtmlToPlainText, AgreesWithItsTwin) {
+TEST(HtmlToPlainText, AgreesWithTheReference) {
   const auto references = References();
   const std::vector<std::u32string> pieces = {
       U"<",      U">",       U"</",      U"<!--",       U"-->",      U"-",           U"--",
@@ -390,7 +393,7 @@ TEST(HtmlToPlainText, AgreesWithItsTwin) {
       U"41",     U"0",       U"&amp;",   U"&sig",       U"&notin",   U"99999999999", U"a",
       U"B",      U"\u0134",  U"\u0170",  U"\U0001F600", U"<script>", U"</script>",   U"<pre>",
       U"</pre>", U"<style>", U"</style>"};
-  EXPECT_TRUE(test::Holds("the same text as the twin", [&] {
+  EXPECT_TRUE(test::Holds("the same text as the reference implementation", [&] {
     const auto chosen =
         *rc::gen::container<std::vector<std::u32string>>(rc::gen::elementOf(pieces));
     std::u32string html;

@@ -1,4 +1,4 @@
-// The tables of tests/data/tables: lines of a name, a tab and a number.
+// Reads the tables in tests/data/tables. Each of their lines has a name, a tab and a number.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,8 @@
 
 namespace zqv::test {
 
-// The rows of a file in their order; `base` is that of the numbers. Throws when it cannot be read.
+// The rows of a file in the file's order. `base` is the base of the numbers, 10 or 16. Throws when
+// the file cannot be read.
 std::vector<std::pair<std::string, std::uint32_t>> ReadTable(const std::string& file, int base);
 
 }  // namespace zqv::test

@@ -1,5 +1,6 @@
-// The transfer decoders beside their twins and the MIME library's own: every short text over the
-// characters that matter, every pair of bytes, and random long texts cut at every place.
+// The transfer decoders compared with the reference implementations and with mimetic's decoders:
+// every short text over the characters that matter, every pair of bytes, and random long texts cut
+// at every position.
 #include "text/transfer_codes.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/reference/transfer_twin.h"
+#include "tests/reference/reference_transfer.h"
 #include "tests/support/property.h"
 
 namespace zqv::test {
@@ -47,7 +48,8 @@ constexpr CodeRow kBase64[] = {
     {"OneLeftOverIsDropped",     "QUJDQ",                 "ABC"},
     {"GoesOnAfterPads",          "QQ==Qg==",              "AB"},
     {"PadInThirdPlaceEndsFour",  "QQ=BQg==",              "AB"},
-    // 100 is 100100 in its low six bits; "Q", "U" and "J" are 010000, 010100 and 001001.
+    // "=" in the first or second place counts as 100, which is 1100100 in binary; six bits of it
+    // count, 100100. "Q", "U" and "J" are 010000, 010100 and 001001.
     {"PadInTheFirstPlaceIs100",  "=QUJ",                  "\x91\x05\x09"},
     {"PadInTheSecondPlaceIs100", "Q=UJ",                  "BE\x09"},
     {"NulByte",                  "AEE=",                  {"\0A", 2}},
@@ -113,29 +115,30 @@ std::string DecodeAsLibrary(std::string_view text) {
   return decoded;
 }
 
-// A transfer encoding with its twin. Counts what it compares, so that no loop passes by being
-// empty.
-class Twins {
+// Compares a decoder with its reference implementation and with mimetic. Counts the comparisons, so
+// that a test can demand that there were some.
+class Comparison {
  public:
   using Decode = std::string (*)(std::string_view);
-  Twins(text::DecodedBytes (*decode)(std::string_view), Decode twin, Decode library)
-      : decode_(decode), twin_(twin), library_(library) {}
+  Comparison(text::DecodedBytes (*decode)(std::string_view), Decode reference, Decode library)
+      : decode_(decode), reference_(reference), library_(library) {}
 
   ::testing::AssertionResult Agree(std::string_view text) {
     ++compared_;
     const text::DecodedBytes decoded = decode_(text);
-    const std::string expected = twin_(text);
+    const std::string expected = reference_(text);
     if (decoded.view() == expected && library_(text) == expected) {
       return ::testing::AssertionSuccess();
     }
     return ::testing::AssertionFailure()
            << ::testing::PrintToString(text) << " gives "
-           << ::testing::PrintToString(decoded.view()) << ", its twin gives "
-           << ::testing::PrintToString(expected) << ", the library gives "
+           << ::testing::PrintToString(decoded.view()) << ", the reference gives "
+           << ::testing::PrintToString(expected) << ", mimetic gives "
            << ::testing::PrintToString(library_(text));
   }
 
-  // Every text of at most `longest` characters out of `alphabet`, between two others.
+  // Compares every text of at most `longest` characters out of `alphabet`, each between two fixed
+  // texts.
   ::testing::AssertionResult AgreeOnAllTexts(std::string_view alphabet, std::size_t longest,
                                              const std::string& before = "",
                                              const std::string& behind = "") {
@@ -148,7 +151,7 @@ class Twins {
     return ::testing::AssertionSuccess();
   }
 
-  // `before`, each pair of bytes, and `behind`.
+  // Compares every pair of bytes, each between two fixed texts.
   ::testing::AssertionResult AgreeOnAllPairs(const std::string& before, const std::string& behind) {
     for (int pair = 0; pair < 0x10000; ++pair) {
       const std::string bytes = {static_cast<char>(pair / 0x100), static_cast<char>(pair % 0x100)};
@@ -157,9 +160,9 @@ class Twins {
     return ::testing::AssertionSuccess();
   }
 
-  // Random texts put together from `pieces`, and every beginning of each.
+  // Compares random texts made of `pieces`, and every prefix of each.
   bool AgreeOnBeginningsOfTextsOf(const std::vector<std::string>& pieces) {
-    return Holds("the same bytes as the twin", [&] {
+    return Holds("the same bytes as the reference implementation", [&] {
       const std::string text = AnyTextOf(pieces);
       for (std::size_t length = 0; length <= text.size(); ++length) {
         const auto agree = Agree(std::string_view(text).substr(0, length));
@@ -171,7 +174,8 @@ class Twins {
   std::uint64_t compared() const { return compared_; }
 
  private:
-  // Counts up, the last character fastest; false behind the last text of this length.
+  // Changes `text` to the next one in the order of `alphabet`, the last character first. Returns
+  // false after the last text of this length.
   static bool Next(std::string& text, std::string_view alphabet) {
     for (auto digit = text.rbegin(); digit != text.rend(); ++digit) {
       const std::size_t next = alphabet.find(*digit) + 1;
@@ -182,21 +186,21 @@ class Twins {
   }
 
   text::DecodedBytes (*const decode_)(std::string_view);
-  const Decode twin_;
+  const Decode reference_;
   const Decode library_;
   std::uint64_t compared_ = 0;
 };
 
-class Base64Twins : public ::testing::Test {
+class Base64Comparison : public ::testing::Test {
  protected:
-  Twins twins_{text::DecodeBase64, reference::DecodeBase64,
-               DecodeAsLibrary<mimetic::Base64::Decoder>};
+  Comparison comparison_{text::DecodeBase64, reference::DecodeBase64,
+                         DecodeAsLibrary<mimetic::Base64::Decoder>};
 };
 
-class QuotedPrintableTwins : public ::testing::Test {
+class QuotedPrintableComparison : public ::testing::Test {
  protected:
-  Twins twins_{text::DecodeQuotedPrintable, reference::DecodeQuotedPrintable,
-               DecodeAsLibrary<mimetic::QP::Decoder>};
+  Comparison comparison_{text::DecodeQuotedPrintable, reference::DecodeQuotedPrintable,
+                         DecodeAsLibrary<mimetic::QP::Decoder>};
 };
 
 // clang-format off
@@ -210,125 +214,129 @@ const std::vector<std::string> kQuotedPrintablePieces = {
     "\x7F", "\x80", "\xFF", kNul};
 // clang-format on
 
-// 4 characters, up to 9 of them: (4^10 - 1) / 3 texts. They are two groups and one character more;
-// "n" and "Y" are the bits 100111 and 011000, so that each bit is met both ways.
-TEST_F(Base64Twins, AgreeOnEveryShortTextOfDigitsAndPads) {
-  ASSERT_TRUE(twins_.AgreeOnAllTexts("nY/=", 9));
-  EXPECT_EQ(twins_.compared(), 349525u);
+// 4 characters, at most 9 of them: (4^10 - 1) / 3 texts. Nine characters are two groups of four and
+// one more. "n" and "Y" are the bits 100111 and 011000, so that each bit is tested as 0 and as 1.
+TEST_F(Base64Comparison, AgreeOnEveryShortTextOfDigitsAndPads) {
+  ASSERT_TRUE(comparison_.AgreeOnAllTexts("nY/=", 9));
+  EXPECT_EQ(comparison_.compared(), 349525u);
 }
 
-// 8 characters, up to 6 of them: (8^7 - 1) / 7 texts. "{" and "|" stand behind the alphabet's last
-// letter, the last byte is above 0x7F.
-TEST_F(Base64Twins, AgreeOnEveryShortTextWithStrangers) {
-  ASSERT_TRUE(twins_.AgreeOnAllTexts("An=\n-{|\xE9", 6));
-  EXPECT_EQ(twins_.compared(), 299593u);
+// 8 characters, at most 6 of them: (8^7 - 1) / 7 texts. "{" and "
+// " follow the last letter of the alphabet in ASCII. The last byte is above 0x7F.
+TEST_F(Base64Comparison, AgreeOnEveryShortTextWithOtherCharacters) {
+  ASSERT_TRUE(comparison_.AgreeOnAllTexts("An=\n-{|\xE9", 6));
+  EXPECT_EQ(comparison_.compared(), 299593u);
 }
 
-TEST_F(Base64Twins, AgreeOnEveryPairOfBytes) {
-  ASSERT_TRUE(twins_.AgreeOnAllPairs("", ""));
-  ASSERT_TRUE(twins_.AgreeOnAllPairs("QU", "JD"));
-  EXPECT_EQ(twins_.compared(), 2u * 0x10000);
+TEST_F(Base64Comparison, AgreeOnEveryPairOfBytes) {
+  ASSERT_TRUE(comparison_.AgreeOnAllPairs("", ""));
+  ASSERT_TRUE(comparison_.AgreeOnAllPairs("QU", "JD"));
+  EXPECT_EQ(comparison_.compared(), 2u * 0x10000);
 }
 
-// Lines of every length, whole and with one character of another kind at every place: they are read
-// many characters at a time.
-TEST_F(Base64Twins, AgreeOnEveryLengthOfLines) {
+// Lines are read many characters at a time, so lines of every length are compared, each once as it
+// is and once for every position with a character of another kind there.
+TEST_F(Base64Comparison, AgreeOnEveryLengthOfLines) {
   const std::string digits = "QWxhZGRpbjpvcGVuIHNlc2FtZQ+/0189zZ";
   for (const std::string end : {"\r\n", "\n", "\r\r\n"}) {
     for (std::size_t length = 1; length <= 100; ++length) {
       std::string line;
       while (line.size() < length) line += digits[(line.size() * 7 + length) % digits.size()];
-      ASSERT_TRUE(twins_.Agree(line + end + line + end + line));
+      ASSERT_TRUE(comparison_.Agree(line + end + line + end + line));
       for (std::size_t at = 0; at < length; ++at) {
         std::string other = line;
         other[at] = "=-\x80 {"[at % 5];
-        ASSERT_TRUE(twins_.Agree(line + end + other + end + line + end));
+        ASSERT_TRUE(comparison_.Agree(line + end + other + end + line + end));
       }
     }
   }
-  EXPECT_EQ(twins_.compared(), 3u * (100 + 5050));
+  EXPECT_EQ(comparison_.compared(), 3u * (100 + 5050));
 }
 
-// Every byte at every place of a line that is read so, and that begins anew within itself.
-TEST_F(Base64Twins, AgreeOnEveryByteInALine) {
+// Every byte at every position of a long line, between two other lines.
+TEST_F(Base64Comparison, AgreeOnEveryByteInALine) {
   const std::string whole = "QWxhZGRpbjpvcGVuIHNlc2FtZSB3aXRoIG1l";
   for (int byte = 0; byte < 0x100; ++byte) {
     for (std::size_t at = 0; at < whole.size(); ++at) {
       std::string line = whole;
       line[at] = static_cast<char>(byte);
-      ASSERT_TRUE(twins_.Agree(whole + "\n" + line + "\nQWxh"));
+      ASSERT_TRUE(comparison_.Agree(whole + "\n" + line + "\nQWxh"));
     }
   }
-  EXPECT_EQ(twins_.compared(), 256u * 36);
+  EXPECT_EQ(comparison_.compared(), 256u * 36);
 }
 
-TEST_F(Base64Twins, AgreeOnEveryBeginningOfRandomTexts) {
-  EXPECT_TRUE(twins_.AgreeOnBeginningsOfTextsOf(kBase64Pieces));
+TEST_F(Base64Comparison, AgreeOnEveryBeginningOfRandomTexts) {
+  EXPECT_TRUE(comparison_.AgreeOnBeginningsOfTextsOf(kBase64Pieces));
 }
 
-// 10 characters, up to 6 of them: (10^7 - 1) / 9 texts.
-TEST_F(QuotedPrintableTwins, AgreeOnEveryShortText) {
-  ASSERT_TRUE(twins_.AgreeOnAllTexts("=4Ee \t\r\n\x01\xE9", 6));
-  EXPECT_EQ(twins_.compared(), 1111111u);
+// 10 characters, at most 6 of them: (10^7 - 1) / 9 texts.
+TEST_F(QuotedPrintableComparison, AgreeOnEveryShortText) {
+  ASSERT_TRUE(comparison_.AgreeOnAllTexts("=4Ee \t\r\n\x01\xE9", 6));
+  EXPECT_EQ(comparison_.compared(), 1111111u);
 }
 
-// 6 characters, up to 7 of them: (6^8 - 1) / 5 texts.
-TEST_F(QuotedPrintableTwins, AgreeOnEveryShortTextOfBlanksAndLineEnds) {
-  ASSERT_TRUE(twins_.AgreeOnAllTexts("=A \t\r\n", 7));
-  EXPECT_EQ(twins_.compared(), 335923u);
+// 6 characters, at most 7 of them: (6^8 - 1) / 5 texts.
+TEST_F(QuotedPrintableComparison, AgreeOnEveryShortTextOfBlanksAndLineEnds) {
+  ASSERT_TRUE(comparison_.AgreeOnAllTexts("=A \t\r\n", 7));
+  EXPECT_EQ(comparison_.compared(), 335923u);
 }
 
-// Far from the end of a text 64 characters are read at once; what is of interest may stand at their
-// start, in their midst and across their end. 8 characters, up to 4 of them: (8^5 - 1) / 7 texts.
-TEST_F(QuotedPrintableTwins, AgreeOnEveryShortTextInALongOne) {
+// Away from the end of a text 64 characters are read at once, so the short text is placed at the
+// start of such a block, in its middle and across its end. 8 characters, at most 4 of them: (8^5 -
+// 1) / 7 texts.
+TEST_F(QuotedPrintableComparison, AgreeOnEveryShortTextInALongOne) {
   const std::string behind = "a =C3=A9 b\r\n" + std::string(150, 'c') + " \r\nd";
   for (const std::size_t at : {0U, 1U, 15U, 16U, 30U, 31U, 32U, 60U, 61U, 62U, 63U, 64U, 65U}) {
-    ASSERT_TRUE(twins_.AgreeOnAllTexts("=4E \t\r\n\x01", 4, std::string(at, 'x'), behind)) << at;
-    ASSERT_TRUE(twins_.AgreeOnAllTexts("=\r\n ", 4, "=C3=A9\r\n" + std::string(at, ' '), behind));
+    ASSERT_TRUE(comparison_.AgreeOnAllTexts("=4E \t\r\n\x01", 4, std::string(at, 'x'), behind))
+        << at;
+    ASSERT_TRUE(
+        comparison_.AgreeOnAllTexts("=\r\n ", 4, "=C3=A9\r\n" + std::string(at, ' '), behind));
   }
-  EXPECT_EQ(twins_.compared(), 13u * (4681 + 341));
+  EXPECT_EQ(comparison_.compared(), 13u * (4681 + 341));
 }
 
-TEST_F(QuotedPrintableTwins, AgreeOnEveryPairOfBytes) {
-  ASSERT_TRUE(twins_.AgreeOnAllPairs("", ""));
-  ASSERT_TRUE(twins_.AgreeOnAllPairs("", "a"));
-  EXPECT_EQ(twins_.compared(), 2u * 0x10000);
+TEST_F(QuotedPrintableComparison, AgreeOnEveryPairOfBytes) {
+  ASSERT_TRUE(comparison_.AgreeOnAllPairs("", ""));
+  ASSERT_TRUE(comparison_.AgreeOnAllPairs("", "a"));
+  EXPECT_EQ(comparison_.compared(), 2u * 0x10000);
 }
 
-TEST_F(QuotedPrintableTwins, AgreeOnEveryCode) {
-  ASSERT_TRUE(twins_.AgreeOnAllPairs("=", ""));
-  ASSERT_TRUE(twins_.AgreeOnAllPairs("=", "a"));
-  EXPECT_EQ(twins_.compared(), 2u * 0x10000);
+TEST_F(QuotedPrintableComparison, AgreeOnEveryCode) {
+  ASSERT_TRUE(comparison_.AgreeOnAllPairs("=", ""));
+  ASSERT_TRUE(comparison_.AgreeOnAllPairs("=", "a"));
+  EXPECT_EQ(comparison_.compared(), 2u * 0x10000);
 }
 
-// Runs of every length before what ends them: they are read sixteen characters at a time.
-TEST_F(QuotedPrintableTwins, AgreeOnEveryLengthOfRuns) {
+// Runs of plain characters are read sixteen at a time, so runs of every length are compared, each
+// with every kind of end.
+TEST_F(QuotedPrintableComparison, AgreeOnEveryLengthOfRuns) {
   const std::vector<std::string> ends = {"",     "=", "=C3",  "=\r\n",  " \r\n", "\t \n",
                                          "\r\n", " ", "\x01", "=C3=A9", "= \n",  "=x"};
   for (const std::string& end : ends) {
     for (std::size_t length = 0; length <= 70; ++length) {
       const std::string run = std::string(length, 'a').replace(length / 2, length / 4, "\t \xE9");
-      ASSERT_TRUE(twins_.Agree(run + end));
-      ASSERT_TRUE(twins_.Agree(run + end + run + end + "b"));
+      ASSERT_TRUE(comparison_.Agree(run + end));
+      ASSERT_TRUE(comparison_.Agree(run + end + run + end + "b"));
     }
   }
-  EXPECT_EQ(twins_.compared(), 12u * 71 * 2);
+  EXPECT_EQ(comparison_.compared(), 12u * 71 * 2);
 }
 
-TEST_F(QuotedPrintableTwins, AgreeOnEveryByteInARun) {
+TEST_F(QuotedPrintableComparison, AgreeOnEveryByteInARun) {
   for (int byte = 0; byte < 0x100; ++byte) {
     for (std::size_t at = 0; at < 40; ++at) {
       std::string run(40, 'a');
       run[at] = static_cast<char>(byte);
-      ASSERT_TRUE(twins_.Agree(run));
-      ASSERT_TRUE(twins_.Agree(run + "\r\n"));
+      ASSERT_TRUE(comparison_.Agree(run));
+      ASSERT_TRUE(comparison_.Agree(run + "\r\n"));
     }
   }
-  EXPECT_EQ(twins_.compared(), 256u * 40 * 2);
+  EXPECT_EQ(comparison_.compared(), 256u * 40 * 2);
 }
 
-TEST_F(QuotedPrintableTwins, AgreeOnEveryBeginningOfRandomTexts) {
-  EXPECT_TRUE(twins_.AgreeOnBeginningsOfTextsOf(kQuotedPrintablePieces));
+TEST_F(QuotedPrintableComparison, AgreeOnEveryBeginningOfRandomTexts) {
+  EXPECT_TRUE(comparison_.AgreeOnBeginningsOfTextsOf(kQuotedPrintablePieces));
 }
 
 }  // namespace

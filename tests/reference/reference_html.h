@@ -1,4 +1,4 @@
-// HTML to plain text, rule by rule, with nothing clever about it.
+// Reference implementation of the conversion of HTML to plain text: one rule after the other.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace zqv::reference {
 
-// The named references in their order: name and code point.
+// The named character references in the order of the table: name and code point.
 using NamedReferences = std::vector<std::pair<std::string, char32_t>>;
 
 std::u32string HtmlToText(const std::u32string& html, const NamedReferences& references);

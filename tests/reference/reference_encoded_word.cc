@@ -1,20 +1,20 @@
-#include "tests/reference/encoded_word_twin.h"
+#include "tests/reference/reference_encoded_word.h"
 
 #include <cstddef>
 
-#include "tests/reference/transfer_twin.h"
+#include "tests/reference/reference_transfer.h"
 
 namespace zqv::reference {
 namespace {
 
-// The text as if NULs without end followed it.
+// Reads single characters of a text. Past its end every character is NUL.
 class Endless {
  public:
   explicit Endless(const std::string& text) : text_(text.c_str()) {}
   char operator[](std::size_t i) const { return i < text_.size() ? text_[i] : '\0'; }
 
  private:
-  std::string text_;  // ends at the first NUL
+  std::string text_;  // cut at the first NUL
 };
 
 std::string Hexadecimal() { return "0123456789abcdef"; }

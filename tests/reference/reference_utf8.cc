@@ -1,4 +1,4 @@
-#include "tests/reference/utf8_twin.h"
+#include "tests/reference/reference_utf8.h"
 
 #include <bitset>
 #include <utility>
@@ -9,7 +9,7 @@ namespace {
 
 using ByteRange = std::pair<int, int>;
 
-// Each row: the ranges of the bytes of one kind of sequence.
+// One row for each kind of sequence: the allowed range of each of its bytes.
 const std::vector<std::vector<ByteRange>>& Rows() {
   static const std::vector<std::vector<ByteRange>> rows = {
       {{0xC2, 0xDF}, {0x80, 0xBF}},
@@ -34,12 +34,13 @@ bool Fits(std::string_view bytes, const std::vector<ByteRange>& row) {
   return true;
 }
 
-// The code point whose bits the sequence carries, read bit by bit as text.
+// Decodes the code point of a sequence, with its bits as a text of zeros and ones.
 char32_t CodePoint(std::string_view sequence) {
   std::string bits;
   for (std::size_t i = 0; i < sequence.size(); ++i) {
     const std::string byte = std::bitset<8>(static_cast<unsigned>(ByteAt(sequence, i))).to_string();
-    // A lead byte of n bytes begins with n ones and a zero, a trail byte with "10".
+    // The first byte of a sequence of n bytes begins with n ones and a zero, each further byte with
+    // "10".
     bits += byte.substr(i == 0 ? sequence.size() + 1 : 2);
   }
   return static_cast<char32_t>(std::stoul(bits, nullptr, 2));

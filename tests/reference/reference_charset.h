@@ -1,5 +1,5 @@
-// The normal form of charset names, each of its steps by itself: what text/charset.cc makes in one
-// pass.
+// Reference implementation of the normal form of charset names: each step by itself.
+// text/charset.cc does all steps in one pass.
 #pragma once
 
 #include <string>

@@ -1,4 +1,5 @@
-// UTF-8 by the table of allowed byte sequences (RFC 3629, section 4), one row after the other.
+// Reference implementation of UTF-8: looks each sequence up in the table of valid byte sequences
+// (RFC 3629, section 4).
 #pragma once
 
 #include <cstddef>
@@ -10,7 +11,8 @@ namespace zqv::reference {
 // The length of the allowed sequence of two to four bytes at the start of `bytes`; 0 for none.
 std::size_t AllowedSequence(std::string_view bytes);
 
-// Well-formed and without control characters other than tab, line feed and carriage return.
+// The length of the valid sequence of two to four bytes at the start of `bytes`; 0 when there is
+// none.
 bool IsUtf8(std::string_view bytes);
 
 struct DecodedUtf8 {

@@ -1,4 +1,4 @@
-#include "tests/reference/html_twin.h"
+#include "tests/reference/reference_html.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -31,7 +31,7 @@ bool IsSpace(char32_t c) {
   return spaces.count(c) == 1;
 }
 
-// The letters from `i` on, in lower case.
+// The letters from position `i` on, in lower case.
 std::string NameAt(const Pass& p, std::size_t i) {
   std::string name;
   for (;; ++i) {
@@ -114,7 +114,8 @@ void Tag(Pass& p) {
   }
 }
 
-// Digits from `i` on until anything else; of each code point `bits` are read.
+// The digits from position `i` up to the first other character. Only the low `bits` bits of a code
+// point are compared.
 std::uint64_t Number(const Pass& p, std::size_t i, std::size_t most, char32_t bits, unsigned base) {
   const std::string digits = "0123456789abcdef";
   std::string seen;

@@ -1,4 +1,5 @@
-// Encoded words of header text, position by position.
+// Reference implementation of the decoder of encoded words in header text: one position of the text
+// after the other.
 #pragma once
 
 #include <string>

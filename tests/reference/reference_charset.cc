@@ -1,11 +1,11 @@
-#include "tests/reference/charset_twin.h"
+#include "tests/reference/reference_charset.h"
 
 #include <cstddef>
 
 namespace zqv::reference {
 
 std::string NormaliseCharset(const std::string& name) {
-  // Quotes are looked for in the text that has lost everything else that is dropped.
+  // Quotes are searched in the text from which everything else that is dropped has been removed.
   std::string kept;
   for (const char c : name) {
     const int byte = static_cast<unsigned char>(c);

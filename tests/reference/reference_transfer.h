@@ -1,4 +1,4 @@
-// Base64 and quoted-printable, rule by rule.
+// Reference implementation of the decoders of base64 and quoted-printable.
 #pragma once
 
 #include <string>

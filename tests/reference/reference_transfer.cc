@@ -1,4 +1,4 @@
-#include "tests/reference/transfer_twin.h"
+#include "tests/reference/reference_transfer.h"
 
 #include <bitset>
 #include <cstddef>
@@ -6,14 +6,14 @@
 namespace zqv::reference {
 namespace {
 
-// The place of `c` in a list of characters; npos when it is not there.
+// The index of `c` in a list of characters; npos when it is not in the list.
 std::size_t PlaceIn(std::string_view list, char c) { return list.find(c); }
 
 constexpr std::size_t kNowhere = std::string_view::npos;
 constexpr std::string_view kAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-// The bits of up to four characters, six each, as text.
+// Six bits for each of at most four characters, as a text of zeros and ones.
 std::string BitsOf(std::string_view four) {
   std::string bits;
   for (const char c : four) {
@@ -25,7 +25,7 @@ std::string BitsOf(std::string_view four) {
   return bits;
 }
 
-// How a text begins, and what that becomes.
+// The beginning of a text, and what it is decoded to.
 struct Piece {
   std::size_t length;
   std::string decoded;
@@ -49,7 +49,7 @@ std::size_t CountBlanks(std::string_view text) {
   return count;
 }
 
-// Two different ones belong together.
+// Two different characters make one line end, two equal ones make two.
 std::size_t LineEndLength(std::string_view text) {
   const bool is_pair = text.size() > 1 && IsLineEnd(text[1]) && text[1] != text[0];
   return is_pair ? 2 : 1;
@@ -60,7 +60,7 @@ Piece Undecided(std::string_view all) {
   return {all.size(), is_tab_second ? "=\t" : "="};
 }
 
-// `text` begins with "=" and a character that is neither a blank nor a line end.
+// Decodes a `text` that begins with "=" and a character that is neither a blank nor a line end.
 Piece DecodeCode(std::string_view text) {
   if (!IsHexadecimal(text[1])) return Kept(text.substr(0, 2));
   if (text.size() == 2 || !IsHexadecimal(text[2])) return Kept(text.substr(0, 3));
