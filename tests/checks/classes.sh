@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Which classes of the MIME library a built library holds. Ours parses and writes messages itself;
-# the library's own tree and parser must not come back unseen through an include.
-#   classes.sh LIBRARY           fails when a forbidden class has a symbol, or when there are no symbols
-#   classes.sh --self-test CXX   builds libraries with each of them and demands a complaint
+# Checks which classes of mimetic a built library contains. The library has a parser and writer of
+# its own; mimetic's tree and parser must not come back through an include unnoticed.
+#   classes.sh LIBRARY           fails when a forbidden class has a symbol, or without any symbols
+#   classes.sh --self-test CXX   builds libraries with each of them and requires a complaint
 set -euo pipefail
 export LC_ALL=C
 
@@ -12,7 +12,7 @@ forbidden=(MimeEntity IteratorParser Header Rfc822Header Body)
 complaints() {
   local symbols class
   symbols=$(nm -C "$1" 2>/dev/null)
-  # Stripped, or without what is used of the library, it would prove nothing.
+  # A stripped library, or one without any code of mimetic, would pass without being checked.
   grep -q 'mimetic::' <<<"$symbols" || echo "has no symbol of the MIME library at all"
   for class in "${forbidden[@]}"; do
     ! grep -qE "mimetic::$class\b" <<<"$symbols" || echo "holds mimetic::$class"

@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
-# What cppcheck says of the library, the stand-in host, the program and the benchmarks:
+# The findings of cppcheck in the library, the stand-in host, the program and the benchmarks:
 #   cppcheck.sh FOLDER        lists every finding in the project in FOLDER; fails when there is one
-#   cppcheck.sh --self-test   plants faults in a scratch project and demands that they are found
-# Findings that are none are in scripts/cppcheck-suppressions.txt, with reasons; one that is not
-# needed any more is a finding too. Tests are not looked at: they do wrong things on purpose.
-# Ends with 77 where there is no cppcheck.
+#   cppcheck.sh --self-test   plants faults in a scratch project and requires that they are found
+# scripts/cppcheck-suppressions.txt lists wrong findings, with reasons; an entry that is not needed
+# any more is a finding too. Tests are not checked, because they do wrong things on purpose. The
+# exit status is 77 where cppcheck is not installed.
 set -euo pipefail
 export LC_ALL=C
 
 folders=(abi base text mime email host objects plugin standin cli bench)
 
-# Prints the findings in the current folder; its own failures are findings.
+# Prints the findings in the current folder. A failure of cppcheck counts as a finding.
 findings() {
   local present=() folder
   for folder in "${folders[@]}"; do
@@ -31,7 +31,7 @@ self_test() {
   cd "$folder"
   mkdir scripts host
 
-  # expect ID CODE [SUPPRESSION]: that finding, and no other; nothing when ID is empty.
+  # expect ID CODE [SUPPRESSION]: requires the finding ID and no other, or none when ID is empty.
   expect() {
     local found
     echo "$2" >host/a.cc

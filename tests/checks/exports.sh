@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# What a built library shows to the system that loads it:
-#   exports.sh LIBRARY [FOLDER...]   exactly one exported name, no needed library but the four,
+# Checks what the dynamic linker sees of a built library:
+#   exports.sh LIBRARY [FOLDER...]   exactly one exported name, only the four allowed libraries,
 #                                    no search path, no executable stack, no mention of FOLDER, and
-#                                    nothing that Debian 11's C and C++ libraries do not have yet
-#   exports.sh --self-test CXX       builds libraries that break each rule and demands a complaint
+#                                    no symbol version newer than Debian 11's
+#   exports.sh --self-test CXX       builds libraries that break each rule and requires a complaint
 set -euo pipefail
 export LC_ALL=C
 

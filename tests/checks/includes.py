@@ -2,10 +2,10 @@
 """Which folder may include which: the direction of the project's dependencies.
 
   includes.py FOLDER       lists every include that breaks a rule; fails when there is one
-  includes.py --self-test  plants violations in a scratch project and demands that each is found
+  includes.py --self-test  plants violations in a scratch project and requires that each is found
 
-The rules are data: the tables below. A file belongs to the longest row that is a prefix
-of its path. Our own files are included in quotes by their path from the top of the project.
+The tables below contain the rules. The rule for a file is the longest row that is a prefix of its
+path. Files of the project are included in quotes, by their path from the top of the project.
 """
 
 import pathlib
@@ -13,12 +13,12 @@ import re
 import sys
 import tempfile
 
-# The pure core, lowest first: each folder may include itself and those before it, and of the host's
-# interface the encoding numbers alone.
+# The core, lowest folder first. Each folder may include itself and the folders before it, and of
+# the host's interface only the encoding numbers.
 CORE = ["base", "text", "mime", "email"]
 OF_THE_INTERFACE = "abi/encodings.h"
 
-# The bridge: what each folder may include besides itself. With the core it is what ships.
+# The bridge, and what each of its folders may include besides itself. Bridge and core are shipped.
 BRIDGE = {
     "abi": [],
     "host": ["abi", "base"],
@@ -26,7 +26,7 @@ BRIDGE = {
     "plugin": [*CORE, "objects", "host", "abi"],
 }
 
-# What else there is, and what it may include besides itself. "*" means everything of ours.
+# All other folders, and what each may include besides itself. "*" means any file of the project.
 OTHERS = {
     "standin": ["abi", "base"],
     "cli": ["standin", "abi", *CORE],
@@ -42,14 +42,14 @@ OTHERS = {
     "examples": ["*"],
 }
 
-# A unit test sees its folder and what that may see, the unit tests' fixtures of those, and what is
-# named here; the stand-in host only where the folder knows a host.
+# A unit test may include its own folder, the folders that this one may include, the fixtures of
+# their unit tests, and these. It may include the stand-in host only if its folder may include abi.
 UNIT_TEST_EXTRAS = ["tests/support", "tests/reference"]
 
-# Who may name the MIME library.
+# The folders that may use mimetic.
 MIMETIC_USERS = ["mime/", "email/", "objects/", "tests/unit/", "bench/", "fuzz/"]
 
-# What the plug-in's own folders never include: it would have to ship.
+# Headers that the plug-in must not include, because they would have to be shipped.
 NOT_IN_PLUGIN = re.compile(
     r"<(nlohmann|CLI|gtest|gmock|benchmark|rapidcheck|unicode)/|<(rapidcheck|iconv)\.h>")
 
@@ -59,7 +59,7 @@ NOT_OURS = {"build", "dist", ".git", "third_party"}
 
 
 def shipped():
-    """Folder of the plug-in -> what it may include, itself included."""
+    """For each folder of the plug-in: what it may include, itself included."""
     table = {}
     for index, folder in enumerate(CORE):
         table[folder] = [*CORE[: index + 1], OF_THE_INTERFACE]
@@ -69,7 +69,7 @@ def shipped():
 
 
 def rules():
-    """Folder -> the folders and files that it may include."""
+    """For each folder: the folders and files that it may include."""
     table = shipped()
     for folder, allowed in shipped().items():
         fixtures = [f"tests/unit/{other}" for other in allowed if "/" not in other]
@@ -80,13 +80,13 @@ def rules():
 
 
 def longest_prefix(path, folders):
-    """The longest of `folders` that holds `path`, or is it; None when there is none."""
+    """The longest of `folders` that contains `path` or equals it; None when there is none."""
     holding = [folder for folder in folders if path == folder or path.startswith(folder + "/")]
     return max(holding, key=len, default=None)
 
 
 def check_line(path, line, table, top):
-    """What is wrong with one line of the file `path`, or None."""
+    """The violation in one line of the file `path`, or None."""
     folder = longest_prefix(path, table)
     if folder is None:
         return "lies in a folder that has no rule; add one to tests/checks/includes.py"
@@ -126,7 +126,7 @@ def check(top):
     return found if files else [f"no source files in {top}"]
 
 
-# File, line planted in it, text of the expected complaint ("" for none).
+# A file, a line planted in it, and the text of the expected complaint ("" when none is expected).
 PLANTED = [
     ("base/a.cc", '#include "abi/encodings.h"', ""),
     ("email/a.cc", '#include "abi/encodings.h"', ""),
@@ -201,7 +201,7 @@ PLANTED = [
 
 
 def self_test():
-    """Number of planted lines that were not judged as expected."""
+    """The number of planted lines whose result was not the expected one."""
     failures = 0
     for path, line, expected in PLANTED:
         with tempfile.TemporaryDirectory() as name:

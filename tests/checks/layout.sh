@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# The layout of the C++ sources, by clang-format, and what shellcheck says of the scripts:
+# The layout of the C++ sources, by clang-format, and shellcheck's findings in the scripts:
 #   layout.sh FOLDER        prints every finding in the project in FOLDER; fails when there is one
-#   layout.sh --self-test   plants faults in a scratch project and demands that they are found
-# Ends with 77 where one of the two programs is missing.
+#   layout.sh --self-test   plants faults in a scratch project and requires that they are found
+# The exit status is 77 where one of the two programs is missing.
 set -euo pipefail
 export LC_ALL=C
 
@@ -10,7 +10,7 @@ for program in clang-format shellcheck; do
   command -v "$program" >/dev/null || { echo "$program is missing"; exit 77; }
 done
 
-# The scripts among the files of the current folder, by their first line.
+# The scripts among the files of the current folder, recognised by their first line.
 scripts() {
   git grep --untracked --name-only -z -e '^#!/usr/bin/env bash$' -e '^# shellcheck shell=bash$'
 }
@@ -33,7 +33,8 @@ self_test() {
   cd "$folder"
   git init --quiet
 
-  # expect TEXT FILE LINES: a file with these lines gives findings with that text, or none when it is empty.
+    # expect TEXT FILE LINES: requires a finding with this text in a file with these lines, or no
+    # finding when the text is empty.
   expect() {
     local found
     printf '%s\n' "$3" >"$2"

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""What a library for macOS shows to the system that loads it.
+"""Checks what the dynamic linker of macOS sees of a library.
 
   macho.py [--universal] LIBRARY [FOLDER...]   checks a file of one processor, or of both
-  macho.py --self-test LIBRARY                 breaks each rule in a copy and demands a complaint
+  macho.py --self-test LIBRARY                 breaks each rule in a copy and requires a complaint
 
-One exported name; the system's four libraries at their places and no other; an identity with the
-project's version and no search path; the oldest system it runs on; a signature whose hashes are
-right; operators new and delete as the process has them; at most 1.5 MB; no mention of FOLDER.
+Checked are: one exported name; only the system's four libraries, at their paths; an identity with
+the project's version and no search path; the oldest supported system; a signature with correct
+hashes; operators new and delete that the process can replace; at most 1.5 MB; no mention of FOLDER.
 """
 
 import argparse
@@ -32,7 +32,7 @@ OLDEST = {"x86_64": (10, 13), "arm64": (11, 0)}
 LARGEST = 1_500_000
 PROJECT = pathlib.Path(__file__).parents[2] / "CMakeLists.txt"
 VERSION = re.search(r"^project\(.* VERSION (\d+)\.(\d+)\.(\d+) ", PROJECT.read_text(), re.M)
-BINDS_TO_WEAK = 0x10000  # asks the loader for the process's own where it has any
+BINDS_TO_WEAK = 0x10000  # the loader binds to a definition in the process if there is one
 
 UNIVERSAL, THIN = 0xCAFEBABE, 0xFEEDFACF
 DYNAMIC_LIBRARY = 6
@@ -46,7 +46,7 @@ def text_at(data, start):
 
 
 class Slice:
-    """The file of one processor."""
+    """The file for one processor."""
 
     def __init__(self, data):
         self.data = data
@@ -66,12 +66,12 @@ class Slice:
         return [at for command, at in self.commands if command == wanted]
 
     def names(self, wanted):
-        """The paths that load commands of that kind hold."""
+        """The paths in load commands of the kind `wanted`."""
         return [text_at(self.data, at + struct.unpack_from("<I", self.data, at + 8)[0])
                 for at in self.places(wanted)]
 
     def versions(self):
-        """As the library's identity has them."""
+        """The versions in the library's identity."""
         numbers = [struct.unpack_from("<I", self.data, at + 16)[0] for at in self.places(IDENTIFY)]
         return [(number >> 16, number >> 8 & 0xFF, number & 0xFF) for number in numbers]
 
@@ -81,7 +81,7 @@ class Slice:
             symbols, count, strings, _ = struct.unpack_from("<4I", self.data, at + 8)
             for i in range(count):
                 name, kind = struct.unpack_from("<IB", self.data, symbols + 16 * i)
-                # Neither for debuggers nor private; external and defined.
+                # No symbol for debuggers and no private one: external and defined.
                 if kind & 0xF0 == 0 and kind & 0x01 and kind & 0x0E == 0x0E:
                     names.append(text_at(self.data, strings + name))
         return names
@@ -97,7 +97,7 @@ class Slice:
 
 
 def code_directory(data):
-    """Where the hashes of the pages begin to be described, in a signature."""
+    """The code directory of a signature, which describes the hashes of the pages."""
     magic, _, count = struct.unpack_from(">3I", data)
     if magic != SIGNATURE_BLOB:
         return None
@@ -109,7 +109,7 @@ def code_directory(data):
 
 
 def signature_faults(part):
-    """What is wrong with an ad-hoc signature."""
+    """The faults of an ad-hoc signature."""
     places = part.places(SIGNATURE)
     if not places:
         return ["is not signed"]
@@ -133,7 +133,7 @@ def signature_faults(part):
 
 
 def slice_faults(part):
-    """One text for each rule that the file of one processor breaks."""
+    """One text for each rule that the file for one processor breaks."""
     if not part.is_thin or part.type != DYNAMIC_LIBRARY:
         return ["is no dynamic library"]
     faults = []
@@ -156,7 +156,7 @@ def slice_faults(part):
 
 
 def split(data):
-    """The slices of a universal file, or nothing for another file."""
+    """The slices of a universal file; nothing for any other file."""
     magic, count = struct.unpack_from(">2I", data)
     if magic != UNIVERSAL:
         return []
@@ -176,7 +176,7 @@ def faults_of(data, is_universal, folders):
 
 
 def self_test(data):
-    """Each rule is broken by changing bytes of a copy."""
+    """Breaks each rule by changing bytes of a copy."""
     part = Slice(data)
     at = {command: place for command, place in part.commands}
     def changed(place, new):

@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""Runs the zqv program with the library that ships under valgrind, over real messages.
+"""Runs the zqv program with the shipped library under valgrind, on real messages.
 
   memcheck.py ZQV FOLDER json    everything of each message of samples/ and tests/corpus
   memcheck.py ZQV FOLDER verbs   the other verbs that call the library, one message each
-  memcheck.py --self-test CXX    demands that planted faults are found with the same options
+  memcheck.py --self-test CXX    requires that planted faults are found with the same options
 
-FOLDER is the project. Each error that valgrind reports and each block of memory that nothing points
-to at the end is a fault. The sanitizers see more, but of code that was compiled for them; this is
-the code that ships, the MIME library and the system's libraries included. Ends with 77 where there
-is no valgrind.
+FOLDER is the project. A fault is an error that valgrind reports, or memory to which nothing points
+at the end. The sanitizers find more kinds of errors, but only in code that was compiled for them.
+This check runs the code that is shipped, including mimetic and the system's libraries. The exit
+status is 77 without valgrind.
 """
 
 import pathlib
@@ -17,7 +17,7 @@ import subprocess
 import sys
 import tempfile
 
-FAULTY = 99  # what valgrind makes the program's exit code when it has found anything
+FAULTY = 99  # the exit code that valgrind gives the program when it has found an error
 SKIPPED = 77
 VALGRIND = ["valgrind", "--quiet", f"--error-exitcode={FAULTY}", "--leak-check=full",
             "--errors-for-leak-kinds=definite,indirect", "--show-leak-kinds=definite,indirect",
@@ -29,19 +29,19 @@ def run(command):
 
 
 def explain(finished):
-    """The beginning of what valgrind and the program said."""
+    """The first lines of the output of valgrind and the program."""
     return finished.stderr.decode("utf-8", "replace")[:8000]
 
 
 def check_json(zqv, top):
-    """One process for all messages, as in an application that reads a mailbox."""
+    """Runs one process for all messages, as in an application that reads a mailbox."""
     samples = sorted(top.glob("samples/*.eml"))
     corpus = sorted(top.glob("tests/corpus/*/*.eml"))
     if not samples or not corpus:
         return [f"no messages in {top}"]
     files = [str(path) for path in samples + corpus]
     finished = run([zqv, "json", *files])
-    # Messages that raise are told on standard error and make the exit code 1.
+    # A message that raises gives a line on standard error and the exit code 1.
     documents = finished.stdout.count(b'"format_version"')
     refused = finished.stderr.count(f"zqv: {top}/".encode())
     print(f"{len(files)} messages, {documents} documents, {refused} refused")
@@ -53,7 +53,7 @@ def check_json(zqv, top):
     return faults
 
 
-# Arguments behind the program's name, and text that must be in what it prints.
+# The arguments after the program's name, and a text that must be in its output.
 VERBS = [
     (["show", "samples/nested.eml"], b"Subject"),
     (["tree", "samples/attachments.eml"], b"text/plain"),
@@ -109,7 +109,8 @@ int main(int, char** values) {
   return code;
 }
 """
-# A word for the planted program, and what valgrind says of it; nothing where nothing is wrong.
+# The argument of the planted program, and the text that valgrind must report; empty when it must
+# report nothing.
 EXPECTED = [
     ("none", None),
     ("uninitialised", "uninitialised"),

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""What scripts/make_package.py puts together: the layout that the IDE wants, and the same bytes for
-the same content, whenever and in whatever order it is made."""
+"""Tests scripts/make_package.py: the package has the layout that the IDE expects, and equal content
+gives equal bytes, independent of the time and of the order of the files."""
 
 import os
 import pathlib
@@ -25,7 +25,7 @@ class Package(unittest.TestCase):
         self.folder = pathlib.Path(folder.name)
 
     def make(self, name, files, age=0):
-        """The package of these files, which are as many seconds old."""
+        """A package of these files, whose time stamps are `age` seconds old."""
         arguments = []
         for number, (inside, content) in enumerate(files.items()):
             path = self.folder / f"{name}{number}"

@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
-"""What a library for Windows shows to the system that loads it.
+"""Checks what the loader of Windows sees of a library.
 
-  pe.py LIBRARY [FOLDER...]    checks a file as it ships
-  pe.py --self-test LIBRARY    breaks each rule in a copy and demands a complaint
+  pe.py LIBRARY [FOLDER...]    checks a file as it is shipped
+  pe.py --self-test LIBRARY    breaks each rule in a copy and requires a complaint
 
-One exported name; functions of KERNEL32.dll and the C runtime alone; for a known processor;
-addresses that nobody can foretell, over the whole range of them, and no data that can be run; no
-time at which it was linked; at most 1.5 MB; no mention of FOLDER; on x86-64 no move of 32 bytes that
-wants them aligned, since compilers may put such values where they are not.
+Checked are: one exported name; functions of KERNEL32.dll and the C runtime only; a known processor;
+random addresses over the whole address range, and no data that can be executed; no time of linking;
+at most 1.5 MB; no mention of FOLDER; on x86-64 no move of 32 bytes that requires alignment, because
+some compilers place such values at addresses that are not aligned.
 """
 
 import argparse
@@ -23,11 +23,11 @@ import planted
 ENTRY_POINT = "REALPluginMain"
 PROCESSORS = {0x8664: "x86-64", 0xAA64: "arm64"}
 LIBRARIES = {"kernel32.dll", "msvcrt.dll"}
-UNIVERSAL_RUNTIME = "api-ms-win-crt-"  # parts of it have names that begin so
+UNIVERSAL_RUNTIME = "api-ms-win-crt-"  # the beginning of the names of its parts
 LARGEST = 1_500_000
 IS_LIBRARY = 0x2000
 FLAGS = {0x20: "high-entropy addresses", 0x40: "movable addresses", 0x100: "data that is not run"}
-FIRST_TIME = 315532800  # 1980-01-01: what strip writes in a package
+FIRST_TIME = 315532800  # 1980-01-01, which strip writes in a package
 EXPORTS, IMPORTS = 0, 1
 ALIGNED_MOVES = ("vmovdqa", "vmovaps", "vmovapd", "vmovntdq", "vmovntps", "vmovntpd")
 
@@ -52,7 +52,7 @@ class File:
         return struct.unpack_from(form, self.data, at)[0]
 
     def place(self, address):
-        """Where in the file the bytes of an address in memory lie."""
+        """The offset in the file of the bytes at an address in memory."""
         for size, start, stored, offset in self.sections:
             if start <= address < start + max(size, stored):
                 return address - start + offset
@@ -82,7 +82,7 @@ class File:
             at += 20
 
     def imported(self):
-        """The functions that other libraries are asked for."""
+        """The names of the libraries from which functions are imported."""
         at = self.place(self.directory(IMPORTS))
         while self.number("<I", at + 12):
             row = self.place(self.number("<I", at) or self.number("<I", at + 16))
@@ -93,7 +93,7 @@ class File:
 
 
 def aligned_moves(data):
-    """The instructions that move 32 bytes between memory that must be aligned and a register."""
+    """The instructions that move 32 bytes between a register and memory that must be aligned."""
     with tempfile.NamedTemporaryFile(suffix=".dll") as file:
         file.write(data)
         file.flush()
@@ -130,7 +130,7 @@ def faults_of(data, folders):
 
 
 def moving_aligned(data):
-    """A copy in whose code a move of 32 bytes stands that wants them aligned."""
+    """A copy of the file with a move of 32 bytes that requires alignment in its code."""
     file = File(data)
     entry = file.place(file.number("<I", file.optional + 16))
     return data[:entry] + b"\xC5\xFD\x6F\x04\x24" + data[entry + 5:]  # vmovdqa (%rsp),%ymm0

@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""Rules that look like bugs and are none: each has a reason, a test, and a row in docs/quirks.md.
+"""Checks the quirks, which are rules that look like bugs: each has a test and a row in
+docs/quirks.md.
 
   quirks.py FOLDER       lists what is missing in the project; fails when anything is
-  quirks.py --self-test  plants each fault in a scratch project and demands that it is found
+  quirks.py --self-test  plants each fault in a scratch project and requires that it is found
 
-A quirk is a comment of the library's own folders that says QUIRK:, and later Test: Suite.Name, with
-several tests separated by commas. The test must exist in tests/, and the document must name it.
-Whatever test this document and SECURITY.md name must exist: `Suite.Name`, or `Suite.*` for some.
+A quirk is a comment in the library's folders with "QUIRK:", and after it "Test: Suite.Name", or
+several tests separated by commas. Each test must exist in tests/, and the document must name it.
+Every test that docs/quirks.md or SECURITY.md names must exist, as `Suite.Name` or `Suite.*`.
 """
 
 import pathlib
@@ -26,7 +27,7 @@ DEFINED = re.compile(r"\bTEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\)")
 
 
 def quirks(text):
-    """Line number and whole comment text, from QUIRK: on, of each quirk."""
+    """For each quirk its line number and the text of the comment, from QUIRK: on."""
     found = []
     lines = text.splitlines()
     for number, line in enumerate(lines, 1):

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""The names that a library leaves to the system: each stands in the list for its platform.
+"""Checks the names that a library needs from the system: each must be in the list of its platform.
 
   undefined.py LIBRARY...              checks built files
-  undefined.py --self-test LIBRARY...  takes a name from each list and demands a complaint
+  undefined.py --self-test LIBRARY...  takes a name from each list and requires a complaint
 
-What stands in undefined/PLATFORM.txt has been looked up: the oldest system that the library is for
-has it. A name that is not there may link all the same, against stubs or newer libraries, and then
-keep the library from loading. Before a name goes into a list, see since when the platform has it.
+The oldest supported system has each name in undefined/PLATFORM.txt; this was looked up. Any other
+name may link with stubs or newer libraries, and then prevent the library from loading. Before
+adding a name to a list, look up since which version the platform has it.
 """
 
 import pathlib
@@ -15,7 +15,7 @@ import subprocess
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
-import pe  # noqa: E402: beside this file
+import pe  # noqa: E402: in this folder
 
 LISTS = pathlib.Path(__file__).parent / "undefined"
 MAGICS = {b"\x7fELF": "linux", b"\xcf\xfa\xed\xfe": "macos", b"\xca\xfe\xba\xbe": "macos",
@@ -32,7 +32,7 @@ def read_list(platform):
 
 
 def names_of(path):
-    """The platform of a file, and what it leaves undefined; versions of names are left out."""
+    """The platform of a file, and the names that it needs, without their versions."""
     platform = MAGICS.get(path.read_bytes()[:4])
     if platform is None:
         sys.exit(f"{path} is of no known kind")
@@ -43,7 +43,7 @@ def names_of(path):
         lines = output("llvm-nm-19", "-u", "--arch=all", "--format=just-symbols", str(path))
         return platform, {line for line in lines.split() if line.startswith(("_", "dyld_"))}
     file = pe.File(path.read_bytes())
-    # Windows for arm64 began with what other processors got much later.
+    # Windows for arm64 began with functions that came much later on other processors.
     return f"windows-{file.processor}", set(file.imported())
 
 

@@ -1,4 +1,4 @@
-"""What the program does with files that are no messages, and with libraries that are none."""
+"""The program with files that are not messages, and with files that are not libraries."""
 
 import ctypes
 import os
@@ -15,7 +15,7 @@ NO_HEADER = ("UnsupportedOperationException: "
              "Email must start with an header text. BOM character?")
 NOT_OPENED = "IOException: Failed to open file for reading."
 
-# Every verb on messages, with what it cannot do without.
+# Every verb that reads messages, with its required arguments.
 VERBS = (["show"], ["tree"], ["headers"], ["addresses"], ["list"], ["check"], ["text"], ["html"],
          ["strip"], ["json"], ["bench"], ["extract", "--dir", "never-made"],
          ["extract", "--stdout", "0"], ["report", "-o", "never-made"])
@@ -23,7 +23,7 @@ VERBS = (["show"], ["tree"], ["headers"], ["addresses"], ["list"], ["check"], ["
 
 class BadFileTest(program.TestCase):
     def check(self, path, message):
-        """Every verb says the same, once, and prints nothing."""
+        """Requires that every verb reports the same error once and prints nothing."""
         for verb in VERBS:
             with self.subTest(verb[0]):
                 self.expect(zqv(*verb, path, cwd=self.folder), 1, "", f"zqv: {path}: {message}\n")
@@ -62,7 +62,7 @@ class BadFileTest(program.TestCase):
         options = program.as_nobody()
         self.expect(zqv("show", path, program=copy, **options), 1, "",
                     f"zqv: {path}: {NOT_OPENED}\n")
-        # It was the file and nothing else that could not be read.
+        # The program must have read the library, and have failed to read this file only.
         path.chmod(0o644)
         self.expect(zqv("show", path, program=copy, **options), 0, None)
 
@@ -79,7 +79,8 @@ class BadFileTest(program.TestCase):
             with self.subTest(verb[0]):
                 result = zqv(*verb, path, cwd=self.folder)
                 self.assertIn(result.code, (0, 1), result)
-                lines = 2 if verb[0] == "export" else 1  # which also says how many it exported
+                # export also writes how many messages it exported
+                lines = 2 if verb[0] == "export" else 1
                 self.assertLessEqual(result.err.count("\n"), lines, result)
                 for file in self.folder.glob("*made"):
                     shutil.rmtree(file) if file.is_dir() else file.unlink()
@@ -90,7 +91,7 @@ class BadFileTest(program.TestCase):
 
 
 class NoMessageTest(program.TestCase):
-    """Verbs on files that need not be messages."""
+    """Verbs that read files which need not be messages."""
 
     def test_html2text(self):
         gone = self.folder / "gone.html"

@@ -1,4 +1,4 @@
-"""The verb that measures. How fast is not asked here."""
+"""`zqv bench`. The speed itself is not tested."""
 
 import json
 import re

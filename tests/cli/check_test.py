@@ -1,5 +1,5 @@
-"""What `zqv check` says: each kind of oddity in a message that has it, and not in one that has it
-no more; places; forms; and that hostile messages cost no more than their size."""
+"""`zqv check`: each kind of finding, in a message that has it and not in a corrected one; line
+numbers; output formats; and that hostile messages take time in proportion to their size."""
 
 import json
 import resource
@@ -11,14 +11,15 @@ from program import SAMPLES, zqv
 
 CLEAN = "no findings\n"
 
-# Five fields that are in order; the next line of a message is line 6.
+# Five correct header fields; the next line of the message is line 6.
 HEAD = ("From: ada@example.com\nTo: ben@example.org\nDate: Sat, 20 Jan 2024 18:00:00 +0000\n"
         "Subject: Keys\nMIME-Version: 1.0\n")
-MIXED = HEAD + "Content-Type: multipart/mixed; boundary=cut\n\n"  # the parts begin in line 8
+MIXED = HEAD + "Content-Type: multipart/mixed; boundary=cut\n\n"  # the first part begins in line 8
 DATA = HEAD + "Content-Type: image/png\nContent-Transfer-Encoding: base64\n\n"
 LETTER = "Content-Type: text/plain\n\nhello\n"
 
-# Code; a message that has this oddity and no other; its twin without; part, line and text.
+# The code of a finding; a message with this finding and no other; the same message corrected; the
+# expected part, line and text.
 CASES = {
     "no blank line in a message": (
         "no-blank-line", HEAD + "hello there\n", HEAD + "\nhello there\n",
@@ -183,12 +184,12 @@ class CheckCase(program.TestCase):
         return result.code, found
 
     def findings(self, message):
-        """What is found in one message: code, part, line, text."""
+        """The findings in one message: code, part, line and text of each."""
         code, (findings,) = self.documents(self.write("letter.eml", message))
         self.assertEqual(code, 1 if findings else 0)
         for finding in findings:
             self.assertEqual(list(finding), ["code", "part", "line", "text"])
-        # Most messages here are kept short: see LackingTest.
+        # Most of these messages have no Content-Type, to be short; LackingTest tests that finding.
         return [tuple(finding.values()) for finding in findings
                 if finding["code"] != "no-content-type"]
 
@@ -229,7 +230,7 @@ class OddityTest(CheckCase):
         for known in ("BASE64", "Quoted-Printable", "7bit", "8bit", "binary"):
             twin = UNKNOWN_ENCODING.replace("x-uuencode", known).replace("\nx\n", "\neA==\n")
             self.assertEqual(self.findings(MIXED + f"--cut\n{twin}--cut--\n"), [], known)
-        # Of a multipart it does not matter.
+        # For a multipart the transfer encoding does not matter.
         self.assertEqual(self.findings(MIXED.replace(
             "\n\n", "\nContent-Transfer-Encoding: x-none\n\n") + f"--cut\n{LETTER}--cut--\n"), [])
 
@@ -249,24 +250,25 @@ class OddityTest(CheckCase):
         found = [finding[:3] for finding in self.findings(MIXED + inner + "--cut\n\nx\n" * 9_990)]
         self.assertIn(("lost-parts", None, 16), found)
         self.assertIn(("unknown-charset", "1.1", 12), found)
-        # Beyond the limit of parts only what the library's objects tell is found.
+        # When a limit stops the additional parse, findings come only from the objects of the
+        # library.
         self.assertEqual([finding[:3] for finding in self.findings(
             MIXED + inner + "--cut\n\nx\n" * 10_000)], [("unknown-charset", "1.1", None)])
 
     def test_boundaries_in_headers(self):
         part = "--cut\nContent-Type: text/plain\n"
-        # The parts behind it have their numbers.
+        # The parts after the line keep their numbers.
         self.assertEqual([finding[:3] for finding in self.findings(
             MIXED + f"{part}--cut\n{LETTER}{part}hello\n--cut--\n")],
             [("no-blank-line", "1", 10), ("no-blank-line", "2", 16)])
-        # A closing one that the library does not see.
+        # A closing boundary, which the library does not find in a header.
         for end in ("", "\n"):
             self.assertEqual([finding[:3] for finding in self.findings(
                 MIXED + f"{part}--cut--{end}")], [("no-blank-line", "1", 10)])
-        # One that is a field to the library.
+        # A boundary line that the library takes for a header field.
         self.assertEqual([finding[:3] for finding in self.findings(
             MIXED + f"{part}--cut: x\n\nhello\n--cut--\n")], [("no-blank-line", "1", 10)])
-        # One of an outer multipart: the next one ends the parse.
+        # A boundary of an outer multipart; the next boundary line ends the parse.
         inner = "--cut\nContent-Type: multipart/mixed; boundary=in\n--cut\n"
         self.assertEqual([finding[:3] for finding in self.findings(
             MIXED + f"{inner}{LETTER}--cut\n{LETTER}--cut--\n")],
@@ -293,15 +295,16 @@ class OddityTest(CheckCase):
             [("no-blank-line", "1", 10)])
 
     def test_delimiter_lines(self):
-        # A line that begins with the boundary, blanks behind it, is a delimiter; one with text or
-        # blanks before it is none, and that of a closed multipart is none either.
+        # A line that begins with the boundary and ends in blanks is a boundary line. A line with
+        # text or blanks before the boundary is not, nor is the boundary of a multipart that is
+        # closed.
         body = f"--cut \t\n{LETTER}x--cut--\n --cut--\n--cu\n-- cut--\n--cut-- \n--cut\nnot: mail\n"
         self.assertEqual(self.findings(MIXED + body), [])
         self.assertEqual(self.codes(MIXED + body.replace("--cut-- \n", "")),
                          ["unterminated-multipart", "cut-header"])
 
     def test_one_boundary_twice(self):
-        # The inner multipart takes every line; the outer one is left open.
+        # The inner multipart gets every boundary line, so the outer one is not closed.
         inner = f"--cut\nContent-Type: multipart/mixed; boundary=cut\n\n--cut\n{LETTER}--cut--\n"
         self.assertEqual([finding[:3] for finding in self.findings(MIXED + inner)],
                          [("unterminated-multipart", "0", 6)])
@@ -351,7 +354,7 @@ class OddityTest(CheckCase):
 
 
 class LackingTest(CheckCase):
-    """What stands in messages that the library passes over."""
+    """Contents of messages that the library does not offer as files or texts."""
 
     PLAIN = HEAD + "Content-Type: text/plain\n\n"
 
@@ -403,7 +406,8 @@ class LackingTest(CheckCase):
             "the part is in no list: no attachment, no inline part, not the message's text"), (
             "unknown-transfer-encoding", "1", 10,
             'unknown transfer encoding "x-none": the part is not decoded'))
-        # The library lists it in a known encoding; without a name nobody misses anything.
+        # The library offers such a part in a known encoding; without a name it is not a file that a
+        # person would miss.
         self.check(MIXED + f"{part}--cut--\n".replace("x-none", "7bit"), empty)
         self.check(MIXED + f"{part}--cut--\n".replace("; name=a.png", ""))
 
@@ -492,7 +496,8 @@ class OutputTest(CheckCase):
 
 class HostileTest(CheckCase):
     def seconds(self, message):
-        """What the program needs for a message beyond what it needs to make the tree."""
+        """The time that `check` takes for a message, minus the time of `tree`, which also parses
+        it."""
         path = self.write("a.eml", message)
 
         def measure(verb, codes):
@@ -522,7 +527,8 @@ class HostileTest(CheckCase):
             "parameters": lambda n: HEAD + "Content-Type: text/plain" + ";a=b" * 15_000 + "\n\n" +
                                     "x" * n,
         }
-        # So many times the size, not the square of that; sanitized builds are slow.
+        # Ten times the size may take forty times as long, because builds with sanitizers vary, but
+        # not a hundred times.
         small, large = 100_000, 1_000_000
         for name, shape in shapes.items():
             with self.subTest(name):

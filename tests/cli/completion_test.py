@@ -1,4 +1,4 @@
-"""What the three shells offer when a command line is half typed."""
+"""The completions that the three shells offer for an incomplete command line."""
 
 import os
 import pty
@@ -116,12 +116,12 @@ class FishTest(CompletionCase):
 
 
 class ZshTest(CompletionCase):
-    """zsh completes in its line editor only, so that one is talked to."""
+    """zsh completes in its line editor only, so these tests run one in a terminal."""
 
     shell = "zsh"
 
     def completed(self, line):
-        """The line after a press of the tab key."""
+        """The text of the line after the tab key was pressed."""
         os.rename(self.script, self.folder / "_zqv")
         self.write(".zshrc", f"fpath=('{self.folder}' $fpath)\nautoload -Uz compinit\n"
                              "compinit -u -D\nPROMPT='ready> '\nunsetopt PROMPT_CR PROMPT_SP\n"

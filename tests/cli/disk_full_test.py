@@ -1,4 +1,4 @@
-"""A disk that is full: one clear line, and nothing half-written is left."""
+"""A full disk: one error message, and no partly written file."""
 
 import os
 import re
@@ -8,13 +8,14 @@ import unittest
 import program
 from program import SAMPLES, TIMEOUT, ZQV, environment
 
-# Mounts a small disk on $1 where nobody else sees it, then runs the rest in its folder.
-MOUNT = 'mount -t tmpfs -o size=64k none "$1" && cd "$1" && shift && exec "$@"'
-NAMESPACE = ["unshare", "--mount"] if os.getuid() == 0 else ["unshare", "--map-root-user", "--mount"]
+# Mounts a small disk at $1 that only this process sees, and runs the other arguments in its folder.
+MOUNT = 'mount -t tmpfs -o size=64k none "$1" && cd "$1" && shift && exec "$@"' NAMESPACE =
+["unshare", "--mount"] if os.getuid() == 0 else ["unshare", "--map-root-user", "--mount"]
 
 
 def on_small_disk(disk, script):
-    """Runs a shell's script on a disk of 64 KB; the program is $0, an attachment too large $1."""
+    """Runs a shell script on a disk of 64 KB. $0 is the program, $1 a message with a too large
+    attachment."""
     return subprocess.run([*NAMESPACE, "sh", "-c", MOUNT, "sh", disk, "sh", "-c", script, ZQV,
                            disk.parent / "large.eml"], stdin=subprocess.DEVNULL,
                           stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=environment(),
@@ -35,12 +36,13 @@ class DiskFullTest(program.TestCase):
         data = "Subject: x\nMIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=b\n\n"
         for name, size in (("small", 1000), ("large", 100_000)):
             data += (f"--b\nContent-Type: application/x-{name}\n"
-                     f"Content-Disposition: attachment; filename={name}.bin\n\n" + "x" * size + "\n")
+                     f"Content-Disposition: attachment; filename={name}.bin\n\n" + "x" * size +
+                     "\n")
         self.write("large.eml", data + "--b--\n")
 
     def check(self, command, left, error):
-        """Runs it, then lists what is left on the disk with its sizes."""
-        run = on_small_disk(self.disk, command + '; code=$?; find . -type f -printf "%p %s\\n" | sort; '
+        """Runs the command, and then lists the files on the disk with their sizes.""" run =
+        on_small_disk(self.disk, command + '; code=$?; find . -type f -printf "%p %s\\n" | sort; '
                                                  "exit $code")
         self.assertEqual(run.returncode, 1, run)
         self.assertEqual(run.stdout.decode(), left, run)

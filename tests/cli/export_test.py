@@ -1,4 +1,4 @@
-"""Many messages into a folder."""
+"""`zqv export`: many messages written into a folder."""
 
 import json
 import os
@@ -22,7 +22,8 @@ def from_line():
 
 class ExportCase(program.TestCase):
     def export(self, *arguments, code=0, **options):
-        """Runs it in the test's folder; gives the summary without the time."""
+        """Runs the program in the test's folder. Returns the summary without the time, and the
+        lines before it."""
         result = self.expect(zqv("export", *arguments, "--to", "out", cwd=self.folder, **options),
                              code, "", None)
         summary = result.err.splitlines()[-1]
@@ -210,7 +211,7 @@ class FailureTest(ExportCase):
                     "zqv: out: Not a directory\n")
 
     def wait_for_state(self, process, state):
-        """S: it waits for something; Z: there is nothing left of it but its exit code."""
+        """Waits until a process has a state of /proc: S is waiting, Z has ended."""
         deadline = time.monotonic() + TIMEOUT
         while True:
             with open(f"/proc/{process}/stat", encoding="ascii") as file:
@@ -236,10 +237,11 @@ class FailureTest(ExportCase):
                 workers = [int(word) for word in file.read().split()]
             self.assertEqual(len(workers), 2)
             for worker in workers:
-                self.wait_for_state(worker, "S")  # it has told of the last one, too
+                self.wait_for_state(worker, "S")  # it has also reported its last message
                 os.kill(worker, signal.SIGSTOP)
             (self.folder / "first").write_bytes(b"Subject: x\n\ny\n")
-            # Opened at the other end once a worker, which stands still, has the first one.
+            # Opening succeeds when the program opens the other end, after a stopped worker was
+            # given the first pipe.
             with open(self.folder / "second", "wb") as pipe:
                 for worker in workers:
                     os.kill(worker, signal.SIGKILL)
@@ -293,8 +295,8 @@ class SharesTest(ExportCase):
 @unittest.skipIf("asan" in str(ZQV), "the sanitizer keeps what was freed")
 class MemoryTest(ExportCase):
     def peak(self, *arguments):
-        """Kilobytes that a run takes at most. A small process starts it, since what that takes
-        counts, too."""
+        """The largest memory of a run, in kilobytes. A small process starts the run, because the
+        memory of the starting process counts too."""
         run = subprocess.run([sys.executable, "-c", self.PEAK, ZQV, "export", *arguments,
                               "--to", self.folder / "out"], stdout=subprocess.PIPE,
                              stderr=subprocess.DEVNULL, env=environment(), check=True)
@@ -305,7 +307,7 @@ class MemoryTest(ExportCase):
             "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)\n")
 
     def test_does_not_grow_with_the_messages(self):
-        """The stand-in host holds back what was freed, up to a limit that 1,000 messages reach."""
+        """The stand-in host keeps freed memory up to a limit, which 1,000 messages reach."""
         peaks = []
         for count in (1000, 8000):
             name = f"of-{count}"
@@ -324,7 +326,7 @@ class MemoryTest(ExportCase):
 
 class ProgressTest(ExportCase):
     def on_terminal(self, *arguments):
-        """What a terminal gets for standard error."""
+        """The bytes that a terminal receives on standard error."""
         primary, secondary = pty.openpty()
         with subprocess.Popen([ZQV, "export", *arguments], cwd=self.folder, stderr=secondary,
                               stdin=subprocess.DEVNULL, env=environment()) as run:
@@ -346,7 +348,7 @@ class ProgressTest(ExportCase):
         os.mkfifo(self.folder / "pipe")
         self.fill(1)
         pid = os.fork()
-        if pid == 0:  # holds the run up until there is something to show
+        if pid == 0:  # waits until there is progress to show
             time.sleep(0.5)
             (self.folder / "pipe").write_text("Subject: x\n\ny\n")
             os._exit(0)

@@ -1,4 +1,4 @@
-"""Writing attachments: the bytes, and that no name and no link leads out of the folder."""
+"""`zqv extract`: the bytes of attachments, and that no name and no link leads out of the folder."""
 
 import base64
 import email
@@ -19,7 +19,8 @@ def encoded_word(text):
 
 
 def message(*names, data=b"data"):
-    """A message with an attachment for each file name (text or bytes), put there as it is."""
+    """A message with one attachment for each file name (text or bytes), which is written
+    unchanged."""
     body = b""
     for name in names:
         name = name if isinstance(name, bytes) else name.encode("utf-8")
@@ -32,7 +33,8 @@ def message(*names, data=b"data"):
 class ExtractTest(program.TestCase):
     def setUp(self):
         super().setUp()
-        # Deep, so that a name leading upwards stays where it is seen.
+        # A deep folder, so that a name that leads upwards stays inside the test's folder, where it
+        # is found.
         self.target = self.folder / "1" / "2" / "3"
         self.bystander = self.write("bystander", b"untouched")
 
@@ -41,14 +43,14 @@ class ExtractTest(program.TestCase):
         return zqv("extract", path, "--dir", self.target, *options)
 
     def files(self):
-        """Every file below the test's folder but those that the test itself put there."""
+        """All files in the test's folder except those that the test created."""
         own = {self.bystander, self.folder / "message.eml"}
         found = {path for path in self.folder.rglob("*") if not path.is_dir() or path.is_symlink()}
         return {str(path.relative_to(self.target)) if self.target in path.parents else str(path)
                 for path in found - own}
 
     def check_names(self, data, names, *options):
-        """Exactly these files, in this order, all of them within the folder."""
+        """Requires exactly these files, in this order, all of them in the folder."""
         result = self.extract(data, *options)
         self.expect(result, 0, "".join(f"{self.target}/{name}\n" for name in names))
         self.assertEqual(self.files(), set(names))

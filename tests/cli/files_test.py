@@ -1,4 +1,4 @@
-"""The files that a person would find in a message: what `list` shows and `extract` writes."""
+"""The files that a person would find in a message: `list` shows them and `extract` writes them."""
 
 import base64
 import json
@@ -14,7 +14,7 @@ DATA = b"\x00\x01binary \xFF\r\n\n" * 20
 
 
 def multipart(*parts):
-    """A message of a text and these parts, each with its header."""
+    """A message with a text and these parts, each of which begins with its header."""
     body = b"".join(b"--b\n" + part + b"\n" for part in (b"\nhello", *parts))
     return b"Subject: x\nContent-Type: multipart/mixed; boundary=b\n\n" + body + b"--b--\n"
 
@@ -28,7 +28,7 @@ def file_part(disposition=b'attachment; filename="a.bin"', transfer=b"base64", b
 
 class FilesCase(program.TestCase):
     def extract(self, data, *options, code=0, err=""):
-        """The files that are written, by name."""
+        """Extracts the files and returns their bytes by name."""
         path = self.write("a.eml", data)
         target = self.folder / "out"
         shutil.rmtree(target, ignore_errors=True)
@@ -157,7 +157,7 @@ class MessagesTest(FilesCase):
 
 
     def test_files_behind_a_header_without_end(self):
-        """A boundary ends a header, too (RFC 2046, section 5.1.2)."""
+        """A boundary line ends a header too (RFC 2046, section 5.1.2)."""
         file = file_part(b"attachment; filename=b.bin")
         letter = b"Content-Type: text/plain\n"
         for first, expected in ((letter, {}), (b"Content-Type: image/png; name=a.png\n", {}),
@@ -192,7 +192,7 @@ class MessagesTest(FilesCase):
         self.assertEqual(self.extract(data), {"a.eml": b"Subject: cut short"})
 
     def test_boundaries_that_look_like_fields(self):
-        """With a colon in it the library takes each for a field of the header."""
+        """The library takes a boundary line with a colon for a header field."""
         data = multipart(b"Content-Type: image/png; name=a.png\n--b", file_part()).replace(
             b"=b\n", b'="b:c"\n').replace(b"--b", b"--b:c")
         self.assertEqual([(row[0], row[3]) for row in self.list(data)],
@@ -205,7 +205,7 @@ class MessagesTest(FilesCase):
         self.assertEqual(self.extract(data), {"a.bin": DATA, "in.eml": b"Subject: in\n\nhi"})
         self.assertEqual([(row[0], row[3]) for row in self.list(data)],
                          [("0", "a.bin"), ("0", "in.eml")])
-        # No more parts than the library itself reads.
+        # The number of parts is limited as in the library.
         head = b'Content-Type: multipart/mixed; boundary="b\n\n'
         self.assertEqual(len(self.list(head + b"--b\nContent-Type: a/b; name=a\n\nx\n" * 10_000)),
                          10_000)
@@ -295,7 +295,7 @@ class FrameTest(FilesCase):
         self.assertEqual(self.extract(multipart(b"Content-Type: image/png\n\n")), {})
 
     def test_files_without_a_byte_are_said_and_not_written(self):
-        """Most of them are pictures that somebody cut out of the message."""
+        """Most files without bytes are pictures that were removed from the message."""
         data = multipart(file_part(body=b""), file_part(body=b"\n\n"))
         self.assertEqual([row[3] for row in self.list(data)], ["a.bin", "a.bin"])
         lines = EMPTY.format("part 2, a.bin") + EMPTY.format("part 3, a.bin")

@@ -1,4 +1,4 @@
-"""Other hosts than a recent, complete one, and the list of classes."""
+"""Old hosts, hosts without some entry points, and the list of classes."""
 
 import os
 import pathlib
@@ -49,7 +49,8 @@ class HostsTest(program.TestCase):
     def test_host_without_several(self):
         result = self.expect(zqv("show", "--without", "REALSetPropValueDouble", "--without",
                                  "REALGetPropValueDouble", SAMPLES / "attachments.eml"))
-        # The fields of the Date line as they stand: nobody could move them to UTC.
+        # Without entry points for dates, the fields of the Date line are shown as written, in their
+        # own zone.
         self.assertRegex(result.out, r"(?m)^ +2024-04-16 16:02:05 as the classes give it$")
 
     def test_host_without_any_one_entry_point(self):

@@ -1,4 +1,4 @@
-"""zqv json: one document for each message, with all that the classes give."""
+"""`zqv json`: one document for each message, with all properties of the classes."""
 
 import base64
 import email
@@ -35,7 +35,7 @@ BAD = {"bytes": "\\\\\\xE9", "encoding": 0x08000100}
 
 
 def documents(text):
-    """The JSON documents in a text, one after the other."""
+    """The JSON documents in a text that has several, one after the other."""
     decoder = json.JSONDecoder()
     found, position = [], 0
     while position < len(text):
@@ -47,7 +47,7 @@ def documents(text):
 
 class JsonTest(program.TestCase):
     def read(self, path, *options):
-        """The message in the one document that is printed."""
+        """The message in the only document of the output."""
         document, = documents(self.expect(zqv("json", *options, path)).out)
         self.assertEqual(list(document), ["format_version", "file", "message"])
         self.assertEqual(document["format_version"], 1)
@@ -137,7 +137,7 @@ class JsonTest(program.TestCase):
         self.assertRegex(result.err, r"\Azqv: gone.eml: IOException: .*\n\Z")
 
     def test_deep_nesting(self):
-        depth = 300  # of which every build is sure
+        depth = 300  # every build parses this depth
         lines = []
         for level in range(depth):
             lines += [f"Content-Type: multipart/mixed; boundary=b{level}", "", f"--b{level}"]
@@ -148,7 +148,7 @@ class JsonTest(program.TestCase):
 
 
 class FilesTest(program.TestCase):
-    """How the bytes of files are given."""
+    """The representation of the bytes of files."""
 
     def read(self, *arguments):
         return json.loads(zqv("json", *arguments, SAMPLES / "attachments.eml").out)["message"]
@@ -195,7 +195,7 @@ class FilesTest(program.TestCase):
 
 
 class VerbsTest(program.TestCase):
-    """--json of the verbs that print lines."""
+    """The option --json of verbs that otherwise print lines."""
 
     def read(self, *arguments, code=0):
         return json.loads(self.expect(zqv(*arguments, "--json"), code).out)

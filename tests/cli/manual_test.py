@@ -1,4 +1,4 @@
-"""The manual page knows what the program knows."""
+"""The manual page describes every verb and option of the program, and no others."""
 
 import os
 import pathlib
@@ -13,13 +13,13 @@ VERBS = re.findall(r"(?m)^  ([a-z0-9]+) ", zqv("--help").out.split("\nVerbs", 1)
 
 
 def section_at(begin):
-    """From a verb's item to the next one, or to the next heading."""
+    """The text from a verb's item to the next item or heading."""
     end = re.search(r"(?m)^\.(Ss|Sh) |^\.It Cm [a-z0-9]+ (Oo|Fl|Ar)", MANUAL[begin + 1:])
     return MANUAL[begin:begin + 1 + end.start()]
 
 
 def section_of(verb):
-    """Everything that the page says of a verb; one may have several items."""
+    """All text of the page about a verb; a verb can have several items."""
     return "".join(section_at(match.start())
                    for match in re.finditer(rf"(?m)^\.It Cm {verb} ", MANUAL))
 
@@ -43,7 +43,7 @@ class ManualTest(program.TestCase):
             for option in options:
                 with self.subTest(verb=verb, option=option):
                     own = section_of(verb) if verb else ""
-                    # What several verbs have stands below a list of them.
+                    # Options of several verbs are below a list of these verbs.
                     common = {"json": "With\n.Fl -json\nthey print", "raw": ".Fl -raw\nprints"}
                     self.assertTrue(re.search(rf"(Fl|,) -{option}\b", own + shared)
                                     or common.get(option, "\0") in MANUAL)

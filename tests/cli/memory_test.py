@@ -1,4 +1,4 @@
-"""Too little memory: the exit code is 1 with a line that says so, whatever the limit is."""
+"""Too little memory: at any limit the exit code is 1 with an error message, or 0."""
 
 import os
 import resource
@@ -11,24 +11,25 @@ from program import SAMPLES, ZQV, zqv
 VERBS = (("scan",), ("list",), ("extract", "--force", "--dir"), ("check",), ("json",), ("show",))
 STEPS = 50
 KILOBYTES = 1 << 10
-# Of all that a message of 1 MB needs; a small one needs less than a tenth of it.
+# The memory that a message of 1 MB needs; a small one needs less than a tenth of it.
 MOST = 40_000
 
 
 def has_sanitizer():
-    """Whether the program takes terabytes of addresses to begin with."""
+    """Whether the program was built with a sanitizer, which reserves terabytes of address space."""
     return b"__asan_init" in ZQV.read_bytes() or b"__tsan_init" in ZQV.read_bytes()
 
 
 def within(kilobytes, *arguments):
-    """A run that may have so much memory."""
+    """Runs the program with a limit of its address space."""
     def limit():
         resource.setrlimit(resource.RLIMIT_AS, (kilobytes * KILOBYTES, kilobytes * KILOBYTES))
     return zqv(*arguments, preexec_fn=limit)
 
 
 def least():
-    """With how much the system's loader is done, which ends with 127 or a signal of its own."""
+    """The least memory in which the program starts. With less, the dynamic linker ends with 127 or
+    a signal."""
     too_little, enough = 1_000, 1_000_000
     while enough - too_little > 4:
         middle = (too_little + enough) // 2
@@ -53,7 +54,7 @@ class MemoryTest(program.TestCase):
                     self.assertIn(result.code, codes, result)
                     self.assertEqual(bool(result.err), result.code == 1, result)
                     codes[result.code] += 1
-        # Both the one and the other were met.
+        # Both exit codes must have occurred often.
         self.assertGreater(min(codes.values()), STEPS // 4, codes)
 
     def test_a_small_message(self):

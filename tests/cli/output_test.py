@@ -1,4 +1,4 @@
-"""Where the output goes, and what happens when it cannot go there."""
+"""The output: where it goes, and the behaviour when it cannot be written."""
 
 import os
 import signal
@@ -13,7 +13,7 @@ PLAIN = SAMPLES / "plain.eml"
 
 class OutputTest(program.TestCase):
     def shell(self, command, *arguments):
-        """Runs a shell's redirections around the program, which is $0."""
+        """Runs a shell command line with redirections around the program, which is $0."""
         run = subprocess.run(["sh", "-c", command, ZQV, *arguments], env=environment(),
                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                              stderr=subprocess.PIPE, timeout=TIMEOUT, check=False)

@@ -1,17 +1,17 @@
-"""Writes files as mailers pack them in texts and in other files: uuencode, yEnc, TNEF."""
+"""Packs files as mail programs do: uuencode, yEnc and TNEF."""
 
 import binascii
 import struct
 
 
 def uuencoded(data, name=b"a.bin"):
-    """A block as uuencode writes it."""
+    """A uuencoded file."""
     lines = b"".join(binascii.b2a_uu(data[i:i + 45]) for i in range(0, len(data), 45))
     return b"begin 644 " + name + b"\n" + lines + b"`\nend\n"
 
 
 def yenc(data, name=b"a.bin", size=None):
-    """A block of yEnc."""
+    """A file in yEnc."""
     code = bytearray()
     for byte in data:
         byte = (byte + 42) % 256
@@ -27,9 +27,9 @@ def attribute(level, number, data):
 
 
 def tnef(*files):
-    """TNEF with these files, (name, data): a short name, and the whole one as a property."""
-    parts = struct.pack("<IH", 0x223E9F78, 1) + attribute(1, 0x00069007, struct.pack("<II", 1252, 0))
-    for name, data in files:
+    """TNEF data with the files (name, data). Each has a short name, and its complete name as a
+    property.""" parts = struct.pack("<IH", 0x223E9F78, 1) + attribute(1, 0x00069007,
+    struct.pack("<II", 1252, 0)) for name, data in files:
         wide = (name + "\0").encode("utf-16-le")
         padding = b"\0" * (-len(wide) % 4)
         named = (struct.pack("<HH", 3, 0x8001) + bytes(16) + struct.pack("<III", 0, 7, 99))

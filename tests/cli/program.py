@@ -1,4 +1,4 @@
-"""Starts the zqv program, found through the environment: ZQV, and ZQV_SAMPLES for the samples."""
+"""Runs the zqv program. The environment variable ZQV names it, and ZQV_SAMPLES the samples."""
 
 import os
 import pathlib
@@ -13,11 +13,11 @@ ZQV = pathlib.Path(os.environ["ZQV"])
 SAMPLES = pathlib.Path(os.environ["ZQV_SAMPLES"])
 LIBRARY = ZQV.parent / "MimeEmailZQV.so"
 NOBODY = 65534
-TIMEOUT = 60  # seconds; sanitized builds are slow
+TIMEOUT = 60  # seconds; builds with sanitizers are slow
 
 
 class Result:
-    """What one run left: exit code, standard output and standard error."""
+    """The result of a run: exit code, standard output and standard error."""
 
     def __init__(self, code, out, err):
         self.code = code
@@ -34,24 +34,25 @@ class Result:
 
 
 def environment():
-    """Dates are shown in the machine's zone."""
+    """The environment of a run. Dates are shown in the machine's zone, so the zone is set."""
     return {**os.environ, "TZ": "UTC", "LC_ALL": "C"}
 
 
 def as_nobody():
-    """Options of `zqv` that take root's rights away; without such rights nothing."""
+    """Options of `zqv` to run without root's rights; no options when the test does not run as
+    root."""
     if os.getuid() != 0:
         return {}
     return {"user": NOBODY, "group": NOBODY, "extra_groups": []}
 
 
 def limit_memory(megabytes):
-    """For a process that is started: takes away what is more than so much memory."""
+    """Limits the address space of a process before the program starts."""
     resource.setrlimit(resource.RLIMIT_AS, (megabytes << 20, megabytes << 20))
 
 
 def zqv(*arguments, stdin=b"", program=ZQV, **options):
-    """Runs the program to its end."""
+    """Runs the program until it ends."""
     if isinstance(stdin, bytes):
         options["input"] = stdin
     else:
@@ -62,7 +63,7 @@ def zqv(*arguments, stdin=b"", program=ZQV, **options):
 
 
 def on_terminal(*arguments, columns=None, **variables):
-    """What the program prints when its output is a terminal that changes nothing."""
+    """The output of the program on a terminal that does not change the bytes."""
     primary, secondary = pty.openpty()
     width = ["cols", str(columns)] if columns else []
     subprocess.run(["stty", "-F", os.ttyname(secondary), "raw", *width], check=True)
@@ -73,7 +74,7 @@ def on_terminal(*arguments, columns=None, **variables):
         try:
             while chunk := os.read(primary, 65536):
                 out += chunk
-        except OSError:  # the end of a terminal
+        except OSError:  # the end of a terminal's output
             pass
         process.communicate(timeout=TIMEOUT)
     os.close(primary)
@@ -91,13 +92,13 @@ class TestCase(unittest.TestCase):
         self.folder = pathlib.Path(holder.name)
 
     def write(self, name, data):
-        """A file in the test's folder; gives its path."""
+        """Writes a file in the test's folder and returns its path."""
         path = self.folder / name
         path.write_bytes(data if isinstance(data, bytes) else data.encode("utf-8"))
         return path
 
     def copy_program(self):
-        """The program and its library in a folder that every user may read."""
+        """Copies the program and its library to a folder that every user can read."""
         self.folder.chmod(0o755)
         for file in (ZQV, LIBRARY):
             shutil.copy(file, self.folder)
@@ -105,7 +106,7 @@ class TestCase(unittest.TestCase):
         return self.folder / ZQV.name
 
     def expect(self, result, code=0, out=None, err=""):
-        """Checks a run; None leaves a stream unchecked."""
+        """Compares a run with the expected result; a stream with None is not compared."""
         self.assertEqual(result.code, code, result)
         if out is not None:
             self.assertEqual(result.out, out, result)

@@ -1,7 +1,7 @@
-"""The page that `zqv report` writes in a browser: in small windows, in both appearances, on paper.
+"""The page that `zqv report` writes, in a browser: small windows, both colour schemes, printed.
 
-Needs Debian's chromium, chromium-driver, python3-selenium and poppler-utils; without them it is
-skipped. With ZQV_SHOTS it leaves pictures of the pages in that folder, to be looked at.
+The tests need Debian's chromium, chromium-driver, python3-selenium and poppler-utils, and are
+skipped without them. With ZQV_SHOTS they write screenshots of the pages into that folder.
 """
 
 import pathlib
@@ -19,16 +19,16 @@ import browser
 try:
     from selenium.webdriver.common.by import By
 except ImportError:
-    pass  # browser.MISSING says so
+    pass  # browser.MISSING lists what is missing
 
 MISSING = browser.MISSING + ([] if browser.PDF_READER else ["poppler-utils"])
 NARROW, WIDE = 400, 1280
 LOOKED_AT = ("attachments", "html-only", "inline-images", "malformed", "nested", "newsletter",
              "plain")
 LONG_WORD = "Donaudampfschifffahrtsgesellschaft" * 12
-READABLE = 4.5  # contrast of text and ground (WCAG 2.1, success criterion 1.4.3)
+READABLE = 4.5  # least contrast of text and background (WCAG 2.1, success criterion 1.4.3)
 
-# What is wider than arguments[0], and the lowest contrast of text that can be seen, with its text.
+# The contrast of each visible text with its background, the lowest first, with the text.
 CONTRAST = """
 const numbers = (color) => color.match(/[\\d.]+/g).map(Number);
 const light = (color) => {
@@ -60,7 +60,7 @@ return found.sort((a, b) => a[0] - b[0]);
 
 @unittest.skipIf(MISSING, f"needs {', '.join(MISSING)}")
 class WindowCase(BrowserCase):
-    """A test that looks at pages, and at the end demands a quiet console and no connection."""
+    """A test that at its end requires an empty console and no connection to the server."""
 
     def setUp(self):
         super().setUp()
@@ -68,7 +68,7 @@ class WindowCase(BrowserCase):
         self.appearance("light")
 
     def show(self, text):
-        """Writes a message's page and opens it."""
+        """Writes the page of a message and opens it."""
         self.browser.get(self.write("page.html", self.page(text)).as_uri())
 
     def check_quiet(self):
@@ -79,7 +79,7 @@ class WindowCase(BrowserCase):
         self.assertEqual(self.server.take(), 0)
 
     def wider(self):
-        """How many pixels the page is wider than its window."""
+        """The number of pixels by which the page is wider than its window."""
         return self.script("return document.documentElement.scrollWidth - "
                            "document.documentElement.clientWidth")
 
@@ -87,7 +87,7 @@ class WindowCase(BrowserCase):
         return self.script("return document.querySelector('iframe').offsetHeight")
 
     def frame_scrolls(self):
-        """By how many pixels the text in the frame is higher than the frame."""
+        """The number of pixels by which the text in the frame is higher than the frame."""
         self.browser.switch_to.frame(self.browser.find_element(By.TAG_NAME, "iframe"))
         try:
             return self.script("return document.documentElement.scrollHeight - "
@@ -117,7 +117,7 @@ class LookTest(WindowCase):
         self.assertGreater(texts[0][0], READABLE, texts[0][1])
 
     def hostile(self):
-        """A message whose every text is too long."""
+        """A message in which every text is too long for the window."""
         url = f"https://{'a' * 60}.example/{LONG_WORD}"
         letter = (f"<p>{LONG_WORD}</p><table width=3000><tr><td nowrap>{LONG_WORD}</table>"
                   f"<a href='{url}'>{LONG_WORD}</a><a href='{url}'>bank.example</a>"
@@ -132,14 +132,14 @@ class LookTest(WindowCase):
             for scheme in ("light", "dark"):
                 self.size(width, 900)
                 self.appearance(scheme)
-                # Also what is closed.
+                # Closed parts are measured too.
                 self.script("document.querySelectorAll('details').forEach((e) => e.open = true)")
                 self.shoot(f"long-words-{scheme}-{width}")
                 self.check_look()
         self.check_quiet()
 
     def test_faults_are_seen(self):
-        # Without this the tests above could not fail.
+        # This proves that the measurements above can fail.
         self.show(SAMPLES / "plain.eml")
         self.script("document.body.insertAdjacentHTML('beforeend', '<p style=\"width: 3000px; "
                     "color: #999; background: #eee\">faint')")
@@ -159,7 +159,7 @@ class LookTest(WindowCase):
 
 
 class FrameTest(WindowCase):
-    """The frame is as high as what it shows, up to most of a window."""
+    """The frame is as high as its contents, up to most of the window's height."""
 
     def test_short_letter(self):
         self.show(message("<p>one<p>two"))
@@ -187,7 +187,7 @@ class FrameTest(WindowCase):
         self.assertEqual(self.frame_scrolls(), 0)
 
     def test_wide_letter(self):
-        # The bar with which the frame scrolls sideways takes room, too.
+        # The horizontal scroll bar of the frame adds to its height.
         self.size(NARROW, 900)
         self.show(message("<table width=900><tr><td>x</table><p>" + "word " * 40))
         self.assertEqual(self.frame_scrolls(), 0)
@@ -198,7 +198,8 @@ class FrameTest(WindowCase):
         self.assertLess(self.frame_height(), 80)
 
     def test_copy_cannot_be_touched(self):
-        # Whatever the letter does, what lies under the pointer is the frame or the page's own.
+        # Whatever the message contains, the element under the pointer belongs to the frame or to
+        # the page.
         tricks = ("<style>:host { position: fixed !important; inset: 0; z-index: 9; opacity: 1 }"
                   "* { visibility: visible !important; pointer-events: auto !important }</style>"
                   "<div style='position: fixed; inset: 0; z-index: 9; background: red'>x</div>"
@@ -239,7 +240,7 @@ class PaperTest(WindowCase):
         self.assertIn("CLOSEDTEXT", words)
 
     def test_closed_part_is_not_shown_on_screen(self):
-        # Without this the test above could not fail.
+        # This proves that the test above can fail.
         self.show(message("x", "Content-Type: text/csv\n\nCLOSEDTEXT"))
         self.assertNotIn("CLOSEDTEXT", self.browser.find_element(By.TAG_NAME, "body").text)
 
@@ -314,7 +315,7 @@ class PaperTest(WindowCase):
 
 
 class OldBrowserTest(WindowCase):
-    """What is seen without declarative shadow trees: the frame at a fixed height, and on paper a
+    """A browser without declarative shadow trees shows the frame with a fixed height, and prints a
     note."""
 
     def test_frame_and_note(self):

@@ -1,4 +1,5 @@
-"""What tests of `zqv report` share: messages, their pages, and a server that nobody may ask."""
+"""Shared by the tests of `zqv report`: messages, their pages, and a server that no page may
+contact."""
 
 import base64
 import html.parser
@@ -15,12 +16,13 @@ from program import zqv
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
 import browser
 
-DOT = base64.b64decode("R0lGODlhAQABAIAAAAAAAP///yH5BAEAAAAALAAAAAABAAEAAAIBRAA7")  # a GIF
+# a GIF of one pixel
+DOT = base64.b64decode("R0lGODlhAQABAIAAAAAAAP///yH5BAEAAAAALAAAAAABAAEAAAIBRAA7")
 COPY_START, COPY_END = "<template shadowrootmode=\"open\">", "</template>"
 
 
 class Server:
-    """Takes connections on 127.0.0.1, remembers them, and answers with nothing."""
+    """Accepts connections on 127.0.0.1, counts them, and answers nothing."""
 
     def __init__(self):
         self._socket = socket.create_server(("127.0.0.1", 0))
@@ -38,12 +40,12 @@ class Server:
             connection.close()
 
     def take(self):
-        """How many connections there were since this was last asked."""
+        """The number of connections since the last call."""
         count, self._count = self._count, 0
         return count
 
     def wait(self):
-        """Whether one comes in good time."""
+        """Whether a connection is made within ten seconds."""
         end = time.monotonic() + 10
         while not self._count and time.monotonic() < end:
             time.sleep(0.02)
@@ -55,7 +57,7 @@ class Server:
 
 
 def message(html_text, *others, subject="A page", plain="Plain words.", field=""):
-    """A message with a plain text, HTML, and other parts that are whole."""
+    """A message with plain text, HTML and other parts, which are given with their headers."""
     header = (f"From: ada@example.com\nDate: Sat, 20 Jan 2024 18:00:00 +0000\nSubject: {subject}\n"
               f"{field}MIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=cut\n\n")
     parts = [f"Content-Type: text/plain; charset=utf-8\n\n{plain}",
@@ -71,8 +73,8 @@ def file_part(content, name="dot.gif", mime_type="image/gif", content_id=None):
 
 
 class Page(html.parser.HTMLParser):
-    """What stands in a page: its elements with their attributes, its text, the frame's page, and
-    the copy that is printed."""
+    """The contents of a page: its elements with their attributes, its text, the page in its frame,
+    and the copy for printing."""
 
     def __init__(self, text):
         super().__init__()
@@ -110,8 +112,8 @@ class ReportCase(program.TestCase):
 
 
 class BrowserCase(browser.Window, ReportCase):
-    """A test with a browser, `width` pixels wide, and a server that its pages must leave alone. What
-    the environment has as ZQV_SHOTS is the folder of its pictures."""
+    """A test with a browser, `width` pixels wide, and a server that the pages must not contact. The
+    environment variable ZQV_SHOTS names the folder for screenshots."""
 
     width = 1280
 

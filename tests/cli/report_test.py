@@ -1,8 +1,8 @@
-"""The page that `zqv report` writes: what it says, how it is written, and that nothing in a message
-makes a browser run, load or send anything.
+"""The page that `zqv report` writes: its contents and its form, and that nothing in a message makes
+a browser execute, load or send anything.
 
-What needs a browser is skipped without Debian's chromium, chromium-driver and python3-selenium,
-which is there for Debian's own Python.
+Tests with a browser are skipped without Debian's chromium, chromium-driver and python3-selenium,
+which is visible to Debian's own Python.
 """
 
 import base64
@@ -26,11 +26,11 @@ import browser
 try:
     from selenium.webdriver.common.by import By
 except ImportError:
-    pass  # browser.MISSING says so
+    pass  # browser.MISSING lists what is missing
 
-SETTLING = 0.7  # seconds that a page has for what it wants to load
+SETTLING = 0.7  # seconds in which a page may try to load something
 
-# What an HTML text does to reach a server as soon as it is looked at; @/ is the server.
+# HTML that contacts a server as soon as it is shown; @/ stands for the server.
 LOADING = {
     "picture": "<img src='@/1'>",
     "picture in a set": "<img srcset='@/1 1x, @/2 2x'>",
@@ -82,7 +82,8 @@ LOADING = {
     "raw text that ends": "<textarea></textarea><img src='@/1'>",
 }
 
-# What harms only a page that is written carelessly: it must end no attribute, no element.
+# Text that leaves its place in a page that does not escape it: it must not end an attribute or an
+# element.
 BREAKING = """\
 "><img src='@/1'><script>document.title = 'taken'</script>
 '><svg/onload="document.title = 'taken'">
@@ -94,7 +95,7 @@ BREAKING = """\
 ='@/1'><img src=@/1
 """
 
-# What waits for somebody to click on it.
+# HTML that contacts a server when it is clicked.
 WAITING = """\
 <a href="@/1" target=_top>top</a> <a href='@/2'>self</a> <a href=@/3 target=_blank ping=@/4>new</a>
 <form action='@/5' method=post target=_top><input type=submit value=send><button>b</button></form>
@@ -165,7 +166,7 @@ class ContentTest(ReportCase):
             self.assertIn(f"p {{ background: url(\"{uri}\") }}", one.text)
 
     def test_styles_are_clean(self):
-        # What a policy would have to stop is not even there.
+        # Style sheets are cleaned, so the policy has nothing to block in them.
         text = "".join(trick for name, trick in LOADING.items() if name.startswith("style"))
         page = Page(self.page(message(text + "<p style='color: red'>MARK</p>")))
         for one in (page.frame, page.copy):
@@ -242,7 +243,7 @@ class ContentTest(ReportCase):
         part = ("Content-Type: application/x-one; name=\"=?utf-8?q?=C3=A9t=C3=A9?=\"\n"
                 "Content-Description: =?utf-8?q?=C3=A9t=C3=A9?=\n\nx")
         text = header + message("x", part).split("\n", 3)[3]
-        # Findings say how they are written.
+        # Findings show encoded words as they are written.
         findings = re.compile("<section id=\"findings\".*?</section>", re.S)
         page = Page(findings.sub("", self.page(text)))
         for name in fields:
@@ -278,7 +279,7 @@ class ContentTest(ReportCase):
             policies = [found["content"] for name, found in one.elements
                         if found.get("http-equiv") == "Content-Security-Policy"]
             self.assertEqual(policies, [policy])
-        self.assertEqual(page.values("iframe", "sandbox"), [None])  # no word that allows anything
+        self.assertEqual(page.values("iframe", "sandbox"), [None])  # the sandbox allows nothing
 
     def test_every_sample(self):
         for path in sorted(SAMPLES.glob("*.eml")):
@@ -294,7 +295,7 @@ class ContentTest(ReportCase):
         count = 9_000
         parts = ["Content-Type: text/x-note; name=n\n\nhello"] * count
         page = self.page(message("x", *parts))
-        # All but the message itself are folded away.
+        # All parts except the message itself are closed.
         self.assertEqual(page.count("<details>"), count + 2)
         self.assertLess(len(page), 700 * count)
 
@@ -365,7 +366,7 @@ class FileTest(ReportCase):
         self.assertEqual(self.names(), before)
 
     def test_no_room(self):
-        # Nothing half-written is left behind.
+        # No partly written file is left.
         def limit():
             resource.setrlimit(resource.RLIMIT_FSIZE, (4096, 4096))
         run = subprocess.run(["sh", "-c", "trap '' XFSZ; exec \"$@\"", "sh", ZQV, "report",
@@ -395,7 +396,8 @@ class BrowserTest(BrowserCase):
         self.shoot(self.id().split(".")[-1])
 
     def check_quiet(self, title):
-        """No connection, no script, and nothing on the console but what the policy refused."""
+        """Requires no connection, no script, and no lines on the console except those for blocked
+        requests."""
         self.assertEqual(self.browser.title, title)
         log = [entry["message"] for entry in self.browser.get_log("browser")]
         self.assertEqual([line for line in log if "Content Security Policy" not in line], [])
@@ -409,7 +411,7 @@ class BrowserTest(BrowserCase):
             self.browser.switch_to.default_content()
 
     def test_each_trick_works_on_a_plain_page(self):
-        # Without this the tests below could not fail.
+        # This proves that the tests below can fail.
         for name, trick in LOADING.items():
             with self.subTest(name):
                 self.browser.get("about:blank")
@@ -452,8 +454,9 @@ class BrowserTest(BrowserCase):
         self.check_quiet("Waiting")
 
     def test_sandbox_and_policy_hold_alone(self):
-        # As if the text had been put into the frame as it is. Why it is not: for these two the
-        # browser opens a connection before it asks the policy.
+        # Puts the text into the frame without cleaning it, so that only sandbox and policy protect.
+        # Two tricks are left out: for them the browser opens a connection before it applies the
+        # policy.
         early = ("connection", "frame")
         tricks = "".join(trick for name, trick in LOADING.items() if name not in early)
         self.open(self.with_raw_text(frame=tricks + BREAKING.replace("\0", "") + WAITING))
@@ -461,7 +464,8 @@ class BrowserTest(BrowserCase):
         self.assertEqual(self.server.take(), 0)
 
     def test_policy_holds_alone(self):
-        # The same for the copy; a policy does not stop the page itself from going elsewhere.
+        # Does the same with the copy for printing. A policy does not prevent the page from
+        # navigating elsewhere, so tricks that do are left out.
         others = ("connection", "frame", "refresh")
         tricks = "".join(trick for name, trick in LOADING.items() if name not in others)
         self.open(self.with_raw_text(copy=tricks + BREAKING.replace("\0", "") + WAITING))

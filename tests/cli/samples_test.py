@@ -1,5 +1,5 @@
-"""Every sample through show, and some through the other verbs. What is expected was read off the
-samples by hand; sizes are those that Python's own mail package decodes."""
+"""Every sample with `show`, and some with the other verbs. The expected values were read from the
+samples by hand. Sizes are those of the parts as Python's mail package decodes them."""
 
 import email
 import email.utils
@@ -11,7 +11,8 @@ from program import SAMPLES, zqv
 
 
 def decoded(sample, *path):
-    """The decoded bytes of a sample's part; `path` holds indexes from 0, parents first."""
+    """The decoded bytes of a part of a sample. `path` has the indexes of the parts, from 0,
+    outermost first."""
     part = email.message_from_bytes((SAMPLES / sample).read_bytes())
     for index in path:
         part = part.get_payload(index)
@@ -22,8 +23,8 @@ def size(sample, *path):
     return len(decoded(sample, *path))
 
 
-# For each sample: the labelled lines as {label: values}, and one line of the plain text, the first
-# one unless the text was made from HTML. None stands for no text at all.
+# For each sample: the labelled lines as {label: values}, and one line of the plain text. It is the
+# first line, unless the text was made from HTML. None means that there is no text.
 EXPECTED = {
     "plain.eml": (
         {
@@ -216,10 +217,10 @@ EXPECTED = {
         },
         "Chère Noëlle,",
     ),
-    # What becomes of the broken subject, date and HTML is the library's matter, see DOUBTFUL.
+    # The broken subject, date and HTML are not checked here, see DOUBTFUL.
     "malformed.eml": (
         {
-            "Received": ["2019-02-26 23:01:00"],  # 2 March, 25:61, less 99 hours
+            "Received": ["2019-02-26 23:01:00"],  # 2 March, 25:61, minus 99 hours
             "From": ["Unit 7 <unit7@example.com"],
             "To": ["ops@example.net", "broken <broken@"],
             "Parts": ["3"],
@@ -229,12 +230,12 @@ EXPECTED = {
     ),
 }
 
-# Entries of which only the presence is checked.
+# Entries that must be present, whatever their value.
 DOUBTFUL = {"malformed.eml": {"Subject", "Date", "HTML"}}
 
 
 def read_entries(lines):
-    """Labelled lines as {label: values}, and the column that the values begin in."""
+    """The labelled lines as {label: values}, and the column in which the values begin."""
     entries = {}
     columns = set()
     values = None

@@ -26,14 +26,14 @@ ON_MESSAGES = (["json"], ["json", "--raw"], ["show", "--json"], ["headers", "--j
                ["json", "--attachments", "none", "--lines"], ["headers", "--classes", "--json"])
 OTHERS = (["decode", "--json", "a", "=?utf-8?Q?b?="], ["classes", "--json"],
           ["bench", "--json", "--rounds", "1", SAMPLES / "plain.eml"])
-# Poor hosts, and texts of unknown encodings.
+# Hosts without some entry points, and texts in unknown encodings.
 ODD = (b"Subject: \xE9\nFrom: a: ;\nContent-Type: text/plain; charset=x-new\n\n\xE9\n",
        b"Content-Type: multipart/mixed; boundary=b\n\n--b\n\n--b--\n",
        b":\n\n", b"x", b"Date: x\nReceived: y\n\n")
 
 
 def each_document(text):
-    """All JSON documents in a text, one after the other."""
+    """The JSON documents in a text that has several, one after the other."""
     decoder = json.JSONDecoder()
     at = re.compile(r"\s*").match(text).end()
     while at < len(text):
@@ -47,12 +47,12 @@ def documents(text):
 
 
 def problem_of(document):
-    """What does not fit the schema; None when all does."""
+    """The first violation of the schema; None when there is none."""
     return jsonschema.exceptions.best_match(VALIDATOR.iter_errors(document))
 
 
 def check_mail(folder):
-    """Prints what is wrong; gives the number of documents that are."""
+    """Prints the violations and returns the number of documents that have one."""
     wrong = 0
     for verb in ON_MESSAGES:
         run = subprocess.run([program.ZQV, *verb, "--recursive", folder], stdout=subprocess.PIPE,

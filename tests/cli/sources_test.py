@@ -1,4 +1,4 @@
-"""Where messages come from: files, mailboxes, Maildirs, folders, pipes."""
+"""The sources of messages: files, mailboxes, Maildirs, folders, pipes."""
 
 import bz2
 import gzip
@@ -27,7 +27,8 @@ def from_line(date="Sat Jan  3 01:05:34 1996"):
 
 class SourceTest(program.TestCase):
     def subjects(self, *arguments, **options):
-        """The subjects that `headers` prints, with the names above them when there are several."""
+        """The subjects that `headers` prints, with the message names above them when there are
+        several."""
         result = self.expect(zqv("headers", "--name", "Subject", *arguments, cwd=self.folder,
                                  **options))
         lines = [line for line in result.out.splitlines() if line]
@@ -57,9 +58,9 @@ class MailboxTest(SourceTest):
                     out="From a\n>From b\n> From c\n>Fromd\n")
 
     def test_a_paragraph_that_begins_with_from_is_no_separator(self):
-        body = "a\n\nFrom time to time\n\nFrom 9:30 on\n\nFrom May on\nFrom b Sat Jan  3 01:05:34 1996"
-        self.write("a.mbox", from_line() + message("one", body))
-        self.expect(zqv("text", "a.mbox", cwd=self.folder), out=body + "\n")
+        body = "a\n\nFrom time to time\n\nFrom 9:30 on\n\nFrom May on\nFrom b Sat Jan  3 01:05:34
+        1996" self.write("a.mbox", from_line() + message("one", body)) self.expect(zqv("text",
+        "a.mbox", cwd=self.folder), out=body + "\n")
 
     def test_separators_of_many_programs(self):
         for date in ("Sat Jan  3 01:05:34 1996", "Sat Jan  3 01:05 1996",
@@ -231,7 +232,7 @@ class ChoiceTest(SourceTest):
 
 
 class ContainersTest(program.TestCase):
-    """Compressed files and archives, each told by its first bytes."""
+    """Compressed files and archives, which are recognised by their first bytes."""
 
     DATA = (b"From: a@example.com\nSubject: one\nContent-Type: text/plain\n\nhello\n")
 
@@ -309,11 +310,10 @@ class ContainersTest(program.TestCase):
         self.expect(self.texts("1.emlx"), out="Subject: one\n")
 
     def test_what_is_no_message(self):
-        folder = self.folder / "mail"
-        folder.mkdir()
-        rows = {b"\x7FELF\x02\x01": "a program", b"MZ\x90\0": "a program", b"#!/bin/sh\n": "a script",
-                b"\xD0\xCF\x11\xE0": "an OLE file, such as .msg, .doc or Thumbs.db",
-                b"%PDF-1.7\n": "a PDF document", b"hello\nworld: x y\n"[:6]: "a text without header fields",
+        folder = self.folder / "mail" folder.mkdir() rows = {b"\x7FELF\x02\x01": "a program",
+        b"MZ\x90\0": "a program", b"#!/bin/sh\n": "a script",
+                b"\xD0\xCF\x11\xE0": "an OLE file, such as .msg, .doc or Thumbs.db", b"%PDF-1.7\n":
+                "a PDF document", b"hello\nworld: x y\n"[:6]: "a text without header fields",
                 b"\0\1\2\n": "a file of bytes"}
         for i, (data, what) in enumerate(rows.items()):
             path = self.write(f"mail/{i}", data)
@@ -327,7 +327,7 @@ class ContainersTest(program.TestCase):
 
 
 class LengthTest(program.TestCase):
-    """Mailboxes whose messages say how long they are."""
+    """Mailboxes whose messages have a Content-Length."""
 
     def subjects(self, data):
         result = self.expect(zqv("json", "--lines", self.write("a.mbox", data)))
@@ -358,7 +358,7 @@ class LengthTest(program.TestCase):
 
 
 class PiecesTest(program.TestCase):
-    """Messages that were sent in pieces."""
+    """Messages that were sent in several parts (message/partial)."""
 
     BODY = "line one\nline two\nline three\nline four\n"
 

@@ -1,4 +1,4 @@
-"""Nothing in a message may steer the terminal that shows it."""
+"""No text in a message can control the terminal on which it is shown."""
 
 import re
 import unittest
@@ -6,7 +6,7 @@ import unittest
 import program
 from program import SAMPLES, on_terminal, zqv
 
-# Escapes that clear the screen, in every place that a message offers.
+# Escape sequences that clear the screen, in every field and text of a message.
 HOSTILE = (
     b"From: =?utf-8?Q?Eve=1B[2J?= <eve@example.com>\n"
     b"Subject: =?utf-8?Q?a=1B[31mb=0ASubject:_c=E2=80=AEd=C2=9Be?=\n"
@@ -74,7 +74,7 @@ class TerminalTest(program.TestCase):
 
 class ColourTest(program.TestCase):
     def headings(self, *arguments, terminal=True, **variables):
-        """The output, on a terminal or into a file."""
+        """The output on a terminal, or the output into a file."""
         command = ["show", SAMPLES / "plain.eml", *arguments]
         if terminal:
             return on_terminal(*command, **variables)
@@ -110,7 +110,8 @@ class WidthTest(program.TestCase):
         whole = self.expect(zqv("tree", path)).out
         self.assertEqual(whole, f"0  image/png  2  {name}\n")
         cut = on_terminal("tree", path, columns=40)
-        # 17 columns before the name, 22 of it, two each, and the sign that something is missing.
+        # 17 columns before the name, 22 columns of the name at two each, and the sign for text that
+        # was cut.
         self.assertEqual(cut, "0  image/png  2  " + "写真" * 5 + "写…\n")
         self.assertEqual(on_terminal("tree", path, columns=200), whole)
 

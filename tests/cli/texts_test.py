@@ -14,7 +14,7 @@ def message(content_type, body, *fields):
 
 class DateTest(program.TestCase):
     def test_a_year_before_the_first(self):
-        # What the library makes of a date that is none.
+        # The result for a text that is not a date.
         path = self.write("a.eml", "Date: no date at all\nSubject: x\n\nx\n")
         self.assertIn("Date:    -001-11-30 00:00:00 as the classes give it\n", self.expect(zqv("show", path)).out)
 
@@ -108,7 +108,7 @@ class StripTest(program.TestCase):
                b"\n"
                b"secret\n"
                b"--b--\n")
-    # The library quotes the parameters of the types and ends the message with the closing boundary.
+    # The library quotes the parameters of types, and ends the message with the closing boundary.
     STRIPPED = ("Subject: caf\u00E9\n"
                 "Content-Type: multipart/mixed; boundary=\"b\"\n"
                 "\n"

@@ -1,4 +1,4 @@
-"""The command line: what is refused, and that it is refused before anything is done."""
+"""The command line: which arguments are refused, and that nothing is done before they are."""
 
 import os
 import pathlib
@@ -105,7 +105,7 @@ class UsageTest(program.TestCase):
                 self.expect(zqv(*words, cwd=self.folder), 0, None, None)
 
     def test_version(self):
-        """The program's is the project's, which is the newest that the changelog tells of."""
+        """The program's version is the project's, which is the newest in the changelog."""
         def version(file, pattern):
             return re.search(pattern, (SOURCE / file).read_text())[1]
         project = version("CMakeLists.txt", r"\nproject\(\w+ VERSION (\d+\.\d+\.\d+) ")

@@ -91,7 +91,7 @@ class Reporter {
     Route(header, part.body, report);
   }
 
-  // The last of several counts.
+  // When a field occurs several times, the last one is used.
   static void ReadDates(const mime::Header& header, PartReport& report) {
     for (std::size_t i = 0; i < header.size(); ++i) {
       const mime::Field& field = header[i];
@@ -116,7 +116,7 @@ class Reporter {
     const email::Destination destination =
         email::Route(email::TraitsOf(header), has_plain_text_, has_html_text_);
     report.destination = DestinationName(destination);
-    // An empty text leaves its place to the next.
+    // After an empty text, the next one takes its place.
     if (destination == email::Destination::kPlainText) {
       has_plain_text_ = !text.bytes.empty();
     } else if (destination == email::Destination::kHtmlText) {

@@ -1,4 +1,4 @@
-// What the core makes of each part of a message, without a host.
+// Describes each part of a message with the core only, without a host.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@
 
 namespace zqv::test {
 
-// Bytes and the encoding that they are labelled with.
+// Bytes, and the number of their encoding.
 struct LabelledText {
   std::string bytes;
   abi::Encoding encoding = abi::kUnknownEncoding;
@@ -24,9 +24,9 @@ struct PartReport {
   std::string type;    // "type/subtype"
   std::string destination;  // "plain text", "HTML", "attachment", "inline", "container" or
                             // "unknown encoding"
-  std::size_t place = 0;    // how many parts were routed before it: parts inside come first
-  std::optional<LabelledText> file_name;  // of what is listed as attachment or inline
-  std::optional<LabelledText> decoded;    // nothing for a container and an unknown encoding
+  std::size_t place = 0;    // number of parts routed before this one; inner parts are routed first
+  std::optional<LabelledText> file_name;  // only of an attachment or inline part
+  std::optional<LabelledText> decoded;    // absent for containers and unknown encodings
   std::optional<LabelledText> subject;    // decoded
   std::optional<email::DateFields> sent;
   std::optional<email::DateFields> received;

@@ -1,6 +1,6 @@
-// Reads a message with the core alone: nothing of a host is linked.
+// Reads a message with the core only; no code of a host is linked.
 //
-//   core_reader FILE           prints what each part of the message is, a line for each thing:
+//   core_reader FILE           prints a description of each part, one line a property:
 //
 //     part: 1
 //     kind: leaf
@@ -12,8 +12,8 @@
 //
 //   core_reader --strip FILE   writes the message without its files
 //
-// Before a text stands the number of its encoding. Bytes that are no printable ASCII, and the
-// backslash, are written as \xHH. Dates are year, month, day, hour, minute, second and zone.
+// A text has the number of its encoding before it. Bytes that are not printable ASCII, and
+// backslashes, are written as \xHH. Dates are year, month, day, hour, minute, second and zone.
 #include <cstdio>
 #include <exception>
 #include <fstream>

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""The core alone over the corpus: what core_reader prints agrees with the results worked out by hand.
+"""Runs the core alone on the corpus: the output of core_reader must agree with the expected values.
 
   read_message_test.py CORE_READER CORPUS
 
-Compared are the parts, where each goes and in which order, file names, decoded bodies, the subject
-and the dates. What only a host makes of them, such as plain text from HTML, is left out.
+Compared are the parts, the destination and order of each, file names, decoded bodies, the subject
+and the dates. Values that only a host makes, such as plain text from HTML, are not compared.
 """
 
 import base64
@@ -18,7 +18,7 @@ import unittest
 
 MARK = b"\xef\xbb\xbf"
 ASCII, UTF8, UTF16 = 1536, 134217984, 256
-# With low bytes only, a host string of these is ASCII.
+# A host string in one of these encodings is labelled ASCII when no byte is above 0x7F.
 SINGLE_BYTE = {0, 513, 1280, 65535}
 TEXTS = {"plain text", "HTML"}
 LISTS = {"attachments": "attachment", "inlines": "inline"}
@@ -29,7 +29,7 @@ def unescape(text):
 
 
 def as_host_string(encoding, data):
-    """The encoding and bytes that a host string has; None for an empty one."""
+    """The encoding and bytes of the host string; None for an empty one."""
     if not data:
         return None
     if encoding == UTF16:
@@ -40,7 +40,7 @@ def as_host_string(encoding, data):
 
 
 def expected_string(value, crlf):
-    """The same for a string of the corpus."""
+    """The same for an expected string of the corpus."""
     if value is None:
         return None
     if isinstance(value, str):
@@ -57,7 +57,8 @@ def expected_string(value, crlf):
 
 
 def local_time(fields):
-    """The date in UTC, where fields that are too large roll over; None for no year of our era."""
+    """The date in UTC, where fields that are too large roll over; None when the year is not in 1 to
+    9999."""
     year, month, day, hour, minute, second, zone = map(int, fields.split())
     year, month = year + (month - 1) // 12, (month - 1) % 12 + 1
     if not 1 <= year <= 9998:

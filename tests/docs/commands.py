@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""The commands that the documents show work, and print what the documents show.
+"""Checks that the commands in the documents succeed, and print what the documents show.
 
   commands.py FOLDER ZQV   runs those of the project with the built program; fails when one fails
-  commands.py --self-test  plants each fault in a scratch project and demands that it is found
+  commands.py --self-test  plants each fault in a scratch project and requires that it is found
 
-Read are the blocks marked `sh` in README.md and docs/. Each block runs in a new folder, whose name
-does not matter, with copies of samples/, with `letter.eml`, and with the built program as ./run and
-as zqv: so nothing is installed, built, or written into the project. Every command must succeed and
-print something. A block without a language behind it is what its last command prints, line by line;
-a line of three dots stands for any lines. What is not run stands in NOT_RUN.
+Blocks marked `sh` in README.md and docs/ are run. Each block runs in a new folder with copies of
+samples/, with `letter.eml`, and with the built program as ./run and as zqv; so nothing is
+installed, built, or written into the project. Every command must succeed and print something. A
+block without a language after it is the output of the block's last command, line by line; a line of
+three dots stands for any lines. NOT_RUN lists commands that are not run.
 """
 
 import os
@@ -24,7 +24,7 @@ import documents
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
 import planted
 
-# How a command begins that is not run, and why. Each must still be in a document.
+# The beginnings of commands that are not run, and the reasons. Each must occur in a document.
 NOT_RUN = {
     "git clone ": "fetches the project",
     "apt ": "installs a package, as root",
@@ -32,15 +32,15 @@ NOT_RUN = {
     "sha256sum ": "checks the files of a release",
     "shasum ": "the same on a Mac",
 }
-# How many commands of a document run at least, and how many outputs are compared in all.
+# The least number of commands run for each document, and of outputs compared in total.
 FEWEST_RUN = {"README.md": 15, "docs/install.md": 1, "docs/zqv.md": 10}
 FEWEST_COMPARED = 1
-LETTER = "attachments.eml"  # the sample that is letter.eml: it has text, HTML and files
+LETTER = "attachments.eml"  # the sample copied as letter.eml; it has text, HTML and files
 TIMEOUT = 60  # seconds for one command
 
 
 class Shown:
-    """A command of a document, and what it prints if the document shows that."""
+    """A command of a document, and its output if the document shows it."""
 
     def __init__(self, line, text):
         self.line = line
@@ -49,7 +49,8 @@ class Shown:
 
 
 def commands_of(block):
-    """The commands of a block, one a line or joined by a backslash at a line's end."""
+    """The commands of a block. A command is one line, or several lines joined by a backslash at
+    their ends."""
     found, begun = [], ""
     for number, line in enumerate(block.lines, block.line):
         if line.endswith("\\"):
@@ -63,7 +64,7 @@ def commands_of(block):
 
 
 def shown_blocks(text):
-    """For each block of commands, these."""
+    """The commands of each block of commands."""
     found, before = [], None
     for block in documents.split(text)[1]:
         if block.language == "sh":
@@ -75,13 +76,13 @@ def shown_blocks(text):
 
 
 def matches(shown, printed):
-    """Whether a program printed what is shown."""
+    """Whether the printed output matches the shown one."""
     pattern = "".join(r"(?:.*\n)*" if line == "..." else re.escape(line) + r"\n" for line in shown)
     return re.fullmatch(pattern, printed) is not None
 
 
 def prepare(folder, top, program):
-    """What commands find; gives their environment."""
+    """Prepares the folder in which commands run. Returns their environment."""
     shutil.copytree(top / "samples", folder / "samples")
     shutil.copy(top / "samples" / LETTER, folder / "letter.eml")
     (folder / "bin").mkdir()
@@ -92,7 +93,7 @@ def prepare(folder, top, program):
 
 
 def run(command, folder, environment):
-    """What is wrong with a command, or nothing."""
+    """The fault of a command, or nothing."""
     try:
         result = subprocess.run(["bash", "-e", "-o", "pipefail", "-c", command.text], cwd=folder,
                                 env=environment, stdin=subprocess.DEVNULL, capture_output=True,
@@ -138,7 +139,8 @@ def check(top, program, fewest_run, not_run):
     return faults
 
 
-# Stands in for the program: prints its arguments, or a file's content; fails when told to.
+# Replaces the program in the self-test: prints its arguments or a file's content, or fails on
+# request.
 PROGRAM = """#!/bin/sh
 case $1 in
   cat) cat "$2" ;;
@@ -196,7 +198,7 @@ PLANTED = [
 
 
 def check_planted(top):
-    """Checks a scratch project with the stand-in for the program."""
+    """Checks a scratch project with the replaced program."""
     program = top / "program"
     program.write_text(PROGRAM)
     program.chmod(0o755)

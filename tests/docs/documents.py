@@ -1,4 +1,4 @@
-"""The project's documents: which there are, and what Markdown means in them."""
+"""The documents of the project, and their Markdown."""
 
 import html
 import pathlib
@@ -17,7 +17,8 @@ NAMED_PLACE = re.compile(r"""<a\s+(?:id|name)=["']([^"']+)["']""")
 
 
 def project_files(top):
-    """Paths of the project's files: what git would keep, or all but build results without git."""
+    """The paths of the project's files: those that git would add, or without git all except build
+    results."""
     run = subprocess.run(["git", "ls-files", "--cached", "--others", "--exclude-standard", "-z"],
                          cwd=top, capture_output=True, encoding="utf-8", check=False)
     if run.returncode == 0:
@@ -29,7 +30,7 @@ def project_files(top):
 
 
 def documents(top):
-    """Paths of all Markdown files."""
+    """The paths of all Markdown files."""
     return [name for name in project_files(top) if name.endswith(".md")]
 
 
@@ -38,7 +39,7 @@ def read(top, name):
 
 
 class Block:
-    """Lines of code between fences; `line` is the number of the first one in its file."""
+    """The lines of code between two fences. `line` is the line number of the first one."""
 
     def __init__(self, language, line):
         self.language = language
@@ -47,7 +48,7 @@ class Block:
 
 
 def split(text):
-    """The lines outside of fences, code being empty lines, and the blocks of code in them."""
+    """The lines outside of fences, with code as empty lines, and the blocks of code."""
     prose, blocks, fence = [], [], None
     for number, line in enumerate(text.splitlines(), 1):
         match = FENCE.match(line)
@@ -66,13 +67,12 @@ def split(text):
 
 
 def blank(match):
-    """What takes the place of something that is taken out: its line breaks, so that lines keep
-    their numbers."""
+    """The replacement for removed text: its line breaks, so that later lines keep their numbers."""
     return " " + "\n" * match[0].count("\n")
 
 
 def without_code(prose):
-    """The text of these lines without spans and indented blocks of code, and without comments."""
+    """The text of the lines without code (spans and indented blocks) and without comments."""
     kept, before, in_code = [], "", False
     for line in prose:
         in_code = line.startswith("    ") and (in_code or not before.strip())
@@ -91,7 +91,7 @@ def code_spans(prose):
 def links(prose):
     """(line number, target) of each link and image, in order."""
     text = without_code(prose)
-    # Without the images, a link around one is a link like any other.
+    # With images removed, a link around an image is found like any other.
     places = [(match.start(), match[2]) for match in IMAGE.finditer(text)]
     text = IMAGE.sub(lambda match: " " * len(match[0]), text)
     places += [(match.start(), match[2]) for match in LINK.finditer(text)]
@@ -100,14 +100,14 @@ def links(prose):
 
 
 def slug(heading):
-    """The anchor of a heading: small letters, blanks as dashes, no punctuation, no markup."""
+    """The anchor of a heading: lower case, dashes for blanks, no punctuation and no markup."""
     text = LINK.sub(r"\1", IMAGE.sub("", heading)).replace("`", "").replace("*", "")
     text = html.unescape(TAG.sub("", text))
     return re.sub(r"[^\w\- ]", "", text.lower()).replace(" ", "-")
 
 
 def anchors(text):
-    """Every anchor of a document; headings that are the same are numbered."""
+    """All anchors of a document; equal headings are numbered."""
     prose, _ = split(text)
     found, seen = set(NAMED_PLACE.findall("\n".join(prose))), {}
     for line in prose:

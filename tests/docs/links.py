@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
-"""Links and paths in the documents lead somewhere.
+"""Checks that links and paths in the documents lead somewhere.
 
-  links.py FOLDER       lists what leads nowhere in the project; fails when anything does
-  links.py --self-test  plants each fault in a scratch project and demands that it is found
+  links.py FOLDER       lists the broken links and paths; fails when there is one
+  links.py --self-test  plants each fault in a scratch project and requires that it is found
 
-A link within the project names a file or folder of it, and a heading that is there. Every document
-of docs/ is linked from README.md, every other file of docs/ from a document. A path in a span of
-code that begins with a folder of the project is that of a file: `mime/parser.cc`, or of several:
-`tests/unit/<folder>/`, `host/string_bytes` for all files of that name.
+A link within the project must name an existing file or folder, and an existing heading. README.md
+must link to every document of docs/, and some document to every other file of docs/. A path in a
+span of code that begins with a folder of the project must name a file, `mime/parser.cc`, or several
+files: `tests/unit/<folder>/`, or `host/string_bytes` for all files of that name.
 """
 
 import fnmatch
@@ -24,11 +24,11 @@ import planted
 ELSEWHERE = re.compile(r"[a-z][a-z0-9+.-]*:", re.IGNORECASE)
 PATH = re.compile(r"[\w.<>*-]+(?:/[\w.<>*-]+)+/?")
 PLACEHOLDER = re.compile(r"<[^<>]*>")
-FEWEST_LINKS = 3  # a project with fewer was not read
+FEWEST_LINKS = 3  # a project with fewer links was not read correctly
 
 
 class Project:
-    """Which files and folders there are."""
+    """The files and folders of the project."""
 
     def __init__(self, top):
         self.top = top
@@ -47,14 +47,14 @@ class Project:
         return self.anchors[path]
 
     def has_like(self, path):
-        """Whether some file or folder fits; a file may be named without what follows its dot."""
+        """Whether a file or folder matches. The path of a file may omit the suffix."""
         pattern = PLACEHOLDER.sub("*", path).rstrip("/")
         return any(fnmatch.fnmatchcase(name, pattern) or fnmatch.fnmatchcase(name, pattern + ".*")
                    for name in self.files | self.folders)
 
 
 def check_link(project, document, target):
-    """What is wrong with one link, or nothing."""
+    """The fault of one link, or nothing."""
     path, _, anchor = target.partition("#")
     if path.startswith("/"):
         return "leads out of the project"
@@ -71,7 +71,7 @@ def check_link(project, document, target):
 
 
 def check_linked(project, linked):
-    """Files of docs/ that nobody finds. `linked`: the targets of links, by document."""
+    """Files of docs/ to which nothing links. `linked` has the targets of links by document."""
     faults = []
     for name in sorted(project.files):
         if posixpath.dirname(name) != "docs":

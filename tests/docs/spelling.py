@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
-"""Words in the documents are spelt as in British English, or are words of the project.
+"""Checks that words in the documents have British spelling, or are listed words of the project.
 
   spelling.py FOLDER       lists every other word; fails when there is one, or when a word of
                            words.txt is in no document
-  spelling.py --self-test  plants faults in a scratch project and demands that they are found
+  spelling.py --self-test  plants faults in a scratch project and requires that they are found
 
-Read are all Markdown files, the texts of help/reference.toml and packaging/zqv.1. Code, links'
-targets, names of files and identifiers are no words. words.txt beside this file holds one word a
-line, sorted; one in small letters stands for itself with a capital, too. Ends with 77 where aspell
+Checked are all Markdown files, the texts of help/reference.toml and packaging/zqv.1. Code, targets
+of links, file names and identifiers are skipped. words.txt in this folder has one word a line,
+sorted; a word in lower case may also be written with a capital. The exit status is 77 where aspell
 or its dictionary is missing.
 """
 
@@ -29,11 +29,11 @@ HELP = "help/reference.toml"
 MANUAL = "packaging/zqv.1"
 DICTIONARY = "en_GB-ise"
 SKIPPED = 77
-CODE_KEYS = {"id", "example", "words"}  # of the help's texts: what is no text
+CODE_KEYS = {"id", "example", "words"}  # keys of the help's texts whose values are not prose
 
 URL = re.compile(r"\b[a-z]+://\S+")
-# A piece of a line up to blanks and punctuation, and those that are no word: with a digit, an
-# underscore, a slash, a dot or such inside, or a capital behind a small letter.
+# A piece of a line without blanks and punctuation; and pieces that are not words, because they
+# contain a digit, underscore, slash, inner dot or similar, or a capital after a small letter.
 PIECE = re.compile(r"[^\s()\[\]{}|\"“”<>,;:!?*=+~…–—]+")
 NO_WORD = re.compile(r"[\d_/\\@#$%&^]|\w\.\w|^\.\w|[a-z][A-Z]|[A-Z]{2}[a-z]{2}|^-")
 WORD = re.compile(r"[^\W\d_]+(?:['’][^\W\d_]+)*")
@@ -49,7 +49,7 @@ def words_of(line):
 
 
 def markdown_lines(text):
-    """Numbered lines of text: no code, no targets of links, no tags."""
+    """The text with line numbers, without code, targets of links and tags."""
     prose, _ = documents.split(text)
     text = documents.DEFINED_LINK.sub(documents.blank, documents.without_code(prose))
     text = documents.IMAGE.sub(r"\1", text)
@@ -59,18 +59,19 @@ def markdown_lines(text):
 
 
 def strings(value, key=""):
-    """All texts in what a TOML file holds."""
+    """All texts in the values of a TOML file."""
     if isinstance(value, str):
         return [] if key in CODE_KEYS else [value]
     if isinstance(value, dict):
         return [text for name, inner in value.items() for text in strings(inner, name)]
-    if key == "raises":  # rows of exception, message, condition
+    if key == "raises":  # rows of exception, message and condition
         return [row[2] for row in value]
     return [text for inner in value for text in strings(inner, key)]
 
 
 def help_lines(text):
-    """Lines of the help's texts; their number is that of the line that holds them."""
+    """The lines of the help's texts. Each has the number of the line of the file that contains
+    it."""
     lines = text.splitlines()
     found = []
     for string in strings(tomllib.loads(text)):
@@ -82,7 +83,7 @@ def help_lines(text):
 
 
 def manual_lines(text):
-    """Lines of a manual page, without its macros and what these take."""
+    """The lines of a manual page, without its macros and their arguments."""
     shown = (".Nd ", ".Sh ", ".Ss ", ".Pq ", ".%T ")
     found = []
     for number, line in enumerate(text.splitlines(), 1):
@@ -94,7 +95,7 @@ def manual_lines(text):
 
 
 def used_words(top):
-    """Where each word stands first: word -> "file:line"."""
+    """The first place of each word: word -> "file:line"."""
     places = {}
     readers = [(name, markdown_lines) for name in documents.documents(top)]
     readers += [(name, reader) for name, reader in ((HELP, help_lines), (MANUAL, manual_lines))
@@ -107,7 +108,7 @@ def used_words(top):
 
 
 def aspell(*arguments, text=""):
-    """What aspell prints, whatever the user has set; None where it cannot be had."""
+    """The output of aspell with fixed settings; None when it is not installed."""
     with tempfile.TemporaryDirectory() as home:
         environment = {"PATH": os.environ["PATH"], "HOME": home, "LC_ALL": "C.UTF-8"}
         try:
@@ -119,11 +120,11 @@ def aspell(*arguments, text=""):
 
 
 def unknown_words(words):
-    """Those that the dictionary does not have."""
+    """The words that the dictionary lacks."""
     listed = aspell("list", f"--lang={DICTIONARY}", "--encoding=utf-8", "--ignore=1",
                     text="\n".join(sorted(words)) + "\n")
     found = set((listed or "").split())
-    # Of a word with an apostrophe in it aspell may name a part.
+    # For a word with an apostrophe aspell may report a part of it only.
     return {word for word in words if word in found or found & set(word.split("'"))}
 
 
@@ -133,7 +134,8 @@ def own_words(top):
 
 
 def own_spellings(word):
-    """How words.txt may spell a word: as it stands, or without the capital of a sentence."""
+    """The forms in which words.txt may list a word: as written, or without a capital at its
+    start."""
     return {word, word[0].lower() + word[1:]}
 
 
@@ -143,7 +145,7 @@ def check(top):
     used = {name for word in places for name in own_spellings(word)}
     unknown = [word for word in unknown_words(places) if not own_spellings(word) & set(own)]
     faults = [f"{places[word]}: {word}" for word in sorted(unknown)]
-    # Whether aspell knows a word depends on its version, so only the documents are asked.
+    # aspell's dictionary depends on its version, so words.txt is compared with the documents only.
     faults += [f"{WORDS}: {word} is in no document" for word in own if word not in used]
     if own != sorted(set(own)):
         faults.append(f"{WORDS}: not sorted, or a word stands there twice")

@@ -1,4 +1,4 @@
-"""The checker of text projects accepts the examples and sees each planted mistake."""
+"""The checker of text projects accepts the examples and reports each planted mistake."""
 
 import checkers
 
@@ -18,7 +18,7 @@ class ProjectTest(checkers.TestCase):
         return checkers.run_script("check_project.py", self.room)
 
     def sees(self, text, file=None, line=None):
-        """The run fails and says this, of this file and line."""
+        """Requires that the run fails with this text for this file and line."""
         code, out, err = self.check()
         self.assertEqual((code, err), (1, ""), out)
         said = [each for each in out.splitlines() if text in each]
@@ -43,7 +43,7 @@ class ProjectTest(checkers.TestCase):
     def test_usage(self):
         self.assertEqual(checkers.run_script("check_project.py")[0], 2)
 
-    # The project file.
+    # Mistakes in the project file.
 
     def test_two_project_files(self):
         (self.room / "Other.xojo_project").write_bytes(self.project.read_bytes())
@@ -126,7 +126,7 @@ class ProjectTest(checkers.TestCase):
                            f"{version} is no version")
                 self.project.write_bytes(text)
 
-    # Files of the project.
+    # Mistakes in the files of the project.
 
     def test_stranger(self):
         path = self.write("examples/ShowMail/Notes.txt", "x\n")
@@ -165,7 +165,7 @@ class ProjectTest(checkers.TestCase):
     def line_of_bytes(self, data, text):
         return data[:data.index(text)].count(b"\n") + 1
 
-    # Files of code.
+    # Mistakes in files of code.
 
     def test_tag_without_end(self):
         self.change(self.app, "\t#tag EndEvent\n", "")
@@ -289,7 +289,7 @@ class ProjectTest(checkers.TestCase):
         self.assertEqual(code, 1)
         self.assertRegex(out, r"Shared/SafeText\.xojo_code:1: has no ViewBehavior block")
 
-    # Steps of building.
+    # Mistakes in build steps.
 
     def steps(self):
         return self.room / "Build Automation.xojo_code"

@@ -1,5 +1,5 @@
-// Addresses: lists, groups, and all that one address can repeat; in fields and in the classes that
-// are made from a text.
+// Addresses: lists, groups, and all pieces that one address can repeat; in header fields, and in
+// the classes that are made from text.
 #include "tests/growth/dimensions.h"
 #include "tests/growth/inputs.h"
 
@@ -27,7 +27,7 @@ std::string OneEncodedLabel(std::size_t n) {
   return Repeat("=?utf-8?Q?Zo=C3=AB?= ", n) + "<zoe@example.org>";
 }
 
-// One address with something repeated before, inside or behind its parts.
+// One address in which something is repeated before, inside or after its parts.
 std::string Comments(std::size_t n) { return Repeat("(c)", n) + "a@example.org"; }
 std::string NestedComments(std::size_t n) {
   return Repeat("(", n / 2) + Repeat(")", n / 2) + "a@example.org";
@@ -50,7 +50,7 @@ std::string Label(std::size_t n) { return Repeat("a", n) + " <a@example.org>"; }
 std::string Route(std::size_t n) { return "<" + Repeat("@r,", n) + "@r:a@example.org>"; }
 std::string Domain(std::size_t n) { return "a@" + Repeat("b.", n) + "example"; }
 
-// What the address code looks for, in an order that fits nowhere.
+// The characters that the address parsers treat specially, in an order that is never valid.
 std::string Marks(std::size_t n) { return Repeat("\"(<:@>),; a\\", n); }
 
 using Make = std::string (*)(std::size_t bytes);

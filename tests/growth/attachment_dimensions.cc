@@ -1,11 +1,11 @@
-// Attachments' names and data, and the dates of a message.
+// Names and data of attachments, and the dates of a message.
 #include "tests/growth/dimensions.h"
 #include "tests/growth/inputs.h"
 
 namespace zqv::growth {
 namespace {
 
-// One attachment; `fields` are whole lines.
+// A message with one attachment; `fields` are complete lines.
 std::string Attachment(const std::string& fields, const std::string& data = "Hello.") {
   return Multipart("--b\nContent-Type: application/x-data\n" + fields + "\n" + data + "\n");
 }
@@ -41,7 +41,7 @@ std::string DescriptionBlanks(std::size_t n) {
   return Attachment("Content-Disposition: attachment\nContent-Description: a\n" +
                     Repeat("  \t\n", n) + "\n");
 }
-// The kind of image is looked for in the data.
+// The data is searched for the marker of JPEG images.
 std::string AlmostJpeg(std::size_t n) { return Attachment("", Repeat("JFI", n)); }
 
 std::string DateLength(std::size_t n) {

@@ -60,7 +60,7 @@ std::string Utf8WithoutCharset(std::size_t n) {
 std::string HighWithoutCharset(std::size_t n) {
   return MessageWithBody(kPlain, Repeat("caf\xE9\n", n));
 }
-// An even number of bytes, which UTF-16 needs.
+// The number of bytes is even, as UTF-16 needs.
 template <const char* kCharset>
 std::string InCharset(std::size_t n) {
   return MessageWithBody(std::string("Content-Type: text/plain; charset=") + kCharset + "\n",

@@ -1,17 +1,17 @@
 #!/usr/bin/env python3
-"""Demands that work grows no faster than its input, counted in instructions.
+"""Requires that work grows no faster than its input. Work is counted in instructions.
 
   growth.py --probe=PROGRAM [GROUP...]   measures the dimensions of the groups, or all of them
-  growth.py --probe=PROGRAM --groups GROUP...   demands that there are exactly these groups
-  growth.py --probe=PROGRAM --self-test  demands that planted growth is found, and nothing else
-  growth.py --probe=PROGRAM --write-baseline    measures all, and writes down what a byte costs
+  growth.py --probe=PROGRAM --groups GROUP...   requires that there are exactly these groups
+  growth.py --probe=PROGRAM --self-test  requires that exactly the planted growth is found
+  growth.py --probe=PROGRAM --write-baseline    measures all, and writes the costs of a byte
 
-The program makes inputs of each dimension, of size 0, n and 2n. What an input of size 0 costs is
-fixed and taken off; of the rest, 2n may cost at most 2.3 times what n costs (10n: 13 times), and a
-byte at most three times what baseline.tsv says of it: work that is a thousand times too much may
-still grow evenly. Callgrind counts, so the figures do not depend on the machine's load. Prints a
-table, and behind it for each dimension that grows too fast the functions that do. Ends with 1 if
-there is any, with 77 without valgrind.
+The program makes inputs of each dimension, of sizes 0, n and 2n. The cost of an input of size 0 is
+fixed, and subtracted from the other two. Then 2n may cost at most 2.3 times as much as n (10n: 13
+times). A byte may cost at most three times as much as baseline.tsv says, because linear growth can
+still be far too much work. Callgrind counts, so the figures do not depend on the machine's load.
+The output is a table, and after it, for each dimension that grows too fast, the functions that do.
+The exit status is 1 if there is such a dimension, and 77 without valgrind.
 """
 
 import argparse
@@ -24,34 +24,35 @@ import subprocess
 import sys
 import tempfile
 
-# How much more work `times` the input may be: the rest is for growth by n log n and for odd sizes.
+# The largest ratio of the costs, by the ratio of the sizes. It exceeds the latter to allow for
+# growth by n log n and for inexact sizes.
 MOST = {2: 2.3, 10: 13}
-# A byte may cost this much more than the baseline says: processors and compilers differ.
+# The largest ratio to the baseline: costs differ between processors and compilers.
 MOST_BY_BASELINE = 3
-SPARE = 2  # instructions a byte that are always allowed, for what costs next to nothing
+SPARE = 2  # instructions a byte that are always allowed, for dimensions with very low costs
 BASELINE = pathlib.Path(__file__).with_name("baseline.tsv")
 USUAL = 65536  # n of most dimensions, as in the probe's tables
 SKIPPED = 77
 LATE = "not done in the time given"
 CULPRITS = 6  # functions named for one dimension
-# Below this share of what a dimension costs at 2n a function is no culprit.
+# A function with a smaller share of a dimension's cost at 2n is not named.
 CULPRIT_SHARE = 0.05
 
 Dimension = collections.namedtuple("Dimension", "name bytes grows")
-# What one input cost: its real size, which limit refused it (or nothing), and instructions.
+# The cost of one input: its actual size, the limit that refused it (or nothing), and instructions.
 Cost = collections.namedtuple("Cost", "bytes refusal instructions")
 
 
 class Growth:
-    """The costs of one dimension at sizes 0, n and 2n, or why there are none."""
+    """The costs of one dimension at sizes 0, n and 2n, or the reason why there are none."""
 
     def __init__(self, name, costs=(), fault="", most=MOST[2]):
         self.name = name
         self.most = most
         self.costs = costs
         self.fault = fault
-        self.usual = None  # instructions a byte by the baseline; unset: whatever they are
-        self.culprits = []  # a text for each function whose own cost grows too fast
+        self.usual = None  # instructions a byte in the baseline; None: not compared
+        self.culprits = []  # one text for each function whose own cost grows too fast
 
     @property
     def ratio(self):
@@ -60,7 +61,7 @@ class Growth:
 
     @property
     def per_byte(self):
-        """Instructions for one byte of the smaller input, without the fixed part."""
+        """Instructions for one byte of the smaller input, without the fixed cost."""
         fixed, once, _ = self.costs
         return (once.instructions - fixed.instructions) / once.bytes
 
@@ -69,7 +70,7 @@ class Growth:
         if self.fault:
             return self.fault
         fixed, once, _ = (cost.instructions for cost in self.costs)
-        # Every byte of an input is looked at; else the probe did not do what it should.
+        # Every byte of an input is read; with no cost at all the probe did not use the input.
         if once - fixed < 1:
             return "costs nothing"
         if self.ratio > self.most:
@@ -97,17 +98,17 @@ HEADING = (f"{'dimension':<32} {'bytes':>9} {'instructions':>15} {'and the large
 
 
 def read_total(path):
-    """Instructions in all of one of callgrind's files."""
-    # The line is among the last; a profile may be long.
+    """The total of instructions in one of callgrind's files."""
+    # The line is one of the last; a profile may be long.
     return int(re.findall(r"^totals: (\d+)$", path.read_text("utf-8", "replace"), re.M)[-1])
 
 
 def read_functions(path):
-    """Instructions by function of one of callgrind's files, without those of the called ones.
+    """Instructions by function in one of callgrind's files, without those of called functions.
 
-    Lines of cost are "LINE COST"; the one behind a line "calls=" is what a called function cost,
-    which is counted there. A function has a name and a number the first time, the number alone
-    later: "fn=(12) name".
+    Lines of cost are "LINE COST". The one after a line "calls=" is the cost of a called function,
+    and is skipped here. A function has a name and a number at its first occurrence, and only the
+    number later: "fn=(12) name".
     """
     functions = collections.Counter()
     names = {}
@@ -130,7 +131,7 @@ def read_functions(path):
 
 
 def find_culprits(profiles, most):
-    """The functions whose own cost grows too fast, the dearest first, as texts."""
+    """The functions whose own cost grows too fast, as texts, the most expensive first."""
     fixed, once, twice = (read_functions(profile) for profile in profiles)
     found = []
     for name, cost in twice.items():
@@ -142,7 +143,7 @@ def find_culprits(profiles, most):
 
 
 def run_for(seconds, command):
-    """The output of a command, and what went wrong."""
+    """The output of a command, and its error."""
     try:
         run = subprocess.run(command, capture_output=True, timeout=seconds, check=False)
     except subprocess.TimeoutExpired as expired:
@@ -154,12 +155,12 @@ def run_for(seconds, command):
 
 
 class Prober:
-    """Starts the probe under callgrind."""
+    """Runs the probe under callgrind."""
 
     def __init__(self, program, phase=None, seconds=None, times=2):
         self.program = program
         self.times = times
-        self.seconds = seconds  # for one probe; unset: all it needs
+        self.seconds = seconds  # limit for one run of the probe; None: no limit
         self.phase = [f"--phase={phase}"] if phase else []
 
     def list(self):
@@ -169,7 +170,7 @@ class Prober:
 
     def measure(self, sizes):
         """The growths of dimensions, given as name and n. A probe that ends early has failed at the
-        first dimension that it did not finish; the others are given to another one."""
+        first dimension that it did not finish; another probe measures the others."""
         growths = []
         while sizes:
             done, error = self._run(sizes)
@@ -208,8 +209,8 @@ class Prober:
 
 
 def measure_all(prober, sizes, jobs):
-    """The growths in the order of `sizes`, by so many probes at a time."""
-    # Neighbours cost about the same, so each probe gets some of everywhere.
+    """The growths in the order of `sizes`, measured by `jobs` probes at a time."""
+    # Neighbouring dimensions cost about the same, so they are distributed over all probes.
     shares = [sizes[start::jobs] for start in range(jobs)]
     with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
         growths = [growth for share in pool.map(prober.measure, shares) for growth in share]
@@ -218,12 +219,12 @@ def measure_all(prober, sizes, jobs):
 
 
 def group_of(name):
-    """The word before the dot of a dimension's name."""
+    """The group of a dimension: the word before the dot of its name."""
     return name.split(".")[0]
 
 
 def read_baseline():
-    """Instructions a byte by dimension."""
+    """Instructions a byte, by dimension."""
     lines = BASELINE.read_text("ascii").splitlines()
     return {name: float(cost) for name, cost in (line.split("\t") for line in lines)}
 
@@ -234,8 +235,8 @@ def write_baseline(growths):
 
 
 def check_groups(prober, expected):
-    """That the tests together leave no group out, and name none that is not there; and that there
-    is a baseline for each dimension, and for nothing else."""
+    """Requires that the tests together name all groups and no others, and that the baseline has all
+    dimensions and no others."""
     names = {dimension.name for dimension in prober.list()}
     groups = {group_of(name) for name in names}
     faults = [f"{group}: {'in no test' if group in groups else 'has no dimension'}"
@@ -259,7 +260,7 @@ def report(growths):
     return 1 if bad or not growths else 0
 
 
-# What must be found of each planted dimension.
+# The verdict that each planted dimension must get.
 PLANTED = {
     "planted.linear": "",
     "planted.quadratic": "grows too fast",
@@ -278,13 +279,13 @@ def self_test(prober):
         if verdict != [expected]:
             failures.append(f"{name}: expected '{expected}', got {verdict}")
     measured = {growth.name: growth for growth in growths if growth.costs}
-    # Its work is even, so only the baseline can tell that it is too much.
+    # Its work is linear, so only the comparison with the baseline finds that it is too much.
     linear = measured["planted.linear"]
     for usual, expected in ((linear.per_byte, ""), (linear.per_byte / 100, "costs too much")):
         linear.usual = usual
         if linear.verdict.split(":")[0] != expected:
             failures.append(f"planted.linear: expected '{expected}', got '{linear.verdict}'")
-    # Doubling the input doubles the work of one half and makes that of the other fourfold.
+    # Doubling the input doubles one half of the work and quadruples the other.
     if abs(measured["planted.quadratic"].ratio - 3) > 0.1:
         failures.append(f"planted.quadratic: ratio {measured['planted.quadratic'].ratio}")
     culprits = measured["planted.quadratic"].culprits
@@ -315,7 +316,7 @@ def parse_arguments():
 
 def main():
     options = parse_arguments()
-    # Without valgrind's headers there is no probe, and its name is empty.
+    # Without valgrind's headers the probe is not built, and its name is empty.
     if not options.probe or not shutil.which("valgrind"):
         print("skipped: valgrind is not installed, so nothing can be counted")
         return SKIPPED
@@ -335,7 +336,7 @@ def main():
               if not options.names or group_of(d.name) in options.names or d.name in options.names]
     sizes = [(d.name, max(d.bytes * options.bytes // USUAL, 1)) for d in chosen]
     growths = measure_all(prober, sizes, options.jobs)
-    # The baseline is of whole dimensions at their usual sizes; a single phase costs less.
+    # The baseline is for complete dimensions; a single phase costs less.
     if not options.write_baseline and not options.phase:
         baseline = read_baseline()
         for growth in growths:

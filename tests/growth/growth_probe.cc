@@ -1,13 +1,13 @@
-// Makes inputs of the given dimensions and uses them through the built library, counted by
-// callgrind:
+// Makes inputs of the given dimensions and uses them through the built library, while callgrind
+// counts instructions:
 //   valgrind --tool=callgrind --collect-atstart=no
 //     growth_probe [--phase=PHASE] DIMENSION=BYTES[,BYTES...]...
-//   growth_probe --list    the dimensions: name, default size, what grows, separated by tabs
+//   growth_probe --list    lists the dimensions: name, default size, what grows, separated by tabs
 //
-// Writes one line an input: the dimension, the size asked for, the real one, and by which limit the
-// input was refused, if it was. Callgrind writes one profile an input, in the same order. Ends with
-// 2 for a mistake in the command line and with 3 when an input is refused by no limit of its
-// dimension.
+// Writes one line an input: the dimension, the requested size, the actual size, and the limit by
+// which the input was refused, if any. Callgrind writes one profile an input, in the same order.
+// The exit status is 2 for a wrong command line, and 3 when an input is refused for another reason
+// than a limit of its dimension.
 
 #include <algorithm>
 #include <charconv>
@@ -28,7 +28,7 @@
 namespace zqv::growth {
 namespace {
 
-// One argument: inputs of one dimension.
+// One argument: the inputs of one dimension.
 struct Job {
   const Dimension* dimension = nullptr;
   std::vector<std::size_t> sizes;
@@ -36,7 +36,7 @@ struct Job {
 
 struct Request {
   std::vector<Job> jobs;
-  std::string_view phase;  // empty: that of the dimension
+  std::string_view phase;  // empty: the phase of the dimension
 };
 
 bool ParseSizes(std::string_view text, std::vector<std::size_t>* sizes) {
@@ -80,10 +80,10 @@ void List() {
   }
 }
 
-// One input after the other; false when one was refused that must not be.
+// Measures the inputs of a job in turn. Returns false when one was refused that should not be.
 bool Measure(const Job& job, std::string_view phase) {
   const Dimension& dimension = *job.dimension;
-  // What is done once in a process is done here, uncounted.
+  // The first use in a process fills the library's caches, so it is not counted.
   Meter nothing("none");
   dimension.work(dimension.make(0), nothing);
 
@@ -124,7 +124,7 @@ int Run(const std::vector<std::string_view>& arguments) {
     return 2;
   }
   int code = 1;
-  // Nesting is limited by the stack there is.
+  // A large stack, so that the stack does not limit the nesting.
   test::RunOnStack(test::kLargeStack, [&] {
     try {
       code = MeasureInHost(*request) ? 0 : 3;

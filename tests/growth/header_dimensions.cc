@@ -1,4 +1,4 @@
-// Header fields: how long, how many, and what the library takes apart.
+// Header fields: their length, their number, and the values that the library parses.
 #include "tests/growth/dimensions.h"
 #include "tests/growth/inputs.h"
 

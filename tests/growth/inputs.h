@@ -1,4 +1,4 @@
-// Building blocks of the inputs.
+// Building blocks for inputs.
 #pragma once
 
 #include <string>
@@ -11,22 +11,22 @@ namespace zqv::growth {
 using test::Count;
 using test::Repeat;
 
-// A message of one text/plain part; `fields` are whole lines.
+// A message of one text/plain part; `fields` are complete lines.
 inline std::string PlainMessage(const std::string& fields, const std::string& body = "Hello.\n") {
   return "MIME-Version: 1.0\n" + fields + "\n" + body;
 }
 
-// The same with a single field beyond the first.
+// A message of one text/plain part with one more field.
 inline std::string MessageWithField(std::string_view name, const std::string& value) {
   return PlainMessage(std::string(name) + ": " + value + "\n");
 }
 
-// A message of one part with the given fields, Content-Type among them.
+// A message of one part with these fields, which include Content-Type.
 inline std::string MessageWithBody(std::string_view fields, const std::string& body) {
   return PlainMessage(std::string(fields), body);
 }
 
-// A multipart/mixed with the boundary "b" around whole parts, each with its boundary line.
+// A multipart/mixed with the boundary "b". `parts` are complete parts, each with its boundary line.
 inline std::string Multipart(const std::string& parts) {
   return PlainMessage("Content-Type: multipart/mixed; boundary=b\n", parts + "--b--\n");
 }

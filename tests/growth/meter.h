@@ -1,8 +1,8 @@
-// Counting the instructions of some of the work and of nothing else.
+// Counts the instructions of chosen parts of the work only.
 //
-// Counting is callgrind's, started with --collect-atstart=no; without valgrind around the program
-// every call here does nothing. Callgrind keeps for each thread whether it counts: a meter serves
-// one thread.
+// Callgrind counts, and must be started with --collect-atstart=no. Without valgrind the functions
+// here do nothing. Callgrind switches counting for each thread separately, so a meter serves one
+// thread.
 #pragma once
 
 #include <string>
@@ -14,15 +14,15 @@ inline constexpr std::string_view kAllPhases = "all";
 
 class Meter {
  public:
-  // Counts the phase of the given name, or all of them.
+  // Counts the phase with this name only, or all phases.
   explicit Meter(std::string_view wanted) : wanted_(wanted) {}
 
-  // What follows belongs to this phase.
+  // Begins a phase.
   void Enter(std::string_view phase);
-  // What follows belongs to none.
+  // Ends the present phase.
   void Leave();
 
-  // Has all that was counted since the last time written out and starts from 0.
+  // Writes what was counted since the last report, and sets the counts to 0.
   static void Report(const std::string& label);
 
  private:

@@ -1,5 +1,5 @@
-// Work whose growth is known beforehand. growth.py is tested with it: it must find what grows too
-// fast, what hides behind a fixed cost and what is refused without a limit, and nothing else.
+// Work with known growth, to test growth.py. It must report work that grows too fast, such work
+// hidden by a fixed cost, and refusal without a limit, and nothing else.
 #include <cstddef>
 
 #include "tests/growth/dimensions.h"
@@ -14,7 +14,7 @@ void Spend(std::size_t steps) {
   for (std::size_t i = 0; i < steps; ++i) sink = sink + 1;
 }
 
-// Kept apart, so that the report can name it as the culprit.
+// A function of its own, so that the report can name it.
 [[gnu::noinline]] void SpendSquare(std::size_t steps) {
   for (std::size_t i = 0; i < steps; ++i) {
     for (std::size_t j = 0; j < steps; ++j) sink = sink + 1;
@@ -28,7 +28,7 @@ std::string Linear(const std::string& input, Meter& meter) {
   return {};
 }
 
-// At 1,024 bytes one half of the work grows with the square.
+// At 1,024 bytes half of the work is linear and half is quadratic.
 std::string PartlyQuadratic(const std::string& input, Meter& meter) {
   meter.Enter("call");
   Spend(input.size() * 1024);
@@ -37,7 +37,7 @@ std::string PartlyQuadratic(const std::string& input, Meter& meter) {
   return {};
 }
 
-// The square of 1,024 behind sixteen times as much that does not grow.
+// Quadratic work hidden by a fixed cost that at 1,024 bytes is sixteen times as large.
 std::string Hidden(const std::string& input, Meter& meter) {
   meter.Enter("call");
   Spend(std::size_t{16} * 1024 * 1024);

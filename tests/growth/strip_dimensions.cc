@@ -1,4 +1,5 @@
-// SourceWithoutAttachments alone: what is cut out, and how the rest is written.
+// SourceWithoutAttachments only: the parts that are removed, and the fields and texts that are
+// written.
 #include "tests/growth/dimensions.h"
 #include "tests/growth/inputs.h"
 

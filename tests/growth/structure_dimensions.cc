@@ -1,4 +1,4 @@
-// The tree of a message: parts, nesting, boundaries and what looks like one.
+// The tree of a message: parts, nesting, boundaries, and lines that resemble boundaries.
 #include <algorithm>
 
 #include "tests/growth/dimensions.h"
@@ -53,7 +53,7 @@ std::string CloseLevels(std::size_t levels) {
   return text;
 }
 
-// Multiparts in one another of so many bytes, at most so many levels, around `inside`.
+// Nested multiparts of `n` bytes and at most `most_levels` levels, around `inside`.
 std::string Nest(std::size_t n, std::size_t most_levels, const std::string& inside) {
   std::string open;
   std::size_t levels = 0;
@@ -81,7 +81,7 @@ std::string NestedMixture(std::size_t n) {
                }) +
          "Subject: Hello\n\nHello.\n";
 }
-// Half of the bytes open levels, the other half asks at every line whether one of them ends.
+// Half of the bytes open levels. In the other half, each line is compared with the open boundaries.
 std::string NestedDashLines(std::size_t n) { return Nest(n / 2, kLevels, Repeat("--x\n", n / 2)); }
 std::string NestedPlainLines(std::size_t n) { return Nest(n / 2, kLevels, Repeat("x\n", n / 2)); }
 std::string NestedBoundaryLines(std::size_t n) {

@@ -1,4 +1,4 @@
-// Texts: encoded words in subjects and in the shared method, HTML in the shared method.
+// Texts: encoded words in subjects and in the shared method, and HTML in the shared method.
 #include "tests/growth/dimensions.h"
 #include "tests/growth/inputs.h"
 
@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::string_view kProse = "A line of plain text, as people write them.\r\n";
 
-// Encoded words. A subject is made of them below, and the shared method gets them as they are.
+// Encoded words, which are used as subjects and as arguments of the shared method.
 std::string Prose(std::size_t n) { return Repeat("A text without any mark. ", n); }
 std::string Words(std::size_t n) { return Repeat("=?utf-8?Q?Caf=C3=A9?= ", n); }
 std::string BWords(std::size_t n) { return Repeat("=?utf-8?B?Q2Fmw6k=?= ", n); }
@@ -56,8 +56,8 @@ std::string AlmostClosed(std::size_t n) { return "<!--" + Repeat("--", n); }
 std::string OpenTag(std::size_t n) { return "a<b" + Repeat(" c", n); }
 std::string OpenTags(std::size_t n) { return Repeat("<b ", n); }
 std::string NestedLists(std::size_t n) { return Repeat("<ul>", n) + "<li>a"; }
-// The bullets are indented by their level, up to some four million spaces together: 20,000 bytes
-// reach that, and from there on the text grows no faster than the input.
+// Bullets are indented by their level, up to about four million spaces in total. 20,000 bytes reach
+// that limit, and beyond it the text grows no faster than the input.
 std::string NestedListItems(std::size_t n) { return Repeat("<ul><li>a", n); }
 std::string ListItems(std::size_t n) { return "<ul>" + Repeat("<li>a", n); }
 std::string LessThan(std::size_t n) { return Repeat("<", n); }

@@ -21,8 +21,8 @@ constexpr std::string_view kStrip = "strip";
 constexpr std::string_view kRelease = "release";
 constexpr std::string_view kCall = "call";
 
-// Reads each member of each object below a first one once, each list as a whole and element by
-// element. It keeps its own stack, so that deep trees cost it nothing.
+// Reads each member of each object below a first one once, and each list both as an array and
+// element by element. It is a loop, so that deep trees need no stack.
 class Reader {
  public:
   void Run(const Object& top) {
@@ -59,7 +59,7 @@ class Reader {
                   const standin::Method& method) {
     const standin::Declaration& declaration = method.declaration;
     const std::string_view name = method.row->declaration;
-    // Made from text, made by the library alone, or a phase of its own.
+    // Constructors are called elsewhere, and SourceWithoutAttachments is a phase of its own.
     if (declaration.name == "Constructor" || declaration.name == "SourceWithoutAttachments") return;
     if (declaration.parameters.empty()) {
       Add(standin::Call(object, name));
@@ -71,7 +71,7 @@ class Reader {
     }
   }
 
-  // The size of the array that the method of this name and without parameters gives.
+  // The size of the array that the method `list` without parameters returns.
   static std::int64_t SizeOf(const Object& object, const standin::ClassInfo& info,
                              const std::string& list) {
     for (const standin::Method& method : info.methods) {
@@ -83,10 +83,10 @@ class Reader {
   }
 
   std::vector<Object> waiting_;
-  std::unordered_set<const standin::Thing*> met_;  // all are held by the first one
+  std::unordered_set<const standin::Thing*> met_;  // valid as long as the first object is
 };
 
-// Has the constructor run on a new object, so that the object is left when it raises.
+// Calls the constructor on an existing object, which stays when the constructor raises.
 std::string ConstructOn(const Object& object, std::string_view constructor, const Value& content) {
   try {
     standin::CallWith(object, constructor, {content});
@@ -127,7 +127,7 @@ std::string UseMessage(const std::string& input, Meter& meter) {
   meter.Enter(kRead);
   Reader().Run(message);
   meter.Enter(kStrip);
-  // A message that was refused keeps its source, and stripping refuses that too.
+  // A refused message still has its source, which SourceWithoutAttachments would refuse too.
   if (raised.empty()) standin::Call(message, "SourceWithoutAttachments");
   meter.Enter(kRelease);
   message = Object();

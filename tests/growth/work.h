@@ -1,7 +1,7 @@
-// What is done with an input through the built library, as an application does it, and counted. The
-// input is handed to the host before counting starts.
+// Uses an input through the built library as an application does, and counts the work. The input is
+// given to the host before counting starts.
 //
-// Each gives what a constructor raised, or an empty text.
+// Each function returns the text of the exception that a constructor raised; empty when none was.
 #pragma once
 
 #include <string>
@@ -14,15 +14,14 @@ namespace zqv::growth {
 
 using Work = std::string (*)(const std::string& input, Meter& meter);
 
-// Phases: construct, read (everything there is to read, once), strip (SourceWithoutAttachments),
-// release.
+// Phases: construct, read (every member once), strip (SourceWithoutAttachments), release.
 std::string UseMessage(const std::string& input, Meter& meter);
 
-// The shared methods of a message. Phase: call.
+// The shared methods. Phase: call.
 std::string UseDecodeInline(const std::string& input, Meter& meter);
 std::string UseHtmlToPlainText(const std::string& input, Meter& meter);
 
-// The classes that are made from a text. Phases: construct, read, release.
+// The classes that are made from text. Phases: construct, read, release.
 std::string UseMailbox(const std::string& input, Meter& meter);
 std::string UseGroup(const std::string& input, Meter& meter);
 std::string UseAddress(const std::string& input, Meter& meter);

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""The help in a browser: searching, links, both appearances, small windows, no script.
+"""The help in a browser: search, links, both colour schemes, small windows, without scripts.
 
   browser_test.py --zqv build/release/zqv [--shots FOLDER]
 
-Needs Debian's chromium, chromium-driver and python3-selenium; without them it exits with 77, which
-means skipped. With --shots it leaves pictures of the page in that folder, to be looked at.
+Needs Debian's chromium, chromium-driver and python3-selenium; without them the exit status is 77,
+which means skipped. With --shots it writes screenshots of the page into that folder.
 """
 
 import pathlib
@@ -24,16 +24,16 @@ try:
     from selenium.webdriver.common.by import By
     from selenium.webdriver.common.keys import Keys
 except ImportError:
-    pass  # browser.MISSING says so
+    pass  # browser.MISSING lists what is missing
 
-# Names of the members, or the sections, that one can see.
+# The ids of the visible elements that match a selector.
 SHOWN = """return Array.from(document.querySelectorAll(arguments[0]))
     .filter((element) => element.offsetParent !== null).map((element) => element.id)"""
 RECIPES = {"HTMLViewer": "recipe-html", "reply": "recipe-reply", "forward": "recipe-forward",
            "datetime": "recipe-date", "real attachments": "recipe-files",
            "reserved": "saving-attachments", "eml": "recipe-eml", "mbox": "recipe-mbox",
            "preemptive": "recipe-threads"}
-# Goes to each anchor that a link names; gives those whose target is not then in the window.
+# Follows each link within the page. Returns those whose target is not in the window afterwards.
 FOLLOW = """const missed = [], done = arguments[0];
 const links = Array.from(new Set(Array.from(document.querySelectorAll("a[href]"))
     .map((link) => link.getAttribute("href"))));
@@ -50,7 +50,7 @@ const links = Array.from(new Set(Array.from(document.querySelectorAll("a[href]")
 
 
 class Case(browser.Window, unittest.TestCase):
-    """A test with the page, just made, in a browser."""
+    """A test with a new page in a browser."""
 
     shots = OPTIONS.shots
 
@@ -58,7 +58,7 @@ class Case(browser.Window, unittest.TestCase):
     def setUpClass(cls):
         holder = tempfile.TemporaryDirectory()
         cls.addClassCleanup(holder.cleanup)
-        # A blank in the path, as in the package.
+        # The path has a blank, as in the package.
         cls.folder = pathlib.Path(holder.name) / "IDE Resources"
         cls.folder.mkdir()
         cls.page = cls.folder / "index.html"
@@ -136,7 +136,8 @@ class PageTest(Case):
         self.assertEqual(self.shown("section"), ["saving-attachments"])
 
     def test_search_for_a_recipe(self):
-        """By the words that a user has for the task, whatever members have them in their names."""
+        """A search for the words that a user has for a task finds its recipe, whatever members
+        match too."""
         for word, recipe in RECIPES.items():
             with self.subTest(word):
                 self.query().clear()
@@ -242,7 +243,7 @@ class PageTest(Case):
 
 
 class ConsoleTest(Case):
-    """What is wrong with a page gets onto the console that the other tests look at."""
+    """Faults of a page appear on the console, which the other tests require to be empty."""
 
     def test_faults_are_seen(self):
         text = self.page.read_text("utf-8")

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""The help fits the registered classes, is sound, needs nothing else, and is up to date.
+"""The help describes the registered classes, is valid HTML, loads nothing, and is up to date.
 
   help_test.py --zqv build/release/zqv
 
-The listing is read here in another way than the generator reads it, so that the two watch each
-other. Each check is also shown a fault that it must see.
+The listing of the classes is parsed here in another way than in the generator, so that a mistake in
+either is found. Each check is also run with a fault, which it must report.
 """
 
 import itertools
@@ -26,7 +26,7 @@ SUBJECT = '[classes.MimeEmailZQV.members."property Subject as String"]'
 
 
 def expected_members(listed):
-    """(class, member) of each line of the listing, by its words alone."""
+    """(class, member) for each line of the listing."""
     found, current = [], ""
     for line in listed.splitlines():
         if line.startswith("class "):
@@ -37,7 +37,7 @@ def expected_members(listed):
 
 
 def luminance(colour):
-    """Of a colour as WCAG defines it."""
+    """The relative luminance of a colour, as WCAG defines it."""
     parts = [int(colour[place:place + 2], 16) / 255 for place in (1, 3, 5)]
     linear = [part / 12.92 if part <= 0.04045 else ((part + 0.055) / 1.055) ** 2.4
               for part in parts]
@@ -50,18 +50,18 @@ def contrast(one, other):
 
 
 def broken_links(page):
-    """Links within the page that have no anchor, and links that leave it."""
+    """Links within the page that have no anchor, and links that lead out of the page."""
     return [link for link in page.links if link[:1] != "#" or link[1:] not in page.ids]
 
 
 def skipped_levels(headings):
-    """Headings that are more than one level below the one before."""
+    """Headings that are more than one level below the previous one."""
     return [(before, level) for before, level in zip([0, *headings], headings)
             if level > before + 1]
 
 
 def outside(text):
-    """What would be fetched: anything with a scheme or a host, and imports of styles."""
+    """Texts that would load something: any with a scheme or a host, and imports of style sheets."""
     return re.findall(r"(?i)\b(?:https?|ftp|wss?):|(?:src|href|url)\s*[=(]\s*[\"']?//|@import",
                       text)
 
@@ -75,13 +75,13 @@ class Case(unittest.TestCase):
         self.folder = pathlib.Path(holder.name)
 
     def made(self, name="index.html", listed=LISTED):
-        """The bytes of a page just made."""
+        """The bytes of a newly made page."""
         path = self.folder / name
         self.assertEqual(make_page(listed, path), (0, ""))
         return path.read_bytes()
 
     def markdown(self):
-        """The reference just made."""
+        """The text of a newly made reference."""
         path = self.folder / "made.md"
         self.assertEqual(make(LISTED, "--markdown", path), (0, ""))
         return path.read_text("utf-8")
@@ -90,7 +90,8 @@ class Case(unittest.TestCase):
         return Page(self.made().decode("utf-8"))
 
     def expect_refused(self, *words, listed=LISTED, old=None, new=None):
-        """The generator stops and says each of the words; old in the texts becomes new."""
+        """Requires that the generator fails with a message that has these words. `old` in the texts
+        is replaced by `new`."""
         arguments = []
         if old is not None:
             texts = TEXTS.read_text("utf-8")

@@ -1,4 +1,4 @@
-"""Runs the generator of the help as a build does, and reads what it made."""
+"""Runs the generator of the help as a build does, and parses its output."""
 
 import argparse
 import html.parser
@@ -14,7 +14,7 @@ VOID = {"meta", "input", "br", "link", "img", "hr", "wbr"}
 
 
 def options(description):
-    """The options of both tests; what else is given is for unittest."""
+    """The options that both tests have; other arguments are for unittest."""
     parser = argparse.ArgumentParser(description=description)
     parser.add_argument("--zqv", type=pathlib.Path, required=True, metavar="PATH",
                         help="the built zqv program")
@@ -24,13 +24,13 @@ def options(description):
 
 
 def registered(zqv):
-    """What the built library registers."""
+    """The list of the classes that the built library registers."""
     return subprocess.run([zqv, "classes"], check=True, stdout=subprocess.PIPE,
                           timeout=60).stdout.decode("utf-8")
 
 
 def make(listed, *arguments, **environment):
-    """One run of the generator: exit code and standard error."""
+    """Runs the generator. Returns exit code and standard error."""
     run = subprocess.run([sys.executable, "-B", MAKER, *arguments], input=listed.encode("utf-8"),
                          stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60, check=False,
                          env={**os.environ, **environment})
@@ -43,14 +43,14 @@ def make_page(listed, path, *arguments, **environment):
 
 
 class Page(html.parser.HTMLParser):
-    """Reads a page strictly: what is not closed, or closed twice, is a fault."""
+    """A strict parser of a page: an element that is not closed, or closed twice, is a fault."""
 
     def __init__(self, text):
         super().__init__(convert_charrefs=True)
         self.faults, self.ids, self.links, self.loads = [], [], [], []
         self.headings, self.members, self.labels = [], [], []
         self.open_tags = []
-        self.text = {}  # of each tag
+        self.text = {}  # of each kind of element
         self.feed(text)
         self.close()
         self.faults += [f"<{tag}> is not closed" for tag in self.open_tags]
@@ -64,7 +64,7 @@ class Page(html.parser.HTMLParser):
         self.note(tag, given)
 
     def note(self, tag, given):
-        """What the tests want to know of a tag."""
+        """Records what the tests need of an element."""
         if "id" in given:
             self.ids.append(given["id"])
         if tag == "a":

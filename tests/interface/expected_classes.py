@@ -1,18 +1,18 @@
 #!/usr/bin/env python3
-"""The classes that a host must be given, as tables, and the listings that follow from them.
+"""The classes that a host must get, as tables, and the listings made from these tables.
 
-The tables are typed in by hand, one row for each member that docs/reference.md documents, and know
-nothing of the library's code. For each host version of HOSTS a file classes-<version>.txt holds what
-the stand-in host's listing must then be, to the letter.
+The tables are written by hand, one row for each member that docs/reference.md documents, and do not
+use the library's code. For each host version in HOSTS there is a file classes-<version>.txt, to
+which the stand-in host's listing must be equal.
 
 Usage: expected_classes.py FOLDER            writes the listings into FOLDER
-       expected_classes.py --check FOLDER    ends with 1 when one of them differs or is missing
+       expected_classes.py --check FOLDER    exit status 1 when one of them differs or is missing
 """
 
 import pathlib
 import sys
 
-# File name, host version (None: the host cannot tell), definition version.
+# File name, host version (None: the host reports none), definition version.
 HOSTS = (
     ("none", None, 9),
     ("2009", 2009, 9),
@@ -23,15 +23,15 @@ HOSTS = (
     ("2020.02", 2020.02, 13),
     ("2024.1", 2024.1, 13),
 )
-FIRST_WITH_TARGETS = 2020.02  # older hosts get the flags of dates without targets
+FIRST_WITH_TARGETS = 2020.02  # in older hosts the dates have the flags without targets
 PROPERTY, DATE, OLD_DATE, HIDDEN = 0x6, 0x30A, 0x6, 0x26
 METHOD, PRIVATE, CLASS = 0x4, 0x84, 0x4
 
 TEXT_CONSTRUCTOR = "Constructor(TextToParse as String)"
-NO_CONSTRUCTOR = "-Constructor"  # the dash: private
+NO_CONSTRUCTOR = "-Constructor"  # the dash means private
 
-# A record is its fields in order, eight bytes each. A property is "Name Type", followed by the
-# record field it is read from, or by "()" when it has a getter function.
+# A record is its fields in order, of eight bytes each. A property is "Name Type", and the record's
+# field from which it is read, or "()" when it has a getter function.
 CLASSES = (
     {
         "name": "MimeBodyZQV",

@@ -25,8 +25,8 @@ namespace {
 
 using Index = long;
 
-// A string, or a URL by its path. Constant strings of the library begin in the same way, and have
-// their text behind the flags.
+// A string, or a URL, which is stored as its path. Constant strings in the library begin with the
+// same fields; their text is at `constant`.
 struct Object {
   const void* isa;
   std::uint64_t flags;
@@ -35,7 +35,7 @@ struct Object {
   std::u16string text;
 };
 
-// What all constant strings point to.
+// The class to which all constant strings point.
 const void* g_constant_class[8] = {};
 
 std::set<const Object*> g_live;
@@ -45,7 +45,7 @@ std::set<const Object*> g_live;
   std::abort();
 }
 
-// How the encodings are called here; null for one that nobody asks for.
+// iconv's name of an encoding; null for an encoding that the library does not use.
 const char* NameOf(std::uint32_t encoding) {
   switch (encoding) {
     case abi::kMacRoman:
@@ -70,7 +70,7 @@ const char* NameOf(std::uint32_t encoding) {
   }
 }
 
-// Nothing when the bytes are not of that encoding.
+// The converted bytes; nothing when the bytes are not valid in the encoding `from`.
 std::optional<std::string> Convert(std::string_view bytes, const char* from, const char* to) {
   const iconv_t converter = iconv_open(to, from);
   if (converter == reinterpret_cast<iconv_t>(-1)) Fail("an encoding that this system lacks");
@@ -100,7 +100,7 @@ Object* Make(std::u16string text) {
   return object;
 }
 
-// Null for bytes that are not of the encoding, and for an encoding that nobody knows.
+// Makes a string; null for an unknown encoding, and for bytes that are not valid in it.
 Object* MakeFromBytes(std::string_view bytes, std::uint32_t encoding) {
   const char* const name = NameOf(encoding);
   if (name == nullptr) return nullptr;
@@ -144,9 +144,8 @@ unsigned char GetCString(const Object* string, char* buffer, Index size, std::ui
   return 1;
 }
 
-// Letters and their accents (Unicode, Latin-1 Supplement), in pairs: a letter and what it is
-// composed of. Combining: 0300 grave, 0301 acute, 0302 circumflex, 0303 tilde, 0308 diaeresis,
-// 030A ring, 0327 cedilla.
+// Letters with accents (Unicode, Latin-1 Supplement) and their decompositions. Combining accents:
+// 0300 grave, 0301 acute, 0302 circumflex, 0303 tilde, 0308 diaeresis, 030A ring, 0327 cedilla.
 struct Composed {
   const char16_t* letters;
   const char16_t* bases;
@@ -213,7 +212,7 @@ int HexadecimalValue(char16_t c) {
   return c < 0x80 ? base::HexadecimalValue(static_cast<char>(c)) : -1;
 }
 
-// A URL's text is ASCII with percent escapes, which are UTF-8. Null for any other.
+// Makes a URL from ASCII text in which bytes of UTF-8 are percent escapes. Null for any other text.
 const Object* CreateUrlWithString(const void*, const Object* string, const void*) {
   const std::u16string& url = TextOf(string);
   std::string path;
@@ -231,7 +230,7 @@ const Object* CreateUrlWithString(const void*, const Object* string, const void*
   return MakeFromBytes(path, abi::kUtf8);
 }
 
-// What follows the host's name, whatever scheme and host are.
+// The path of a URL, which is the text after the host name, whatever the scheme.
 const Object* CopyPath(const Object* url, Index style) {
   if (style != 0) Fail("the library asks for POSIX paths alone");
   std::u16string path = TextOf(url);
@@ -242,8 +241,8 @@ const Object* CopyPath(const Object* url, Index style) {
   return Make(std::move(path));
 }
 
-// The system's function, in which no code of the library runs: tests that let the library's
-// allocations fail spare it.
+// Wraps a function so that it counts as the host's and not the library's code: tests that let the
+// library's allocations fail do not let its allocations fail.
 template <auto function>
 struct Outside;
 template <class Result, class... Arguments, Result (*function)(Arguments...)>

@@ -1,7 +1,8 @@
-// As much of CoreFoundation and Foundation as the library calls: strings in the encodings it uses,
-// file URLs, normalisation form D of Latin letters, and the log, which goes to standard error.
+// Replaces the functions of CoreFoundation and Foundation that the library calls: strings in the
+// encodings that it uses, file URLs, normalisation form D of Latin letters, and the log, which goes
+// to standard error.
 //
-// Every object is booked: using one that is gone, or giving one back twice, ends the process.
+// Live objects are recorded. Using a freed object, or releasing one twice, ends the process.
 #pragma once
 
 #include <cstddef>
@@ -11,17 +12,17 @@ namespace zqv::macho {
 
 class VariadicPointers;
 
-// Null for every other symbol.
+// The replacement of a symbol; null for any other symbol.
 void* FindCoreFoundationSymbol(const std::string& name);
 
-// A path in form D, as the library must give it, in form C, as this system's files are named.
-// macOS's file systems find a name in either.
+// Converts a path from form D, which the library must use on macOS, to form C, which the file names
+// of this system have. macOS's file systems accept both forms.
 std::string ComposedPath(const std::string& path);
 
-// Objects that were made and not given back.
+// The number of objects that were created and not released.
 std::size_t LiveCoreFoundationObjects();
 
-// NSLog: `format` is a constant string of the library's with %s and %@.
+// Replaces NSLog: `format` is a constant string of the library, with %s and %@.
 void WriteLog(const void* format, VariadicPointers arguments);
 
 }  // namespace zqv::macho

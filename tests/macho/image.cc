@@ -22,10 +22,10 @@ constexpr std::uint32_t kSymbolTable = 0x2;
 constexpr std::uint32_t kSegment = 0x19;
 constexpr std::uint32_t kBindingInformation = 0x80000022;
 
-// Sections of this kind are functions to be called first.
+// The type of sections that have pointers to initialisers.
 constexpr std::uint32_t kInitialisers = 0x9;
 
-// Records as they lie in the file.
+// Structures of the Mach-O format.
 struct Header {
   std::uint32_t magic, processor, variant, type, commands, commands_size, flags, reserved;
 };
@@ -61,14 +61,15 @@ std::vector<unsigned char> ReadFile(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-// The bytes of rebasing and binding: an operation with a small value, and numbers of any length.
+// The opcodes for rebasing and binding: each has a small immediate value, and may be followed by
+// numbers of variable length.
 class Operations {
  public:
   Operations(const unsigned char* at, std::size_t length) : at_(at), end_(at + length) {}
 
   bool IsAtEnd() const { return at_ == end_; }
 
-  // The next operation; the value that comes with it is kept.
+  // Reads the next opcode, and stores its immediate value.
   unsigned Next() {
     const unsigned byte = *at_++;
     value_ = byte & 0x0F;
@@ -189,7 +190,7 @@ char* Image::AddressIn(std::size_t segment, std::uint64_t offset) const {
   return base_ + segments_.at(segment).address + offset;
 }
 
-// Adds the library's address to each pointer into itself.
+// Adds the address of the loaded library to each pointer into the library itself.
 void Image::Rebase(std::size_t offset, std::size_t length) const {
   Operations operations(file_.data() + offset, length);
   char* at = nullptr;
@@ -204,7 +205,7 @@ void Image::Rebase(std::size_t offset, std::size_t length) const {
     const unsigned operation = operations.Next();
     const unsigned value = operations.value();
     if (operation == 0x00) return;
-    if (operation == 0x10) continue;  // pointers are the one kind
+    if (operation == 0x10) continue;  // only one type of pointer is used
     if (operation == 0x20) {
       at = AddressIn(value, operations.Number());
     } else if (operation == 0x30) {
@@ -226,7 +227,7 @@ void Image::Rebase(std::size_t offset, std::size_t length) const {
   }
 }
 
-// Writes the addresses of symbols; of lazy ones, too, which have no end in their midst.
+// Writes the addresses of symbols. Opcodes of lazy symbols contain end marks, which are skipped.
 void Image::Bind(std::size_t offset, std::size_t length, bool is_lazy,
                  const Resolve& resolve) const {
   Operations operations(file_.data() + offset, length);
@@ -247,7 +248,8 @@ void Image::Bind(std::size_t offset, std::size_t length, bool is_lazy,
     if (operation == 0x40) {
       name = operations.Text();
     } else if (operation == 0x20) {
-      operations.Number();  // which library: names are enough here
+      operations
+          .Number();  // the number of the library, which is not needed because names are unique
     } else if (operation == 0x60) {
       addend = operations.SignedNumber();
     } else if (operation == 0x70) {
@@ -271,7 +273,7 @@ void Image::Bind(std::size_t offset, std::size_t length, bool is_lazy,
 
 void Image::Protect() const {
   for (const Part& segment : segments_) {
-    // The numbers are those of this system, too: 1 to read, 2 to write, 4 to run.
+    // Linux has the same numbers: 1 read, 2 write, 4 execute.
     if (mprotect(base_ + segment.address, segment.size, segment.protection) != 0)
       throw std::runtime_error(path_ + ": a segment cannot be protected");
   }

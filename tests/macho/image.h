@@ -1,5 +1,5 @@
-// A Mach-O dynamic library in the memory of this process: mapped, bound to functions of this system
-// and initialised, without a change to the file. What is known of the format is what macOS's linker
+// Loads a Mach-O dynamic library into this process: maps it, binds it to functions of this system
+// and runs its initialisers. The file is not changed. Supported is the format that macOS's linker
 // writes by default: 64 bits, one processor, compressed binding information.
 #pragma once
 
@@ -12,7 +12,7 @@
 
 namespace zqv::macho {
 
-// Where exception handling finds a library's tables; lengths of 0 where there are none.
+// The addresses of a library's tables for exception handling. A table that is missing has length 0.
 struct UnwindTables {
   const void* header = nullptr;
   const void* frames = nullptr;
@@ -23,23 +23,24 @@ struct UnwindTables {
 
 class Image {
  public:
-  // What a symbol that another library defines is bound to; never null. The name is the object
-  // file's, which has an underscore before that of the source.
+  // Returns the address for a symbol that another library defines; never null. The name is that of
+  // the object file, with an underscore before the name of the source.
   using Resolve = std::function<void*(const std::string& name)>;
 
-  // Loads the file. Throws std::runtime_error for what is not understood.
-  // Symbols that the process may define in the library's place are bound by `resolve_weak`, which
-  // gives null for those that it does not.
+  // Loads the file. Throws std::runtime_error when it has something that is not supported.
+  // `resolve_weak` binds symbols that the process may replace, and returns null for those that it
+  // does not.
   Image(const std::string& path, const Resolve& resolve, const Resolve& resolve_weak);
-  // Nothing may call the library any more.
+  // The library must not be called any more.
   ~Image();
   Image(const Image&) = delete;
   Image& operator=(const Image&) = delete;
 
-  // Runs the library's initialisers: once, and when exceptions in them can find its tables.
+  // Runs the library's initialisers. Call it once, after exception handling was told about the
+  // library.
   void Initialise() const;
 
-  // The address of a symbol that the library exports; null when it does not.
+  // The address of an exported symbol; null when there is none of this name.
   void* Find(std::string_view name) const;
 
   bool Contains(const void* address) const;
@@ -50,7 +51,7 @@ class Image {
     std::uint64_t address, size, file_offset, file_size;
     int protection;
   };
-  // Addresses are offsets from the library's own.
+  // A range of the library. Addresses are relative to its start.
   struct Stretch {
     std::uint64_t address = 0, size = 0;
   };
@@ -69,7 +70,7 @@ class Image {
   std::size_t size_ = 0;  // in memory
   std::vector<Part> segments_;
   Stretch initialisers_, frames_, compact_;
-  std::uint32_t binding_[10] = {};  // offset and length: rebase, bind, weak, lazy, export
+  std::uint32_t binding_[10] = {};  // pairs of offset and length: rebase, bind, weak, lazy, export
   std::uint32_t symbols_ = 0, symbol_count_ = 0, strings_ = 0;
   UnwindTables unwind_tables_;
 };

@@ -1,5 +1,5 @@
-// The tests of tests/interface with a library for macOS in the place of this system's. Which, and
-// with which C++ library, is compiled in.
+// Runs the tests of tests/interface with a library for macOS instead of this system's. Its path,
+// and that of the C++ library, are compiled in.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ class NoObjectsLeft : public ::testing::Environment {
   void TearDown() override { EXPECT_EQ(LiveCoreFoundationObjects(), 0U); }
 };
 
-// In the place of this system's file the one for macOS is opened, whatever the tests ask for.
+// Opens the library for macOS, whatever path the tests give.
 abi::REALproc OpenPlugin(const std::string&) {
   static const Plugin kPlugin;
   return kPlugin.entry();

@@ -14,8 +14,9 @@ namespace {
 using Thrower = void* (*)();
 Thrower g_throw = nullptr;
 
-// Stands before each block that these operators made: one of another operator is not freed by them,
-// and no other operator can free theirs, whose address is none of its own.
+// Precedes each block that these operators allocate. A block of another operator is recognised by
+// its missing mark; and another operator cannot free these blocks, because it does not know their
+// addresses.
 struct Mark {
   std::uint64_t value;
   std::uint64_t filler;
@@ -52,8 +53,9 @@ void DeleteArray(void* memory) {
   if (memory != nullptr) ::operator delete[](MarkOf(memory));
 }
 
-// The throwing function is jumped to and not called, so that exception handling finds the caller
-// of operator new, whose tables it knows, where this function's frame would have been.
+// The throwing function is the last call, so that the compiler replaces it by a jump. Exception
+// handling then finds the caller of operator new, for which it has tables, instead of this
+// function.
 [[gnu::optimize("O2", "no-stack-protector")]] void* New(std::size_t size) {
   void* const memory = NewOrNull(size, nullptr);
   if (memory != nullptr) return memory;
@@ -65,7 +67,7 @@ void DeleteArray(void* memory) {
   return g_throw();
 }
 
-// Those of a size free as the plain ones do, and pay no heed to it.
+// The operators with a size free blocks like the others and ignore the size.
 const Symbol kRows[] = {
     {"__Znwm", At(&New)},
     {"__Znam", At(&NewArray)},

@@ -1,16 +1,17 @@
-// This program's operators new and delete in the place of those of macOS's C++ library: as a
-// process has them that replaces them, and as the tests of failing allocations want them.
+// Replaces the operators new and delete of macOS's C++ library by this program's, as a process is
+// allowed to. The tests of failing allocations need this.
 #pragma once
 
 #include <string>
 
 namespace zqv::macho {
 
-// The operator of a symbol's name; null for any other.
+// The replacement of a symbol; null for any other symbol.
 void* FindOperator(const std::string& name);
 
-// What throws std::bad_alloc in that C++ library: an exception of this system's cannot pass through
-// functions of a library for macOS. To be told before anything is allocated.
+// Sets the function that throws std::bad_alloc. It is in macOS's C++ library, because an exception
+// of this system's cannot pass through functions of a library for macOS. Call it before anything is
+// allocated.
 void ThrowBadAllocBy(void* function);
 
 }  // namespace zqv::macho

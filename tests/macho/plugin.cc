@@ -11,7 +11,7 @@
 namespace zqv::macho {
 namespace {
 
-// What nobody calls: parts of the C++ library that the plug-in does not use.
+// Bound to functions that the plug-in does not use: parts of the C++ library call them.
 [[noreturn]] void FailToCall() {
   std::fputs("a function is called that this system lacks\n", stderr);
   std::abort();

@@ -1,5 +1,4 @@
-// The library for macOS that is compiled into these tests, with the C++ library that is compiled in
-// beside it.
+// The library for macOS whose path is compiled in, and the C++ library that it needs.
 #pragma once
 
 #include "abi/records.h"
@@ -7,8 +6,8 @@
 
 namespace zqv::macho {
 
-// Loads the library's file and runs its initialisers. At the end what it has registered runs, and
-// the library is gone; the C++ library, which all share, stays.
+// Loads the library's file and runs its initialisers. The destructor runs the functions that the
+// library registered for its end, and unloads it. The C++ library is shared, and stays loaded.
 class Plugin {
  public:
   Plugin();
@@ -16,7 +15,7 @@ class Plugin {
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
 
-  // The one function that it exports.
+  // The exported function.
   abi::REALproc entry() const;
 
  private:

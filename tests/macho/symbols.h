@@ -1,4 +1,4 @@
-// Tables of what stands for the symbols of macOS's libraries.
+// Tables of replacements for symbols of macOS's libraries.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 namespace zqv::macho {
 
 struct Symbol {
-  const char* name;  // as the file for macOS has it, with its underscore
+  const char* name;  // as in the file for macOS, with an underscore first
   void* address;
 };
 
@@ -16,7 +16,7 @@ void* At(Function* function) {
   return reinterpret_cast<void*>(function);
 }
 
-// The address beside that name; null when the table does not have it.
+// The address for a name; null when the table does not have it.
 template <std::size_t kCount>
 void* FindSymbol(const Symbol (&symbols)[kCount], const std::string& name) {
   for (const Symbol& symbol : symbols) {

@@ -28,7 +28,7 @@ namespace {
 
 std::vector<const Image*> g_images;
 
-// What is to run before the library is gone that has the address `owner`.
+// A function that runs when the library with the address `owner` is unloaded.
 struct Ending {
   void (*function)(void*);
   void* argument;
@@ -41,7 +41,7 @@ int RunAtEnd(void (*function)(void*), void* argument, const void* owner) {
   return 0;
 }
 
-// What the unwinder asks for an address: the tables of the library that has it.
+// The result of a query by the unwinder: the tables of the library that contains an address.
 struct UnwindSections {
   const void* header;
   const void* frames;
@@ -61,7 +61,7 @@ int FindUnwindSections(void* address, UnwindSections* sections) {
   return 0;
 }
 
-// The kinds of characters of the C locale, in macOS's layout and bits.
+// The character classes of the C locale, with macOS's layout and bits.
 struct RuneLocale {
   char magic[8];
   char encoding[32];
@@ -115,7 +115,7 @@ void FillWithPattern16(void* bytes, const void* pattern, std::size_t length) {
   }
 }
 
-// Flags have other numbers there. The third argument is never given here.
+// macOS has other numbers for the flags. The library never gives the third argument.
 int Open(const char* path, int flags) {
   constexpr int kNonBlocking = 0x4;
   constexpr int kCloseOnExec = 0x1000000;
@@ -127,8 +127,8 @@ int Open(const char* path, int flags) {
   return open(ComposedPath(path).c_str(), own);
 }
 
-// The stack of the calling thread, which is the only one that is asked about: its upper end, and
-// its size.
+// The stack of the calling thread: its lowest address and its size. The library asks about no other
+// thread.
 struct Stack {
   void* lowest = nullptr;
   std::size_t size = 0;
@@ -147,7 +147,7 @@ void* StackAddress(pthread_t) {
 }
 std::size_t StackSize(pthread_t) { return OwnStack().size; }
 
-// Locks: the tests call the library on one thread at a time.
+// Locks do nothing, because the tests call the library in one thread at a time.
 int Succeed() { return 0; }
 void* GiveNothing() { return nullptr; }
 int CallOnce(std::uint64_t* control, void (*function)()) {
@@ -172,7 +172,7 @@ int SetSpecific(std::uint64_t key, const void* value) {
   return pthread_setspecific(static_cast<pthread_key_t>(key), value);
 }
 
-// Functions that take a locale besides: it is the C locale's.
+// Functions with an argument for a locale; only the C locale is supported.
 int KindOfRune(int c, unsigned long kinds) {
   return c >= 0 && c < 256 ? static_cast<int>(g_rune_locale.kinds[c] & kinds) : 0;
 }
@@ -254,7 +254,8 @@ const Symbol kRows[] = {
     {"___cxa_atexit", At(&RunAtEnd)},
     {"__dyld_find_unwind_sections", At(&FindUnwindSections)},
     {"__dyld_register_func_for_remove_image", At(&Succeed)},
-    {"dyld_stub_binder", At(&std::abort)},  // everything is bound at once
+    {"dyld_stub_binder",
+     At(&std::abort)},  // never called, because everything is bound when the library is loaded
 };
 
 }  // namespace

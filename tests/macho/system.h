@@ -1,5 +1,5 @@
-// The functions of macOS's system library that the loaded libraries call, in terms of this
-// system's. Most are the same under the same name; the rest stands here.
+// Functions of macOS's system library that the loaded libraries call. Most exist on this system
+// under the same name; this file replaces the others.
 #pragma once
 
 #include <string>
@@ -8,14 +8,14 @@ namespace zqv::macho {
 
 class Image;
 
-// The function or variable of a symbol's name, or null when neither this folder nor this system
-// has it.
+// The function or variable for a symbol; null when there is neither a replacement nor one of this
+// system.
 void* FindSystemSymbol(const std::string& name);
 
-// From now on exceptions find their way through the image, which must stay until it is removed.
+// Lets exception handling find the tables of the image, until RemoveImage is called.
 void AddImage(const Image& image);
 
-// Runs what the image has asked to be run at its end, the last first, and forgets the image.
+// Runs the functions that the image registered for its end, the last one first, and removes it.
 void RemoveImage(const Image& image);
 
 }  // namespace zqv::macho

@@ -1,4 +1,4 @@
-// The library is loaded, used and unloaded again and again: nothing of the process is used up.
+// The library is loaded, used and unloaded many times, without leaking resources of the process.
 #include <gtest/gtest.h>
 #include <pthread.h>
 
@@ -27,7 +27,7 @@ abi::REALproc Open(const std::string&) {
   return g_plugin->entry();
 }
 
-// Giving back the message's children takes a slot for threads.
+// Releasing the children of the message makes the library take a slot for threads.
 void LoadUseAndUnload() {
   {
     const auto host = standin::Host::Start({});
@@ -38,7 +38,7 @@ void LoadUseAndUnload() {
   g_plugin = nullptr;
 }
 
-// Takes slots for threads, as many as there are or fewer, until it goes.
+// Takes at most `most` slots for threads. The destructor gives them back.
 class TakenSlots {
  public:
   explicit TakenSlots(std::size_t most = SIZE_MAX) {
@@ -69,7 +69,7 @@ TEST_F(Unloading, GivesBackSlotsForThreads) {
   EXPECT_EQ(FreeSlots(), kLeft);
 }
 
-// More often than a process has slots, here or on macOS.
+// More times than a process has slots, on Linux or macOS.
 TEST_F(Unloading, MoreThanAThousandTimes) {
   standin::UseOpener(&Open);
   LoadUseAndUnload();

@@ -13,7 +13,7 @@ namespace {
 
 #if defined(__aarch64__)
 
-// This system's list of arguments, with all of them on the stack from `stack` on.
+// A va_list of this system whose arguments are all on the stack, from `stack` on.
 class List {
  public:
   explicit List(void* stack) {
@@ -32,7 +32,7 @@ class List {
 
 }  // namespace
 
-// Called by what stands below, with the address of the stack as the last argument.
+// Called by the assembler code below, which adds the address of the stack as the last argument.
 extern "C" {
 int ZqvSnprintf(char* text, std::size_t size, const char* format, void* stack) {
   return std::vsnprintf(text, size, format, List(stack).get());
@@ -65,7 +65,7 @@ void ZqvPassFprintf();
 void ZqvPassNSLog();
 }
 
-// The named arguments stay in their registers; the stack's address goes into the next one.
+// The named arguments stay in their registers. The next register gets the address of the stack.
 #define ZQV_PASS(name, next) \
   __asm__(".text\n.global ZqvPass" #name "\nZqvPass" #name ": mov " #next ", sp\n b Zqv" #name "\n")
 ZQV_PASS(Snprintf, x3);
@@ -84,7 +84,7 @@ int FormatText(char* text, std::size_t size, const char* format, void* list) {
 int FormatToFile(std::FILE* file, const char* format, void* list) {
   return std::vfprintf(file, format, List(list).get());
 }
-// Numbers of the largest kind are no larger than doubles there.
+// On Apple silicon a long double is a double.
 double ToLargest(const char* text, char** end, void*) { return std::strtod(text, end); }
 
 const Symbol kRows[] = {

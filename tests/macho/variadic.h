@@ -1,6 +1,6 @@
-// Functions with any number of arguments. On Intel macOS and this system pass those alike. On Apple
-// silicon they all lie on the stack, and a list of them is its address; here the first ones travel
-// in registers.
+// Functions with a variable number of arguments. Intel macOS and this system pass these arguments
+// in the same way. Apple silicon passes all of them on the stack, and a va_list is their address;
+// on this system for arm64 the first ones are in registers.
 #pragma once
 
 #include <cstdarg>
@@ -8,10 +8,10 @@
 
 namespace zqv::macho {
 
-// Null for every other function.
+// The replacement of a symbol; null for any other symbol.
 void* FindVariadicFunction(const std::string& name);
 
-// Reads pointers one after the other, as macOS has passed them.
+// Reads pointers from the variable arguments, as the library passed them.
 class VariadicPointers {
  public:
 #if defined(__aarch64__)

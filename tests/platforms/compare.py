@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""Whether a library for Windows, run by Wine, gives for each message what the one for Linux gives.
+"""Checks that a library for Windows, run in Wine, gives the same for each message as that for
+Linux.
 
   compare.py [--full NAME] BUILD-LINUX BUILD-WINDOWS-TESTS WINDOWS-LIBRARY FOLDER...
   compare.py --self-test BUILD-LINUX FOLDER...
 
-Each message of the folders is made into an object by every constructor, on a present host and on an
-old one, with the log on. What it gives as JSON, what was raised and what was logged must be the same
-(tests/platforms/describe_messages.cc). With --full, what differs of that message is shown.
+Each message in the folders is parsed by every constructor, in a recent and in an old host, with the
+log on. The JSON of the message, the exception and the log must be equal on both systems
+(tests/platforms/describe_messages.cc). --full prints all of these for one message.
 """
 
 import argparse
@@ -15,13 +16,13 @@ import sys
 import tempfile
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
-import wine  # noqa: E402: beside this file
+import wine  # noqa: E402: in this folder
 
 PROGRAM = "tests/bin/describe_messages"
 HOSTS = ("2024.1", "2012.01")
-# Whole hours: Wine knows few zones of others.
+# Offsets of whole hours, because Wine knows few zones with others.
 ZONE = "<+02>-2"
-# Messages in charsets that the stand-in host converts on Linux alone.
+# Messages in charsets that the stand-in host converts on Linux only.
 WITHOUT_TABLES = set()
 
 
@@ -31,7 +32,8 @@ def messages(folder):
 
 
 def describe(command, paths, host, folder, names, scratch, full):
-    """The lines that describe each message; `paths` writes a path as the program takes it."""
+    """The lines that describe each message. `paths` converts a path to the form that the program
+    expects."""
     listing, output = scratch / "list", scratch / "output"
     listing.write_text("".join(f"{name}\n" for name in names), encoding="utf-8")
     arguments = [host, paths(folder), paths(listing), paths(output)] + ([full] if full else [])
@@ -48,7 +50,7 @@ def differences(ours, theirs):
 
 
 def compare(linux, windows, folders, full):
-    """How many descriptions there were, and a text for each that differs."""
+    """The number of descriptions, and a text for each that differs."""
     found, count = [], 0
     with tempfile.TemporaryDirectory() as name:
         for folder in folders:
@@ -74,7 +76,8 @@ def on_windows(build, library):
 
 
 def self_test(build, folders):
-    """Libraries that differ in one letter of a log line, of an exception's text, of a charset."""
+    """Copies of a library with one letter changed: in a log line, in an exception's text, in a
+    charset."""
     library = (build / "MimeEmailZQV.so").read_bytes()
     failures = []
     for old, new in ((b"parts count", b"partz count"), (b"parse empty text", b"parse empty texT"),

@@ -1,9 +1,10 @@
-// Says what the library gives for messages, so that files for different systems can be compared:
+// Describes what the library makes of messages, so that files for different systems can be
+// compared:
 //   describe_messages LIBRARY HOST-VERSION FOLDER LIST OUTPUT [NAME]
-// LIST names a message of the whole path FOLDER a line. OUTPUT gets three lines for each, one for
-// each way in which an application hands it over: name, way, what was raised, and hashes of the
-// JSON in UTF-8, of the JSON with the texts' own bytes, and of the log. For the message NAME it
-// gets all that is hashed.
+// LIST has one message a line, named without the path FOLDER. OUTPUT gets three lines for each
+// message, one for each constructor: name, constructor, exception, and hashes of the JSON in UTF-8,
+// of the JSON with the strings' own bytes, and of the log. For the message NAME, OUTPUT gets the
+// hashed texts themselves.
 #include <cstdio>
 #include <exception>
 #include <fstream>
@@ -48,8 +49,8 @@ bool StartsWith(std::string_view text, std::string_view start) {
   return text.substr(0, start.size()) == start;
 }
 
-// What stands for the end of a line of the log that differs from system to system and from run to
-// run: an address is "somewhere", none "nowhere".
+// Replaces the end of a log line, which differs between systems and between runs. An address
+// becomes "somewhere", a null pointer "nowhere".
 const char* StandsFor(std::string_view end) {
   if (StartsWith(end, "file:") || end.find('/') != std::string_view::npos) return "PATH";
   const bool is_null = end == "(nil)" || end.find_first_not_of("0x") == std::string_view::npos;

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Runs a GoogleTest program for Windows by Wine.
+"""Runs a GoogleTest program for Windows in Wine.
 
   run_tests.py BUILD PROGRAM ZONE FILTER
   run_tests.py --self-test
 
-Says how many tests ran, and which of them were skipped. Fails when a test failed, when the filter
-fits none, and when they take too long.
+Prints how many tests ran, and which were skipped. Fails when a test failed, when the filter matches
+no test, and when the time runs out.
 """
 
 import pathlib
@@ -13,14 +13,15 @@ import re
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
-import wine  # noqa: E402: beside this file
+import wine  # noqa: E402: in this folder
 
 SECONDS = 1200
 
 
 def count_tests(text):
-    """How many tests ran, and the names of those that were skipped. Each runs in a process of its
-    own, which says so for itself; the last to speak is the process that started all of them."""
+    """The number of tests that ran, and the names of those that were skipped. Each test runs in a
+    process that prints its own summary; the last summary is from the process that started all of
+    them."""
     ran = re.findall(r"^\[==========\] (\d+) tests? from \d+ test suites? ran", text, re.MULTILINE)
     skipped = re.findall(r"^\[  SKIPPED \] 1 test, listed below:\n\[  SKIPPED \] (\S+)", text,
                          re.MULTILINE)
@@ -28,7 +29,7 @@ def count_tests(text):
 
 
 def verdict(code, text):
-    """The program's exit code, or another where nothing ran; and a line that tells what ran."""
+    """The program's exit code, or another one when no test ran; and a line with the numbers."""
     ran, skipped = count_tests(text)
     names = f" ({', '.join(skipped)})" if skipped else ""
     line = f"Under Wine: {ran} tests ran, {len(skipped)} of them skipped{names}"

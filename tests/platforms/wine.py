@@ -8,11 +8,11 @@ import subprocess
 import tempfile
 import time
 
-TOO_LATE = 124  # exit code of what was ended
+TOO_LATE = 124  # the exit code for a program that took too long
 
 
 def environment(prefix=None, **more):
-    """The environment of a program; Wine's folder is kept once `server` has named it."""
+    """The environment of a program. Wine's folder is in it once `server` was called."""
     values = dict(os.environ, WINEDEBUG="-all", LC_ALL="C.UTF-8", **more)
     if prefix is not None:
         values["WINEPREFIX"] = str(prefix)
@@ -20,9 +20,9 @@ def environment(prefix=None, **more):
 
 
 def run(command, variables, seconds):
-    """Runs a program; gives its exit code and what it wrote. One that takes longer is ended, with an
-    exit code of its own. Not through a pipe: what Wine starts besides keeps it open after the program
-    has ended."""
+    """Runs a program. Returns its exit code and output. A program that takes longer is ended, and
+    its exit code is TOO_LATE. The output goes to a file: Wine starts other processes, which would
+    keep a pipe open after the program ended."""
     with tempfile.TemporaryFile() as output:
         late = ""
         try:
@@ -36,12 +36,12 @@ def run(command, variables, seconds):
 
 
 def path(place):
-    """A whole path of this system as programs for Windows write it."""
+    """An absolute path of this system as programs for Windows write it."""
     return "Z:" + str(pathlib.Path(place).resolve())
 
 
 def find_server(prefix):
-    """The id of the server that runs for this folder, or nothing."""
+    """The process id of the server for this folder, or nothing."""
     for process in pathlib.Path("/proc").iterdir():
         try:
             name = (process / "comm").read_text()
@@ -55,7 +55,8 @@ def find_server(prefix):
 
 @contextlib.contextmanager
 def server(prefix):
-    """Makes the folder if need be and keeps its server running, which makes each start fast."""
+    """Creates the folder if it does not exist, and keeps its server running, so that programs start
+    fast."""
     prefix = pathlib.Path(prefix).resolve()
     os.environ["WINEPREFIX"] = str(prefix)
     if not (prefix / "system.reg").exists():
@@ -71,13 +72,13 @@ def server(prefix):
 
 
 def remove_left_files(prefix):
-    """Processes that end in the midst of a test, or are ended, leave their temporary folders."""
+    """Deletes temporary folders of processes that ended during a test."""
     for folder in prefix.glob("drive_c/users/*/Temp/zqv-*"):
         shutil.rmtree(folder, ignore_errors=True)
 
 
 def wait_for_end(prefix):
-    """The first server ends of itself once all that it has is written."""
+    """Waits for the first server, which ends by itself when it has written all its data."""
     for _ in range(300):
         if find_server(prefix) is None:
             return

@@ -1,4 +1,4 @@
-"""A browser without a window, for tests that look at pages."""
+"""A browser without a window, for tests of pages."""
 
 import base64
 import os
@@ -20,7 +20,7 @@ MISSING = [name for name, found in (("chromium", BROWSER), ("chromium-driver", D
 
 
 def start(width=1280, height=900):
-    """One that keeps what pages say on its console."""
+    """Starts a browser that records the messages of pages on its console."""
     options = webdriver.ChromeOptions()
     options.binary_location = BROWSER
     for argument in ("--headless=new", "--disable-gpu", "--disable-dev-shm-usage",
@@ -34,7 +34,7 @@ def start(width=1280, height=900):
 
 
 def wait_for_console(driver, seconds=20):
-    """What a page says on its console, which may take a while; empty when it says nothing."""
+    """The messages on the console, for which this waits; empty when there are none."""
     deadline = time.monotonic() + seconds
     while True:
         said = driver.get_log("browser")
@@ -44,8 +44,8 @@ def wait_for_console(driver, seconds=20):
 
 
 class Window:
-    """For a test case with a browser: what it does with `self.browser`, and pictures of the page in
-    the folder `self.shots`, if it is not None."""
+    """Helpers for a test case with a browser, `self.browser`. Screenshots go to the folder
+    `self.shots`, if it is not None."""
 
     browser = None
     shots = None
@@ -79,7 +79,7 @@ PDF_READER = shutil.which("pdftotext")  # from Debian's package poppler-utils
 
 
 def text_of_pdf(data):
-    """The words of a PDF, with single blanks between them."""
+    """The words of a PDF, separated by single blanks."""
     run = subprocess.run([PDF_READER, "-", "-"], input=data, stdout=subprocess.PIPE, check=True,
                          timeout=60)
     return " ".join(run.stdout.decode("utf-8").split())

@@ -1,9 +1,9 @@
-"""The frame of a check of the project that can show that it sees what it looks for.
+"""The main function of a check of the project, with a self-test that proves that the check works.
 
   check.py FOLDER        prints every fault of the project in FOLDER; fails when there is one
-  check.py --self-test   plants each fault in a scratch project and demands that it is found
+  check.py --self-test   plants each fault in a scratch project and requires that it is found
 
-A check is a function from the project's folder to its faults, one text each.
+A check is a function from the project's folder to its faults, one text a fault.
 """
 
 import pathlib
@@ -12,10 +12,10 @@ import tempfile
 
 
 def self_test(check, good, planted):
-    """How many of the planted faults were not seen as expected.
+    """The number of planted faults that were not reported as expected.
 
     `good` is a project without faults: {path: text}. Each of `planted` is a change of it, with None
-    for a file that goes, and what one fault must then say; no text means that there must be none.
+    for a deleted file, and the text that one fault must contain; an empty text means no fault.
     """
     failures = 0
     for changes, expected in planted:
@@ -33,9 +33,9 @@ def self_test(check, good, planted):
 
 
 def report_copies(found, clean):
-    """The self-test of a check of built files. `found` has the faults seen in each copy of a file in
-    which one was planted, by words that one of them must have; `clean` those of the file itself.
-    Prints what was not seen, and gives the exit code."""
+    """The self-test of a check of built files. `found` has the faults reported for copies with a
+    planted fault, by words of which one of them must have; `clean` has those for the file itself.
+    Prints what was not reported, and returns the exit code."""
     missed = [expected for expected, faults in found.items()
               if not any(expected in fault for fault in faults)]
     print("\n".join([f"not seen: {expected}" for expected in missed] + clean) or "all was seen")
@@ -43,14 +43,14 @@ def report_copies(found, clean):
 
 
 def report(faults):
-    """Prints the faults; gives the exit code."""
+    """Prints the faults and returns the exit code."""
     for fault in faults:
         print(fault)
     return 1 if faults else 0
 
 
 def main(check, good, planted):
-    """A whole check; gives the exit code."""
+    """Runs a check or its self-test and returns the exit code."""
     if sys.argv[1] == "--self-test":
         return 1 if self_test(check, good, planted) else 0
     return report(check(pathlib.Path(sys.argv[1])))

@@ -154,7 +154,7 @@ TEST(FileNames, ExtendedParameterOfAnUnknownCharsetIsTakenWhole) {
 TEST(FileNames, ExtendedParameterOfFewerThanFiveBytesIsTakenWhole) {
   EXPECT_EQ(NameOfExtended("0''a"), Ascii("0''a"));
   EXPECT_EQ(NameOfExtended("0''ab"), Shown(abi::kIsoLatin1, "ab"))
-      << "five bytes, with the charset " 0 "";
+      << "five bytes, in the charset named 0";
 }
 
 TEST(FileNames, ExtendedParameterWithALanguageIsTakenWhole) {
