@@ -51,7 +51,7 @@ class Package(unittest.TestCase):
         other = {**FILES, "IDE Resources/Help/index.html": b"another page"}
         self.assertNotEqual(first, self.make("third", other).read_bytes())
 
-    def test_wants_names_and_files(self):
+    def test_refuses_missing_names_and_files(self):
         for arguments in ([], ["out.zip"], ["out.zip", "a file without a name"]):
             run = subprocess.run([sys.executable, "-B", SCRIPT, *arguments], cwd=self.folder,
                                  capture_output=True, text=True, check=False)

@@ -105,7 +105,7 @@ class NoMessageTest(program.TestCase):
 
 
 class SeveralFilesTest(program.TestCase):
-    def test_the_good_ones_are_shown(self):
+    def test_valid_messages_are_shown(self):
         good = self.write("good.eml", "Subject: first\n\nx\n")
         other = self.write("other.eml", "Subject: second\n\nx\n")
         bad = self.write("bad.eml", b"")
@@ -115,7 +115,7 @@ class SeveralFilesTest(program.TestCase):
                              f"zqv: {bad}: {EMPTY}\nzqv: gone.eml: {NOT_OPENED}\n")
         self.assertEqual(result.code, 1)
 
-    def test_a_missing_field_keeps_no_other_file_back(self):
+    def test_a_missing_field_does_not_stop_other_files(self):
         good = self.write("good.eml", "X-Kind: a\nSubject: first\n\nx\n")
         bad = self.write("bad.eml", "Subject: second\n\nx\n")
         self.expect(zqv("headers", "--name", "X-Kind", bad, good), 1,
@@ -165,7 +165,7 @@ class LibraryTest(program.TestCase):
         ctypes.CDLL(*libraries)
         self.check(*libraries, "REALPluginMain")
 
-    def test_is_looked_for_beside_the_program(self):
+    def test_is_searched_next_to_the_program(self):
         copy = self.copy_program()
         self.expect(zqv("show", SAMPLES / "plain.eml", program=copy), 0, None)
         (self.folder / "MimeEmailZQV.so").unlink()

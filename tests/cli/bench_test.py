@@ -9,7 +9,7 @@ from program import SAMPLES, zqv
 
 
 class BenchTest(program.TestCase):
-    def test_what_was_measured(self):
+    def test_prints_what_it_measured(self):
         sizes = [path.stat().st_size for path in SAMPLES.glob("*.eml")]
         out = self.expect(zqv("bench", "--rounds", "3", *sorted(SAMPLES.glob("*.eml")))).out
         self.assertRegex(out, rf"\A{len(sizes)} messages, {sum(sizes):,} bytes, 3 rounds\n"
@@ -17,7 +17,7 @@ class BenchTest(program.TestCase):
                               r"median +\d+\.\d MB/s +\d+ messages/s\n"
                               r"fastest +\d+\.\d MB/s +\d+ messages/s\n\Z")
 
-    def test_the_slowest_is_the_slowest(self):
+    def test_speeds_are_in_order(self):
         out = self.expect(zqv("bench", "--rounds", "9", "--json", SAMPLES / "nested.eml")).out
         bench = json.loads(out)["bench"]
         speeds = [bench[key]["megabytes_a_second"] for key in ("slowest", "median", "fastest")]
@@ -27,7 +27,7 @@ class BenchTest(program.TestCase):
             ratio = bench[key]["megabytes_a_second"] * 1e6 / bench[key]["messages_a_second"]
             self.assertAlmostEqual(ratio, (SAMPLES / "nested.eml").stat().st_size, 3)
 
-    def test_what_cannot_be_parsed_is_left_out(self):
+    def test_messages_that_cannot_be_parsed_are_left_out(self):
         bad = self.write("bad.eml", b"\xFFx")
         result = self.expect(zqv("bench", bad, SAMPLES / "plain.eml"), 1, None, None)
         self.assertRegex(result.out, r"\A1 message, ")

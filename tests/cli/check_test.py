@@ -197,23 +197,23 @@ class CheckCase(program.TestCase):
         return [finding[0] for finding in self.findings(message)]
 
 
-class OddityTest(CheckCase):
-    def test_each_is_found(self):
-        for name, (code, odd, _, place) in CASES.items():
+class FindingTest(CheckCase):
+    def test_each_is_reported(self):
+        for name, (code, message, _, place) in CASES.items():
             with self.subTest(name):
-                self.assertEqual(self.findings(odd), [(code, *place)])
+                self.assertEqual(self.findings(message), [(code, *place)])
 
-    def test_clean_twins_are_not(self):
-        for name, (_, _, twin, _) in CASES.items():
+    def test_corrected_messages_have_none(self):
+        for name, (_, _, corrected, _) in CASES.items():
             with self.subTest(name):
-                self.assertEqual(self.findings(twin), [])
+                self.assertEqual(self.findings(corrected), [])
 
     def test_line_ends_do_not_matter(self):
-        for name, (code, odd, _, place) in CASES.items():
+        for name, (code, message, _, place) in CASES.items():
             if code == "lone-cr":
                 continue
             with self.subTest(name):
-                text = odd if isinstance(odd, bytes) else odd.encode()
+                text = message if isinstance(message, bytes) else message.encode()
                 self.assertEqual(self.findings(text.replace(b"\n", b"\r\n")), [(code, *place)])
 
     def test_last_line_without_end(self):
@@ -228,13 +228,13 @@ class OddityTest(CheckCase):
             ("unknown-transfer-encoding", "1", 10,
              'unknown transfer encoding "x-uuencode": the part is not decoded')])
         for known in ("BASE64", "Quoted-Printable", "7bit", "8bit", "binary"):
-            twin = UNKNOWN_ENCODING.replace("x-uuencode", known).replace("\nx\n", "\neA==\n")
-            self.assertEqual(self.findings(MIXED + f"--cut\n{twin}--cut--\n"), [], known)
+            part = UNKNOWN_ENCODING.replace("x-uuencode", known).replace("\nx\n", "\neA==\n")
+            self.assertEqual(self.findings(MIXED + f"--cut\n{part}--cut--\n"), [], known)
         # For a multipart the transfer encoding does not matter.
         self.assertEqual(self.findings(MIXED.replace(
             "\n\n", "\nContent-Transfer-Encoding: x-none\n\n") + f"--cut\n{LETTER}--cut--\n"), [])
 
-    def test_what_is_behind_an_open_multipart_is_lost(self):
+    def test_parts_after_an_unclosed_multipart_are_lost(self):
         inner = f"--cut\nContent-Type: multipart/mixed; boundary=in\n\n--in\n{LETTER}"
         behind = f"--cut\n{LETTER}--cut\n{LETTER}--cut--\n"
         self.assertEqual(self.findings(MIXED + inner + behind), [
@@ -289,7 +289,7 @@ class OddityTest(CheckCase):
                 self.assertEqual(len(tree["parts"]), 1 + parts)
                 self.assertEqual(self.codes(message), [code, "zero-byte-in-field"])
 
-    def test_attached_message_behind_no_blank_line(self):
+    def test_attached_message_without_a_blank_line_before_it(self):
         self.assertEqual([finding[:3] for finding in self.findings(
             MIXED + "--cut\nContent-Type: message/rfc822\nno field\nA: b\n\nx\n--cut--\n")],
             [("no-blank-line", "1", 10)])
@@ -316,7 +316,7 @@ class OddityTest(CheckCase):
             MIXED + f"--cut\nContent-Type: message/rfc822\n\n{odd}--cut--\n")],
             [("bad-date", "1.1", 13), ("repeated-field", "1.1", 16)])
 
-    def test_empty_parts_are_listed_nowhere(self):
+    def test_empty_parts_give_no_finding(self):
         self.assertEqual(self.findings(MIXED + "--cut\nContent-Type: text/plain\n\n--cut--\n"), [])
 
     def test_dates(self):
@@ -442,14 +442,14 @@ class LackingTest(CheckCase):
         self.check(odd, ("message-piece", "0", 6, "the message is a piece of one: only with the "
                                                   "others it can be read"))
 
-    def test_base64_behind_its_padding(self):
+    def test_base64_after_its_padding(self):
         self.check(DATA + "eA==eA==\n", (
             "bad-base64", "0", 7,
             "the part's base64 goes on after its padding: some readers stop there"))
 
 
 class OutputTest(CheckCase):
-    def test_nothing_odd(self):
+    def test_no_findings(self):
         self.expect(zqv("check", SAMPLES / "plain.eml"), 0, CLEAN)
 
     def test_lines(self):
@@ -472,7 +472,7 @@ class OutputTest(CheckCase):
                     f"==> {odd} <==\nmessage  line 7  {line}\n\n"
                     f"==> {odd} <==\nmessage  line 7  {line}\n")
 
-    def test_one_that_cannot_be_read_is_not_good(self):
+    def test_an_unreadable_message_is_an_error(self):
         gone = self.folder / "gone.eml"
         self.expect(zqv("check", SAMPLES / "plain.eml", gone), 1, "",
                     f"zqv: {gone}: IOException: Failed to open file for reading.\n")
@@ -481,7 +481,7 @@ class OutputTest(CheckCase):
         code, found = self.documents(SAMPLES / "plain.eml", SAMPLES / "mac-roman.eml")
         self.assertEqual((code, [len(findings) for findings in found]), (1, [0, 1]))
 
-    def test_what_is_quoted_is_safe(self):
+    def test_quoted_text_is_escaped(self):
         for text in ("\x1B[2Jx", "\u202Ex", "x" * 10_000, "\0x", "é\x07"):
             letter = self.write("a.eml", HEAD + text + "\n\nx\n")
             lines = self.expect(zqv("check", letter), 1).out.splitlines()

@@ -90,7 +90,7 @@ class DiskFullTest(program.TestCase):
                    "./filler 63000\n",
                    r"\Azqv: .*/large\.eml: \./page\.html: No space left on device\n\Z")
 
-    def test_what_is_replaced_stays_when_the_new_one_does_not_fit(self):
+    def test_the_old_file_stays_when_the_new_one_does_not_fit(self):
         self.check('echo old > large.bin; "$0" extract "$1" --dir . --force >/dev/null',
                    "./large.bin 4\n./small.bin 1000\n",
                    r"\Azqv: \./large\.bin: No space left on device\n\Z")

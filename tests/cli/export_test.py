@@ -42,7 +42,7 @@ class ExportCase(program.TestCase):
 
 
 class FormTest(ExportCase):
-    def test_json_is_what_the_verb_json_prints(self):
+    def test_json_equals_the_output_of_the_verb_json(self):
         summary, _ = self.export("-r", SAMPLES)
         self.assertEqual(summary, f"exported {len(SAMPLE_NAMES)} messages")
         for name in SAMPLE_NAMES:
@@ -75,7 +75,7 @@ class FormTest(ExportCase):
             self.assertEqual((out / "attachments.eml.files" / file.name).read_bytes(),
                              file.read_bytes())
 
-    def test_what_a_message_has_not_gets_no_file(self):
+    def test_absent_texts_get_no_file(self):
         summary, _ = self.export("--form", "html,attachments", SAMPLES / "plain.eml")
         self.assertEqual((summary, self.files()), ("exported 1 message", []))
 
@@ -99,7 +99,7 @@ class PlaceTest(ExportCase):
         self.export("-", stdin=b"Subject: a\n\nx\n")
         self.assertEqual(self.files(), ["stdin.json"])
 
-    def test_inputs_of_one_name_are_told_apart(self):
+    def test_inputs_of_equal_names_get_different_files(self):
         for folder in ("one", "two"):
             self.fill(1, folder)
         self.export("one/00000.eml", "two/00000.eml")
@@ -110,7 +110,7 @@ class PlaceTest(ExportCase):
         self.export("-r", "mail/../mail/.")
         self.assertEqual(self.files(), ["mail/00000.eml.json"])
 
-    def test_a_link_in_the_way_is_not_followed(self):
+    def test_a_link_at_the_output_path_is_not_followed(self):
         self.fill(1)
         (self.folder / "elsewhere").mkdir()
         (self.folder / "out").mkdir()
@@ -122,7 +122,7 @@ class PlaceTest(ExportCase):
 
 
 class AgainTest(ExportCase):
-    def test_what_is_there_is_refused(self):
+    def test_existing_output_is_refused(self):
         self.fill(2)
         self.export("-r", "mail")
         summary, errors = self.export("-r", "mail", code=1)
@@ -130,7 +130,7 @@ class AgainTest(ExportCase):
         self.assertEqual(errors[0], "zqv: mail/00000.eml: out/mail/00000.eml.json is there already; "
                                     "--skip-existing or --force")
 
-    def test_what_is_there_is_left_out(self):
+    def test_existing_output_is_skipped_on_request(self):
         self.fill(3)
         self.export("-r", "mail")
         kept = self.folder / "out/mail/00000.eml.json"
@@ -140,7 +140,7 @@ class AgainTest(ExportCase):
         self.assertEqual(summary, "exported 1 message, 2 were there already")
         self.assertEqual(kept.read_text(), "kept")
 
-    def test_what_a_message_has_not_is_not_missing(self):
+    def test_absent_texts_do_not_count_as_missing(self):
         forms = ["--form", "json,html,attachments"]
         self.export(SAMPLES / "plain.eml", *forms)
         summary, _ = self.export(SAMPLES / "plain.eml", *forms, "--skip-existing")
@@ -153,7 +153,7 @@ class AgainTest(ExportCase):
         self.assertEqual(summary, "exported 1 message")
         self.assertEqual(self.files(), ["mail/00000.eml.json", "mail/00000.eml.txt"])
 
-    def test_replaced_when_told(self):
+    def test_replaced_on_request(self):
         self.export("--form", "json,attachments", SAMPLES / "attachments.eml")
         first = self.files()
         for name in first:
@@ -164,7 +164,7 @@ class AgainTest(ExportCase):
         for name in first:
             self.assertNotEqual((self.folder / "out" / name).read_bytes(), b"old", name)
 
-    def test_a_folder_that_a_killed_run_left_is_no_obstacle(self):
+    def test_an_unfinished_folder_of_a_killed_run_is_replaced(self):
         left = self.folder / "out/.attachments.eml.files.unfinished"
         left.mkdir(parents=True)
         (left / "half.pdf").write_text("half")
@@ -344,7 +344,7 @@ class ProgressTest(ExportCase):
         self.assertEqual(run.returncode, 0)
         return text.decode()
 
-    def test_a_line_that_is_wiped_away(self):
+    def test_the_line_is_erased_at_the_end(self):
         os.mkfifo(self.folder / "pipe")
         self.fill(1)
         pid = os.fork()
@@ -357,7 +357,7 @@ class ProgressTest(ExportCase):
         self.assertRegex(text, r"\A\r\x1B\[K2 messages, 100 %\r\x1B\[K"
                                r"zqv: exported 2 messages, in .*\r\n\Z")
 
-    def test_nothing_of_it_elsewhere(self):
+    def test_no_progress_without_a_terminal(self):
         self.fill(2)
         _, lines = self.export("-r", "mail")
         self.assertEqual(lines, [])

@@ -92,7 +92,7 @@ class DataTest(ExtractTest):
 
 
 class HostileNamesTest(ExtractTest):
-    def test_ways_out(self):
+    def test_names_that_lead_out_of_the_folder(self):
         names = {
             "../../x": "x",
             "/etc/passwd": "passwd",
@@ -107,7 +107,7 @@ class HostileNamesTest(ExtractTest):
         self.check_names(message(*names),
                          ["x", "passwd", "attachment", "attachment (2)", "b", "y", "z", "e", "f"])
 
-    def test_absolute_name_within_reach(self):
+    def test_absolute_name_of_a_file_in_the_folder(self):
         self.check_names(message(str(self.bystander)), ["bystander"])
 
     def test_devices(self):
@@ -185,7 +185,7 @@ class FolderTest(ExtractTest):
                     self.assertEqual(self.files(), set())
                     self.assertEqual(self.bystander.read_bytes(), b"untouched")
 
-    def test_link_to_a_folder_is_no_way_out(self):
+    def test_link_to_a_folder_is_not_followed_out(self):
         (self.target / "away").symlink_to(self.folder)
         self.expect(self.extract(message("away/a.txt")), 0, f"{self.target}/a.txt\n")
         self.assertEqual(self.files(), {"a.txt", "away"})
@@ -195,7 +195,7 @@ class FolderTest(ExtractTest):
         self.check_names(message("a.txt"), ["a.txt"], "--force")
         self.assertEqual((self.target / "a.txt").read_bytes(), b"data")
 
-    def test_what_is_no_file_stays(self):
+    def test_only_files_are_replaced(self):
         (self.target / "a.txt").mkdir()
         os.mkfifo(self.target / "b.txt")
         for name in ("a.txt", "b.txt"):
@@ -245,7 +245,7 @@ class PartTest(program.TestCase):
         result = self.expect(zqv("extract", SAMPLES / "nested.eml", "--stdout", "2.1.2"))
         self.assertEqual(len(result.out_bytes), 34)
 
-    def test_a_part_that_holds_others_has_no_bytes(self):
+    def test_a_multipart_has_no_bytes(self):
         self.expect(zqv("extract", SAMPLES / "attachments.eml", "--stdout", "1"), 0, "")
 
     def test_attached_message(self):

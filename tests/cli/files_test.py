@@ -104,7 +104,7 @@ class TransferTest(FilesCase):
                 b"Content-Type: message/rfc822; name=a.eml\n\nSubject: x\n\nx" + end),
                 {"a.eml": b"Subject: x\n\nx" + end})
 
-    def test_export_says_so_too(self):
+    def test_export_reports_it_too(self):
         path = self.write("a.eml", multipart(file_part(transfer=b"x-secret", body=b"raw")))
         for jobs in ("1", "2"):
             result = zqv("export", path, "--to", self.folder / jobs, "--form", "attachments",
@@ -128,7 +128,7 @@ class MessagesTest(FilesCase):
                 base64.encodebytes(inner))
         self.assertEqual(self.extract(multipart(part)), {"x.eml": inner, "a.bin": DATA})
 
-    def test_behind_an_envelope_line(self):
+    def test_after_an_envelope_line(self):
         inner = (b"From a@b.c Tue May 10 11:28:07 2005\nContent-Type: multipart/mixed; "
                  b"boundary=i\n\n--i\n" + file_part() + b"--i--\n")
         part = b"Content-Type: message/rfc822; name=m.eml\n\n" + inner
@@ -149,14 +149,14 @@ class MessagesTest(FilesCase):
         self.assertEqual(files["message.eml"], layers[-2])
         self.assertEqual(files["message (9).eml"], layers[-10])
 
-    def test_files_behind_a_multipart_that_is_not_closed(self):
+    def test_files_after_an_unclosed_multipart(self):
         data = (b"Content-Type: multipart/mixed; boundary=o\n\n--o\n"
                 b"Content-Type: multipart/related; boundary=i\n\n--i\n\ntext\n--o\n" + file_part() +
                 b"--o--\n")
         self.assertEqual(self.extract(data), {"a.bin": DATA})
 
 
-    def test_files_behind_a_header_without_end(self):
+    def test_files_after_a_header_without_end(self):
         """A boundary line ends a header too (RFC 2046, section 5.1.2)."""
         file = file_part(b"attachment; filename=b.bin")
         letter = b"Content-Type: text/plain\n"
@@ -176,7 +176,7 @@ class MessagesTest(FilesCase):
                     wanted = {name: data.replace(b"\n", end) for name, data in expected.items()}
                     self.assertEqual(files, {**wanted, "b.bin": DATA, "c.bin": DATA})
 
-    def test_parts_behind_a_header_without_end_have_its_number(self):
+    def test_parts_after_a_header_without_end_have_its_number(self):
         data = (b"Content-Type: multipart/mixed; boundary=b\n\n--b\n"
                 b"Content-Type: message/rfc822; name=a.eml\n\nSubject: cut short\n--b\n" +
                 file_part(b"attachment; filename=b.bin") + b"\n--b\n" +
@@ -294,7 +294,7 @@ class FrameTest(FilesCase):
     def test_empty_parts_without_a_name(self):
         self.assertEqual(self.extract(multipart(b"Content-Type: image/png\n\n")), {})
 
-    def test_files_without_a_byte_are_said_and_not_written(self):
+    def test_empty_files_are_reported_and_not_written(self):
         """Most files without bytes are pictures that were removed from the message."""
         data = multipart(file_part(body=b""), file_part(body=b"\n\n"))
         self.assertEqual([row[3] for row in self.list(data)], ["a.bin", "a.bin"])
@@ -319,7 +319,7 @@ class FrameTest(FilesCase):
         message = json.loads(zqv("json", "-", stdin=self.SIGNED).out)["message"]
         self.assertEqual(len(message["attachments"]), 3)
 
-    def test_multipart_that_nothing_divides(self):
+    def test_multipart_without_boundary_lines(self):
         data = b"Content-Type: multipart/mixed; boundary=b\n\nall that there is\n"
         self.assertEqual(
             self.extract(data, code=1, err="zqv: {}: part 0, attachment: no boundary divides the "

@@ -26,7 +26,7 @@ class HostsTest(program.TestCase):
         self.assertIn(f"url path: file://{PLAIN}\n", old.err)
         self.assertIn(f"native path: {PLAIN}\n", new.err)
 
-    def test_relative_names_and_odd_characters_on_both_kinds(self):
+    def test_relative_names_and_unusual_characters_in_both_kinds_of_host(self):
         self.write("ä b%20#?.eml", "Subject: x\n\nx\n")
         for version in ("2012.1", "2024.1"):
             with self.subTest(version):
@@ -40,7 +40,7 @@ class HostsTest(program.TestCase):
         self.expect(zqv("headers", "--name", "Subject", "-", *without, stdin=PLAIN.read_bytes()),
                     0, "Subject: Keys\n")
 
-    def test_host_without_arrays_shows_what_is_left(self):
+    def test_host_without_arrays_shows_everything_else(self):
         result = self.expect(zqv("show", SAMPLES / "attachments.eml", "--without",
                                  "RuntimeArrayCreateSingleDimBoundedArray"))
         self.assertRegex(result.out, "(?m)^Subject: +Quarterly figures and the chart$")

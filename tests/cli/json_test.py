@@ -172,7 +172,7 @@ class FilesTest(program.TestCase):
         self.assertEqual(base64.b64decode(message["source"]["base64"]), source)
         self.assertEqual(message["subject"], "Quarterly figures and the chart")
 
-    def test_text_is_what_the_classes_give(self):
+    def test_text_is_the_classes_value(self):
         self.assertEqual(self.read("--attachments", "text"), self.read())
 
     def test_one_document_a_line(self):
@@ -200,7 +200,7 @@ class VerbsTest(program.TestCase):
     def read(self, *arguments, code=0):
         return json.loads(self.expect(zqv(*arguments, "--json"), code).out)
 
-    def test_what_is_absent_is_null(self):
+    def test_absent_values_are_null(self):
         self.assertEqual(self.read("tree", SAMPLES / "nested.eml")["parts"][:2], [
             {"number": "0", "mime_type": "multipart/mixed", "bytes": None, "filename": None},
             {"number": "1", "mime_type": "multipart/related", "bytes": None, "filename": None}])

@@ -34,7 +34,7 @@ class OutputTest(program.TestCase):
             self.assertNotIn(str(target).encode(), file.read_bytes())
         self.assertTrue((target / "logo.gif").read_bytes().startswith(b"GIF89a"))
 
-    def test_closed_error_output_loses_words_only(self):
+    def test_closed_error_output_loses_messages_only(self):
         self.expect(self.shell('"$0" headers --name Subject gone.eml "$1" 2>&-', PLAIN), 1,
                     f"==> {PLAIN} <==\nSubject: Keys\n")
 
@@ -62,7 +62,7 @@ class OutputTest(program.TestCase):
         self.addCleanup(signal.signal, signal.SIGPIPE, before)
         self.check_closed_pipe(restore_signals=False)
 
-    def test_words_follow_the_data_before_them(self):
+    def test_messages_on_standard_error_follow_the_output(self):
         result = self.shell('"$0" headers --name X "$1" "$1" 2>&1', PLAIN)
         self.expect(result, 1,
                     f"==> {PLAIN} <==\nzqv: {PLAIN}: there is no field X\n"

@@ -304,7 +304,7 @@ class PaperTest(WindowCase):
         self.assertEqual(box, [True, "layout paint", "hidden"])
         self.assertIn("Over it", browser.text_of_pdf(self.printed()))
 
-    def test_nothing_is_asked_for(self):
+    def test_nothing_is_requested(self):
         at = self.server.address
         self.show(message(f"<style>@media print {{ p {{ background: url({at}/1) }} }}</style>"
                           f"<p style='background: \\75rl({at}/2)'>x</p><img src='{at}/3'>"

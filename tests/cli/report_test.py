@@ -337,7 +337,7 @@ class FileTest(ReportCase):
         self.assertIn("Keys", self.target.read_text())
         self.assertEqual(self.names(), ["page.html"])
 
-    def test_what_is_no_file_is_never_replaced(self):
+    def test_only_regular_files_are_replaced(self):
         self.target.mkdir()
         for force in ([], ["--force"]):
             result = self.expect(self.report(*force), 1, "", None)
@@ -441,7 +441,7 @@ class BrowserTest(BrowserCase):
         self.assertEqual(self.script("return document.querySelectorAll('iframe').length"), 1)
         self.check_quiet(everywhere.replace("\u202E", "\\u{202E}"))
 
-    def test_what_is_clicked_does_nothing(self):
+    def test_clicks_do_nothing(self):
         self.open(self.page(message(self.armed(WAITING), subject="Waiting")))
         self.browser.switch_to.frame(self.browser.find_element(By.TAG_NAME, "iframe"))
         found = self.browser.find_elements(By.CSS_SELECTOR, "a, form, input, button, area, img")
@@ -453,7 +453,7 @@ class BrowserTest(BrowserCase):
         self.assertEqual(len(self.browser.window_handles), 1)
         self.check_quiet("Waiting")
 
-    def test_sandbox_and_policy_hold_alone(self):
+    def test_sandbox_and_policy_suffice_without_cleaning(self):
         # Puts the text into the frame without cleaning it, so that only sandbox and policy protect.
         # Two tricks are left out: for them the browser opens a connection before it applies the
         # policy.
@@ -463,7 +463,7 @@ class BrowserTest(BrowserCase):
         self.assertEqual(self.browser.title, "Alone")
         self.assertEqual(self.server.take(), 0)
 
-    def test_policy_holds_alone(self):
+    def test_policy_suffices_without_cleaning(self):
         # Does the same with the copy for printing. A policy does not prevent the page from
         # navigating elsewhere, so tricks that do are left out.
         others = ("connection", "frame", "refresh")

@@ -444,7 +444,7 @@ class HeadersTest(program.TestCase):
                 self.expect(zqv("headers", "--part", part, path), 1, "",
                             f"zqv: {path}: there is no part {part}\n")
 
-    def test_an_empty_value_leaves_no_blank(self):
+    def test_an_empty_value_leaves_no_trailing_blank(self):
         path = self.write("empty.eml", "Subject: x\nX-Empty:\nX-Last: y\n\nhello\n")
         self.expect(zqv("headers", path), out="Subject: x\nX-Empty:\nX-Last: y\n")
 

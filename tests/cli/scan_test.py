@@ -39,7 +39,7 @@ class RowsTest(program.TestCase):
         self.assertIn("2024-09-13T17:45:10+01:00", lines[1])
         self.assertEqual(lines[1].split()[-3:], [str(NESTED.stat().st_size), "2", "0"])
 
-    def test_what_is_missing_is_a_dash(self):
+    def test_missing_values_are_a_dash(self):
         path = self.write("a.eml", "X-Any: x\n\nhello\n")
         line = self.expect(zqv("scan", path)).out.splitlines()[1]
         self.assertEqual(line.split()[1:4], ["-", "-", "-"])
@@ -69,7 +69,7 @@ class RowsTest(program.TestCase):
         self.assertEqual(len(alone), 41)
         self.assertEqual(self.rows("-r", self.folder, "--jobs", "3"), alone)
 
-    def test_what_cannot_be_read_is_said(self):
+    def test_unreadable_messages_are_reported(self):
         path = self.write("a.eml", b"")
         for jobs in ("1", "2"):
             result = self.expect(zqv("scan", "--csv", path, NESTED, "--jobs", jobs), 1, None, None)

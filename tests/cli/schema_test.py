@@ -85,7 +85,7 @@ class SchemaTest(program.TestCase):
             with self.subTest(verb):
                 self.check(*verb, *samples, count=len(samples))
 
-    def test_odd_messages_and_poor_hosts(self):
+    def test_malformed_messages_and_incomplete_hosts(self):
         for i, data in enumerate(ODD):
             path = self.write(f"{i}.eml", data)
             for verb in ON_MESSAGES:
@@ -94,7 +94,7 @@ class SchemaTest(program.TestCase):
                     with self.subTest(verb=verb, data=data, host=host):
                         self.check(*verb, "--input", "message", path, *host, count=1)
 
-    def test_what_is_about_no_message(self):
+    def test_documents_about_no_message(self):
         for verb in OTHERS:
             with self.subTest(verb):
                 self.check(*verb, count=1)
@@ -110,7 +110,7 @@ class SchemaTest(program.TestCase):
         section = (SOURCE / "docs/zqv.md").read_text().split("## Check")[1].split("\n## ")[0]
         self.assertEqual(codes, re.findall(r"(?m)^\| `([a-z0-9-]+)` \|", section))
 
-    def test_sees_what_is_wrong(self):
+    def test_reports_what_is_wrong(self):
         good = self.check("show", "--json", SAMPLES / "attachments.eml", count=1)[0]
         for break_it in (lambda d: d.update(more=1),
                          lambda d: d.pop("file"),

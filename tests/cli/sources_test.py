@@ -81,14 +81,14 @@ class MailboxTest(SourceTest):
                    "Subject: two\n\nlast")
         self.expect(zqv("text", "a.mbox", "--message", "2", cwd=self.folder), out="last\n")
 
-    def test_messages_longer_than_what_is_read_at_once(self):
+    def test_messages_longer_than_the_read_buffer(self):
         body = "\n".join(f"{i:06} {'y' * 60}" for i in range(3000))
         self.write("a.mbox", from_line() + message("one", body) + "\n" + from_line() +
                    message("two", body[::-1]))
         self.expect(zqv("text", "a.mbox", "--message", "1", cwd=self.folder), out=body + "\n")
         self.expect(zqv("text", "a.mbox", "--message", "2", cwd=self.folder), out=body[::-1] + "\n")
 
-    def test_one_that_cannot_be_parsed_keeps_no_other_back(self):
+    def test_one_that_cannot_be_parsed_does_not_stop_others(self):
         self.write("a.mbox", from_line().encode() + b"\xC3x\n\n" + from_line().encode() +
                    message("two").encode())
         result = self.expect(zqv("headers", "a.mbox", cwd=self.folder), 1,
@@ -145,7 +145,7 @@ class FolderTest(SourceTest):
         self.assertEqual(self.subjects("-r", "mail")[4:6], ["mail/z.eml", "a.eml"])
         self.assertEqual(len(self.subjects("-r", "mail")), 10)
 
-    def test_pipes_and_sockets_in_folders_are_left_alone(self):
+    def test_pipes_and_sockets_in_folders_are_skipped(self):
         self.fill()
         os.mkfifo(self.folder / "mail" / "pipe")
         self.assertEqual(len(self.subjects("-r", "mail")), 8)
@@ -181,7 +181,7 @@ class MaildirTest(SourceTest):
         self.assertEqual(self.subjects("mail"),
                          ["mail/new/1", "mail new/1", "mail/cur/2:2,S", "mail cur/2:2,S"])
 
-    def test_folders_of_it_when_told(self):
+    def test_folders_of_a_maildir_on_request(self):
         self.fill()
         self.fill("mail/.Sent")
         self.assertEqual(len(self.subjects("mail")), 4)
@@ -272,7 +272,7 @@ class ContainersTest(program.TestCase):
                          [("a.zip/../../up/1.eml", "one"), ("a.zip/d/2.eml", "two"),
                           ("a.zip/d/3.mbox#1", "three")])
 
-    def test_names_in_archives_lead_nowhere(self):
+    def test_names_in_archives_are_not_used_as_paths(self):
         self.archive()
         result = zqv("export", "a.zip", "--to", "in/out", "--form", "text", cwd=self.folder)
         self.assertEqual(result.code, 0, result)
@@ -309,7 +309,7 @@ class ContainersTest(program.TestCase):
         self.assertEqual(zqv("json", "1.emlx", cwd=self.folder).out.count("xml version"), 0)
         self.expect(self.texts("1.emlx"), out="Subject: one\n")
 
-    def test_what_is_no_message(self):
+    def test_files_that_are_no_messages(self):
         folder = self.folder / "mail" folder.mkdir() rows = {b"\x7FELF\x02\x01": "a program",
         b"MZ\x90\0": "a program", b"#!/bin/sh\n": "a script",
                 b"\xD0\xCF\x11\xE0": "an OLE file, such as .msg, .doc or Thumbs.db", b"%PDF-1.7\n":

@@ -33,7 +33,7 @@ class TerminalTest(program.TestCase):
         super().setUp()
         self.path = self.write("hostile.eml", HOSTILE)
 
-    def test_no_verb_lets_a_control_character_through(self):
+    def test_no_verb_prints_a_control_character(self):
         for verb in ("show", "tree", "headers", "addresses", "list", "json", "check",
                      "show --json", "tree --json", "headers --json", "addresses --json",
                      "list --json", "check --json"):
@@ -89,7 +89,7 @@ class ColourTest(program.TestCase):
         self.assertNotIn("\x1B", self.headings(TERM="xterm", NO_COLOR="1"))
         self.assertNotIn("\x1B", self.headings("--color", "never", TERM="xterm"))
 
-    def test_an_empty_variable_says_nothing(self):
+    def test_an_empty_variable_is_ignored(self):
         self.assertIn("\x1B[1m", self.headings(TERM="xterm", NO_COLOR=""))
 
     def test_always(self):

@@ -41,7 +41,7 @@ class TextTest(program.TestCase):
         path = self.write("a.eml", message("text/plain; charset=iso-8859-1", body))
         self.assertEqual(zqv("text", "--raw", path).out_bytes, body)
 
-    def test_what_cannot_be_decoded_is_escaped(self):
+    def test_undecodable_bytes_are_escaped(self):
         path = self.write("a.eml", message("text/plain; charset=utf-8", b"caf\xE9 au lait"))
         self.expect(zqv("text", path), 0, "caf\\xE9 au lait\n")
 

@@ -76,7 +76,7 @@ class UsageTest(program.TestCase):
                 self.assertRegex(result.err, r"\Azqv: .+ \(zqv --help tells more\)\n\Z")
         self.assertEqual(list(self.folder.iterdir()), [])
 
-    def test_what_is_no_verb_is_named(self):
+    def test_unknown_verb_is_named(self):
         for arguments, reason in (([], "a verb is missing"),
                                   (["shew", PLAIN], "there is no verb shew"),
                                   (["--shew"], "there is no option --shew"),
@@ -113,7 +113,7 @@ class UsageTest(program.TestCase):
         self.assertEqual(version("CHANGELOG.md", r"\n## (\d+\.\d+\.\d+) "), project)
         self.assertEqual(version("docs/install.md", r" \./zqv_(\S+)_amd64\.deb"), project)
 
-    def test_common_options_stand_before_and_behind_the_verb(self):
+    def test_common_options_before_and_after_the_verb(self):
         expected = zqv("show", PLAIN).out
         version = ["--host-version", "2015.1"]
         self.expect(zqv(*version, "show", PLAIN), 0, expected)
@@ -131,7 +131,7 @@ class UsageTest(program.TestCase):
 
 
 class ExitCodeTest(program.TestCase):
-    def test_what_the_program_says_of_itself_on_a_full_disk(self):
+    def test_help_and_version_on_a_full_disk(self):
         for arguments in (["--version"], ["--help"], ["completion", "bash"]):
             with self.subTest(arguments), open("/dev/full", "wb") as full:
                 run = subprocess.run([program.ZQV, *arguments], stdout=full,

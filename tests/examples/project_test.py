@@ -10,12 +10,12 @@ APP = f"Class=App;App.xojo_code;{ID};{NO_PARENT};false"
 class ProjectTest(checkers.TestCase):
     def setUp(self):
         super().setUp()
-        self.room = self.copy_examples() / "ShowMail"
-        self.project = self.room / "ShowMail.xojo_project"
-        self.app = self.room / "App.xojo_code"
+        self.example = self.copy_examples() / "ShowMail"
+        self.project = self.example / "ShowMail.xojo_project"
+        self.app = self.example / "App.xojo_code"
 
     def check(self):
-        return checkers.run_script("check_project.py", self.room)
+        return checkers.run_script("check_project.py", self.example)
 
     def sees(self, text, file=None, line=None):
         """Requires that the run fails with this text for this file and line."""
@@ -46,12 +46,12 @@ class ProjectTest(checkers.TestCase):
     # Mistakes in the project file.
 
     def test_two_project_files(self):
-        (self.room / "Other.xojo_project").write_bytes(self.project.read_bytes())
-        self.sees("holds 2 project files", self.room)
+        (self.example / "Other.xojo_project").write_bytes(self.project.read_bytes())
+        self.sees("holds 2 project files", self.example)
 
     def test_no_project_file(self):
         self.project.unlink()
-        self.sees("holds 0 project files", self.room)
+        self.sees("holds 0 project files", self.example)
 
     def test_unknown_kind(self):
         self.plant(APP, APP.replace("Class=", "Klass="), "items of the kind Klass are not known")
@@ -65,7 +65,7 @@ class ProjectTest(checkers.TestCase):
     def test_malformed_identifiers(self):
         self.plant(ID, ID.lower(), "is no identifier")
 
-    def test_identifier_of_nobody(self):
+    def test_identifier_that_means_no_parent(self):
         self.plant(ID, NO_PARENT, "is no identifier")
 
     def test_repeated_identifier(self):
@@ -91,7 +91,7 @@ class ProjectTest(checkers.TestCase):
         self.sees("there is no folder Old", self.project, self.line_of(self.project, "Folder=Old"))
 
     def test_folder_as_parent_is_accepted(self):
-        (self.room / "Parts").mkdir()
+        (self.example / "Parts").mkdir()
         folder = f"Folder=Parts;Parts;&h00000000000000AA;{NO_PARENT};false"
         self.change(self.project, APP, folder + "\n" + APP.replace(NO_PARENT, "&h00000000000000AA"))
         self.assertEqual(self.check(), (0, "", ""))
@@ -128,17 +128,17 @@ class ProjectTest(checkers.TestCase):
 
     # Mistakes in the files of the project.
 
-    def test_stranger(self):
+    def test_file_that_is_not_in_the_project(self):
         path = self.write("examples/ShowMail/Notes.txt", "x\n")
         self.sees("the project does not name this file", path)
 
     def test_resources(self):
-        path = self.room / "ShowMail.xojo_resources"
+        path = self.example / "ShowMail.xojo_resources"
         path.write_bytes(path.read_bytes() + b"\0")
         self.sees("is not the 12 bytes", path)
 
     def test_missing_resources(self):
-        (self.room / "ShowMail.xojo_resources").unlink()
+        (self.example / "ShowMail.xojo_resources").unlink()
         self.sees("there is no resources file", self.project)
 
     def test_byte_order_mark(self):
@@ -233,7 +233,7 @@ class ProjectTest(checkers.TestCase):
         self.change(self.app, "\t\t  Return 0\n\t\tEnd Function\n", "\t\t  Return 0\n\t\tEnd Sub\n")
         self.sees("the body of this Event has no End Function", self.app)
 
-    def test_code_behind_the_end(self):
+    def test_code_after_the_end(self):
         self.change(self.app, "\t\t  Return 0\n\t\tEnd Function\n",
                     "\t\t  Return 0\n\t\tEnd Function\n\t\t  Return 1\n")
         self.sees("stands behind the end", self.app)
@@ -246,16 +246,16 @@ class ProjectTest(checkers.TestCase):
                 self.app.write_bytes(text)
 
     def test_flags_of_properties(self):
-        path = self.room / "AttachmentSaver.xojo_code"
+        path = self.example / "AttachmentSaver.xojo_code"
         self.plant("Private mFolder", "mFolder", "the flags &h21 say Private", path)
 
     def test_unknown_flags(self):
-        path = self.room / "AttachmentSaver.xojo_code"
+        path = self.example / "AttachmentSaver.xojo_code"
         self.change(path, "#tag Property, Flags = &h21", "#tag Property, Flags = &h7")
         self.sees("the flags '&h7' are not known", path)
 
     def test_indentation_of_properties_and_notes(self):
-        path = self.room / "AttachmentSaver.xojo_code"
+        path = self.example / "AttachmentSaver.xojo_code"
         self.plant("\t\tPrivate mFolder", "\tPrivate mFolder", "is not indented by two tabs", path)
 
     def test_lines_outside_of_members(self):
@@ -280,10 +280,10 @@ class ProjectTest(checkers.TestCase):
 
     def test_kind_of_the_file(self):
         self.change(self.project, "Module=FileNames", "Class=FileNames")
-        self.sees("instead of '#tag Class'", self.room / "FileNames.xojo_code", 1)
+        self.sees("instead of '#tag Class'", self.example / "FileNames.xojo_code", 1)
 
     def test_shared_files_are_checked(self):
-        path = self.room.parent / "Shared" / "SafeText.xojo_code"
+        path = self.example.parent / "Shared" / "SafeText.xojo_code"
         self.change(path, "\t#tag ViewBehavior\n\t#tag EndViewBehavior\n", "")
         code, out, _ = self.check()
         self.assertEqual(code, 1)
@@ -292,7 +292,7 @@ class ProjectTest(checkers.TestCase):
     # Mistakes in build steps.
 
     def steps(self):
-        return self.room / "Build Automation.xojo_code"
+        return self.example / "Build Automation.xojo_code"
 
     def test_frame_of_build_steps(self):
         self.change(self.steps(), "#tag BuildAutomation\n", "#tag Automation\n")

@@ -172,7 +172,7 @@ class PageTest(Case):
         self.assertEqual(self.shown(), everything)
         self.assertNotEqual(self.focused(), "query")
 
-    def test_link_to_what_the_search_hides(self):
+    def test_link_to_a_member_that_the_search_hides(self):
         everything = self.shown()
         self.query().send_keys("BodyDecoded")
         self.browser.find_element(By.CSS_SELECTOR, "#MimeEntityZQV .super a").click()
@@ -187,7 +187,7 @@ class PageTest(Case):
         self.assertGreater(count, 110)
         self.assertEqual(missed, [])
 
-    def test_links_that_do_not_arrive_are_seen(self):
+    def test_links_that_do_not_arrive_are_reported(self):
         self.script("document.querySelector('main a').href = '#gone'")
         self.assertEqual(self.browser.execute_async_script(FOLLOW)[1], ["#gone -1"])
 

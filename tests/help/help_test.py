@@ -203,7 +203,7 @@ class RefusalTest(Case):
         self.expect_refused("guide dates: unknown key words", old='title = "Dates"\n',
                             new='title = "Dates"\nwords = "x"\n')
 
-    def test_links_that_lead_nowhere(self):
+    def test_links_without_a_target(self):
         for gone, new in (("MimeEmailZQV.Subjekt", "`MimeEmailZQV.Subjekt`"),
                           ("MimeNobodyZQV", "`MimeNobodyZQV`"), ("nowhere", "[there](#nowhere)")):
             self.expect_refused(f"links to #{gone}, which is nowhere",
@@ -305,7 +305,7 @@ class OutputTest(Case):
             made.append(path.read_bytes())
         self.assertEqual(made[0], made[1])
 
-    def test_no_machine_in_it(self):
+    def test_contains_nothing_about_the_machine(self):
         text = self.made().decode("utf-8") + self.markdown()
         for word in (str(TOP), str(self.folder), str(pathlib.Path.home()) + "/"):
             self.assertNotIn(word, text)
