@@ -1,5 +1,5 @@
-"""The loads that bench/compare and bench/own_work measure: lists of messages, which are made when they
-are missing."""
+"""The loads that bench/compare and bench/own_work measure: lists of messages, which are made when
+they are missing."""
 
 import pathlib
 
@@ -7,12 +7,12 @@ import messages
 
 BUILD = pathlib.Path(__file__).resolve().parent.parent / "build" / "release"
 
-# What callgrind counts in seconds.
+# Small loads, for callgrind to count in seconds.
 QUICK = [name for name in messages.SHAPES if name not in ("base64-10m", "base64-100m")]
 
 
 def lists(shapes, mail=None):
-    """Names of loads and the paths of their lists; `mail` is a list that there is already."""
+    """The names of loads, and the paths of their lists. `mail` is an existing list."""
     folder = BUILD / "bench-messages"
     folder.mkdir(parents=True, exist_ok=True)
     if mail:

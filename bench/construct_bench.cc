@@ -1,9 +1,9 @@
-// What a message costs: the parse alone and the whole construction through the built library, each
-// beside the MIME library's own stream constructor on the same bytes in the same run. A thousand
-// recipients are constructed with and without being read as addresses, and as a list of their own
-// beside the MIME library's list.
+// The cost of a message: parsing only, and the construction through the built library. Both are
+// compared with mimetic's stream constructor on the same bytes in the same run. A thousand
+// recipients are constructed in a field that is parsed as addresses, in one that is not, and as a
+// list of their own, compared with mimetic's list.
 //
-// Run it whole and compare the rows of one message: the ratio is what counts, not the time.
+// Run the whole program and compare the rows of one message. The ratios matter, not the times.
 #include <benchmark/benchmark.h>
 #include <mimetic/mimeentity.h>
 #include <mimetic/rfc822/addresslist.h>
@@ -40,7 +40,7 @@ std::string AttachmentMessage() {
          "--frontier--\n";
 }
 
-// A thousand addresses in the forms that mail has, four to a line; the lines are joined by `fold`.
+// A thousand addresses in the usual forms, four a line. The lines are joined by `fold`.
 std::string Recipients(const std::string& fold) {
   std::string list;
   for (int line = 0; line < 250; ++line) {
@@ -52,7 +52,7 @@ std::string Recipients(const std::string& fold) {
   return list;
 }
 
-// Recipients in a field of the given name.
+// A message with the recipients in the field of this name.
 std::string RecipientsMessage(const std::string& field) {
   return field + ": " + Recipients("\n\t") + "\n" + PlainMessage();
 }

@@ -9,7 +9,7 @@
 namespace zqv::bench {
 namespace {
 
-// A refused message costs what it costs.
+// The cost of a refused message is measured too.
 void Construct(const standin::String& message) {
   try {
     static_cast<void>(
@@ -18,7 +18,7 @@ void Construct(const standin::String& message) {
   }
 }
 
-// The messages as the host holds them.
+// The messages as host strings.
 struct Hosted {
   Session session;
   std::vector<standin::String> messages;

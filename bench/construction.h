@@ -1,5 +1,4 @@
-// The job of constructing messages through the built library, as zqv-bench and own-work-bench
-// measure it.
+// The job of zqv-bench and own-work-bench: constructing messages through the built library.
 #pragma once
 
 #include <string>
@@ -9,8 +8,8 @@
 
 namespace zqv::bench {
 
-// Hands the messages to a host without a ledger; the job constructs one from a host string and lets
-// it go.
+// Gives the messages to a host without a ledger. The job constructs a message from a host string
+// and releases it.
 Job PrepareConstruction(std::vector<std::string> messages);
 
 }  // namespace zqv::bench

@@ -1,8 +1,8 @@
-// The job of zqv-bench done with GMime, a widely used parser in C: parse the message from memory,
-// ask for every header field of every part, the addresses, the subject and the date, decode every
-// body, texts into UTF-8, and make text from the HTML when there is no other.
+// The job of zqv-bench done with GMime, a widely used parser in C. It parses the message from
+// memory, gets every header field of every part, the addresses, the subject and the date, decodes
+// every body, converts texts to UTF-8, and makes text from HTML when there is no plain text.
 //
-// GMime makes no host objects and copies only what it is asked for, so it does less.
+// GMime makes no host objects and copies only what is requested, so it does less work.
 #include <gmime/gmime.h>
 
 #include <memory>
@@ -18,7 +18,7 @@
 namespace zqv::bench {
 namespace {
 
-// What was asked for is added up, so that no compiler leaves it out.
+// All results are added up here, so that the compiler cannot remove the work.
 volatile std::size_t sum = 0;
 
 void Use(const char* text) {
@@ -31,7 +31,7 @@ struct Unref {
 template <class Object>
 using Owned = std::unique_ptr<Object, Unref>;
 
-// The texts that decide whether one is made from the HTML.
+// The texts that decide whether plain text is made from HTML.
 struct Texts {
   bool has_plain = false;
   std::string html;
@@ -115,7 +115,7 @@ void ReadMessage(GMimeMessage* message, Texts* texts) {
   ReadObject(g_mime_message_get_mime_part(message), texts);
 }
 
-// With the converter of this library: it is the parsers that are compared.
+// Uses this library's converter for both, because the parsers are compared.
 void MakeText(const std::string& html) {
   if (base::IsAscii(html)) {
     sum = sum + text::HtmlToPlainText(std::string_view(html)).size();
@@ -126,7 +126,7 @@ void MakeText(const std::string& html) {
   sum = sum + text::HtmlToPlainText(std::u32string_view(wide)).size();
 }
 
-// The whole job on one message, which is read where it lies.
+// Does the whole job on one message, without copying it.
 void Read(std::string& message) {
   GByteArray bytes{};
   bytes.data = static_cast<guint8*>(static_cast<void*>(message.data()));

@@ -1,5 +1,5 @@
-"""Messages of given shapes for measuring: each is a function of its name alone, so that they are
-the same on every machine."""
+"""Generated messages of given shapes for measurements. Each depends on its name only, so it is the
+same on every machine."""
 
 import base64
 
@@ -17,7 +17,7 @@ ACCENTED = ["größe", "übersicht", "être", "señor", "façade", "naïve", "st
 
 
 class Random:
-    """Numbers that look random, the same for the same seed (xorshift64)."""
+    """Pseudo-random numbers, the same for an equal seed (xorshift64)."""
 
     def __init__(self, seed):
         self.state = 88172645463325252
@@ -39,10 +39,9 @@ class Random:
         return (words or WORDS)[self.below(len(words or WORDS))]
 
     def bytes(self, count):
-        """Bytes that do not compress: a block of a megabyte, again and again from other places."""
-        block = b"".join(self.next().to_bytes(8, "little") for _ in range(min(count, 1 << 20) // 8 + 1))
-        pieces, left, turn = [], count, 0
-        while left > 0:
+        """Incompressible bytes: a block of a megabyte, repeated from different offsets.""" block =
+        b"".join(self.next().to_bytes(8, "little") for _ in range(min(count, 1 << 20) // 8 + 1))
+        pieces, left, turn = [], count, 0 while left > 0:
             pieces.append(block[turn % 4093:][:left])
             left -= len(pieces[-1])
             turn += 1
@@ -64,7 +63,7 @@ def prose(random, size, width=72):
 
 
 def header(seed, *more, recipients=1):
-    """What a message from a list or a person carries; `more` are fields, too."""
+    """A header as in mail from a list or a person; `more` are additional fields."""
     random = Random("header" + seed)
     to = ",\r\n\t".join(f'"{random.word().title()} {random.word().title()} {i}" '
                          f"<user{i}@{random.word()}.example.net>" for i in range(recipients))
@@ -93,7 +92,7 @@ TEXT = ("Content-Type: text/plain; charset=utf-8", "Content-Transfer-Encoding: 7
 
 
 def multipart(seed, kind, parts):
-    """`parts` are pairs of a part's fields and its body."""
+    """A multipart. `parts` are pairs of header fields and body."""
     boundary = f"=_{seed}"
     pieces = [header(seed, f'Content-Type: multipart/{kind}; boundary="{boundary}"')]
     for fields, body in parts:
@@ -103,7 +102,7 @@ def multipart(seed, kind, parts):
 
 
 def quoted_printable(data):
-    """With soft line breaks at 76 characters."""
+    """Quoted-printable with soft line breaks at 76 characters."""
     lines = []
     for raw in data.split(CRLF):
         line, length = [], 0
@@ -129,7 +128,7 @@ def plain(seed, size):
 
 
 def newsletter(seed, size):
-    """A plain text and its HTML: a table of texts, links and pictures, with styles."""
+    """Plain text and its HTML: a table with texts, links, pictures and styles."""
     random = Random(seed)
     html = ["<!DOCTYPE html><html><head><title>Newsletter</title>\r\n<style type=\"text/css\">\r\n"]
     html += [f".c{i} {{ color: #{random.below(1 << 24):06x}; font: {10 + random.below(8)}px/1.4 "
@@ -143,7 +142,8 @@ def newsletter(seed, size):
                             f"{random.below(9999)}&amp;u={random.below(99)}\">{word}</a>",
                          1: f"<b>{word}</b>",
                          2: f"&eacute;&nbsp;{word} &amp; résumé"}.get(kind, word))
-        html.append(f"<tr><td class=\"c{random.below(40)}\" style=\"padding:4px\"><p>{' '.join(cell)}"
+        html.append(f"<tr><td class=\"c{random.below(40)}\" style=\"padding:4px\"><p>{'
+        '.join(cell)}"
                     f"</p><br><img src=\"https://img.example.com/{random.below(1 << 32):08x}.gif\" "
                     f"alt=\"{random.word()}\"></td></tr>\r\n")
     html.append("</table></body></html>\r\n")
@@ -165,7 +165,7 @@ def attachment(seed, encoded_size):
 
 
 def quoted_text(seed, size):
-    """European prose, a coded character in nine."""
+    """Text as in European languages: one of nine characters is encoded."""
     random = Random(seed)
     lines = []
     while sum(map(len, lines)) < 1 << 17:
@@ -220,5 +220,5 @@ SHAPES = {
 
 
 def make(name):
-    """The message of that shape."""
+    """The message of this shape."""
     return SHAPES[name](name)

@@ -1,7 +1,7 @@
-// zqv-bench for bench/own_work: under callgrind, started with --collect-atstart=no, only what runs
-// inside the plug-in is counted, that is its own code and what the C and C++ libraries do for it,
-// but not the host's entry points. The last line of output counts the plug-in's calls of operator
-// new.
+// zqv-bench for bench/own_work. Run it under callgrind with --collect-atstart=no. Counted are
+// instructions inside the plug-in, with the code of the C and C++ libraries that it calls, but
+// without the host's entry points. The last line of output is the number of the plug-in's calls of
+// operator new.
 #include <valgrind/callgrind.h>
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// What every benchmark program needs: the built library in a stand-in host, and texts to feed it.
+// Shared by the benchmark programs: the built library in a stand-in host, and texts as input.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -23,19 +23,19 @@ class Session {
   std::unique_ptr<standin::Host> host_;
 };
 
-// Starts a session, calls `register_all` and runs what it registered, as the command line asks.
-// Gives the program's exit code.
+// Starts a session, calls `register_all`, and runs the benchmarks that it registered, as the
+// command line requests. Returns the program's exit code.
 int Run(int argc, char** argv, void (*register_all)());
 
 using test::Repeat;
 
-// The header of an ordinary message, without Content-Type and the empty line behind it.
+// The header of an ordinary message, without Content-Type and without the empty line after it.
 std::string_view Header();
 
-// Has the speed shown in bytes of input, of which each iteration read so many.
+// Shows the speed in bytes of input, of which each iteration reads `bytes`.
 void CountBytes(benchmark::State& state, std::size_t bytes);
 
-// One registered row: constructing a message from `message`, and letting the object go.
+// A benchmark that constructs a message from `message` and releases the object.
 void WholeConstruction(benchmark::State& state, const std::string& message);
 
 }  // namespace zqv::bench

@@ -1,10 +1,10 @@
-// What texts cost, in bytes of input: HTML to plain text and encoded words through the built
-// library, and taking off the transfer encodings, alone and as part of a construction.
+// The cost of texts, by bytes of input: HTML to plain text and encoded words through the built
+// library, and decoding the transfer encodings, both alone and in a construction.
 //
-// The figures of the first two hold the stand-in host's conversions too. One text in two sizes
-// should show about the same speed: the cost must not grow faster than the text. What a transfer
-// encoding costs in a construction is the time that the row "as_8bit", with the same body, does
-// not need.
+// The figures of the first two include the stand-in host's conversions. A text in two sizes should
+// have about the same speed, because the cost must not grow faster than the text. The cost of a
+// transfer encoding in a construction is the difference from the row "as_8bit", which has the same
+// body.
 #include <benchmark/benchmark.h>
 
 #include <string>
@@ -48,7 +48,7 @@ void DecodeOnly(benchmark::State& state, const std::string& mechanism, const std
   CountBytes(state, body.size());
 }
 
-// A message that is one file.
+// A message whose body is one file.
 std::string FileMessage(const std::string& mechanism, const std::string& body) {
   return std::string(Header()) +
          "Content-Type: application/octet-stream\nContent-Disposition: attachment\n"

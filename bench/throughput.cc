@@ -15,10 +15,10 @@ namespace zqv::bench {
 namespace {
 
 struct Options {
-  std::string list;  // a file with the path of a message on each line
-  std::string name;  // what the first column says
+  std::string list;  // path of a file with the path of a message on each line
+  std::string name;  // text of the first column
   double seconds = 1;
-  int passes = 1;  // at least
+  int passes = 1;  // smallest number of passes
 };
 
 double ProcessorSeconds() {
@@ -27,7 +27,7 @@ double ProcessorSeconds() {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-// A figure of this process's memory in KB.
+// A value of /proc/self/status, in KB.
 long MemoryStatus(const std::string& key) {
   std::ifstream file("/proc/self/status");
   for (std::string line; std::getline(file, line);) {
@@ -36,7 +36,7 @@ long MemoryStatus(const std::string& key) {
   return 0;
 }
 
-// From here on the peak is counted anew.
+// Resets the peak of memory.
 void ForgetPeak() { std::ofstream("/proc/self/clear_refs") << "5"; }
 
 std::vector<std::string> ReadMessages(const std::string& list) {
@@ -53,12 +53,13 @@ std::vector<std::string> ReadMessages(const std::string& list) {
   return messages;
 }
 
-constexpr std::size_t kLookEvery = 100'000;  // bytes of message, at the clock
+constexpr std::size_t kLookEvery = 100'000;  // bytes of message between two looks at the clock
 
-// Freed memory stays with the process, as it does in an application whose heap is in use. Otherwise
-// the kernel would clear each large message's pages anew, and the time would be the kernel's.
+// Makes freed memory stay with the process, as in an application whose heap is in use. Otherwise
+// the kernel would clear the pages of each large message again, and that time would be measured
+// too.
 void KeepFreedMemory() {
-  constexpr int kLargestKept = 32 << 20;  // bytes; glibc allows no more
+  constexpr int kLargestKept = 32 << 20;  // bytes; glibc's maximum
   mallopt(M_MMAP_THRESHOLD, kLargestKept);
   mallopt(M_TRIM_THRESHOLD, 1 << 30);
 }
@@ -76,7 +77,7 @@ void Measure(const Options& options, std::size_t count, std::size_t bytes, const
   double seconds = 0;
   const double start = ProcessorSeconds();
   while (seconds < options.seconds || passes < options.passes) {
-    // The clock is a call of the kernel, as long as a tenth of a small message.
+    // Reading the clock takes a tenth of the time of a small message.
     const std::size_t more = options.seconds > 0 ? 1 + kLookEvery / bytes : 1;
     const double next_look = passes + static_cast<double>(more);
     for (; passes < next_look; ++passes) pass();

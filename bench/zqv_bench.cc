@@ -1,5 +1,5 @@
-// Throughput on messages of a list: each is constructed from a host string and let go, pass after
-// pass, through the built library in a stand-in host without a ledger.
+// Throughput on the messages of a list: each is constructed from a host string and released,
+// through the built library in a stand-in host without a ledger.
 #include "bench/construction.h"
 
 int main(int argc, char** argv) {

@@ -1,5 +1,5 @@
-// Random bytes as words of a small alphabet: a byte that would be noise becomes a header name, a
-// boundary line, a tag. So short inputs reach states that random bytes hardly ever spell.
+// Converts random bytes to words of a small alphabet: each byte becomes a header name, a boundary
+// line, a tag or similar. Short inputs thus reach states that random bytes rarely reach.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace zqv::fuzz {
 
-// The pieces that a target's inputs are spelt in; the memory must outlive this.
+// The words for a target's inputs. Their memory must outlive this object.
 class Alphabet {
  public:
   template <std::size_t kSize>
@@ -17,7 +17,7 @@ class Alphabet {
     static_assert(kSize <= 256, "a byte must be able to name every piece");
   }
 
-  // One piece for each byte, as long as they fit into `longest` bytes.
+  // Returns one word for each byte, as many words as fit into `longest` bytes.
   std::string Spell(std::string_view input, std::size_t longest) const;
 
  private:

@@ -1,12 +1,12 @@
-// Calls in any order: an input is a program for an application that makes objects of every class,
-// runs constructors on odd content, reads members, keeps and releases what it got, and turns the
-// switches, in a host whose entry points fail now and then. Nothing may crash, leak or let a C++
-// exception out; the stand-in host sees to the rest.
+// Calls in any order. An input is a program of an application that makes objects of every class,
+// calls constructors with valid and invalid arguments, reads members, keeps and releases objects,
+// and sets the switches. Entry points of the host fail at times. The library must not crash, leak
+// or throw a C++ exception; the stand-in host checks this.
 //
-// ZQV_FUZZ_HOST chooses the host: 0 or unset is a complete one, any other number makes up its
-// version, what it lacks and how its memory looks. The library keeps what it found in its host for
-// the life of the process, so a host is chosen once a process. A process for each input would hide
-// from libFuzzer which code an input reached.
+// ZQV_FUZZ_HOST selects the host: 0 or unset means a complete one; from any other number version,
+// missing entry points and memory layout are derived. The library caches what it finds in its host
+// for the life of the process, so a process has one host. Starting a process for each input would
+// hide from libFuzzer which code an input reaches.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -42,9 +42,9 @@ constexpr const char* kEntryPoints[] = {
 #include "abi/entry_points.def"
 };
 
-// Faults that the interface tests prove one at a time. Without classes there is nothing to call.
-// A host that cannot lock or take back keeps everything for ever. One without upper bounds has
-// lists written at wrong places, which the stand-in does not allow.
+// Entry points that never fail here; the interface tests let each of them fail. Without classes
+// nothing can be called. A host that cannot lock or unlock never frees anything. In a host without
+// upper bounds the library inserts out of bounds, for which the stand-in ends the process.
 constexpr std::string_view kNeverFaulty[] = {
     "PluginRegisterClass", "REALLockObject", "REALUnlockObject",       "REALLockString",
     "REALUnlockString",    "RuntimeUBound",  "PluginDisposeStringData"};
@@ -59,7 +59,7 @@ constexpr const char* kClasses[] = {"MimeEmailZQV",       "MimeEntityZQV",  "Mim
                                     "MimeFieldZQV",       "MimeAddressZQV", "MimeMailboxListZQV",
                                     "MimeAddressListZQV", "Date",           "MimeAttachmentZQV"};
 
-// The bytes of an input as numbers; zero without end behind the last.
+// Reads the bytes of an input as numbers. After the last byte all numbers are 0.
 class Numbers {
  public:
   explicit Numbers(std::string_view bytes) : bytes_(bytes) {}
@@ -73,7 +73,8 @@ class Numbers {
     return items[Below(kSize)];
   }
 
-  // Four bytes for each that the next one counts, as far as there are any.
+  // The next number, times four, is the length of the text, which may be cut by the end of the
+  // input.
   std::string_view Text() {
     const std::size_t wanted = Byte() * 4;
     const std::size_t length = std::min(bytes_.size(), wanted);
@@ -107,8 +108,8 @@ constexpr std::string_view kMessagePieces[] = {
     "Cc: \"Ada, B\" <a@b>\n", "x", "GIF89a", std::string_view("\0", 1)};
 // clang-format on
 
-// While one lives, nobody sees the log, unless ZQV_FUZZ_LOG is set. Nor what else is written to
-// standard error: a finding that an input makes meanwhile tells its reason only with the variable.
+// While an instance exists, standard error is discarded, with the debug log and with reports of
+// findings. Set ZQV_FUZZ_LOG to see both.
 class Silence {
  public:
   Silence() {
@@ -164,9 +165,9 @@ class Application {
           return SetFault();
       }
     } catch (const standin::HostException&) {
-      // The application's to handle; it goes on.
+      // The application handles a host exception and continues.
     } catch (const std::logic_error&) {
-      // What no application could ask: a member that a class has not, an object that does not fit.
+      // The program asked for something impossible, such as a member that the class does not have.
     }
   }
 
@@ -179,14 +180,14 @@ class Application {
     return object != nullptr ? *object : Object();
   }
 
-  // Text as it stands in the input, or a message or part of one spelt by it.
+  // A text from the input, or a message made of the pieces above.
   std::string Text() {
     const bool is_spelt = numbers_.Chance();
     const std::string_view text = numbers_.Text();
     return is_spelt ? Alphabet(kMessagePieces).Spell(text, 2'000) : std::string(text);
   }
 
-  // Something to hand to a constructor, fitting or not.
+  // A value of any type for a constructor's argument.
   Value Content() {
     static constexpr abi::Encoding kEncodings[] = {abi::kUtf8,     abi::kUnknownEncoding,
                                                    abi::kMacRoman, abi::kAscii,
@@ -216,7 +217,7 @@ class Application {
     return standin::Host::Get("calls_fuzz").classes().Find(object.ClassName());
   }
 
-  // On a new object, or once more on one that is in use.
+  // Calls a constructor on a new object or on one that was constructed before.
   void CallConstructor() {
     static constexpr const char* kConstructors[] = {
         "Constructor(Content as string)", "Constructor(Content as MemoryBlock)",
@@ -265,7 +266,7 @@ class Application {
     return standin::MakeString(numbers_.Of(kNames));
   }
 
-  // An application may add to an array that it was handed: it is the object's own.
+  // An application may append to an array that a getter returned, which is the object's own array.
   void Extend(const Value& value, const std::string& class_name) {
     if (!numbers_.Chance()) return;
     const Object array = standin::ObjectOf(value);
@@ -294,7 +295,7 @@ class Application {
     }
   }
 
-  // Has one of the next calls of an entry point do nothing, or throw.
+  // Makes some of the next calls of an entry point do nothing or throw.
   void SetFault() {
     static constexpr standin::Fault::Kind kKinds[] = {standin::Fault::Kind::kNothing,
                                                       standin::Fault::Kind::kThrows,
@@ -302,7 +303,7 @@ class Application {
     const char* const name = numbers_.Of(kEntryPoints);
     if (!MayFail(name)) return;
     standin::Host& host = standin::Host::Get("calls_fuzz");
-    // What a process never asked for stays missing.
+    // An entry point that is missing in this host stays missing.
     if (host.capabilities().faults.count(name) != 0) return;
     standin::Fault fault{numbers_.Of(kKinds)};
     fault.from_call = host.CallCount(name) + 1 + numbers_.Below(30);
@@ -312,10 +313,10 @@ class Application {
 
   Numbers numbers_;
   std::array<Value, 8> kept_;
-  std::optional<Silence> silence_;  // from the first use of a switch on
+  std::optional<Silence> silence_;  // from the first change of a switch on
 };
 
-// What host number `number` is.
+// The capabilities of the host with this number.
 standin::Capabilities MadeUpHost(std::uint32_t number) {
   static constexpr double kVersions[] = {2005.0,  2009.1, 2012.5, 2013.035, 2013.041,
                                          2019.11, 2020.1, 2021.0, 2024.1,   2024.1};
@@ -343,8 +344,9 @@ void RunProgram(std::string_view input) {
   }
 }
 
-// Has the library ask for what it needs and test the array layout once, so that no input depends
-// on those before it.
+// Starts the session and reads one element, so that the library fills its caches and runs the
+// self-test of the array layout. Otherwise the result of an input would depend on the inputs before
+// it.
 void Start() {
   const char* const number = std::getenv("ZQV_FUZZ_HOST");
   const unsigned long chosen = number != nullptr ? std::strtoul(number, nullptr, 10) : 0;
@@ -355,7 +357,7 @@ void Start() {
   try {
     standin::Call(list, "Mailboxes", 0);
   } catch (const standin::HostException&) {
-    // A host without arrays has nothing at index 0.
+    // A host without arrays raises an exception here.
   }
 }
 
@@ -364,8 +366,8 @@ void Run(std::string_view input) {
   Session::Get().ExpectNothingLeft();
 }
 
-// A program that begins by making a message, spelt by the first third of the input, and keeps it in
-// the first place.
+// A program that begins by constructing a message, which is spelt by the first third of the input
+// and kept as the first object.
 std::string Spell(std::string_view input) {
   static constexpr char kMakeMessage[] = {2, 1, 0, 0, 0, 1, 6, 0, 0};
   const auto quarter = static_cast<char>(std::min<std::size_t>(input.size() / 12, 100));

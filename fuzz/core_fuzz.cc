@@ -1,6 +1,6 @@
-// The core alone, without a host: a message is parsed, each part is decoded and routed, and the
-// message is written without its files. An input is the message itself, and the choices that make
-// one.
+// The core only, without a host. A message is parsed, each part is decoded and routed, and the
+// message is written without its files. An input is used as the message itself, and as choices of a
+// grammar that makes a message.
 #include <cstddef>
 #include <stdexcept>
 #include <string>
@@ -23,7 +23,7 @@ void ExpectIsIn(std::string_view text, std::string_view around, const char* what
          what);
 }
 
-// What holds of the places of all parts.
+// Checks the positions of all parts and fields.
 void CheckPlaces(const mime::Message& message) {
   Expect(message.parsed_size() <= message.bytes().size(), "the parse ends in the message");
   ExpectIsIn(message.top().whole, message.bytes().substr(0, message.parsed_size()),
@@ -42,8 +42,8 @@ void CheckPlaces(const mime::Message& message) {
   }
 }
 
-// When outer boundaries end inner multiparts, the parse goes on, and what comes before the first of
-// them is the same.
+// Checks the setting by which an outer boundary ends inner multiparts: everything is parsed, and
+// the parts before the first outer boundary are the same as with the other setting.
 void CheckOuterBoundaries(const mime::Message& message) {
   const mime::Message whole(message.bytes(), mime::OuterBoundary::kEndsInner);
   Expect(whole.parsed_size() == message.bytes().size(), "all of the message is parsed");
@@ -60,7 +60,7 @@ void CheckOuterBoundaries(const mime::Message& message) {
   CheckPlaces(whole);
 }
 
-// What holds of the reports.
+// Checks the descriptions of the parts.
 void CheckReports(const mime::Message& message) {
   std::size_t plain = 0;
   std::size_t html = 0;
@@ -93,7 +93,8 @@ void Run(std::string_view input) {
     CheckOuterBoundaries(message);
     CheckReports(message);
     CheckStripped(input);
-    // The library's own parser needs stack for each level, and no limit keeps it from running out.
+    // mimetic's parser is recursive and has no limit of nesting, so deep messages would exhaust its
+    // stack.
     if (test::Levels(message) > 1'000) return;
   } catch (const std::runtime_error& error) {
     return ExpectSame("what is not parsed", std::string(error.what()).substr(0, 20),

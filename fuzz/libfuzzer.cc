@@ -1,4 +1,4 @@
-// Feeds the target with what libFuzzer makes up.
+// Runs the target on inputs that libFuzzer makes.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -14,7 +14,7 @@ int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
 }
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  // A copy of exactly this size, so that reading beyond its end is noticed.
+  // A copy of exactly this size, so that a sanitizer finds a read beyond it.
   const std::string input(data, data + size);
   zqv::fuzz::RunBoth(input);
   return 0;

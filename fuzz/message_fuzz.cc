@@ -1,6 +1,6 @@
-// A whole message through the built library: constructed in one of the three ways, all of it read,
-// let go. Checks the exception that the first bytes call for, what holds of every object, that the
-// source stays what was given, and that nothing is left.
+// A whole message through the built library: constructed from a string, a block or a file, read
+// completely, and released. Checked are the exception, which depends on the first bytes, the
+// relations of all objects, that the source equals the input, and that nothing is left.
 #include <unistd.h>
 
 #include <cstdio>
@@ -62,7 +62,7 @@ constexpr std::string_view kPieces[] = {
 };
 // clang-format on
 
-// A file that holds one input after the other.
+// A file that gets the bytes of each input in turn.
 class InputFile {
  public:
   InputFile() : path_("/dev/shm/zqv-fuzz-" + std::to_string(getpid())) {}
@@ -97,7 +97,7 @@ Object Construct(std::string_view bytes, std::string* raised) {
   return message;
 }
 
-// What the first bytes alone decide about a message.
+// The exception that the first bytes of a message cause; empty when they cause none.
 std::string ExpectedException(std::string_view bytes) {
   if (bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
   if (bytes.empty()) return "UnsupportedOperationException: Can't parse empty text.";

@@ -59,7 +59,7 @@ class Maker {
   }
   bool IsFull() const { return choices_.empty() || message_.size() >= kLongest; }
 
-  // A message keeps its kind until a byte changes it.
+  // Ends a line like the lines before, unless the next choice selects another line end.
   void EndLine() {
     if (Choose(8) == 1) line_end_ = Pick(kLineEnds);
     message_ += line_end_;
@@ -103,13 +103,14 @@ class Maker {
       Add("--" + boundary);
       AddPart(depth + 1);
     }
-    if (Choose(4) == 1) return;  // not closed
+    if (Choose(4) == 1) return;  // leaves the multipart unclosed
     EndLine();
     Add("--" + boundary + "--");
     if (Choose(3) == 1) AddText();
   }
 
-  // Short pieces, a long run, or a text that ends just before or behind an edge of the buffer.
+  // Adds short pieces, long runs, and texts that end just before or after an edge of mimetic's
+  // buffer.
   void AddText() {
     constexpr std::size_t kBuffer = 4093;
     const std::size_t start = message_.size();

@@ -1,5 +1,5 @@
-// Whole messages that the fuzzer's bytes choose step by step: fields, types, encodings, boundaries,
-// line ends, nesting, and texts that reach over the ends of the MIME library's buffer.
+// Makes whole messages, step by step, from the bytes of the fuzzer: fields, types, encodings,
+// boundaries, line ends, nesting, and texts that extend over the ends of mimetic's buffer.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace zqv::fuzz {
 
-// The message that `choices` spell; at most a little over 64 KB. Without choices left, each takes
-// its first alternative, so that every message comes to an end.
+// The message that `choices` select, of at most a little more than 64 KB. When all choices are
+// used, each further choice takes its first alternative, so that every message ends.
 std::string MakeMessage(std::string_view choices);
 
 }  // namespace zqv::fuzz

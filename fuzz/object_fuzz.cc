@@ -1,6 +1,6 @@
-// Objects made from a text, through the built library: what must hold between them, and between
-// them and a message whose fields hold the same text. The first byte picks the class or the
-// message, and the text's encoding.
+// Objects made from a text through the built library. Checked are the relations between them, and
+// between them and a message whose fields have the same text. The first byte selects the class, or
+// the message, and the encoding of the text.
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
@@ -55,7 +55,7 @@ Object Message(const std::string& bytes) {
                             standin::MakeString(bytes, abi::kUnknownEncoding));
 }
 
-// Fails when an application could tell the objects apart.
+// Fails when an application could distinguish the objects.
 void ExpectEqual(const char* what, const Object& left, const Object& right) {
   const auto left_mirror = standin::Mirror(left);
   const auto right_mirror = standin::Mirror(right);
@@ -68,14 +68,15 @@ Object Member(const Object& object, const char* property) {
 
 std::int64_t CountOf(const Object& list) { return std::get<std::int64_t>(Get(list, "Count")); }
 
-// An object made a second time is as if it were made for the first time.
+// Checks that an object that is constructed again equals one constructed once.
 void ExpectSameAnew(const char* class_name, const Object& object, const String& text) {
   const Object other = FromText(class_name, standin::MakeString("G: Eve <e@f>, g@h;"));
   standin::Call(other, "Constructor", text);
   ExpectEqual("the same anew", other, object);
 }
 
-// A label or name without encoded words is decoded by taking it as it is, quotes of labels aside.
+// Checks that a label or name without encoded words is decoded unchanged, except for the quotes of
+// labels.
 void ExpectDecoded(const Object& object, const char* plain, const char* decoded, bool unquote) {
   const std::string text = standin::BytesOf(Get(object, plain));
   if (text.find("=?") != std::string::npos) return;
@@ -83,7 +84,8 @@ void ExpectDecoded(const Object& object, const char* plain, const char* decoded,
              ShownDetected(unquote ? reference::StripQuotes(text) : text));
 }
 
-// An address is what a mailbox or a group of the same text is; nobody is nil.
+// Checks that an address equals the mailbox or group of the same text, or has neither when that is
+// empty.
 void ExpectAddressOf(const Object& address, const String& text) {
   const bool is_group = std::get<bool>(Get(address, "isGroup"));
   const Object half = FromText(is_group ? "MimeGroupZQV" : "MimeMailboxZQV", text);
@@ -106,8 +108,8 @@ void ExpectObject(const char* class_name, const String& text) {
   if (object.IsA("MimeAddressZQV")) ExpectAddressOf(object, text);
 }
 
-// The name is all before the first ":", the value all behind it and spaces, the last character
-// always; without ":" both are empty.
+// Checks a field. Its name is the text before the first ":", and its value the text after it
+// without leading spaces, of which at least one character is kept. Without ":" both are empty.
 void ExpectField(const std::string& bytes, const String& text) {
   const Object field = FromText("MimeFieldZQV", text);
   const std::size_t colon = bytes.find(':');
@@ -122,7 +124,7 @@ void ExpectField(const std::string& bytes, const String& text) {
   ExpectSame("a field's value", ShowProperty(field, "Value"), ShownDetected(value));
 }
 
-// A list of a header is nil when the text names nobody at all.
+// Checks a list of a header, which is nil when the text has no address.
 void ExpectListOf(const Object& header, const char* property, const Object& list) {
   const Object found = Member(header, property);
   if (!found.IsNil()) {
@@ -145,7 +147,7 @@ void ExpectAddressFields(const Object& header, const String& text) {
   if (!sender.IsNil()) ExpectEqual("sender", sender, mailbox);
 }
 
-// All fields of a message hold the text.
+// Checks a message in which all fields have the text.
 void ExpectMessageOf(const std::string& bytes, const String& text) {
   std::string source;
   for (const char* name : {"From: ", "To: ", "Cc: ", "Bcc: ", "Reply-To: ", "Sender: ", "Subject: ",
@@ -166,7 +168,7 @@ void ExpectMessageOf(const std::string& bytes, const String& text) {
 constexpr const char* kData[] = {"plain", "<html>x", "GIF89a", "BMxxxx", ".PNGxx", "MMxxxx"};
 constexpr const char* kExtensions[] = {"", ".html", ".gif", ".bmp", ".png", ".tif"};
 
-// The name made up of a Content-ID for data of a kind.
+// The expected file name for a Content-ID and data with this extension.
 std::string MadeUpName(std::string name, const std::string& extension) {
   if (name.size() >= 3) {
     if (name.front() == '<') name.erase(0, 1);
@@ -179,7 +181,7 @@ std::string MadeUpName(std::string name, const std::string& extension) {
   return has_it ? name : name + extension;
 }
 
-// The one file of a message whose part has this header and data.
+// The only attachment of a message whose part has this header field and data.
 Object FileWith(const std::string& field, const char* data) {
   const Object message = Message(
       "Content-Type: multipart/mixed; boundary=limit\n\n--limit\n"
@@ -205,13 +207,13 @@ void ExpectFileNames(const std::string& bytes, const String& text) {
              IsNil(decoded) ? ShownDetected("attachment") : Show(decoded));
 }
 
-// Whether a header field can hold the text as it stands, and a host string as UTF-8.
+// Whether the text can be the value of a header field unchanged, and a host string in UTF-8.
 bool FitsIntoAField(std::string_view bytes) {
   return !bytes.empty() && bytes.front() != ' ' && bytes.front() != '\t' &&
          bytes.find_first_of("\r\n") == std::string_view::npos && reference::IsUtf8(bytes);
 }
 
-// What a header field holds as it stands.
+// Checks a text that can be the value of a header field unchanged.
 void ExpectFields(const std::string& bytes) {
   if (!FitsIntoAField(bytes)) return;
   const String text = standin::MakeString(bytes);

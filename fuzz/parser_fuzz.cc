@@ -1,5 +1,5 @@
-// The parser over bytes in memory beside the MIME library's own stream constructor: the same tree,
-// byte for byte.
+// The parser compared with mimetic's stream constructor: both must give the same tree, byte for
+// byte.
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -30,7 +30,7 @@ constexpr std::string_view kPieces[] = {
     "Content-Type: text/plain\n\n",
     "Content-Type:", "multipart/", "message/rfc822", ";", "boundary=", "\"", "=",
     "\xC3\xA9", "\xFF", "\x7F", "\x01", std::string_view("\0", 1),
-    // The library works in blocks of 128 bytes in headers and of 4096 in bodies.
+    // mimetic reads headers in blocks of 128 bytes, and bodies in blocks of 4,096.
     "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx"
     "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx",
     "------------------------------------------------------------------------------------------\n",
@@ -41,7 +41,8 @@ void Start() {}
 
 void Run(std::string_view input) {
   try {
-    // The library's own parser needs stack for each level, and no limit keeps it from running out.
+    // mimetic's parser is recursive and has no limit of nesting, so deep messages would exhaust its
+    // stack.
     if (test::Levels(mime::Message(input)) > 1'000) return;
   } catch (const std::runtime_error& error) {
     return ExpectSame("what is not parsed", std::string(error.what()).substr(0, 20),
@@ -50,8 +51,8 @@ void Run(std::string_view input) {
   ExpectSame("the trees differ", test::DifferenceFromTheReference(input), "");
 }
 
-// A run of one byte is one piece many times over: the ends of the library's large blocks are only
-// reached so.
+// Repeating one byte repeats one piece, which is how inputs reach the ends of mimetic's large
+// blocks.
 std::string Spell(std::string_view input) {
   std::string text = Alphabet(kPieces).Spell(input, 4'000);
   if (input.size() > 1 && input[0] == 'L') {

@@ -17,7 +17,8 @@ namespace {
 using standin::Object;
 using standin::Value;
 
-// No recursion: messages may be nested thousands deep, and stacks may be small.
+// A loop instead of recursion, because messages may be nested thousands deep and stacks may be
+// small.
 class Reader {
  public:
   void Run(const Object& top) {
@@ -68,7 +69,7 @@ class Reader {
     for (std::int64_t i = 0; i < array->Size(); ++i) Add(array->At(i));
   }
 
-  // Each object is read once. They are all held, so that no address is seen for two of them.
+  // Objects that were read. They are held, so that no address is used for two of them.
   std::vector<Object> objects_;
   std::unordered_set<const void*> seen_;
 };

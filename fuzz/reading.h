@@ -1,5 +1,5 @@
-// Reads all that an object and what lies below it have to tell, and checks what holds of every
-// object of the library's classes, whatever it was made from.
+// Reads all members of an object and of the objects below it, and checks the relations that hold
+// for every object of the library, whatever it was made from.
 #pragma once
 
 #include <cstddef>
@@ -12,19 +12,18 @@
 
 namespace zqv::fuzz {
 
-// Every property, every method, every element of every list; the relations of relations.h, which
-// ask for elements by their indexes, hold of each object found. Exceptions of the host are let
-// pass.
+// Reads every property, every method and every element of every list, and checks the relations of
+// relations.h for each object. Ignores host exceptions.
 void ReadEverything(const standin::Object& top);
 
-// What `work` raises as "Class: Message"; empty for nothing.
+// The exception that `work` raises, as "Class: Message"; empty when there is none.
 std::string RaisedBy(const std::function<void()>& work);
 
-// A string's encoding and bytes, or "nil".
+// Shows a string as its encoding and bytes; "nil" for nil.
 std::string Show(const standin::Value& value);
 std::string ShowProperty(const standin::Object& object, std::string_view property);
 
-// A string's text in UTF-8; nothing for nil. Fails when the text cannot be had.
+// The text of a string in UTF-8; nothing for nil. Fails when the string cannot be converted.
 std::optional<std::string> TextOf(const standin::Value& value);
 
 }  // namespace zqv::fuzz

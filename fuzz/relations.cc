@@ -22,7 +22,7 @@ using standin::Object;
 using standin::ObjectOf;
 using standin::Value;
 
-// A list in the forms that a class has of it; null for those it has not.
+// The methods and properties by which a class offers a list; null for those that it does not have.
 struct List {
   const char* array;
   const char* element;
@@ -59,7 +59,7 @@ const Lists& ListsOf(const std::string& class_name) {
   return found != kLists.end() ? found->second : kNone;
 }
 
-// Properties whose text has no charset of its own.
+// The properties whose text has no charset of its own.
 const std::vector<const char*>& DetectedTextsOf(const std::string& class_name) {
   static const std::map<std::string, std::vector<const char*>> kTexts = {
       {"MimeBodyZQV", {"preamble", "epilogue", "StringValue"}},
@@ -143,7 +143,7 @@ void ExpectAddress(const Object& object) {
   if (!IsNil(mailbox)) Expect(HasLocalPart(mailbox), "an address's mailbox has a local part");
 }
 
-// The host compares names without their case; here only names in ASCII are compared.
+// The host compares names without regard to case; this checks names in ASCII only.
 void ExpectFieldsFound(const Object& header) {
   const Object fields = ObjectOf(Call(header, "Fields as MimeFieldZQV()"));
   for (std::int64_t i = 0; !fields.IsNil() && i < std::min<std::int64_t>(fields.Size(), 20); ++i) {

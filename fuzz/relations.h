@@ -1,4 +1,4 @@
-// What holds of every object of the library's classes in a complete host.
+// Relations that hold for every object of the library in a complete host.
 #pragma once
 
 #include <string>
@@ -8,19 +8,20 @@
 
 namespace zqv::fuzz {
 
-// Fails when one of these does not hold of the object:
-// - A list is one array in every form; its count and its elements are the array's; an index out of
-//   bounds raises, and nothing else does.
-// - A text without a charset of its own is ASCII, UTF-8 or Mac Roman, as its bytes are.
-// - A mailbox's address is local part, "@" and domain; in a list or group each has a local part.
+// Fails when one of these does not hold for the object:
+// - A list is the same array in every form. Its count and its elements are the array's. Only an
+//   index out of bounds raises.
+// - A text without a charset of its own is labelled ASCII, UTF-8 or Mac Roman, by its bytes.
+// - The e-mail address of a mailbox is local part, "@" and domain. A mailbox in a list or group has
+//   a local part.
 // - An address is a mailbox or a group, never both.
-// - A header finds the first of each of its fields by its name.
+// - A header finds the first field of each of its names.
 // - An attachment has a file name.
-// - A message's subject is that of its header; when there is a HTML text, there is a plain one,
-//   unless nothing is left of the HTML; its source without files has no line feeds.
+// - The subject of a message is its header's. A message with HTML text has plain text, unless the
+//   HTML gives none. Its source without files has no line feeds.
 void ExpectRelations(const standin::Object& object);
 
-// A text without charset as a host string of the library, shown as Show does.
+// The text as the library labels bytes without a charset, in the form of Show.
 std::string ShownDetected(std::string_view bytes);
 
 }  // namespace zqv::fuzz

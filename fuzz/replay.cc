@@ -1,8 +1,8 @@
-// Feeds the target without libFuzzer, for every compiler and for the suite:
+// Runs the target without libFuzzer, with any compiler and in the suite:
 //   TARGET [--mutations N] FILE-OR-FOLDER...
-// Runs each file, and each file below a folder, once; then N changes of them, the same ones each
-// time. While an input runs it lies in a file TARGET.<process>.input beside the program, and stays
-// there when the run does not come back.
+// Runs each file, and each file in a folder, once; then N changes of them, the same ones on every
+// run. While an input runs, it is in a file TARGET.<process>.input next to the program, where it
+// stays if the run ends the process.
 #include <unistd.h>
 
 #include <algorithm>
@@ -24,7 +24,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Longer texts only cost time.
+// Longer texts take more time and find nothing more.
 constexpr std::size_t kLongest = 2'000;
 
 class Runner {
@@ -38,7 +38,7 @@ class Runner {
     ++count_;
   }
 
-  // Nothing is wrong: the last input is of no interest.
+  // All inputs passed, so the file with the last one is deleted.
   void Finish() const {
     fs::remove(path_);
     std::printf("%zu inputs\n", count_);
@@ -72,7 +72,7 @@ std::vector<std::string> ReadAll(const std::vector<std::string>& names) {
   return inputs;
 }
 
-// Small changes, the same on every run and every machine.
+// Makes small changes to inputs, the same ones on every run and machine.
 class Mutator {
  public:
   explicit Mutator(const std::vector<std::string>& inputs) : inputs_(inputs) {}

@@ -8,7 +8,7 @@
 namespace zqv::fuzz {
 namespace {
 
-// Lives as long as the process: handles in other static objects may be the last to go.
+// Lives as long as the process, because static objects may hold handles until the end.
 Session* the_session = nullptr;
 
 }  // namespace
@@ -22,8 +22,8 @@ Session::Session(standin::Capabilities capabilities)
 
 Session& Session::Start(standin::Capabilities capabilities) {
   if (the_session != nullptr) Fail("a second session");
-  // libFuzzer looks for leaks, which takes long, after each input that frees less than it
-  // allocates.
+  // libFuzzer runs its slow check for leaks after each input that frees less than it allocates, so
+  // freed memory is not kept in a quarantine.
   capabilities.quarantine_entries = 0;
   the_session = new Session(std::move(capabilities));
   return *the_session;

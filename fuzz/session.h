@@ -1,5 +1,5 @@
-// The built library in a stand-in host, for the life of the process: the library keeps what it
-// found in its host, so it cannot be loaded twice.
+// The built library in a stand-in host, for the life of the process. The library caches what it
+// finds in its host, so it cannot be loaded twice.
 #pragma once
 
 #include <cstdint>
@@ -13,17 +13,17 @@ namespace zqv::fuzz {
 
 class Session {
  public:
-  // The one session, started by its first user.
+  // The only session. The first call starts it, in a complete host.
   static Session& Get();
-  // Starts it in another host than a complete one; at most once, before any use.
+  // Starts the session in another host. May be called once, before Get.
   static Session& Start(standin::Capabilities capabilities);
 
   standin::Host& host() { return *host_; }
 
-  // Fails when anything that was made since the start is left, or when the library asked for names
-  // that no host has. To be called when every handle is gone.
+  // Fails when an object or string made since the start is left, or when the library looked up
+  // names that no host has. Call it when no handle exists any more.
   void ExpectNothingLeft();
-  // Fails when the library raised while an exception was pending, or when nothing was called.
+  // Fails when the library raised while an exception was pending, or outside of a call.
   void ExpectNoExceptionLost() const;
 
  private:

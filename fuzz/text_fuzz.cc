@@ -1,5 +1,5 @@
-// The conversions of text beside their slow twins. The first byte of an input picks one, the rest
-// is its text.
+// The conversions of text compared with their reference implementations. The first byte of an input
+// selects the conversion; the rest is the text.
 
 #include <algorithm>
 #include <cstddef>
@@ -39,8 +39,8 @@ std::string Lower(std::string name) {
   return name;
 }
 
-// What tests/data/tables/charsets.tsv says of a name, brought into its normal form; case counts for
-// nothing.
+// The number in tests/data/tables/charsets.tsv for the normal form of a name, compared without
+// regard to case.
 abi::Encoding ExpectedEncoding(const std::string& name) {
   static const auto kRows = test::ReadTable("charsets.tsv", 16);
   const std::string normal = reference::NormaliseCharset(name);
@@ -61,7 +61,7 @@ abi::Encoding ReferenceEncoding(const std::string& text) {
   return reference::IsUtf8(text) ? abi::kUtf8 : abi::kMacRoman;
 }
 
-// What the twin and the table of charsets make of a header text.
+// The text that the reference implementation and the table of charsets give for a header text.
 std::string ExpectedWords(const std::string& text, bool unquote) {
   reference::DecodedWords words;
   if (text.size() >= 7) words = reference::DecodeWords(text);
@@ -128,7 +128,7 @@ void CompareQuotedPrintable(const std::string& text) {
              reference::DecodeQuotedPrintable(text));
 }
 
-// The kinds of file, one row after the other: these bytes at this place, in data of at least six.
+// The types of file, one row each: these bytes at this position, in data of at least six bytes.
 std::string ExpectedExtension(const std::string& data) {
   struct Row {
     std::size_t at;

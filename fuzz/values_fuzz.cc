@@ -1,5 +1,5 @@
-// The readers of fields' values beside the MIME library's own: addresses, parameters, the version.
-// The first byte of an input picks one, the rest is the value.
+// The parsers of field values compared with mimetic's: addresses, parameters, the version. The
+// first byte of an input selects the parser; the rest is the value.
 
 #include <cstddef>
 #include <iterator>

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Checks projects in the host's text format, as they are written by hand here.
+"""Checks projects in the text format of Xojo, which are written by hand in this repository.
 
   check_project.py FOLDER...   each folder holds one project
 
-Reported: items of an unknown kind, with a bad or repeated identifier, without their parent or file;
-settings that are missing or twice; tags that do not match; lines that are indented otherwise than
-the host writes them; flags that contradict the declaration; files that are no UTF-8 with line
+Reported are: items of an unknown kind, with a bad or repeated identifier, or without their parent
+or file; settings that are missing or repeated; tags that do not match; lines whose indentation
+differs from Xojo's; flags that contradict the declaration; files that are not UTF-8 with line
 feeds; resources that are not the twelve bytes of a project without an icon; files that the project
 does not name.
 """
@@ -40,7 +40,7 @@ DECLARED = re.compile(r"(?:(Private|Protected|Global) )?(?:Shared )?(Function|Su
 
 
 class Faults:
-    """What is wrong, with file and line."""
+    """Collects the faults, with file and line."""
 
     def __init__(self):
         self.texts = []
@@ -50,7 +50,7 @@ class Faults:
 
 
 def read_lines(path, faults):
-    """The lines of a text file; reports what is wrong with its bytes."""
+    """The lines of a text file. Reports faults in its bytes."""
     data = path.read_bytes()
     if data.startswith(b"\xef\xbb\xbf"):
         faults.add(path, 1, "begins with a byte-order mark")
@@ -81,7 +81,7 @@ class Item:
 
 
 def read_project(path, faults):
-    """The items and the settings of a project file, the latter with their lines."""
+    """The items and the settings of a project file; settings with their lines."""
     items, settings = [], {}
     for number, line in enumerate(read_lines(path, faults), 1):
         key, equals, value = line.partition("=")
@@ -136,7 +136,7 @@ def check_items(path, items, faults):
 
 
 def check_file_of(path, item, faults):
-    """The file, or folder, that an item names."""
+    """The file or folder that an item names."""
     file = path.parent / item.path
     if item.kind == "Folder":
         if not file.is_dir():
@@ -150,7 +150,7 @@ def check_file_of(path, item, faults):
 
 
 def check_resources(path, settings, faults):
-    """Gives the name of the resources file."""
+    """Checks the settings and returns the name of the resources file."""
     number, value = settings.get("AppIcon", (1, ""))
     name = value.split(";")[0]
     file = path.parent / name
@@ -162,7 +162,7 @@ def check_resources(path, settings, faults):
 
 
 def check_strangers(path, items, resources, faults):
-    """Files in the folder that the project does not name."""
+    """Reports files in the folder that the project does not name."""
     named = {(path.parent / item.path).resolve() for item in items}
     named |= {path.resolve(), (path.parent / resources).resolve()}
     for file in sorted(path.parent.rglob("*")):
@@ -174,14 +174,14 @@ def check_strangers(path, items, resources, faults):
 
 
 class Code:
-    """Reads a file of code line by line."""
+    """Parses a file of code line by line."""
 
     def __init__(self, path, faults):
         self.path, self.faults = path, faults
         self.number = 0
-        self.open = []  # tags that wait for their end: name, line
+        self.open = []  # tags without their end so far: name, line
         self.flags = ""
-        self.declared = ""  # Function or Sub, while its body is read
+        self.declared = ""  # Function or Sub, while its body is parsed
         self.views = 0
 
     def fault(self, text):
@@ -206,7 +206,8 @@ class Code:
             self.member_line(text)
 
     def tag(self, indent, is_end, name, rest):
-        """Roots stand in column one, members at a tab, what is in members at two or more."""
+        """Checks indentation: top-level tags have none, members have one tab, their contents two or
+        more."""
         if is_end:
             self.end_tag(indent, name)
             return
@@ -223,7 +224,7 @@ class Code:
         self.views += name == "ViewBehavior"
 
     def belongs(self, name):
-        """Whether a tag may begin here."""
+        """Checks whether a tag may begin here."""
         if name in NESTED:
             return self.inner == NESTED[name]
         return not self.open if name in ROOTS else self.inner in ROOTS
@@ -246,7 +247,7 @@ class Code:
             self.fault("stands outside of the class")
 
     def member_line(self, text):
-        """Declarations of properties, lines of notes and enumerations."""
+        """Checks declarations of properties, and lines of notes and enumerations."""
         if not text.startswith("\t\t"):
             self.fault("is not indented by two tabs")
         if self.inner == "Property":
@@ -278,7 +279,7 @@ class Code:
                 self.check_scope(text.strip())
 
     def check_scope(self, text):
-        """The flags and the declaration tell the same scope."""
+        """Checks that the flags have the scope of the declaration."""
         words = text.split(" ")
         written = words[0] if words[0] in ("Private", "Protected") else ""
         if self.flags not in SCOPES:
@@ -294,7 +295,7 @@ class Code:
 
 
 def check_code(path, item, faults):
-    """A class, module or interface."""
+    """Checks a class, module or interface."""
     lines = read_lines(path, faults)
     code = Code(path, faults)
     for line in lines:
@@ -311,7 +312,7 @@ def check_code(path, item, faults):
 
 
 def check_build_steps(path, faults):
-    """The steps of building: blocks of Begin and End, at three tabs and one more for each level."""
+    """Checks build steps: blocks of Begin and End, with three tabs and one more for each level."""
     lines = read_lines(path, faults)
     if (lines[0], lines[-1]) != ("#tag BuildAutomation", "#tag EndBuildAutomation"):
         faults.add(path, 1, "is not framed by the tags of BuildAutomation")

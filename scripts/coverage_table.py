@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""Prints which share of the lines of each of the library's folders ran, and those that did not.
+"""Prints the share of lines that ran for each of the library's folders, and the lines that did not
+run.
 
   coverage_table.py REPORT   REPORT is the JSON file of gcovr
 
-Fails when a folder is below LEAST per cent, or has no line at all.
+The exit status is 1 when a folder is below LEAST per cent, or has no lines.
 """
 
 import collections
@@ -16,7 +17,7 @@ LEAST = 95
 
 
 def read(path):
-    """Folder -> file -> line number -> whether it ran."""
+    """Folder -> file -> line number -> whether the line ran."""
     folders = {folder: collections.defaultdict(dict) for folder in FOLDERS}
     for file in json.loads(path.read_text("utf-8"))["files"]:
         folder = file["file"].split("/")[0]

@@ -1,19 +1,19 @@
 #!/usr/bin/env python3
-"""Takes the time at which it was linked out of a Windows file, in place: the same input of the
-linker then gives the same bytes.
+"""Removes the time of linking from a Windows file, in place, so that equal input of the linker
+gives equal bytes.
 
   forget_link_time.py FILE
 
-For linkers without a switch for it. The file's checksum, which that time is part of, is cleared:
-only drivers are asked for one.
+For linkers without an option for this. The file's checksum, which includes that time, is cleared;
+only drivers need a checksum.
 """
 
 import pathlib
 import struct
 import sys
 
-HEADER_AT = 0x3C  # where the place of the PE header stands
-TIME, CHECKSUM = 8, 24 + 64  # from there
+HEADER_AT = 0x3C  # the offset of the PE header is stored here
+TIME, CHECKSUM = 8, 24 + 64  # offsets from the PE header
 
 
 def main():

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Puts the plug-in's package together: a zip file that is the same for the same content.
+"""Makes the plug-in's package: a zip file whose bytes depend on its contents only.
 
   make_package.py OUTPUT NAME=FILE...   NAME is the path inside, below the plug-in's folder
 """
@@ -9,13 +9,13 @@ import sys
 import zipfile
 
 FOLDER = "MimeEmailZQV"
-# The first moment that the format knows; the files' own times say nothing to those who install.
+# The earliest time in the format. The times of the files mean nothing to those who install them.
 TIME = (1980, 1, 1, 0, 0, 0)
 
 
 def add(package, name, content):
     entry = zipfile.ZipInfo(f"{FOLDER}/{name}", TIME)
-    entry.create_system = 3  # with permissions as on Unix
+    entry.create_system = 3  # 3 means Unix, for permissions
     entry.external_attr = 0o100644 << 16
     entry.compress_type = zipfile.ZIP_DEFLATED
     package.writestr(entry, content, compresslevel=9)

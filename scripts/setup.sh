@@ -1,17 +1,17 @@
-# Shared by ./run, ./test and ./package: installs what is missing, configures and builds. Everything it says
-# goes to standard error; when nothing is to be done it says nothing and uses no network.
+# Shared by ./run, ./test and ./package: installs missing packages, configures and builds. All messages
+# go to standard error. When nothing needs to be done, there are no messages and no use of the network.
 # shellcheck shell=bash
 : "${root:?the sourcing script sets the top of the project}"
 
 say() { echo "$*" >&2; }
 
-# Names of the packages of the given scopes of scripts/packages.txt that are not installed.
+# Names of the packages with the given scopes in scripts/packages.txt that are not installed.
 missing_packages() {
   local wanted
   wanted=$(awk -v scopes=" $* " '!/^#/ && NF && index(scopes, " " $1 " ") { print $2 }' \
     "$root/scripts/packages.txt")
-  # An unknown package makes dpkg-query fail, and is missing like one that was removed. Packages of
-  # another processor are wanted with its name.
+  # An unknown package makes dpkg-query fail, and counts as missing, like one that was removed. A
+  # package for another processor is listed with the processor's name.
   # shellcheck disable=SC2086
   { dpkg-query -W -f '${Package} ${Architecture} ${db:Status-Status}\n' $wanted || true; } 2>/dev/null |
     awk -v wanted="$wanted" '
@@ -19,15 +19,16 @@ missing_packages() {
       END { n = split(wanted, name); for (i = 1; i <= n; i++) if (!have[name[i]]) print name[i] }'
 }
 
-# The words before a command that needs root; nothing for root. Fails when root cannot be had.
+# Prints the words to put before a command that needs root; none for root. Fails when there is no
+# way to become root.
 become_root() {
   [ "$(id -u)" -ne 0 ] || return 0
   command -v sudo >/dev/null && { [ -t 0 ] || sudo -n true 2>/dev/null; } || return 1
   echo sudo
 }
 
-# install_cross_packages [SCOPE...]: installs the packages for other platforms, those of the given scopes
-# too; fails, having said why, where that cannot be.
+# install_cross_packages [SCOPE...]: installs the packages for other platforms, and those of the given scopes.
+# Prints the reason and fails when this is not possible.
 install_cross_packages() {
   local reason='' scopes=(cross "$@")
   command -v npm >/dev/null || scopes+=(npm)
@@ -57,7 +58,7 @@ install_cross_packages() {
   [ -z "$reason" ]
 }
 
-# Installs the packages of the given scopes. Other systems than Debian bring their own.
+# Installs the packages of the given scopes. On systems other than Debian nothing is installed.
 install_packages() {
   [ "${ZQV_SETUP:-yes}" != no ] && command -v dpkg-query >/dev/null || return 0
   local missing
@@ -76,15 +77,15 @@ install_packages() {
   say "Installing ${missing[*]}"
   local apt=("${as_root[@]}" apt-get -qq -o DPkg::Lock::Timeout=300 -o Dpkg::Use-Pty=0)
   local install=("${apt[@]}" install --yes --no-install-recommends "${missing[@]}")
-  # Lists that are there serve; when they are absent or out of date, fetch them and try again.
-  # One package source being down need not matter.
+  # Tries the existing package lists first. If that fails, updates them and tries again. A package
+  # source that cannot be reached is ignored.
   if ! "${install[@]}" >/dev/null 2>&1 </dev/null; then
     "${apt[@]}" update >&2 </dev/null || say "apt-get update failed; going on with what there is"
     "${install[@]}" >&2 </dev/null
   fi
 }
 
-# Runs the rest of the calling script's builds one at a time; the lock ends with unlock_builds.
+# Makes the builds of scripts in this folder run one at a time, until unlock_builds.
 lock_builds() {
   mkdir -p "$root/build"
   exec 9>"$root/build/lock"
@@ -101,10 +102,10 @@ configure() {
   (cd "$root" && cmake --preset "$@" >&2 </dev/null)
 }
 
-# Words that builds and tests are started through.
+# Words put before the commands of builds and tests.
 launcher=()
 
-# build PRESET JOBS TARGET: says only what compilers say.
+# build PRESET JOBS TARGET: prints only the compilers' output.
 build() {
   "${launcher[@]}" ninja --quiet -C "$root/build/$1" -j "$2" "$3" 2>&1 </dev/null |
     sed -u '/^ninja: no work to do\.$/d' >&2

@@ -33,7 +33,7 @@ TEST_F(LibraryTest, MissingFile) {
 }
 
 TEST_F(LibraryTest, FileWithoutTheExport) {
-  const std::string failure = FailureOf(ZQV_TEST_STRANGER);
+  const std::string failure = FailureOf(ZQV_TEST_NO_PLUGIN);
   EXPECT_NE(failure.find("undefined symbol: REALPluginMain"), std::string::npos) << failure;
 }
 
