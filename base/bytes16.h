@@ -160,7 +160,7 @@ inline bool CanLookUp() {
   return can;
 }
 
-// Loads a lookup table of sixteen bytes into every 16-lane half of a vector.
+// Loads a lookup table of sixteen bytes into each half of a vector of 32 lanes.
 ZQV_LOOKS_UP inline WideBytes TableOf(const std::array<std::int8_t, kBytes16>& values) {
   const auto* const table = reinterpret_cast<const __m128i*>(values.data());
   return reinterpret_cast<WideBytes>(_mm256_broadcastsi128_si256(_mm_loadu_si128(table)));

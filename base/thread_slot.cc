@@ -42,7 +42,8 @@ DWORD GetIndex() noexcept {
 
 #else
 
-// "initial-exec" puts the variable into each thread's static block.
+// The "initial-exec" model puts the variable into that static block, so that its first access in a
+// thread allocates nothing.
 [[gnu::tls_model("initial-exec")]] thread_local void* g_slot = nullptr;
 
 #endif

@@ -59,7 +59,7 @@ class PartReader {
     return 0;
   }
 
-  // Parses '+' or '-': 1 or -1.
+  // Parses '+' or '-' and returns 1 or -1. At any other character the text becomes invalid.
   int Sign() {
     const int sign = Front() == '-' ? -1 : 1;
     Take(sign < 0 ? '-' : '+');

@@ -72,7 +72,8 @@ Value Peek(const void* array, std::size_t offset) {
   return value;
 }
 
-// -1 for an empty array; 0 when the host lacks the entry point.
+// The index of an array's last element: -1 for an empty array, 0 when the host lacks the entry
+// point.
 std::int64_t UpperBound(abi::REALarray array) { return entry::RuntimeUBound(array); }
 
 char* Storage(abi::REALarray array) { return Peek<char*>(array, Layout().storage); }

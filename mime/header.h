@@ -29,7 +29,7 @@ class Header {
   Header(const Header&) = delete;
   Header& operator=(const Header&) = delete;
 
-  // All fields, in the order of the message, as they stand there.
+  // All fields, in the order of the message, with their values as written there.
   std::size_t size() const { return count_; }
   const Field& operator[](std::size_t index) const { return fields_[index]; }
   // The value of a field for display: Text() of its name for the first field of a listed name,

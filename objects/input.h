@@ -37,7 +37,8 @@ class BlockBytes {
   // `block` may be nil: it is empty. [borrowed; a lock is added]
   explicit BlockBytes(abi::REALobject block);
 
-  // [borrowed: valid as long as this object exists and the block is not resized]
+  // The bytes of the block. [borrowed: valid as long as this object exists and the block is not
+  // resized]
   std::string_view bytes() const { return bytes_; }
 
  private:

@@ -65,8 +65,8 @@ abi::REALmethodDefinition g_attachment_methods[] = {
 
 }  // namespace
 
-// Has neither a record nor a destructor: it uses the record of its super class, whose destructor
-// the host calls.
+// MimeEmailZQV has neither a record nor a destructor: it uses the record of its super class, whose
+// destructor the host calls.
 abi::REALclassDefinition g_mime_email_class =
     ZQV_CLASS("MimeEmailZQV", "MimeEntityZQV", 0, nullptr, g_email_properties,
               std::size(g_email_properties), g_email_methods, std::size(g_email_methods),

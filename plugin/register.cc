@@ -30,8 +30,9 @@ constexpr std::uint32_t kAllButIos = abi::kFlagConsole | abi::kFlagWeb | abi::kF
 constexpr std::uint32_t kTargetBits = kAllButIos | abi::kFlagIOS;
 static_assert(kAllButIos == 0x308 && kTargetBits == 0x708);
 
-// A second flag for "all targets" in definitions for newer hosts. It is replaced by
-// kFlagAllTargets, which exists since this version; for older hosts it is removed.
+// kNewerAllTargets in a definition means "all targets" in hosts of version kKnowsAllTargets and
+// later. For these hosts registration replaces it by kFlagAllTargets; for older hosts it removes
+// it.
 constexpr double kKnowsAllTargets = 2010.029;
 constexpr std::uint32_t kNewerAllTargets = 0x40000;
 

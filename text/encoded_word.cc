@@ -46,7 +46,8 @@ char* DecodeQ(std::string_view payload, char* out) {
   return out;
 }
 
-// Decodes a text without NULs into a buffer. The output is never longer than the input.
+// Decodes the encoded words of a header text without NULs into a buffer, and copies the text
+// between them. The output is never longer than the input.
 class EncodedWordScanner {
  public:
   explicit EncodedWordScanner(std::string_view text)

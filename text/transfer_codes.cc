@@ -287,8 +287,9 @@ class QuotedPrintableDecoder {
   // a run and then visits them, which costs fewer mispredicted branches than a loop over each run.
   // Stops at a character that ReadRegularEnd does not accept, and near the end of the text.
   //
-  // `run_` stays at the start of the whole stretch, although EndLine searches the input backwards
-  // to it for blanks: a code ends in a digit and a line end in LF, where that search stops.
+  // `run_` is not moved here. EndLine searches the input backwards from a line end to `run_` for
+  // blanks, and still stops in time: at the digit that ends a code, or at the LF of an earlier line
+  // end.
   void ReadRegular() {
     Positions positions{at_, out_};
     bool is_regular = true;
