@@ -47,7 +47,8 @@ void ExpectStripped(const Object& message) {
   EXPECT_EQ(text.find("File of level"), std::string::npos);
 }
 
-// Constructs a message with this many levels, reads everything of it, and releases it.
+// Constructs a message with this many levels, checks and reads its whole tree and its source
+// without files, and releases it.
 void ExpectWholeTree(const Shape& shape, std::size_t levels) {
   const Constructed constructed = Construct(Way::kBlock, shape.make(levels));
   ASSERT_EQ(constructed.raised, "");

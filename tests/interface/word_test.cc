@@ -28,7 +28,8 @@ std::string SubjectDecoded(const Object& message) {
   return ShowProperty(ObjectOf(Get(message, "Header")), "subjectDecoded");
 }
 
-// Checks the three places where text is decoded in the same way.
+// Checks that the shared method, the property Subject and the property SubjectDecoded decode a text
+// in the same way.
 void ExpectDecoded(const std::string& text, const std::string& shown) {
   EXPECT_EQ(DecodedInline(MakeString(text)), shown) << text;
   const Object message = Parse("Subject: " + text + "\n\nText\n");

@@ -52,11 +52,11 @@ TEST(MessageSource, ReportsWhatEndsAHeader) {
   EXPECT_EQ(end_of("\xEF\xBB\xBF\n"), HeaderEnd::kEmptyLine);
 }
 
+// The message, part 1 (an attached message), and part 1.1 with its two parts.
 constexpr std::string_view kNested =
-    "Content-Type: multipart/mixed; boundary=o\n\n--o\n"                        // 0
-    "Content-Type: message/rfc822\n\n"                                          // 1
-    "Content-Type: Multipart/x;\n boundary=\"i\"\n\n--i\n\none\n--i\n\ntwo\n";  // part 1.1 and its
-                                                                                // two parts
+    "Content-Type: multipart/mixed; boundary=o\n\n--o\n"
+    "Content-Type: message/rfc822\n\n"
+    "Content-Type: Multipart/x;\n boundary=\"i\"\n\n--i\n\none\n--i\n\ntwo\n";
 
 TEST(MessageSource, ListsPartsInTheOrderOfTheLibrary) {
   const std::string text = std::string(kNested) + "--i--\n--o\n\nthree\n--o--\n";

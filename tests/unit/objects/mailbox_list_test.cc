@@ -40,7 +40,7 @@ TEST_F(MailboxList, HasTheMailboxesWithTheirTexts) {
   EXPECT_EQ(Show(mailboxes[1]->StringValue), Ascii("c@d"));
 }
 
-// The text form of the list keeps that mailbox.
+// The text form of the list still has a mailbox without a local part.
 TEST_F(MailboxList, LeavesOutAMailboxWithoutALocalPart) {
   const auto& record = Make("@b,a@b");
   const auto mailboxes = RecordsIn<MimeMailboxClassData>(record.mailboxes.get());

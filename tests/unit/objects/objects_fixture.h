@@ -28,7 +28,7 @@ abi::REALclassDefinition MadeUpClass(const char* name, std::size_t size,
 
 class ObjectsTest : public HostTest {
  protected:
-  // Starts a complete host. A test that needs another host starts that one afterwards.
+  // Starts a complete host. A test that needs another host then starts that one instead.
   void SetUp() override { StartObjects(); }
 
   // Starts a host and registers the nine classes of a parsed message.
