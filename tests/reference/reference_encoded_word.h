@@ -8,7 +8,7 @@ namespace zqv::reference {
 
 struct DecodedWords {
   std::string bytes;    // of all words and of the text between them
-  std::string charset;  // the last one named; empty: the text is to be taken as it stands
+  std::string charset;  // the last one named; empty when the text is used undecoded
 };
 DecodedWords DecodeWords(const std::string& text);
 

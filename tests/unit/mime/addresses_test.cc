@@ -248,7 +248,6 @@ TEST(Addresses, Groups) {
       {"colon in a member", "G:X <@r:a@b>;", "G@r:a@b>;", "G", {"@r:a@b>"}},
       // An extra ')' makes the count of open parentheses negative. After it neither ',' nor ';'
       // ends a member.
-      // does not end the group.
       {"closed too often", "G:a@b),c@d;e", "Ga@b),c@d;;", "G", {"a@b),c@d;"}},
   });
 }

@@ -12,7 +12,7 @@ namespace {
 
 using objects::MimeEntityClassData;
 
-// One list of a record stands for all: the members are the same template.
+// Only one list of a record is tested, because all of them use the same template.
 using List = objects::ListAccess<&MimeEntityClassData::Attachments>;
 
 class ListAccess : public ObjectsTest {
