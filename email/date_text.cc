@@ -45,7 +45,8 @@ class PartReader {
     return value;
   }
 
-  // Parses the English abbreviation of a month, ignoring case: 1 to 12.
+  // Parses the English abbreviation of a month, ignoring case, and returns 1 to 12. Any other text
+  // makes the date invalid.
   int Month() {
     int month = 1;
     for (const std::string_view name : kMonths) {

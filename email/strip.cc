@@ -61,7 +61,7 @@ class StayingParts {
   }
 
  private:
-  // Examines `first` and its siblings.
+  // Marks the files among `first` and its siblings as removed.
   void Scan(PartIndex first) {
     for (PartIndex at = first; at != mime::kNoPart;) {
       const Part& part = message_.parts()[at];

@@ -268,7 +268,7 @@ std::string_view Label(std::string_view text) {
   return text;
 }
 
-// Splits a text that ends in '>' into the parts of a mailbox, which must be empty.
+// Splits a text that ends in '>' and sets the fields of `parts`, which must be empty before.
 Split SplitWithAngles(const Scanner& value, std::string_view text, Mailbox& parts) {
   const char* const begin = text.data();
   const char* const closing = begin + text.size() - 1;

@@ -14,7 +14,8 @@
 
 namespace zqv::mime {
 
-// "Ada (x) <@route:ada@example.org>". Comments and spaces are removed from the last three texts.
+// The pieces of one mailbox, such as "Ada (x) <@route:ada@example.org>". The last three are without
+// comments and spaces.
 struct Mailbox {
   std::string_view text;          // as mimetic writes the mailbox; "@" when it is empty
   std::string_view label;         // the display name with its quotes and comments

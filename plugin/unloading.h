@@ -4,7 +4,8 @@
 namespace zqv::plugin {
 
 #if defined(_WIN32)
-// Call it at the start of REALPluginMain.
+// Prevents a leak of thread-local storage slots at unloading (unloading_windows.cc). Call it at the
+// start of REALPluginMain.
 void PrepareForUnloading() noexcept;
 #else
 // Does nothing: other systems free the thread-local storage of a library when it is unloaded.
