@@ -16,11 +16,13 @@ std::string DecodeBase64(std::string_view text);
 // - "=" with two hexadecimal digits gives one byte.
 // - "=" with any blanks and a line end gives nothing. Blanks after "=" without a line end are kept,
 //   and so is the "=".
-// - Any other "=" is kept, with a digit if one follows, and with the next character, whatever it is:
+// - Any other "=" is kept, with a digit if one follows, and with the next character, whatever it
+// is:
 //   another "=", a control character or, after a digit, a blank or a line end.
 // - Blanks before a CR or LF are dropped together with that one character. Other blanks are kept.
 // - Each CRLF, LFCR, CR and LF gives one LF. Other control characters give nothing.
-// - At the end of the text an incomplete sequence gives "=", with a tab if its second character is a
+// - At the end of the text an incomplete sequence gives "=", with a tab if its second character is
+// a
 //   tab. Such sequences are blanks; and "=", with or without blanks after it, and with or without a
 //   single CR or LF after those.
 std::string DecodeQuotedPrintable(std::string_view text);

@@ -95,8 +95,8 @@ TEST(Addresses, IncompleteMailboxes) {
   // clang-format on
 }
 
-// A mailbox whose text does not end in '>' has no label. Its angle brackets become text of the local
-// part and the domain.
+// A mailbox whose text does not end in '>' has no label. Its angle brackets become text of the
+// local part and the domain.
 TEST(Addresses, ABlankAfterTheAngleGivesNoLabel) {
   ExpectMailboxes({{"blank", "X <a@b> ", "X <a@b> ", "", "X<a", "b>", ""},
                    {"comment", "X <a@b> (c)", "X <a@b> (c)", "", "X<a", "b>", ""}});
