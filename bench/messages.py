@@ -39,9 +39,10 @@ class Random:
         return (words or WORDS)[self.below(len(words or WORDS))]
 
     def bytes(self, count):
-        """Incompressible bytes: a block of a megabyte, repeated from different offsets.""" block =
-        b"".join(self.next().to_bytes(8, "little") for _ in range(min(count, 1 << 20) // 8 + 1))
-        pieces, left, turn = [], count, 0 while left > 0:
+        """Incompressible bytes: a block of a megabyte, repeated from different offsets."""
+        block = b"".join(self.next().to_bytes(8, "little") for _ in range(min(count, 1 << 20) // 8 + 1))
+        pieces, left, turn = [], count, 0
+        while left > 0:
             pieces.append(block[turn % 4093:][:left])
             left -= len(pieces[-1])
             turn += 1
@@ -142,8 +143,7 @@ def newsletter(seed, size):
                             f"{random.below(9999)}&amp;u={random.below(99)}\">{word}</a>",
                          1: f"<b>{word}</b>",
                          2: f"&eacute;&nbsp;{word} &amp; résumé"}.get(kind, word))
-        html.append(f"<tr><td class=\"c{random.below(40)}\" style=\"padding:4px\"><p>{'
-        '.join(cell)}"
+        html.append(f"<tr><td class=\"c{random.below(40)}\" style=\"padding:4px\"><p>{' '.join(cell)}"
                     f"</p><br><img src=\"https://img.example.com/{random.below(1 << 32):08x}.gif\" "
                     f"alt=\"{random.word()}\"></td></tr>\r\n")
     html.append("</table></body></html>\r\n")

@@ -9,8 +9,8 @@ import program
 from program import SAMPLES, TIMEOUT, ZQV, environment
 
 # Mounts a small disk at $1 that only this process sees, and runs the other arguments in its folder.
-MOUNT = 'mount -t tmpfs -o size=64k none "$1" && cd "$1" && shift && exec "$@"' NAMESPACE =
-["unshare", "--mount"] if os.getuid() == 0 else ["unshare", "--map-root-user", "--mount"]
+MOUNT = 'mount -t tmpfs -o size=64k none "$1" && cd "$1" && shift && exec "$@"'
+NAMESPACE = ["unshare", "--mount"] if os.getuid() == 0 else ["unshare", "--map-root-user", "--mount"]
 
 
 def on_small_disk(disk, script):
@@ -36,13 +36,12 @@ class DiskFullTest(program.TestCase):
         data = "Subject: x\nMIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=b\n\n"
         for name, size in (("small", 1000), ("large", 100_000)):
             data += (f"--b\nContent-Type: application/x-{name}\n"
-                     f"Content-Disposition: attachment; filename={name}.bin\n\n" + "x" * size +
-                     "\n")
+                     f"Content-Disposition: attachment; filename={name}.bin\n\n" + "x" * size + "\n")
         self.write("large.eml", data + "--b--\n")
 
     def check(self, command, left, error):
-        """Runs the command, and then lists the files on the disk with their sizes.""" run =
-        on_small_disk(self.disk, command + '; code=$?; find . -type f -printf "%p %s\\n" | sort; '
+        """Runs the command, and then lists the files on the disk with their sizes."""
+        run = on_small_disk(self.disk, command + '; code=$?; find . -type f -printf "%p %s\\n" | sort; '
                                                  "exit $code")
         self.assertEqual(run.returncode, 1, run)
         self.assertEqual(run.stdout.decode(), left, run)

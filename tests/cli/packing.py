@@ -28,8 +28,9 @@ def attribute(level, number, data):
 
 def tnef(*files):
     """TNEF data with the files (name, data). Each has a short name, and its complete name as a
-    property.""" parts = struct.pack("<IH", 0x223E9F78, 1) + attribute(1, 0x00069007,
-    struct.pack("<II", 1252, 0)) for name, data in files:
+    property."""
+    parts = struct.pack("<IH", 0x223E9F78, 1) + attribute(1, 0x00069007, struct.pack("<II", 1252, 0))
+    for name, data in files:
         wide = (name + "\0").encode("utf-16-le")
         padding = b"\0" * (-len(wide) % 4)
         named = (struct.pack("<HH", 3, 0x8001) + bytes(16) + struct.pack("<III", 0, 7, 99))

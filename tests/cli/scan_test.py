@@ -78,9 +78,9 @@ class RowsTest(program.TestCase):
 
     @unittest.skipIf("asan" in str(ZQV), "the sanitizer takes far more")
     def test_memory_does_not_grow(self):
-        separator = "From a@b.c Mon Jan  1 10:00:00 2024\n" path = self.write("a.mbox", (separator +
-        letter() + "\n") * 20000) result = self.expect(zqv("scan", "--csv", path, preexec_fn=lambda:
-        program.limit_memory(200)),
+        separator = "From a@b.c Mon Jan  1 10:00:00 2024\n"
+        path = self.write("a.mbox", (separator + letter() + "\n") * 20000)
+        result = self.expect(zqv("scan", "--csv", path, preexec_fn=lambda: program.limit_memory(200)),
                              0, None)
         self.assertEqual(len(result.out.splitlines()), 20001)
 
@@ -123,8 +123,7 @@ class FilterTest(program.TestCase):
                     out="0  attachment  application/pdf  6  a.pdf  -\n")
         self.expect(zqv("extract", "-r", "mail", "--has-attachment", "--dir", "out",
                         cwd=self.folder), out="out/a.pdf\n")
-        result = zqv("export", "-r", "mail", "--to", "made", "--recipient", "team", "--form",
-        "text",
+        result = zqv("export", "-r", "mail", "--to", "made", "--recipient", "team", "--form", "text",
                      cwd=self.folder)
         self.assertEqual(result.code, 0, result)
         self.assertEqual(sorted(path.name for path in (self.folder / "made").rglob("*.txt")),

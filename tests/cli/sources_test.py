@@ -58,9 +58,9 @@ class MailboxTest(SourceTest):
                     out="From a\n>From b\n> From c\n>Fromd\n")
 
     def test_a_paragraph_that_begins_with_from_is_no_separator(self):
-        body = "a\n\nFrom time to time\n\nFrom 9:30 on\n\nFrom May on\nFrom b Sat Jan  3 01:05:34
-        1996" self.write("a.mbox", from_line() + message("one", body)) self.expect(zqv("text",
-        "a.mbox", cwd=self.folder), out=body + "\n")
+        body = "a\n\nFrom time to time\n\nFrom 9:30 on\n\nFrom May on\nFrom b Sat Jan  3 01:05:34 1996"
+        self.write("a.mbox", from_line() + message("one", body))
+        self.expect(zqv("text", "a.mbox", cwd=self.folder), out=body + "\n")
 
     def test_separators_of_many_programs(self):
         for date in ("Sat Jan  3 01:05:34 1996", "Sat Jan  3 01:05 1996",
@@ -310,10 +310,11 @@ class ContainersTest(program.TestCase):
         self.expect(self.texts("1.emlx"), out="Subject: one\n")
 
     def test_files_that_are_no_messages(self):
-        folder = self.folder / "mail" folder.mkdir() rows = {b"\x7FELF\x02\x01": "a program",
-        b"MZ\x90\0": "a program", b"#!/bin/sh\n": "a script",
-                b"\xD0\xCF\x11\xE0": "an OLE file, such as .msg, .doc or Thumbs.db", b"%PDF-1.7\n":
-                "a PDF document", b"hello\nworld: x y\n"[:6]: "a text without header fields",
+        folder = self.folder / "mail"
+        folder.mkdir()
+        rows = {b"\x7FELF\x02\x01": "a program", b"MZ\x90\0": "a program", b"#!/bin/sh\n": "a script",
+                b"\xD0\xCF\x11\xE0": "an OLE file, such as .msg, .doc or Thumbs.db",
+                b"%PDF-1.7\n": "a PDF document", b"hello\nworld: x y\n"[:6]: "a text without header fields",
                 b"\0\1\2\n": "a file of bytes"}
         for i, (data, what) in enumerate(rows.items()):
             path = self.write(f"mail/{i}", data)
