@@ -1,109 +1,17 @@
-"""The page that `zqv report` writes: its contents and its form, and that nothing in a message makes
-a browser execute, load or send anything.
-
-Tests with a browser are skipped without Debian's chromium, chromium-driver and python3-selenium,
-which is visible to Debian's own Python.
-"""
+"""The page that `zqv report` writes: its contents, its form and where it is written."""
 
 import base64
 import hashlib
 import html
-import pathlib
 import re
 import resource
 import subprocess
-import sys
-import time
 import unittest
 
 import program
 from program import SAMPLES, ZQV, zqv
-from report_pages import DOT, BrowserCase, Page, ReportCase, file_part, message
-
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
-import browser
-
-try:
-    from selenium.webdriver.common.by import By
-except ImportError:
-    pass  # browser.MISSING lists what is missing
-
-SETTLING = 0.7  # seconds in which a page may try to load something
-
-# HTML that contacts a server as soon as it is shown; @/ stands for the server.
-LOADING = {
-    "picture": "<img src='@/1'>",
-    "picture in a set": "<img srcset='@/1 1x, @/2 2x'>",
-    "picture of a button": "<input type=image src='@/1'>",
-    "background": "<table background='@/1'><tr><td>x</td></tr></table>",
-    "style": "<p style='background: url(@/1)'>x</p>",
-    "style sheet with a picture": "<style>body { background: url('@/1') }</style>",
-    "style sheet with another": "<style>@import url('@/1');</style>",
-    "style sheet with another, escaped": "<style>@\\69mport '@/1';</style>",
-    "style with escapes": "<p style='background: \\75rl(@/1)'>x</p>",
-    "style with references": "<p style='background: &bsol;75&#x20;rl&lpar;@/1&rpar;'>x</p>",
-    "style with a comment": "<p style='background:/**/url(/**/@/1)'>x</p>"
-                            "<p style='background:/**/url(@/2)/**/'>x</p>",
-    "style with a set of pictures": "<p style='background: image-set(\"@/1\" 1x)'>x</p>",
-    "style with an old set": "<p style='background: -webkit-image-set(url(@/1) 1x)'>x</p>",
-    "style with a variable": "<style>p { --a: url(@/1); background: var(--a) }</style><p>x</p>",
-    "style with a picture for text": "<p style='content: url(@/1)'>x</p>",
-    "style with a shape": "<p style='float: left; shape-outside: url(@/1)'>x</p>",
-    "style with a mask": "<p style='mask-image: url(@/1)'>x</p>",
-    "style with a border": "<p style='border: 1px solid; border-image: url(@/1) 1'>x</p>",
-    "style of a list": "<ul><li style='list-style: url(@/1)'>x</li></ul>",
-    "style for the page around": "<style>:root { background: url(@/1) }</style>",
-    "style in a query": "<style>@media screen { p { background: url(@/1) } }</style><p>x</p>",
-    "nested style": "<style>body { p { background: url(@/1) } }</style><p>x</p>",
-    "style of text before": "<style>p::before { content: url(@/1) }</style><p>x</p>",
-    "style sheet elsewhere": "<link rel=stylesheet href='@/1'>",
-    "font": "<style>@font-face { font-family: f; src: url('@/1') } p { font-family: f }</style>"
-            "<p>x</p>",
-    "script elsewhere": "<script src='@/1'></script>",
-    "script": "<script>document.title = 'taken'; new Image().src = '@/1'</script>",
-    "handler": "<img src='data:,' onerror=\"this.onerror = null; document.title = 'taken'; "
-               "this.src = '@/1'\">",
-    "handler of an SVG": "<svg onload=\"document.title = 'taken'; fetch('@/1')\"></svg>",
-    "picture in an SVG": "<svg><image href='@/1' width=9 height=9></image></svg>",
-    "frame": "<iframe src='@/1'></iframe>",
-    "frame in a frame": "<iframe srcdoc=\"<img src='@/1'>\"></iframe>",
-    "object": "<object data='@/1'></object>",
-    "embedded": "<embed src='@/1'>",
-    "film": "<video poster='@/1' src='@/2' autoplay></video>",
-    "refresh": "<meta http-equiv=refresh content='0; url=@/1'>",
-    "base": "<base href='@/'><img src='1'>",
-    "preload": "<link rel=preload as=image href='@/1'>",
-    "connection": "<link rel=preconnect href='@/'>",
-    "script from a link": "<a href=\"javascript:fetch('@/1')\" id=self>x</a>"
-                          "<script>document.getElementById('self').click()</script>",
-    "form": "<form id=f action='@/1'><input name=a></form><script>f.submit()</script>",
-    "attribute that ends early": "<p title='\"><img src=@/1>'></p><p title='x'><img src='@/1'></p>",
-    "comment that ends early": "<!--><img src='@/1'>-->",
-    "raw text that ends": "<textarea></textarea><img src='@/1'>",
-}
-
-# Text that leaves its place in a page that does not escape it: it must not end an attribute or an
-# element.
-BREAKING = """\
-"><img src='@/1'><script>document.title = 'taken'</script>
-'><svg/onload="document.title = 'taken'">
-"></iframe><script src='@/1'></script><img src=@/2>
-&quot;&gt;&lt;img src=@/1&gt;&#34;&#62;
-<scr\0ipt src='@/1'></scr\0ipt><im\0g src='@/1'><\0script>document.title = 'taken'</script>
-<style>p { }</st\0yle><img src='@/1'></style>
-<style>@import '@/1'</style ><img/src="@/1"/onerror=x><IMG SRC=@/1><img src
-='@/1'><img src=@/1
-"""
-
-# HTML that contacts a server when it is clicked.
-WAITING = """\
-<a href="@/1" target=_top>top</a> <a href='@/2'>self</a> <a href=@/3 target=_blank ping=@/4>new</a>
-<form action='@/5' method=post target=_top><input type=submit value=send><button>b</button></form>
-<map name=m><area href='@/6' shape=default></map><img usemap=#m src='data:image/gif;base64,%s'>
-<details ontoggle="document.title = 'taken'"><summary>more</summary></details>
-""" % base64.b64encode(DOT).decode()
-
-EVERYWHERE = "</title></pre></style>\"'><script>document.title='taken'</script><img src=@/9>\u202E"
+from report_pages import DOT, Page, ReportCase, file_part, message
+from report_tricks import LOADING
 
 
 class ContentTest(ReportCase):
@@ -381,128 +289,6 @@ class FileTest(ReportCase):
         self.expect(zqv("report", self.letter, SAMPLES / "html-only.eml", "-o", self.target), 1,
                     "", None)
         self.assertEqual(self.names(), [])
-
-
-@unittest.skipIf(browser.MISSING, f"needs {', '.join(browser.MISSING)}")
-class BrowserTest(BrowserCase):
-    width = 1100
-
-    def armed(self, text):
-        return text.replace("@/", self.server.address + "/")
-
-    def open(self, text, name="page.html"):
-        self.browser.get(self.write(name, text).as_uri())
-        time.sleep(SETTLING)
-        self.shoot(self.id().split(".")[-1])
-
-    def check_quiet(self, title):
-        """Requires no connection, no script, and no lines on the console except those for blocked
-        requests."""
-        self.assertEqual(self.browser.title, title)
-        log = [entry["message"] for entry in self.browser.get_log("browser")]
-        self.assertEqual([line for line in log if "Content Security Policy" not in line], [])
-        self.assertEqual(self.server.take(), 0, log)
-
-    def within_frame(self, code):
-        self.browser.switch_to.frame(self.browser.find_element(By.TAG_NAME, "iframe"))
-        try:
-            return self.script(code)
-        finally:
-            self.browser.switch_to.default_content()
-
-    def test_each_trick_works_on_a_plain_page(self):
-        # This proves that the tests below can fail.
-        for name, trick in LOADING.items():
-            with self.subTest(name):
-                self.browser.get("about:blank")
-                self.server.take()
-                self.browser.get(self.write("trick.html", self.armed(trick)).as_uri())
-                self.assertTrue(self.server.wait())
-
-    def test_each_trick_fails_on_the_report(self):
-        for name, trick in LOADING.items():
-            with self.subTest(name):
-                self.open(self.page(message(self.armed(trick), subject="Tricks")))
-                self.check_quiet("Tricks")
-                self.command("Page.printToPDF", printBackground=True)
-                self.check_quiet("Tricks")
-
-    def test_all_tricks_at_once(self):
-        tricks = "".join(LOADING.values()) + BREAKING + WAITING
-        everywhere = self.armed(EVERYWHERE)
-        text = message(self.armed(tricks), file_part(DOT, everywhere.replace('"', "'")),
-                       f"Content-Type: text/x-{everywhere}\n\n{self.armed(tricks)}",
-                       subject=everywhere, plain=self.armed(tricks),
-                       field=f"X-Trick: {self.armed(tricks.splitlines()[0])}\n"
-                             f"To: {everywhere} <a@example.org>\nDate: {everywhere}\n")
-        page = self.page(text)
-        self.open(page)
-        self.assertEqual(self.script("return document.scripts.length"), 0)
-        self.assertEqual(self.script("return document.querySelectorAll('iframe').length"), 1)
-        self.check_quiet(everywhere.replace("\u202E", "\\u{202E}"))
-
-    def test_clicks_do_nothing(self):
-        self.open(self.page(message(self.armed(WAITING), subject="Waiting")))
-        self.browser.switch_to.frame(self.browser.find_element(By.TAG_NAME, "iframe"))
-        found = self.browser.find_elements(By.CSS_SELECTOR, "a, form, input, button, area, img")
-        self.assertEqual([element.tag_name for element in found], ["a", "a", "a", "img"])
-        for element in found:
-            element.click()
-        self.browser.switch_to.default_content()
-        time.sleep(SETTLING)
-        self.assertEqual(len(self.browser.window_handles), 1)
-        self.check_quiet("Waiting")
-
-    def test_sandbox_and_policy_suffice_without_cleaning(self):
-        # Puts the text into the frame without cleaning it, so that only sandbox and policy protect.
-        # Two tricks are left out: for them the browser opens a connection before it applies the
-        # policy.
-        early = ("connection", "frame")
-        tricks = "".join(trick for name, trick in LOADING.items() if name not in early)
-        self.open(self.with_raw_text(frame=tricks + BREAKING.replace("\0", "") + WAITING))
-        self.assertEqual(self.browser.title, "Alone")
-        self.assertEqual(self.server.take(), 0)
-
-    def test_policy_suffices_without_cleaning(self):
-        # Does the same with the copy for printing. A policy does not prevent the page from
-        # navigating elsewhere, so tricks that do are left out.
-        others = ("connection", "frame", "refresh")
-        tricks = "".join(trick for name, trick in LOADING.items() if name not in others)
-        self.open(self.with_raw_text(copy=tricks + BREAKING.replace("\0", "") + WAITING))
-        self.command("Page.printToPDF", printBackground=True)
-        self.assertEqual(self.browser.title, "Alone")
-        self.assertEqual(self.server.take(), 0)
-
-    def with_raw_text(self, copy="", frame=""):
-        """A page with HTML that was not cleaned."""
-        page = self.page(message("MARK", subject="Alone")).split("MARK")
-        self.assertEqual(len(page), 3)
-        return (page[0] + self.armed(copy) + page[1] + html.escape(self.armed(frame)) + page[2])
-
-    def test_good_page(self):
-        self.open(self.page(SAMPLES / "attachments.eml"))
-        self.assertEqual(self.script("return document.querySelector('h1').textContent"),
-                         "Quarterly figures and the chart")
-        self.assertEqual(
-            self.script("return Array.from(document.querySelectorAll('#parts .number'))"
-                        ".map((e) => e.textContent)"), ["0", "1", "1.1", "1.2", "2", "3"])
-        widths = self.script("return Array.from(document.images).map((i) => i.naturalWidth)")
-        self.assertEqual(len(widths), 1)
-        self.assertGreater(widths[0], 0)
-        self.assertIn("3\xA0% below", self.within_frame("return document.body.textContent"))
-        self.assertEqual(browser.wait_for_console(self.browser, 0.5), [])
-
-    def test_pictures_of_the_text(self):
-        self.open(self.page(SAMPLES / "inline-images.eml"))
-        widths = self.within_frame(
-            "return Array.from(document.images).map((i) => i.naturalWidth)")
-        self.assertEqual(len(widths), 2)
-        self.assertGreater(min(widths), 0)
-
-    def test_findings_are_shown(self):
-        self.open(self.page(SAMPLES / "malformed.eml"))
-        shown = self.script("return document.querySelectorAll('#findings li').length")
-        self.assertEqual(shown, len(zqv("check", SAMPLES / "malformed.eml").out.splitlines()))
 
 
 if __name__ == "__main__":
