@@ -22,6 +22,7 @@ namespace {
 // The time that the replaced clock returns; the real time when empty.
 std::optional<std::time_t> g_now;
 bool g_localtime_fails = false;
+int g_localtime_calls = 0;
 
 constexpr char kUtc[] = "UTC0";
 constexpr char kOneHourEast[] = "<+01>-1";
@@ -45,6 +46,7 @@ std::time_t __wrap_time(std::time_t* result) {
 }
 
 std::tm* __wrap_localtime_r(const std::time_t* time, std::tm* result) {
+  ++zqv::test::g_localtime_calls;
   return zqv::test::g_localtime_fails ? nullptr : __real_localtime_r(time, result);
 }
 
@@ -163,6 +165,14 @@ TEST_F(Dates, UsesTheOffsetOfTheMoment) {
     g_now = kInSummer;
     EXPECT_THAT(Sent(date), ::testing::EndsWith("T12:00:00")) << month;
   }
+}
+
+TEST_F(Dates, LocalTimeIsReadOnceForAllDatesOfAMessage) {
+  g_localtime_calls = 0;
+  ParseHeader(
+      "Date: 1 Jan 2019 10:00:00 +0000\nReceived: a; 2 Jan 2019 10:00:00 +0000\n"
+      "Received: b; 4 Jan 2019 10:00:00 +0000\n");
+  EXPECT_EQ(g_localtime_calls, 1);
 }
 
 TEST_F(Dates, StayWhenTheLocalTimeCannotBeHad) {
