@@ -20,10 +20,4 @@ void Set(MimeAddressClassData& record, const mime::Address& address) {
     record.Group.Put(NewFilled<MimeGroupClassData>(group));
 }
 
-void Clear(MimeAddressClassData& record) {
-  record.Group.Clear();
-  record.Mailbox.Clear();
-  record.StringValue.Clear();
-}
-
 }  // namespace zqv::objects

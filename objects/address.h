@@ -10,9 +10,6 @@ namespace zqv::objects {
 // Fills an empty record. The mailbox object is nil when the mailbox has no local part, the group
 // object when the group has neither a name nor members.
 void Set(MimeAddressClassData& record, const mime::Address& address);
-// Gives back all locks that the record owns and sets its slots to nil.
-void Clear(MimeAddressClassData& record);
-
 // Constructor and destructor, registered with the host.
 inline constexpr auto MimeAddressConstructor =
     &ConstructFromText<MimeAddressClassData, mime::AddressValue>;

@@ -17,9 +17,4 @@ void Set(MimeAddressListClassData& record, const mime::AddressList& list) {
   }
 }
 
-void Clear(MimeAddressListClassData& record) {
-  record.StringValue.Clear();
-  record.addresses.Clear();
-}
-
 }  // namespace zqv::objects

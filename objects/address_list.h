@@ -10,9 +10,6 @@ namespace zqv::objects {
 
 // Fills an empty record. Every address gets an object, also an empty one.
 void Set(MimeAddressListClassData& record, const mime::AddressList& list);
-// Gives back all locks that the record owns and sets its slots to nil.
-void Clear(MimeAddressListClassData& record);
-
 // List members, constructor and destructor, registered with the host.
 using ListedAddresses = ListAccess<&MimeAddressListClassData::addresses>;
 inline constexpr auto MimeAddressListConstructor =

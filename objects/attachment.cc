@@ -53,18 +53,4 @@ void AddAttachment(ArraySlot& list, const ListedPart& part) {
   if (list) host::AppendObject(list.get(), object.get());
 }
 
-void Clear(MimeAttachmentClassData& record) {
-  record.Body.Clear();
-  record.Header.Clear();
-  record.Data.Clear();
-  record.Filename.Clear();
-  record.MimeType.Clear();
-  record.MimeVersion.Clear();
-  record.ContentType.Clear();
-  record.ContentTransferEncoding.Clear();
-  record.ContentDisposition.Clear();
-  record.ContentDescription.Clear();
-  record.contentId.Clear();
-}
-
 }  // namespace zqv::objects

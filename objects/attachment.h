@@ -21,9 +21,6 @@ struct ListedPart {
 // the part is not listed.
 void AddAttachment(ArraySlot& list, const ListedPart& part);
 
-// Gives back all locks that the record owns and sets its slots to nil.
-void Clear(MimeAttachmentClassData& record);
-
 // Constructor and destructor, registered with the host.
 inline constexpr auto MimeAttachmentConstructor = &ConstructEmpty;
 inline constexpr auto Destructor = &DestroyRecord<MimeAttachmentClassData>;

@@ -1,5 +1,7 @@
 #include "objects/body.h"
 
+#include <utility>
+
 #include "host/arrays.h"
 #include "host/record.h"
 #include "host/strings.h"
@@ -19,10 +21,9 @@ host::ObjectRef NewMimeBodyZQV(const mime::Part& part) {
 }
 
 void Clear(MimeBodyClassData& record) {
-  record.preamble.Clear();
-  record.epilogue.Clear();
-  record.StringValue.Clear();
-  ReleaseParts(record.parts.Take());
+  host::ArrayRef parts = record.parts.Take();
+  ClearSlots(record);
+  ReleaseParts(std::move(parts));
 }
 
 }  // namespace zqv::objects

@@ -11,10 +11,6 @@ namespace zqv::objects {
 // make one. [new lock]
 host::ObjectRef NewMimeBodyZQV(const mime::Part& part);
 
-// Gives back all locks that the record owns, the list of parts through ReleaseParts (release.h),
-// and sets its slots to nil.
-void Clear(MimeBodyClassData& record);
-
 // List members, constructor and destructor, registered with the host.
 using BodyParts = ListAccess<&MimeBodyClassData::parts>;
 inline constexpr auto MimeBodyConstructor = &ConstructEmpty;

@@ -64,18 +64,4 @@ void StoreHtmlText(MimeEntityClassData& email_record, const StringSlot& text) {
   email_record.HTMLText.Put(text.Share());
 }
 
-void Clear(MimeEntityClassData& record) {
-  record.Header.Clear();
-  record.Body.Clear();
-  record.PlainText.Clear();
-  record.HTMLText.Clear();
-  record.BodyDecoded.Clear();
-  record.Subject.Clear();
-  record.Source.Clear();
-  record.Attachments.Clear();
-  record.Inlines.Clear();
-  record.SentDate.Clear();
-  record.ReceivedDate.Clear();
-}
-
 }  // namespace zqv::objects

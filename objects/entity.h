@@ -35,9 +35,6 @@ host::StringRef BuildBodyText(const mime::Header& header, std::string_view decod
 void StorePlainText(MimeEntityClassData& email_record, const StringSlot& text);
 void StoreHtmlText(MimeEntityClassData& email_record, const StringSlot& text);
 
-// Gives back all locks that the record owns and sets its slots to nil.
-void Clear(MimeEntityClassData& record);
-
 // Constructor and destructor, registered with the host. MimeEmailZQV uses this destructor, too.
 inline constexpr auto MimeEntityConstructor = &ConstructEmpty;
 inline constexpr auto MimeEntityDestructor = &DestroyRecord<MimeEntityClassData>;

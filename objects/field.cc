@@ -12,11 +12,6 @@ void Set(MimeFieldClassData& record, std::string_view name, std::string_view val
   record.Name.Put(host::BuildDetectedString(name));
 }
 
-void Clear(MimeFieldClassData& record) {
-  record.Name.Clear();
-  record.Value.Clear();
-}
-
 void MimeFieldConstructor(abi::REALobject self, abi::REALstring text) {
   FillFromText<MimeFieldClassData>(self, text, nullptr,
                                    [](MimeFieldClassData& record, const std::string& utf8) {

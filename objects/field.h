@@ -12,9 +12,6 @@ namespace zqv::objects {
 // NUL.
 void Set(MimeFieldClassData& record, std::string_view name, std::string_view value);
 
-// Gives back all locks that the record owns and sets its slots to nil.
-void Clear(MimeFieldClassData& record);
-
 // Constructor and destructor, registered with the host. The constructor parses "Name: value".
 void MimeFieldConstructor(abi::REALobject self, abi::REALstring text);
 inline constexpr auto MimeFieldDestructor = &DestroyRecord<MimeFieldClassData>;

@@ -13,11 +13,4 @@ void Set(MimeGroupClassData& record, const mime::Group& group) {
   record.mailboxes.Put(NewMailboxArray(group.mailboxes));
 }
 
-void Clear(MimeGroupClassData& record) {
-  record.StringValue.Clear();
-  record.Name.Clear();
-  record.NameDecoded.Clear();
-  record.mailboxes.Clear();
-}
-
 }  // namespace zqv::objects

@@ -13,9 +13,6 @@ namespace zqv::objects {
 // not have them. Part of the interface's contract; changing it is a major version. Test:
 // Addresses.GroupNameKeepsItsQuotes.
 void Set(MimeGroupClassData& record, const mime::Group& group);
-// Gives back all locks that the record owns and sets its slots to nil.
-void Clear(MimeGroupClassData& record);
-
 // List members, constructor and destructor, registered with the host.
 using GroupMailboxes = ListAccess<&MimeGroupClassData::mailboxes>;
 inline constexpr auto MimeGroupConstructor =

@@ -90,26 +90,6 @@ host::ObjectRef NewMimeHeaderZQV(const mime::Header& header) {
   return object;
 }
 
-void Clear(MimeHeaderClassData& record) {
-  record.MimeVersion.Clear();
-  record.ContentType.Clear();
-  record.ContentTransferEncoding.Clear();
-  record.ContentTransferEncodingMechanism.Clear();
-  record.ContentDisposition.Clear();
-  record.ContentDescription.Clear();
-  record.contentId.Clear();
-  record.sender.Clear();
-  record.from.Clear();
-  record.too.Clear();
-  record.subject.Clear();
-  record.subjectDecoded.Clear();
-  record.replyto.Clear();
-  record.cc.Clear();
-  record.bcc.Clear();
-  record.messageid.Clear();
-  record.fields.Clear();
-}
-
 abi::RBBoolean hasField(abi::REALobject self, abi::REALstring name) {
   return host::Guard([=] { return static_cast<abi::RBBoolean>(FindField(self, name) ? 1 : 0); });
 }

@@ -12,9 +12,6 @@ namespace zqv::objects {
 // a host exception and returns the object as far as it was filled. [new lock]
 host::ObjectRef NewMimeHeaderZQV(const mime::Header& header);
 
-// Gives back all locks that the record owns and sets its slots to nil.
-void Clear(MimeHeaderClassData& record);
-
 // List members, constructor, destructor and methods, registered with the host.
 using HeaderFields = ListAccess<&MimeHeaderClassData::fields>;
 inline constexpr auto MimeHeaderConstructor = &ConstructEmpty;

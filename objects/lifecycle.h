@@ -1,18 +1,30 @@
 // Constructors and destructors that the classes share, as templates.
 //
-// Each record type has two overloaded functions: Set(record, parsed) fills an empty record from a
-// value that was parsed, and Clear(record) gives back all locks that the record owns, in the order
-// in which its body lists them.
+// A class that applications can make has an overload of Set(record, parsed), which fills an empty
+// record from a value that was parsed.
 #pragma once
 
 #include <string>
+#include <tuple>
 
 #include "host/errors.h"
 #include "host/record.h"
 #include "host/text_reader.h"
 #include "mime/limits.h"
+#include "objects/records.h"
 
 namespace zqv::objects {
+
+// Gives back all locks that the record owns, in the order of its kSlots, and sets its slots to nil.
+template <class Record>
+void ClearSlots(Record& record) {
+  std::apply([&](auto... slot) { ((record.*slot).Clear(), ...); }, kSlots<Record>);
+}
+template <class Record>
+void Clear(Record& record) {
+  ClearSlots(record);
+}
+void Clear(MimeBodyClassData& record);  // gives its parts back without recursion (body.cc)
 
 // The destructor of the class with this record, registered with the host.
 template <class Record>

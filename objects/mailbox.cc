@@ -32,15 +32,6 @@ void Set(MimeMailboxClassData& record, const mime::Mailbox& mailbox) {
   record.Sourceroute.Put(host::BuildDetectedText(mailbox.source_route));
 }
 
-void Clear(MimeMailboxClassData& record) {
-  record.StringValue.Clear();
-  record.Mailbox.Clear();
-  record.Domain.Clear();
-  record.Label.Clear();
-  record.LabelDecoded.Clear();
-  record.Sourceroute.Clear();
-}
-
 host::ArrayRef NewMailboxArray(mime::MailboxRange mailboxes) {
   host::ArrayRef array = host::NewObjectArray();
   if (!array) return array;

@@ -9,9 +9,6 @@ namespace zqv::objects {
 
 // Fills an empty record.
 void Set(MimeMailboxClassData& record, const mime::Mailbox& mailbox);
-// Gives back all locks that the record owns and sets its slots to nil.
-void Clear(MimeMailboxClassData& record);
-
 // Creates an array with an object for each mailbox that has a local part. Nil when the host cannot
 // make an array. [new lock]
 host::ArrayRef NewMailboxArray(mime::MailboxRange mailboxes);

@@ -10,9 +10,4 @@ void Set(MimeMailboxListClassData& record, const mime::MailboxList& list) {
   record.mailboxes.Put(NewMailboxArray({list.begin(), list.size()}));
 }
 
-void Clear(MimeMailboxListClassData& record) {
-  record.StringValue.Clear();
-  record.mailboxes.Clear();
-}
-
 }  // namespace zqv::objects

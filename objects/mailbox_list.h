@@ -10,9 +10,6 @@ namespace zqv::objects {
 
 // Fills an empty record. Mailboxes without a local part get no object in the array.
 void Set(MimeMailboxListClassData& record, const mime::MailboxList& list);
-// Gives back all locks that the record owns and sets its slots to nil.
-void Clear(MimeMailboxListClassData& record);
-
 // List members, constructor and destructor, registered with the host.
 using ListedMailboxes = ListAccess<&MimeMailboxListClassData::mailboxes>;
 inline constexpr auto MimeMailboxListConstructor =

@@ -6,6 +6,8 @@
 // The host fills records with zeros; no C++ constructor or destructor runs for them.
 #pragma once
 
+#include <cstddef>
+#include <tuple>
 #include <type_traits>
 
 #include "host/ref.h"
@@ -15,6 +17,19 @@ namespace zqv::objects {
 using host::ArraySlot;
 using host::ObjectSlot;
 using host::StringSlot;
+
+// All slots of a record, as pointers to members, in the order in which the destructor gives them
+// back (ClearSlots in objects/lifecycle.h).
+template <class Record>
+inline constexpr std::tuple<> kSlots;
+
+// Whether kSlots is as long as the record. `others`: the fields of the record that are no slots,
+// each of which takes the place of one.
+template <class Record>
+constexpr bool HasAllSlots(std::size_t others = 0) {
+  constexpr std::size_t kCount = std::tuple_size_v<std::decay_t<decltype(kSlots<Record>)>>;
+  return sizeof(Record) == (kCount + others) * sizeof(void*);
+}
 
 // MimeEntityZQV and MimeEmailZQV. An entity inside a message uses Header, Body, BodyDecoded and the
 // dates; all other fields are used by MimeEmailZQV only.
@@ -31,6 +46,14 @@ struct MimeEntityClassData {
   ObjectSlot SentDate;      // the host's Date
   ObjectSlot ReceivedDate;  // the host's Date
 };
+template <>
+inline constexpr auto kSlots<MimeEntityClassData> = std::tuple(
+    &MimeEntityClassData::Header, &MimeEntityClassData::Body, &MimeEntityClassData::PlainText,
+    &MimeEntityClassData::HTMLText, &MimeEntityClassData::BodyDecoded,
+    &MimeEntityClassData::Subject, &MimeEntityClassData::Source, &MimeEntityClassData::Attachments,
+    &MimeEntityClassData::Inlines, &MimeEntityClassData::SentDate,
+    &MimeEntityClassData::ReceivedDate);
+static_assert(HasAllSlots<MimeEntityClassData>());
 
 struct MimeBodyClassData {
   StringSlot preamble;
@@ -38,6 +61,12 @@ struct MimeBodyClassData {
   StringSlot StringValue;
   ArraySlot parts;  // of MimeEntityZQV
 };
+template <>
+inline constexpr auto kSlots<MimeBodyClassData> = std::tuple(&MimeBodyClassData::preamble,
+                                                             &MimeBodyClassData::epilogue,
+                                                             &MimeBodyClassData::StringValue,
+                                                             &MimeBodyClassData::parts);
+static_assert(HasAllSlots<MimeBodyClassData>());
 
 struct MimeHeaderClassData {
   StringSlot MimeVersion;
@@ -58,11 +87,26 @@ struct MimeHeaderClassData {
   StringSlot messageid;
   ArraySlot fields;  // of MimeFieldZQV; not a property, read by methods
 };
+template <>
+inline constexpr auto kSlots<MimeHeaderClassData> = std::tuple(
+    &MimeHeaderClassData::MimeVersion, &MimeHeaderClassData::ContentType,
+    &MimeHeaderClassData::ContentTransferEncoding,
+    &MimeHeaderClassData::ContentTransferEncodingMechanism,
+    &MimeHeaderClassData::ContentDisposition, &MimeHeaderClassData::ContentDescription,
+    &MimeHeaderClassData::contentId, &MimeHeaderClassData::sender, &MimeHeaderClassData::from,
+    &MimeHeaderClassData::too, &MimeHeaderClassData::subject, &MimeHeaderClassData::subjectDecoded,
+    &MimeHeaderClassData::replyto, &MimeHeaderClassData::cc, &MimeHeaderClassData::bcc,
+    &MimeHeaderClassData::messageid, &MimeHeaderClassData::fields);
+static_assert(HasAllSlots<MimeHeaderClassData>());
 
 struct MimeFieldClassData {
   StringSlot Value;
   StringSlot Name;
 };
+template <>
+inline constexpr auto kSlots<MimeFieldClassData> = std::tuple(&MimeFieldClassData::Name,
+                                                              &MimeFieldClassData::Value);
+static_assert(HasAllSlots<MimeFieldClassData>());
 
 struct MimeMailboxClassData {
   StringSlot StringValue;
@@ -72,6 +116,14 @@ struct MimeMailboxClassData {
   StringSlot LabelDecoded;
   StringSlot Sourceroute;
 };
+template <>
+inline constexpr auto kSlots<MimeMailboxClassData> = std::tuple(&MimeMailboxClassData::StringValue,
+                                                                &MimeMailboxClassData::Mailbox,
+                                                                &MimeMailboxClassData::Domain,
+                                                                &MimeMailboxClassData::Label,
+                                                                &MimeMailboxClassData::LabelDecoded,
+                                                                &MimeMailboxClassData::Sourceroute);
+static_assert(HasAllSlots<MimeMailboxClassData>());
 
 struct MimeGroupClassData {
   StringSlot StringValue;
@@ -79,6 +131,12 @@ struct MimeGroupClassData {
   StringSlot NameDecoded;
   ArraySlot mailboxes;  // of MimeMailboxZQV
 };
+template <>
+inline constexpr auto kSlots<MimeGroupClassData> = std::tuple(&MimeGroupClassData::StringValue,
+                                                              &MimeGroupClassData::Name,
+                                                              &MimeGroupClassData::NameDecoded,
+                                                              &MimeGroupClassData::mailboxes);
+static_assert(HasAllSlots<MimeGroupClassData>());
 
 // When isGroup is 1, Mailbox is nil, otherwise Group. Both may be nil.
 struct MimeAddressClassData {
@@ -87,16 +145,29 @@ struct MimeAddressClassData {
   ObjectSlot Mailbox;  // MimeMailboxZQV
   ObjectSlot Group;    // MimeGroupZQV
 };
+template <>
+inline constexpr auto kSlots<MimeAddressClassData> = std::tuple(&MimeAddressClassData::Group,
+                                                                &MimeAddressClassData::Mailbox,
+                                                                &MimeAddressClassData::StringValue);
+static_assert(HasAllSlots<MimeAddressClassData>(1));
 
 struct MimeMailboxListClassData {
   StringSlot StringValue;
   ArraySlot mailboxes;  // of MimeMailboxZQV
 };
+template <>
+inline constexpr auto kSlots<MimeMailboxListClassData> =
+    std::tuple(&MimeMailboxListClassData::StringValue, &MimeMailboxListClassData::mailboxes);
+static_assert(HasAllSlots<MimeMailboxListClassData>());
 
 struct MimeAddressListClassData {
   StringSlot StringValue;
   ArraySlot addresses;  // of MimeAddressZQV
 };
+template <>
+inline constexpr auto kSlots<MimeAddressListClassData> =
+    std::tuple(&MimeAddressListClassData::StringValue, &MimeAddressListClassData::addresses);
+static_assert(HasAllSlots<MimeAddressListClassData>());
 
 // QUIRK: MimeType stands before MimeVersion here, while the class table lists them the other way
 // round. Part of the interface's contract; changing it is a major version.
@@ -114,16 +185,14 @@ struct MimeAttachmentClassData {
   StringSlot ContentDescription;
   StringSlot contentId;
 };
-
-static_assert(sizeof(MimeEntityClassData) == 11 * sizeof(void*));
-static_assert(sizeof(MimeBodyClassData) == 4 * sizeof(void*));
-static_assert(sizeof(MimeHeaderClassData) == 17 * sizeof(void*));
-static_assert(sizeof(MimeFieldClassData) == 2 * sizeof(void*));
-static_assert(sizeof(MimeMailboxClassData) == 6 * sizeof(void*));
-static_assert(sizeof(MimeGroupClassData) == 4 * sizeof(void*));
-static_assert(sizeof(MimeAddressClassData) == 4 * sizeof(void*));
-static_assert(sizeof(MimeMailboxListClassData) == 2 * sizeof(void*));
-static_assert(sizeof(MimeAddressListClassData) == 2 * sizeof(void*));
-static_assert(sizeof(MimeAttachmentClassData) == 11 * sizeof(void*));
+template <>
+inline constexpr auto kSlots<MimeAttachmentClassData> = std::tuple(
+    &MimeAttachmentClassData::Body, &MimeAttachmentClassData::Header,
+    &MimeAttachmentClassData::Data, &MimeAttachmentClassData::Filename,
+    &MimeAttachmentClassData::MimeType, &MimeAttachmentClassData::MimeVersion,
+    &MimeAttachmentClassData::ContentType, &MimeAttachmentClassData::ContentTransferEncoding,
+    &MimeAttachmentClassData::ContentDisposition, &MimeAttachmentClassData::ContentDescription,
+    &MimeAttachmentClassData::contentId);
+static_assert(HasAllSlots<MimeAttachmentClassData>());
 
 }  // namespace zqv::objects
