@@ -1,6 +1,7 @@
 // Macros for the rows of the class tables. Each expands to a brace-enclosed initializer, so that
 // the tables are constant-initialised and no code runs when the library is loaded. Each kind of row
-// has its own flags; no row states them.
+// has its own flags; no row states them. The build fails when a field or function does not fit the
+// type that its row declares.
 //
 //   STORED_STRING(Record, "Name", field)         property of type String, which the host reads from
 //                                                the record
@@ -24,12 +25,14 @@
 
 #include "abi/records.h"
 #include "host/ref.h"
+#include "plugin/signature.h"
 
 namespace zqv::plugin {
 
 // The value that means the host's standard getter, which reads a field of the record.
 #define ZQV_STANDARD_GETTER reinterpret_cast<abi::REALproc>(~std::uintptr_t{0})
 #define ZQV_PROC(function) reinterpret_cast<abi::REALproc>(function)
+#define ZQV_SIGNATURE(function) Signature<std::decay_t<decltype(function)>>
 
 // The flags of each kind of row (abi/records.h).
 inline constexpr std::uint32_t kMemberFlags = abi::kFlagRunTimeOnly | abi::kFlagAllTargets;
@@ -65,22 +68,28 @@ inline constexpr std::int32_t kChecked = [] {
 #define STORED_BOOLEAN(Record, name, field) \
   ZQV_STORED(Record, name, "Boolean", field, abi::RBBoolean)
 
-#define ZQV_COMPUTED(name, type, flags, getter, setter, attribute_count, attributes)     \
-  {                                                                                      \
-    nullptr, name, type, flags, getter, setter, 0, nullptr, 0, nullptr, attribute_count, \
-        attributes                                                                       \
+#define ZQV_COMPUTED(name, type, flags, getter, setter, attribute_count, attributes)  \
+  {                                                                                   \
+    nullptr, name, type, flags | kFitting<ZQV_SIGNATURE(getter)::IsGetter(type)>,     \
+        ZQV_PROC(getter), setter, 0, nullptr, 0, nullptr, attribute_count, attributes \
   }
 #define GETTER(name, type, function) \
-  ZQV_COMPUTED(name, type, kMemberFlags, ZQV_PROC(function), nullptr, 0, nullptr)
+  ZQV_COMPUTED(name, type, kMemberFlags, function, nullptr, 0, nullptr)
 #define DATE_GETTER(name, function) \
-  ZQV_COMPUTED(name, "Date", kDateFlags, ZQV_PROC(function), nullptr, 0, nullptr)
+  ZQV_COMPUTED(name, "Date", kDateFlags, function, nullptr, 0, nullptr)
+#define ZQV_SHARED(name, type, flags, getter, setter, attribute_count, attributes)          \
+  ZQV_COMPUTED(name, type, flags | kFitting<ZQV_SIGNATURE(setter)::IsSetter(type)>, getter, \
+               ZQV_PROC(setter), attribute_count, attributes)
 #define SHARED(name, type, getter, setter) \
-  ZQV_COMPUTED(name, type, kMemberFlags, ZQV_PROC(getter), ZQV_PROC(setter), 0, nullptr)
+  ZQV_SHARED(name, type, kMemberFlags, getter, setter, 0, nullptr)
 #define HIDDEN_SHARED(name, type, getter, setter) \
-  ZQV_COMPUTED(name, type, kHiddenFlags, ZQV_PROC(getter), ZQV_PROC(setter), 1, g_hidden_attribute)
+  ZQV_SHARED(name, type, kHiddenFlags, getter, setter, 1, g_hidden_attribute)
 
-#define METHOD(declaration, function) \
-  { ZQV_PROC(function), nullptr, declaration, kMethodFlags, 0, nullptr }
+#define METHOD(declaration, function)                                                       \
+  {                                                                                         \
+    ZQV_PROC(function), nullptr, declaration,                                               \
+        kMethodFlags | kFitting<ZQV_SIGNATURE(function)::IsMethod(declaration)>, 0, nullptr \
+  }
 #define PRIVATE_CTOR(function) \
   { ZQV_PROC(function), nullptr, "Constructor", kPrivateMethodFlags, 0, nullptr }
 
