@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string_view>
 
@@ -27,7 +28,37 @@ enum class FieldName : std::uint8_t {
   kSubject,
   kTo,
 };
-inline constexpr std::size_t kFieldNames = static_cast<std::size_t>(FieldName::kTo) + 1;
+
+// How a name is written, in lower case.
+struct FieldNameRow {
+  std::string_view text;
+  FieldName name;
+};
+
+// All names, sorted by length.
+inline constexpr FieldNameRow kFieldNameRows[] = {
+    // clang-format off
+    {"cc",                        FieldName::kCc},
+    {"to",                        FieldName::kTo},
+    {"bcc",                       FieldName::kBcc},
+    {"date",                      FieldName::kDate},
+    {"from",                      FieldName::kFrom},
+    {"sender",                    FieldName::kSender},
+    {"subject",                   FieldName::kSubject},
+    {"received",                  FieldName::kReceived},
+    {"reply-to",                  FieldName::kReplyTo},
+    {"content-id",                FieldName::kContentId},
+    {"message-id",                FieldName::kMessageId},
+    {"content-type",              FieldName::kContentType},
+    {"mime-version",              FieldName::kMimeVersion},
+    {"content-description",       FieldName::kContentDescription},
+    {"content-disposition",       FieldName::kContentDisposition},
+    {"content-transfer-encoding", FieldName::kContentTransferEncoding},
+    // clang-format on
+};
+inline constexpr std::size_t kFieldNames = std::size(kFieldNameRows);
+static_assert(kFieldNames == static_cast<std::size_t>(FieldName::kTo) + 1,
+              "each name has one row, and kTo is the last name");
 
 // Looks up a field's name, ignoring case (RFC 5322, section 1.2.2). Returns nullopt for a name that
 // is not listed above.

@@ -1,4 +1,4 @@
-// The constructor finds the first field of each of the sixteen listed names. Values are parsed
+// The constructor finds the first field of each listed name. Values are parsed
 // later, on request, by mime/addresses.h, mime/parameters.h and mime/mime_version.h, and cached.
 #include "mime/header.h"
 
@@ -47,16 +47,9 @@ std::string_view Header::Text(FieldName name) const {
       return cc().text();
     case FieldName::kBcc:
       return bcc().text();
-    case FieldName::kContentDescription:
-    case FieldName::kContentId:
-    case FieldName::kContentTransferEncoding:
-    case FieldName::kDate:
-    case FieldName::kMessageId:
-    case FieldName::kReceived:
-    case FieldName::kSubject:
-      break;  // unparsed values
+    default:
+      return RawText(name);
   }
-  return RawText(name);
 }
 
 template <class Parsed>

@@ -15,35 +15,13 @@ namespace {
 
 using mime::FieldName;
 
-struct NameRow {
-  const char* text;
-  FieldName name;
-};
-constexpr NameRow kNames[] = {
-    {"Bcc", FieldName::kBcc},
-    {"Cc", FieldName::kCc},
-    {"Content-Description", FieldName::kContentDescription},
-    {"Content-Disposition", FieldName::kContentDisposition},
-    {"Content-ID", FieldName::kContentId},
-    {"Content-Transfer-Encoding", FieldName::kContentTransferEncoding},
-    {"Content-Type", FieldName::kContentType},
-    {"Date", FieldName::kDate},
-    {"From", FieldName::kFrom},
-    {"Message-ID", FieldName::kMessageId},
-    {"MIME-Version", FieldName::kMimeVersion},
-    {"Received", FieldName::kReceived},
-    {"Reply-To", FieldName::kReplyTo},
-    {"Sender", FieldName::kSender},
-    {"Subject", FieldName::kSubject},
-    {"To", FieldName::kTo},
-};
-
 TEST(Header, HasTheValuesOfItsFields) {
-  for (const NameRow& row : kNames) {
+  for (const mime::FieldNameRow& row : mime::kFieldNameRows) {
     const std::string text = "X: y\n" + std::string(row.text) + ": z\nX: y\n\n";
     const mime::Message message(text);
     const mime::Header header = message.HeaderOf(message.top());
-    for (const NameRow& other : kNames) EXPECT_EQ(header.Has(other.name), other.name == row.name);
+    for (const mime::FieldNameRow& other : mime::kFieldNameRows)
+      EXPECT_EQ(header.Has(other.name), other.name == row.name);
   }
 }
 
@@ -58,7 +36,7 @@ TEST(Header, GivesMimeticsAnswersForAbsentFields) {
   for (const auto* parsed : {&header.to(), &header.reply_to(), &header.cc(), &header.bcc()}) {
     EXPECT_TRUE(parsed->empty());
   }
-  for (const NameRow& row : kNames) {
+  for (const mime::FieldNameRow& row : mime::kFieldNameRows) {
     const std::string_view expected = row.name == FieldName::kMimeVersion   ? "0.0"
                                       : row.name == FieldName::kContentType ? "/"
                                       : row.name == FieldName::kSender      ? "@"
@@ -138,10 +116,10 @@ std::string MakeValue(std::mt19937& random) {
 // text form; later fields of that name, and unknown fields, give the value as written.
 TEST(Header, GivesMimeticsTextForms) {
   std::mt19937 random(1);
-  for (const NameRow& row : kNames) {
+  for (const mime::FieldNameRow& row : mime::kFieldNameRows) {
     for (int round = 0; round < 500; ++round) {
       const std::string value = MakeValue(random);
-      const std::string name = row.text;
+      const std::string name(row.text);
       const std::string text =
           "X-A: " + value + "\n" + name + ": " + value + "\n" + name + ": " + value + "\n\n";
       const mime::Message message(text);
