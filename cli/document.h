@@ -1,23 +1,44 @@
 // A message as a JSON document: everything that the library's classes give, each thing once.
 //
-//   message     subject, date, received_date, plain_text, html_text, source, attachments, inlines,
-//               parts
-//   attachment  part (the number of the part it describes), filename, mime_type ... data
-//   part        number, header, body, body_decoded; all parts in one list, parents first, with the
-//               numbers of PartTree
-//   header      its texts, sender, from, to, reply_to, cc, bcc, and all fields
+//   message     what MimeEmailZQV gives; parts
+//   attachment  part (the number of the part that it describes), what MimeAttachmentZQV gives
+//   part        number, what MimeEntityZQV gives; all parts are in one list, parents first, with
+//               the numbers of PartTree
+//   others      what their class gives
 //
-// Every key is there, in this order; nil is null. Dates are "2024-04-16T14:02:05", in the machine's
-// time zone as the library reckons it. Members are left out only when another one gives the same:
-// Variants, single elements, and the Body and Header of an attachment.
+// The registered classes say what they give: an object has a key for each property and then one for
+// each method that returns a whole list, named like the member in snake case and in the order of
+// registration. cli/document.cc lists the exceptions. Every key is there; nil is null. Dates are
+// "2024-04-16T14:02:05", in the machine's time zone as the library reckons it. Members are left out
+// only when another one gives the same: Variants, single elements, the Body and Header of an
+// attachment, and the Parts of a body.
 #pragma once
 
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <vector>
 
+#include "standin/class_table.h"
 #include "standin/handles.h"
 
 namespace zqv::cli {
+
+// One key of an object, and the member of its class that gives the value: a property or a method,
+// the other is null. [borrowed from the class]
+struct DocumentKey {
+  std::string key;
+  const standin::Property* property = nullptr;
+  const standin::Method* method = nullptr;  // returns a list, has no parameters
+  bool is_file = false;                     // can hold a file's bytes
+};
+
+// The keys of a class's own members in their order, without those of its super class.
+std::vector<DocumentKey> DocumentKeys(const standin::ClassInfo& info);
+
+// "html_text" of "HTMLText", "is_group" of "isGroup".
+std::string SnakeCase(std::string_view name);
 
 // How a host string is written; never called for nil.
 using TextForm = std::function<nlohmann::ordered_json(const standin::String&)>;

@@ -1,5 +1,6 @@
-// The document through the built library: it must give all that a walk over the registered members
-// finds, and nothing else.
+// The document through the built library: the members that it leaves out give nothing that another
+// one does not give. What the keys are called and hold is for tests/cli/json_test.py and the
+// messages of tests/corpus.
 #include "cli/document.h"
 
 #include <gtest/gtest.h>
@@ -96,6 +97,19 @@ TEST(Document, GivesTheObjectsThatNoSampleHas) {
   CollectValues(DescribeMessage(email, standin::MirrorText), &described);
   EXPECT_EQ(described, mirrored);
   EXPECT_EQ(mirrored.count("true"), 1U);  // one group
+}
+
+TEST(SnakeCase, PartsWords) {
+  for (const auto& [name, snake] : {std::pair{"StringValue", "string_value"},
+                                    {"isGroup", "is_group"},
+                                    {"HTMLText", "html_text"},
+                                    {"subjectDecoded", "subject_decoded"},
+                                    {"TextAsHTML", "text_as_html"},
+                                    {"Sourceroute", "sourceroute"},
+                                    {"cc", "cc"},
+                                    {"", ""}}) {
+    EXPECT_EQ(SnakeCase(name), snake);
+  }
 }
 
 TEST(ReadableText, SaysBytesThatAreNoText) {
