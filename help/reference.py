@@ -76,4 +76,18 @@ def check(texts, classes):
     """Stops with every fault there is."""
     found = faults(texts, classes)
     if found:
-        raise Problem("the texts do not fit the registered classes:\n  " + "\n  ".join(found))
+        raise Problem("the texts do not fit the registered classes:\n  " + "\n  ".join(found)
+                      + skeletons(texts, classes))
+
+
+def skeletons(texts, classes):
+    """What to paste into the file for each member without a text; empty for none."""
+    found = []
+    for kind in classes.values():
+        written = texts.get("classes", {}).get(kind.name, {}).get("members", {})
+        for member in kind.members:
+            if member.key not in written:
+                found += ["", f'[classes.{kind.name}.members."{member.key}"]', 'gives = ""']
+                found += [] if member.type in NEVER_NIL else ['nil = ""']
+                found += ["example = '''", "'''"]
+    return "\nPaste into reference.toml and fill in:\n" + "\n".join(found) if found else ""

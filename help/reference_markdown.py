@@ -6,7 +6,7 @@ from page import label, nil_word
 HEAD = """# Reference
 
 What every class and member of the plug-in does, with examples. This file is made by
-`help/make_help.py` from `help/reference.toml`: edit the texts there.
+`help/make_docs.py` from `help/reference.toml`: edit the texts there.
 """
 
 

@@ -10,18 +10,18 @@ either is found. Each check is also run with a fault, which it must report.
 import itertools
 import pathlib
 import re
+import shutil
 import sys
 import tempfile
 import tomllib
 import unittest
 
 import making
-from making import TOP, VERSION, Page, make, make_page
+from making import TOP, VERSION, Page, make, make_docs, make_page
 
 OPTIONS, REST = making.options(__doc__)
 LISTED = making.registered(OPTIONS.zqv)
 TEXTS = TOP / "help" / "reference.toml"
-REFERENCE = TOP / "docs" / "reference.md"
 SUBJECT = '[classes.MimeEmailZQV.members."property Subject as String"]'
 
 
@@ -81,10 +81,9 @@ class Case(unittest.TestCase):
         return path.read_bytes()
 
     def markdown(self):
-        """The text of a newly made reference."""
-        path = self.folder / "made.md"
-        self.assertEqual(make(LISTED, "--markdown", path), (0, ""))
-        return path.read_text("utf-8")
+        """The reference just made."""
+        self.assertEqual(make_docs(OPTIONS.zqv, "--folder", self.folder), (0, ""))
+        return (self.folder / "reference.md").read_text("utf-8")
 
     def page(self):
         return Page(self.made().decode("utf-8"))
@@ -164,6 +163,25 @@ class RefusalTest(Case):
         line = "  property Subject as String"
         listed = LISTED.replace(line, "  property Novelty as String, flags 0x6, getter 0\n" + line)
         self.expect_refused("MimeEmailZQV: no text for: property Novelty as String", listed=listed)
+
+    def test_the_skeleton_of_a_text_that_is_missing(self):
+        first = LISTED.splitlines()[0]
+        rows = ("  property Novelty as String, flags 0x6, record 0\n"
+                "  property Number as Integer, flags 0x6, record 8")
+        self.expect_refused("""
+Paste into reference.toml and fill in:
+
+[classes.MimeBodyZQV.members."property Novelty as String"]
+gives = ""
+nil = ""
+example = '''
+'''
+
+[classes.MimeBodyZQV.members."property Number as Integer"]
+gives = ""
+example = '''
+'''
+""", listed=LISTED.replace(first, f"{first}\n{rows}"))
 
     def test_text_without_member(self):
         line = next(line for line in LISTED.splitlines() if "property Subject as" in line)
@@ -317,16 +335,22 @@ class OutputTest(Case):
         self.assertEqual(make_page("", path, "--classes", listing), (0, ""))
         self.assertEqual(path.read_bytes(), self.made())
 
-    def test_markdown_is_up_to_date(self):
-        self.assertEqual(make(LISTED, "--check-markdown", REFERENCE), (0, ""))
+    def test_documents_are_up_to_date(self):
+        self.assertEqual(make_docs(OPTIONS.zqv, "--check"), (0, ""))
 
-    def test_markdown_out_of_date_is_seen(self):
-        for change in (lambda data: data + b"\n", lambda data: data.replace(b"mail", b"post", 1)):
-            path = self.folder / "reference.md"
-            path.write_bytes(change(REFERENCE.read_bytes()))
-            code, said = make(LISTED, "--check-markdown", path)
-            self.assertEqual(code, 1)
-            self.assertIn("reference.md is not up to date", said)
+    def test_documents_out_of_date_are_seen(self):
+        for name in ("reference.md", "schema.json"):
+            for change in (lambda data: data + b"\n", lambda data: data.replace(b"mail", b"post", 1),
+                           lambda data: None):
+                shutil.copytree(TOP / "docs", self.folder / "docs", dirs_exist_ok=True)
+                path = self.folder / "docs" / name
+                changed = change(path.read_bytes())
+                path.unlink()
+                if changed is not None:
+                    path.write_bytes(changed)
+                self.assertEqual(make_docs(OPTIONS.zqv, "--check", "--folder", path.parent),
+                                 (1, f"make_docs: out of date: docs/{name}. Write them by: python3 "
+                                     "help/make_docs.py build/release/zqv\n"))
 
     def test_markdown_links_have_their_anchors(self):
         text = self.markdown()

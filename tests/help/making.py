@@ -42,6 +42,13 @@ def make_page(listed, path, *arguments, **environment):
                 "--html", path, *arguments, **environment)
 
 
+def make_docs(zqv, *arguments):
+    """One run of the generator of the documents: exit code and standard error."""
+    run = subprocess.run([sys.executable, "-B", MAKER.parent / "make_docs.py", zqv, *arguments],
+                         stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60, check=False)
+    return run.returncode, run.stderr.decode("utf-8")
+
+
 class Page(html.parser.HTMLParser):
     """A strict parser of a page: an element that is not closed, or closed twice, is a fault."""
 
