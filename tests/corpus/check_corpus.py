@@ -34,52 +34,41 @@ REFUSED = "UnsupportedOperationException"  # raised before parsing: nothing but 
 REQUIRED = ("about", "rule", "source", "message")
 OPTIONAL = ("crlf", "raise_unknown_formats", "exception")
 
-# Of each kind of object: its keys and what they hold. A name in brackets stands for a list of such.
-# Whatever is nil, false or empty is left out, so no key is required but those in ALWAYS.
-SHAPES = {
-    "message": {
-        "subject": "string", "date": "date", "received_date": "date", "plain_text": "string",
-        "html_text": "string", "attachments": ["attachment"], "inlines": ["attachment"],
-        "parts": ["part"],
-    },
-    "attachment": {
-        "part": "number", "filename": "string", "mime_type": "string", "mime_version": "string",
-        "content_type": "string", "content_transfer_encoding": "string",
-        "content_disposition": "string", "content_description": "string", "content_id": "string",
-        "data": "string",
-    },
-    "part": {"number": "number", "header": "header", "body": "body", "body_decoded": "string"},
-    "header": {
-        "mime_version": "string", "content_type": "string", "content_transfer_encoding": "string",
-        "content_transfer_encoding_mechanism": "string", "content_disposition": "string",
-        "content_description": "string", "content_id": "string", "subject": "string",
-        "subject_decoded": "string", "message_id": "string", "sender": "mailbox",
-        "from": "mailbox list", "to": "address list", "reply_to": "address list",
-        "cc": "address list", "bcc": "address list", "fields": "fields",
-    },
-    "body": {"preamble": "string", "epilogue": "string", "string_value": "string"},
-    "mailbox": {
-        "string_value": "string", "mailbox": "string", "domain": "string", "label": "string",
-        "label_decoded": "string", "sourceroute": "string", "email": "string",
-    },
-    "mailbox list": {"string_value": "string", "count": "count", "mailboxes": ["mailbox"]},
-    "group": {
-        "string_value": "string", "name": "string", "name_decoded": "string", "count": "count",
-        "mailboxes": ["mailbox"],
-    },
-    "address": {
-        "string_value": "string", "is_group": "true", "mailbox": "mailbox", "group": "group",
-    },
-    "address list": {"string_value": "string", "count": "count", "addresses": ["address"]},
-}
-ALWAYS = {
-    "message": ("parts",), "attachment": ("part",), "part": ("number",),
-    "mailbox list": ("count",), "group": ("count",), "address list": ("count",),
-}
+# The objects of a message and their keys: those of `zqv json`. Whatever is nil, false or empty is
+# left out.
+SHAPES = json.loads((pathlib.Path(__file__).resolve().parents[2] / "docs/schema.json")
+                    .read_text(encoding="utf-8"))["$defs"]
+# Keys of a message that stand beside "message" (the source), or that no class gives.
+NO_KEYS = {"message": ("source", "date_utc")}
 COMMON = "common.json"
-DATE = re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d")
-NUMBER = re.compile(r"0|[1-9]\d*(\.[1-9]\d*)*")
+PATTERNS = {
+    "date": re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d"),
+    "part_number": re.compile(r"0|[1-9]\d*(\.[1-9]\d*)*"),
+}
 NAME = re.compile(r"[a-z0-9]+(-[a-z0-9]+)*")
+
+
+def kind_of(held):
+    """What the schema says of a value, in words: "text", "integer", "array of mailbox"."""
+    held = held.get("anyOf", [held])[0]
+    if held.get("type") == "array":
+        return "array of " + kind_of(held["items"])
+    return held["type"] if "type" in held else held["$ref"].removeprefix("#/$defs/")
+
+
+def objects_below(kind, found=()):
+    """The kinds of objects that one of this kind holds, itself included."""
+    if kind in found or "properties" not in SHAPES.get(kind, {}):
+        return found
+    found = (*found, kind)
+    for held in SHAPES[kind]["properties"].values():
+        found = objects_below(kind_of(held).removeprefix("array of "), found)
+    return found
+
+
+def is_never_empty(key, kind):
+    """Whether every object has this key. Each attachment describes a part of its message."""
+    return kind in ("integer", "part_number") or key == "parts"
 
 
 class Checker:
@@ -180,33 +169,34 @@ class Checker:
                     self.host_string(element, at)
 
     def value(self, value, kind, where):
-        """One value of the kind that the table of shapes names."""
-        if isinstance(kind, list):
+        """One value of the kind that the schema names."""
+        if kind == "array of field":
+            self.fields(value, where)
+        elif kind.startswith("array of "):
             if self.expect(isinstance(value, list) and value, where,
                            "must be a list with entries"):
                 for number, element in enumerate(value):
-                    self.value(element, kind[0], f"{where}[{number}]")
-        elif kind in SHAPES:
-            self.shaped(value, kind, where)
-        elif kind == "fields":
-            self.fields(value, where)
-        elif kind == "string":
+                    self.value(element, kind.removeprefix("array of "), f"{where}[{number}]")
+        elif kind == "text":
             self.host_string(value, where)
-        elif kind == "true":
+        elif kind == "boolean":
             self.expect(value is True, where, "false is left out")
-        elif kind == "count":
+        elif kind == "integer":
             self.expect(type(value) is int and value >= 0, where, "must be a count")
-        else:
-            pattern = DATE if kind == "date" else NUMBER
-            self.expect(isinstance(value, str) and pattern.fullmatch(value), where,
+        elif kind in PATTERNS:
+            self.expect(isinstance(value, str) and PATTERNS[kind].fullmatch(value), where,
                         f"must be a {kind}")
+        else:
+            self.shaped(value, kind, where)
 
     def shaped(self, value, kind, where):
         if isinstance(value, str):
             self.expect(value[:1] == "@" and value[1:] in self.common, where,
                         f"no object and no name in {COMMON}: {value!r}")
             return
-        shape, required = SHAPES[kind], ALWAYS.get(kind, ())
+        shape = {key: kind_of(held) for key, held in SHAPES[kind]["properties"].items()
+                 if key not in NO_KEYS.get(kind, ())}
+        required = [key for key in shape if is_never_empty(key, shape[key])]
         if not self.keys(value, where, required, tuple(shape)):
             return
         for key, member in value.items():
@@ -311,8 +301,9 @@ def check_common(root):
         return {}, [f"{COMMON}: {error}"]
     faults = []
     for name, value in common.items():
-        checkers = [Checker(COMMON, common) for _ in SHAPES]
-        for checker, kind in zip(checkers, SHAPES):
+        kinds = objects_below("message")
+        checkers = [Checker(COMMON, common) for _ in kinds]
+        for checker, kind in zip(checkers, kinds):
             checker.shaped(value, kind, name)
         if not any(checker.faults == [] for checker in checkers):
             faults.append(f"{COMMON}: {name}: is no object of any kind")
