@@ -4,12 +4,14 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "abi/encodings.h"
 #include "base/ascii.h"
 #include "fuzz/reading.h"
 #include "fuzz/target.h"
+#include "standin/host.h"
 #include "tests/reference/reference_utf8.h"
 
 namespace zqv::fuzz {
@@ -59,26 +61,14 @@ const Lists& ListsOf(const std::string& class_name) {
   return found != kLists.end() ? found->second : kNone;
 }
 
-// The properties whose text has no charset of its own.
-const std::vector<const char*>& DetectedTextsOf(const std::string& class_name) {
-  static const std::map<std::string, std::vector<const char*>> kTexts = {
-      {"MimeBodyZQV", {"preamble", "epilogue", "StringValue"}},
-      {"MimeHeaderZQV",
-       {"MimeVersion", "ContentType", "ContentTransferEncoding", "ContentTransferEncodingMechanism",
-        "ContentDisposition", "ContentDescription", "contentId", "subject", "messageid"}},
-      {"MimeFieldZQV", {"Name", "Value"}},
-      {"MimeMailboxZQV", {"Mailbox", "Domain", "Label", "Sourceroute", "StringValue"}},
-      {"MimeGroupZQV", {"Name", "StringValue"}},
-      {"MimeAddressZQV", {"StringValue"}},
-      {"MimeMailboxListZQV", {"StringValue"}},
-      {"MimeAddressListZQV", {"StringValue"}},
-      {"MimeAttachmentZQV",
-       {"MimeType", "MimeVersion", "ContentType", "ContentTransferEncoding", "ContentDisposition",
-        "ContentDescription", "contentId"}},
-  };
-  static const std::vector<const char*> kNone;
-  const auto found = kTexts.find(class_name);
-  return found != kTexts.end() ? found->second : kNone;
+// Whether the text of a property is that of the bytes alone, with no charset of its own: of those
+// in the records all but decoded ones, an attachment's data and its name.
+bool IsDetectedText(const standin::Property& property) {
+  constexpr std::string_view kDecoded = "Decoded";
+  const std::string_view name = property.name;
+  if (property.kind != standin::TypeKind::kString || !property.is_standard) return false;
+  if (name == "Data" || name == "Filename") return false;
+  return name.size() < kDecoded.size() || name.substr(name.size() - kDecoded.size()) != kDecoded;
 }
 
 void ExpectElement(const Object& object, const List& list, const Object& array,
@@ -201,9 +191,10 @@ void ExpectRelations(const Object& object) {
   };
   const std::string& name = object.ClassName();
   for (const List& list : ListsOf(name)) ExpectList(object, list);
-  for (const char* property : DetectedTextsOf(name)) {
-    const Value text = Get(object, property);
-    ExpectSame(name + "." + property, Show(text), ShownDetected(standin::BytesOf(text)));
+  for (const standin::Property& property : standin::ClassOf(*object.thing())->properties) {
+    if (!IsDetectedText(property)) continue;
+    const Value text = Get(object, property.name);
+    ExpectSame(property.full_name, Show(text), ShownDetected(standin::BytesOf(text)));
   }
   const auto relation = kRelations.find(name);
   if (relation != kRelations.end()) relation->second(object);
