@@ -43,7 +43,9 @@ def extend(fixed, definitions):
             properties |= definitions.pop(value)["properties"]
         else:
             raise listing.Problem(f"the template names a class that is not registered: {value}")
-    fixed |= whole(properties)
+    others = {key: value for key, value in fixed.items() if key != "properties"}
+    fixed.clear()
+    fixed |= whole(properties) | others
 
 
 def definition(kind, names, texts):

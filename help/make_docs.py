@@ -66,14 +66,5 @@ def make(given):
         raise listing.Problem(f"out of date: {', '.join(stale)}. Write them by: {COMMAND}")
 
 
-def main():
-    try:
-        make(arguments())
-    except (listing.Problem, OSError) as error:
-        print(f"make_docs: {error}", file=sys.stderr)
-        return 1
-    return 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(make_help.finish("make_docs", lambda: make(arguments())))

@@ -48,14 +48,15 @@ def make(given):
     given.html.write_bytes(made.encode("utf-8"))
 
 
-def main():
+def finish(program, work):
+    """The exit code of a program that does this work; what keeps it from that is printed."""
     try:
-        make(arguments())
+        work()
     except (listing.Problem, OSError) as error:
-        print(f"make_help: {error}", file=sys.stderr)
+        print(f"{program}: {error}", file=sys.stderr)
         return 1
     return 0
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(finish("make_help", lambda: make(arguments())))
