@@ -70,15 +70,15 @@ inline constexpr std::int32_t kChecked = [] {
 
 #define ZQV_COMPUTED(name, type, flags, getter, setter, attribute_count, attributes)  \
   {                                                                                   \
-    nullptr, name, type, flags | kFitting<ZQV_SIGNATURE(getter)::IsGetter(type)>,     \
+    nullptr, name, type, (flags) | kFitting<ZQV_SIGNATURE(getter)::IsGetter(type)>,   \
         ZQV_PROC(getter), setter, 0, nullptr, 0, nullptr, attribute_count, attributes \
   }
 #define GETTER(name, type, function) \
   ZQV_COMPUTED(name, type, kMemberFlags, function, nullptr, 0, nullptr)
 #define DATE_GETTER(name, function) \
   ZQV_COMPUTED(name, "Date", kDateFlags, function, nullptr, 0, nullptr)
-#define ZQV_SHARED(name, type, flags, getter, setter, attribute_count, attributes)          \
-  ZQV_COMPUTED(name, type, flags | kFitting<ZQV_SIGNATURE(setter)::IsSetter(type)>, getter, \
+#define ZQV_SHARED(name, type, flags, getter, setter, attribute_count, attributes)            \
+  ZQV_COMPUTED(name, type, (flags) | kFitting<ZQV_SIGNATURE(setter)::IsSetter(type)>, getter, \
                ZQV_PROC(setter), attribute_count, attributes)
 #define SHARED(name, type, getter, setter) \
   ZQV_SHARED(name, type, kMemberFlags, getter, setter, 0, nullptr)
