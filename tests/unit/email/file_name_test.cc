@@ -124,6 +124,21 @@ TEST(FileNames, AreDecodedAndGetNoExtension) {
             Utf8("caf\xC3\xA9"));
 }
 
+TEST(FileNames, KeepApostrophesAndBlanksInEachParameter) {
+  const std::string disposition = "Content-Disposition: attachment; filename=";
+  const std::string file_name = "Content-Type: image/png; filename=";
+  const std::string name = "Content-Type: image/png; name=";
+  for (const std::string& parameter : {disposition, file_name, name}) {
+    EXPECT_EQ(NameOf(parameter + "\"'report.pdf'\"\n"), Ascii("'report.pdf'")) << parameter;
+    EXPECT_EQ(NameOf(parameter + "'report.pdf'\n"), Ascii("'report.pdf'")) << parameter;
+    EXPECT_EQ(NameOf(parameter + "\"  report.pdf\"\n"), Ascii("  report.pdf")) << parameter;
+    EXPECT_EQ(NameOf(parameter + "\"'=?utf-8?Q?caf=C3=A9?='\"\n"), Utf8("'caf\xC3\xA9'"))
+        << parameter;
+    EXPECT_EQ(NameOf(parameter + "\"=?utf-8?Q?=22caf=C3=A9=22?=\"\n"), Utf8("\"caf\xC3\xA9\""))
+        << parameter;
+  }
+}
+
 TEST(FileNames, ComeFromTheFirstParameterThatHasOne) {
   const std::string type = "Content-Type: image/png; name=4; filename=2\n";
   const std::string only_name = "Content-Type: image/png; name=3\n";
