@@ -252,6 +252,18 @@ TEST(Addresses, Groups) {
   });
 }
 
+// A colon inside a comment ends the name. The parenthesis that then stands alone in the member
+// hides the semicolon, so the last character is lost as in a group without one.
+TEST(Addresses, AGroupNameKeepsItsComments) {
+  ExpectGroups({
+      {"behind", "Friends (of mine): a@b;", "Friends (of mine)a@b;", "Friends (of mine)", {"a@b"}},
+      {"before", "(my) Friends: a@b;", "(my) Friendsa@b;", "(my) Friends", {"a@b"}},
+      {"inside", "My (old) friends:a@b;", "My (old) friendsa@b;", "My (old) friends", {"a@b"}},
+      {"alone", " (mine) :a@b;", "(mine)a@b;", "(mine)", {"a@b"}},
+      {"colon", "Friends (of: mine):a@b;", "Friends (of mine):a@b;", "Friends (of", {" mine):a@b"}},
+  });
+}
+
 TEST(Addresses, EmptyGroups) {
   ExpectGroups({
       {"nothing", "", ";", "", {}},

@@ -48,6 +48,14 @@ TEST_F(Group, NameIsDecodedAndKeepsItsQuotes) {
   EXPECT_EQ(Show(Make("\"The team\": a@b;").NameDecoded), Ascii("\"The team\""));
 }
 
+TEST_F(Group, NameKeepsItsComment) {
+  const auto& record = Make("Friends (of mine): a@b.example;");
+  EXPECT_EQ(Show(record.Name), Ascii("Friends (of mine)"));
+  EXPECT_EQ(Show(record.NameDecoded), Ascii("Friends (of mine)"));
+  EXPECT_EQ(Show(record.StringValue), Ascii("Friends (of mine)a@b.example;"));
+  EXPECT_EQ(objects::GroupMailboxes::Count(group_.get()), 1);
+}
+
 TEST_F(Group, LeavesOutMailboxesWithoutALocalPart) {
   const auto& record = Make("Team: a@b, nobody;");
   EXPECT_EQ(objects::GroupMailboxes::Count(group_.get()), 1);
