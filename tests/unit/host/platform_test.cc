@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "standin/application.h"
@@ -67,6 +68,26 @@ TEST_F(FilePaths, BrokenEscapesHaveNone) {
   for (const char* url :
        {"file:///a%", "file:///a%4", "file:///a%4g", "file:///%g4", "file:///a%%41"})
     EXPECT_EQ(OfUrl(url), "") << url;
+}
+
+// The characters before and behind each range of digits: '/' "0-9" ':', '@' "A-F" 'G', '`' "a-f"
+// 'g'.
+TEST_F(FilePaths, NeighboursOfTheDigitsInAnEscapeHaveNone) {
+  for (const char neighbour : std::string_view("/:@G`g")) {
+    EXPECT_EQ(OfUrl(std::string("file:///a%3") + neighbour), "") << neighbour;
+    EXPECT_EQ(OfUrl(std::string("file:///a%3") + neighbour + "b"), "") << neighbour;
+    EXPECT_EQ(OfUrl(std::string("file:///a%") + neighbour + "0"), "") << neighbour;
+    EXPECT_EQ(OfUrl(std::string("file:///a%") + neighbour + "0b"), "") << neighbour;
+  }
+}
+
+// %30 to %3F are the characters from '0' on, in their order. The second digits of the rest are 1.
+TEST_F(FilePaths, EveryDigitOfAnEscapeIsDecoded) {
+  EXPECT_EQ(OfUrl("file:///%30%31%32%33%34%35%36%37%38%39"), "/0123456789");
+  EXPECT_EQ(OfUrl("file:///%3A%3B%3C%3D%3E%3F%3a%3b%3c%3d%3e%3f"), "/:;<=>?:;<=>?");
+  EXPECT_EQ(OfUrl("file:///%11%21%41%51%61%71%81%91"), "/\x11!AQaq\x81\x91");
+  EXPECT_EQ(OfUrl("file:///%A1%B1%C1%D1%E1%F1%a1%b1%c1%d1%e1%f1"),
+            "/\xA1\xB1\xC1\xD1\xE1\xF1\xA1\xB1\xC1\xD1\xE1\xF1");
 }
 
 TEST_F(FilePaths, NulInsideHasNone) {
