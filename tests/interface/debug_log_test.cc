@@ -219,6 +219,43 @@ TEST_F(DebugLog, LongLineIsCut) {
       << "the next line is a line of its own";
 }
 
+// What reading the text of `html` as code points logs, and the plain text made from it.
+std::vector<std::string> LoggedByHtml(const String& html, const std::string& text) {
+  return Logged([&] { EXPECT_EQ(Show(CallShared(kEmail, "HTMLToPlainText", html)), text); });
+}
+
+// 80 begins no character in UTF-8, and is an A with diaeresis in Mac Roman. Reading a text of
+// unknown encoding is logged as a failure once in a process.
+TEST_F(DebugLog, TextOfOneHighByte) {
+  LoadLibraryFile();
+  InChild("one byte", [] {
+    const Session session;
+    EXPECT_THAT(LoggedByHtml(MakeString("\x80", abi::kUtf8), "nil"),
+                ElementsAre(Line("Try UTF8 to UTF32 conversion..."),
+                            Line("Illegal UTF-8 sequence! 0"), Line("output.size 0")));
+    const String unknown = MakeString("\x80", abi::kUnknownEncoding);
+    const std::vector<std::string> lines = {Line("Try UTF8 to UTF16 conversion..."),
+                                            Line("Try UTF16 to UTF32 conversion..."),
+                                            Line("output.size 1"), Line("dlen 1")};
+    std::vector<std::string> first = lines;
+    first.insert(first.begin(), Line("REALBuildUnicodeString failed"));
+    EXPECT_EQ(LoggedByHtml(unknown, "0x8000100 \xC3\x84"), first);
+    EXPECT_EQ(LoggedByHtml(unknown, "0x8000100 \xC3\x84"), lines);
+  });
+}
+
+TEST_F(DebugLog, TextOfUnknownEncodingWithoutItsMacRomanCopy) {
+  LoadLibraryFile();
+  InChild("no copy", [] {
+    Capabilities capabilities;
+    capabilities.faults["REALBuildStringWithEncoding"] = Fault();
+    Session session(capabilities);
+    EXPECT_THAT(LoggedByHtml(MakeString("caf\x8E", abi::kUnknownEncoding), "nil"),
+                ElementsAre(Line("REALBuildUnicodeString failed"), Line("output.size 0")));
+    EXPECT_EQ(session.host().CallCount("PluginGetStringData"), 0U);
+  });
+}
+
 TEST_F(DebugLog, UnnamedException) {
   Start();
   host().SetFault("RuntimeArrayCreateSingleDimBoundedArray", Fault{Fault::Kind::kThrowsInt});

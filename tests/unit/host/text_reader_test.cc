@@ -254,6 +254,38 @@ TEST_F(TextReader, UnknownEncodingWithANegativeLengthIsFlagged) {
   EXPECT_EQ(log.Text(), Logged({"Out of Memory."}));
 }
 
+// The copy is asked for its encoding and its text only when there is one.
+TEST_F(TextReader, UnknownEncodingWithoutItsCopyIsAnEmptyTextInMacRoman) {
+  if (!test::IsAlone()) return;
+  StartWithFault("REALBuildStringWithEncoding", {Fault::Kind::kNothing});
+  const auto string = MakeString(kCafeMac, abi::kUnknownEncoding);
+  const test::LogCapture log;
+  rbText text(string.raw());
+  EXPECT_EQ(text.encoding(), abi::kMacRoman);
+  EXPECT_TRUE(text.flagged());
+  EXPECT_FALSE(text.CheckASCII());
+  EXPECT_EQ(string.locks(), 1) << "the reader does not hold the string any more";
+  EXPECT_EQ(text.Utf8(), "");
+  EXPECT_EQ(text.Utf32(), U"");
+  text.ConvertUTF32_viaUTF16();
+  EXPECT_EQ(text.Utf32(), U"");
+  EXPECT_EQ(log.Text(), Logged({"REALBuildUnicodeString failed"}));
+  EXPECT_EQ(host().CallCount("REALGetStringEncoding"), 1u);
+  EXPECT_EQ(host().CallCount("PluginGetStringData"), 0u);
+}
+
+TEST_F(TextReader, UnknownEncodingOfOneByteIsReadAsMacRoman) {
+  if (!test::IsAlone()) return;
+  Start();
+  const auto string = MakeString("\x80", abi::kUnknownEncoding);
+  const test::LogCapture log;
+  rbText text(string.raw());
+  EXPECT_TRUE(text.flagged());
+  EXPECT_EQ(text.Utf8(), "\xC3\x84");
+  EXPECT_EQ(text.Utf32(), U"\u00C4");
+  EXPECT_EQ(log.Text(), Logged({"REALBuildUnicodeString failed", kTo16, kFrom16}));
+}
+
 TEST_F(TextReader, WithoutTheEncodingOperationTheTextIsMacRoman) {
   StartWithout("REALGetStringEncoding");
   const auto string = MakeString("plain", abi::kUtf8);
@@ -334,6 +366,37 @@ TEST_F(TextReader, CutUtf8EndsTheText) {
   EXPECT_EQ(log.Text(), Logged({kTo32, "Illegal UTF-8 sequence! 2"}));
 }
 
+TEST_F(TextReader, IllegalUtf8OfOneByteIsAnEmptyText) {
+  Start();
+  for (const abi::Encoding encoding : {abi::kUtf8, abi::kAscii}) {
+    const auto string = MakeString("\x80", encoding);
+    const test::LogCapture log;
+    rbText text(string.raw());
+    EXPECT_EQ(text.Utf32(), U"");
+    EXPECT_EQ(log.Text(), Logged({kTo32, "Illegal UTF-8 sequence! 0"})) << encoding;
+  }
+}
+
+// A host that lends UTF-16 with half a surrogate pair as its third unit.
+abi::RBBoolean LendLoneSurrogate(abi::REALstring, std::uint32_t, abi::REALstringData* data) {
+  static char16_t units[] = {u'a', 0x20AC, 0xD83D, u'b', 0};
+  data->data = units;
+  data->length = 4 * sizeof(char16_t);
+  return 1;
+}
+
+// The log counts bytes, of which each unit before the surrogate has two.
+TEST_F(TextReader, ALoneSurrogateEndsTheText) {
+  Start();
+  Replace("PluginGetStringData", &LendLoneSurrogate);
+  ReplaceWith("PluginDisposeStringData", nullptr);
+  const auto string = In(abi::kUtf16, "x");
+  const test::LogCapture log;
+  rbText text(string.raw());
+  EXPECT_EQ(text.Utf32(), U"a\u20AC");
+  EXPECT_EQ(log.Text(), Logged({kTo16, kFrom16, "Illegal UTF-8 sequence! 4"}));
+}
+
 TEST_F(TextReader, Utf32EndsInAZeroUnit) {
   Start();
   for (const char* bytes : {"plain", kCafe8}) {
@@ -407,6 +470,20 @@ TEST_F(TextReader, DataWithoutATerminatorAreCopied) {
   const std::u32string_view utf32 = text.Utf32();
   EXPECT_EQ(utf32, U"Caf\u00E9");
   EXPECT_EQ(utf32.data()[utf32.size()], U'\0');
+  EXPECT_EQ(log.Text(), Logged({kNotTerminated, kNotTerminated}));
+}
+
+TEST_F(TextReader, DataOfOneUnitWithoutATerminatorAreCopied) {
+  StartLending(StringDataFlavour::kUnterminated);
+  const auto string = In(abi::kUtf32, "a");
+  const test::LogCapture log;
+  rbText text(string.raw());
+  const std::string_view utf8 = text.Utf8();
+  EXPECT_EQ(utf8, "a");
+  EXPECT_EQ(utf8.data()[1], '\0');
+  const std::u32string_view utf32 = text.Utf32();
+  EXPECT_EQ(utf32, U"a");
+  EXPECT_EQ(utf32.data()[1], U'\0');
   EXPECT_EQ(log.Text(), Logged({kNotTerminated, kNotTerminated}));
 }
 
