@@ -308,6 +308,46 @@ TEST_F(QuotedPrintableComparison, AgreeOnEveryCode) {
   EXPECT_EQ(comparison_.compared(), 2u * 0x10000);
 }
 
+// Away from the end of a text its regular parts are read 64 characters at a time, so each kind of
+// code and line end is placed at every position of a text that is regular elsewhere. The text is
+// also cut inside the code, behind it and around 64 and 128 characters: what lies behind the cut,
+// such as the digits of a code, is no part of the text.
+TEST_F(QuotedPrintableComparison, AgreeOnEveryPositionInALongText) {
+  constexpr std::size_t kLongest = 200;
+  const std::vector<std::string> pieces = {"=C3",   "=e9", "=C3=A9", "=4z",      "=z4",    "==41",
+                                           "=\r\n", "=\n", "=\r",    "= \t\r\n", " =\r\n", "\r\n",
+                                           "\n",    "\r",  " \r\n",  "\t\n",     "\x01",   "\x1F"};
+  for (const std::string& piece : pieces) {
+    for (std::size_t at = 0; at < kLongest; ++at) {
+      const std::string text = std::string(at, 'a') + piece + std::string(kLongest, 'b');
+      for (std::size_t length = at + 1; length <= at + 4; ++length) {
+        ASSERT_TRUE(comparison_.Agree(std::string_view(text).substr(0, length)));
+      }
+      for (const std::size_t behind : {15U, 16U, 62U, 63U, 64U, 65U, 126U, 127U, 128U, 129U}) {
+        ASSERT_TRUE(comparison_.Agree(std::string_view(text).substr(0, at + behind)));
+      }
+      ASSERT_TRUE(comparison_.Agree(text));
+    }
+  }
+  EXPECT_EQ(comparison_.compared(), 18u * kLongest * (4 + 10 + 1));
+}
+
+// A text of nothing but codes and soft line breaks, cut at every position: in blocks of 64
+// characters codes lie across the edges, and their ends are consumed already when the next block
+// begins.
+TEST_F(QuotedPrintableComparison, AgreeOnEveryBeginningOfDenseCodes) {
+  for (const std::string piece : {"=C3", "=\r\n", "\r\n", "=C3=\r\n", "a=e9\r\n", "=3D \r\n"}) {
+    for (const std::string before : {"", "a", "ab"}) {
+      std::string text = before;
+      while (text.size() < 200) text += piece;
+      for (std::size_t length = 0; length < 200; ++length) {
+        ASSERT_TRUE(comparison_.Agree(std::string_view(text).substr(0, length)));
+      }
+    }
+  }
+  EXPECT_EQ(comparison_.compared(), 6u * 3 * 200);
+}
+
 // Runs of plain characters are read sixteen at a time, so runs of every length are compared, each
 // with every kind of end.
 TEST_F(QuotedPrintableComparison, AgreeOnEveryLengthOfRuns) {
