@@ -1,7 +1,6 @@
 #include "tests/interface/child.h"
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -10,9 +9,12 @@
 #include <exception>
 
 #include "tests/interface/files.h"
+#include "tests/support/unnamed_file.h"
 
+#if defined(__linux__)
 // Only there when the leak checker is linked in.
 extern "C" __attribute__((weak)) int __lsan_do_recoverable_leak_check();
+#endif
 
 namespace zqv::interface_test {
 namespace {
@@ -28,6 +30,14 @@ int FailedParts() {
   return failed;
 }
 
+bool HasLeaked() {
+#if defined(__linux__)
+  return __lsan_do_recoverable_leak_check != nullptr && __lsan_do_recoverable_leak_check() != 0;
+#else
+  return false;
+#endif
+}
+
 int Run(const std::function<void()>& body) {
   const int failed_before = FailedParts();
   try {
@@ -40,10 +50,7 @@ int Run(const std::function<void()>& body) {
     return kThrew;
   }
   if (FailedParts() != failed_before) return kFailed;
-  if (__lsan_do_recoverable_leak_check != nullptr && __lsan_do_recoverable_leak_check() != 0) {
-    return kLeaked;
-  }
-  return kGood;
+  return HasLeaked() ? kLeaked : kGood;
 }
 
 std::string HowItEnded(int status) {
@@ -63,18 +70,11 @@ std::string HowItEnded(int status) {
   }
 }
 
-std::string Text(int file) {
-  std::string text(static_cast<std::size_t>(lseek(file, 0, SEEK_END)), '\0');
-  const ssize_t got = pread(file, text.data(), text.size(), 0);
-  text.resize(got < 0 ? 0 : static_cast<std::size_t>(got));
-  return text;
-}
-
 }  // namespace
 
 void InChild(const std::string& configuration, const std::function<void()>& body,
              unsigned seconds) {
-  const int output = memfd_create("child", 0);
+  const int output = test::OpenUnnamedFile();
   ASSERT_GE(output, 0);
   std::fflush(nullptr);
   const pid_t child = fork();
@@ -90,7 +90,8 @@ void InChild(const std::string& configuration, const std::function<void()>& body
   int status = -1;
   ASSERT_EQ(waitpid(child, &status, 0), child);
   if (status != 0) {
-    ADD_FAILURE() << configuration << ": the child " << HowItEnded(status) << "\n" << Text(output);
+    ADD_FAILURE() << configuration << ": the child " << HowItEnded(status) << "\n"
+                  << test::TextOfFile(output);
   }
   close(output);
 }

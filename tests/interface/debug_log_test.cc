@@ -34,7 +34,11 @@ constexpr const char* kAbsent = "C:/absent/a b.eml";
 constexpr const char* kUrlOfAbsent = "file:///C:/absent/a%20b.eml";
 #else
 constexpr const char* kPointer = "0x[0-9a-f]+";
+#if defined(__APPLE__)
+constexpr const char* kNoPointer = "0x0";
+#else
 constexpr const char* kNoPointer = "(nil)";
+#endif
 constexpr const char* kAbsent = "/absent/a b.eml";
 constexpr const char* kUrlOfAbsent = "file:///absent/a%20b.eml";
 #endif

@@ -1,10 +1,12 @@
 #include "tests/support/error_capture.h"
 
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstdint>
 #include <cstdio>
+
+#include "tests/support/system_log_lines.h"
+#include "tests/support/unnamed_file.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define ZQV_TEST_ASAN
@@ -28,8 +30,7 @@ void SendReportsTo([[maybe_unused]] std::intptr_t descriptor) {
 
 }  // namespace
 
-ErrorCapture::ErrorCapture()
-    : standard_error_(dup(STDERR_FILENO)), file_(memfd_create("log", MFD_CLOEXEC)) {
+ErrorCapture::ErrorCapture() : standard_error_(dup(STDERR_FILENO)), file_(OpenUnnamedFile()) {
   std::fflush(stderr);
   SendReportsTo(standard_error_);
   dup2(file_, STDERR_FILENO);
@@ -44,10 +45,12 @@ ErrorCapture::~ErrorCapture() {
 }
 
 std::string ErrorCapture::Text() const {
-  std::string text(static_cast<std::size_t>(lseek(file_, 0, SEEK_END)), '\0');
-  const ssize_t got = pread(file_, text.data(), text.size(), 0);
-  text.resize(got < 0 ? 0 : static_cast<std::size_t>(got));
+  const std::string text = TextOfFile(file_);
+#if defined(__APPLE__)
+  return WithoutSystemLogPrefixes(text);
+#else
   return text;
+#endif
 }
 
 }  // namespace zqv::test
