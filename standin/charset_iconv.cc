@@ -3,6 +3,9 @@
 #include <iconv.h>
 #include <locale.h>
 #include <wctype.h>
+#if defined(__APPLE__)
+#include <xlocale.h>
+#endif
 
 #include <cerrno>
 #include <cstring>
@@ -68,9 +71,12 @@ std::optional<std::string> RunIconv(std::string_view bytes, const char* from, co
 // The locale that lower-case forms come from, whatever the locale of the process.
 locale_t FoldingLocale() {
   static locale_t const made = [] {
-    locale_t const locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-    if (locale == nullptr) Fatal("this machine lacks the locale C.UTF-8");
-    return locale;
+    // The second for macOS, whose older systems lack the first.
+    for (const char* const name : {"C.UTF-8", "en_US.UTF-8"}) {
+      locale_t const locale = newlocale(LC_CTYPE_MASK, name, nullptr);
+      if (locale != nullptr) return locale;
+    }
+    Fatal("this machine lacks the locale C.UTF-8");
   }();
   return made;
 }

@@ -295,12 +295,12 @@ void Store::ReleaseState(NativeThing* thing, bool unlock) {
 }
 
 void Store::ReleaseBody(ArrayThing* array, bool unlock) {
-  static constexpr const char* kUser = "the end of an array";
+  static constexpr const char* kEnd = "the end of an array";
   const ArrayBody body = std::move(*array->body);
   array->body->~ArrayBody();
   if (!unlock || body.element_type != abi::kObjectElements) return;
   for (const std::int64_t slot : body.slots) {
-    if (slot != 0) Unlock(Object(reinterpret_cast<const void*>(slot), kUser), kUser);
+    if (slot != 0) Unlock(Object(reinterpret_cast<const void*>(slot), kEnd), kEnd);
   }
 }
 

@@ -18,6 +18,9 @@ set(CMAKE_OSX_SYSROOT ${ZQV_MAC_SDK} CACHE PATH "Headers and link stubs")
 
 set(CMAKE_CXX_COMPILER clang++-19)
 set(CMAKE_CXX_COMPILER_TARGET ${ZQV_MAC_ARCH}-apple-macos${oldest})
+# GoogleTest's build asks for one.
+set(CMAKE_C_COMPILER clang-19)
+set(CMAKE_C_COMPILER_TARGET ${CMAKE_CXX_COMPILER_TARGET})
 foreach(kind SHARED MODULE EXE)
   # clang recognises the kind of linker, and so its options, by this name; a path would hide it.
   set(CMAKE_${kind}_LINKER_FLAGS_INIT "-fuse-ld=lld")

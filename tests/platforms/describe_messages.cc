@@ -5,10 +5,12 @@
 // message, one for each constructor: name, constructor, exception, and hashes of the JSON in UTF-8,
 // of the JSON with the strings' own bytes, and of the log. For the message NAME, OUTPUT gets the
 // hashed texts themselves.
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
