@@ -35,11 +35,6 @@ def run(command, variables, seconds):
         return code, output.read().decode("utf-8", "replace") + late
 
 
-def path(place):
-    """An absolute path of this system as programs for Windows write it."""
-    return "Z:" + str(pathlib.Path(place).resolve())
-
-
 def find_server(prefix):
     """The process id of the server for this folder, or nothing."""
     for process in pathlib.Path("/proc").iterdir():
