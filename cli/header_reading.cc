@@ -14,8 +14,6 @@
 namespace zqv::cli {
 namespace {
 
-constexpr std::size_t kNowhere = std::string_view::npos;
-
 // Decodes the Q encoding (RFC 2047, section 4.2).
 std::string DecodeQ(std::string_view text) {
   std::string bytes;

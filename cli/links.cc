@@ -12,8 +12,6 @@
 namespace zqv::cli {
 namespace {
 
-constexpr std::size_t kNowhere = std::string_view::npos;
-
 bool IsBeyondAscii(char c) { return static_cast<unsigned char>(c) >= 0x80; }
 
 template <std::size_t kCount>

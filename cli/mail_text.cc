@@ -12,8 +12,6 @@
 namespace zqv::cli {
 namespace {
 
-constexpr std::size_t kNowhere = std::string_view::npos;
-
 // Decodes a percent escape such as "%41" at the front of a text. Nothing when there is none.
 std::optional<char> ByteOfEscape(std::string_view text) {
   if (text.size() < 3 || text[0] != '%') return std::nullopt;

@@ -13,7 +13,6 @@
 namespace zqv::cli {
 namespace {
 
-constexpr std::size_t kNowhere = std::string_view::npos;
 constexpr std::string_view kUuBegin = "begin ";
 constexpr std::string_view kBase64Begin = "begin-base64 ";
 constexpr std::string_view kYencBegin = "=ybegin ";

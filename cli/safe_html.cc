@@ -20,7 +20,6 @@ namespace {
 
 using base::LowerAscii;
 
-constexpr std::size_t kNowhere = std::string_view::npos;
 constexpr std::string_view kBlanks = " \t\n\r\f";
 
 using Names = std::unordered_set<std::string_view>;

@@ -16,6 +16,9 @@
 
 namespace zqv::cli {
 
+// The position that a search of a text returns when it finds nothing.
+inline constexpr std::size_t kNowhere = std::string_view::npos;
+
 // kMany keeps line feeds and converts CR and CRLF to them. kOne escapes line ends. Both keep tabs.
 enum class Lines { kMany, kOne };
 

@@ -14,8 +14,6 @@
 namespace zqv::cli {
 namespace {
 
-constexpr std::size_t kNowhere = std::string_view::npos;
-
 // Takes a quoted string from the front of a text (RFC 5322, section 3.2.4). A backslash escapes
 // only quotes and backslashes, because some mailers write Windows paths without doubling the
 // backslashes.
