@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 #include <tuple>
 #include <vector>
 
@@ -60,7 +61,15 @@ using Records =
                      objects::MimeMailboxClassData, objects::MimeGroupClassData,
                      objects::MimeAddressClassData, objects::MimeMailboxListClassData,
                      objects::MimeAddressListClassData, objects::MimeAttachmentClassData>;
-TYPED_TEST_SUITE(RecordSlots, Records);
+
+// Numbers of the records; clang warns of a suite without names.
+struct RecordNumbers {
+  template <class Record>
+  static std::string GetName(int number) {
+    return std::to_string(number);
+  }
+};
+TYPED_TEST_SUITE(RecordSlots, Records, RecordNumbers);
 
 // A slot that kSlots lacks would stay nil, one that it has twice would be in the list twice.
 TYPED_TEST(RecordSlots, AreAllThatIsInTheRecord) {
