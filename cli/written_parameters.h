@@ -1,5 +1,5 @@
-// Parser for Content-Type and Content-Disposition by the rules of RFC 2045, section 5.1, and RFC
-// 2231: semicolons in quotes, comments, names in several pieces and in a charset. The library
+// Parser for Content-Type and Content-Disposition as RFC 2045, section 5.1, and RFC 2231 describe
+// them: semicolons in quotes, comments, names in several pieces and in a charset. The library
 // parses these in its own way.
 #pragma once
 

@@ -34,9 +34,9 @@ inline constexpr bool kThreadSanitized = false;
 // space.
 inline constexpr bool kSanitized = kAddressSanitized || kThreadSanitized;
 
-// Whether this build has the optimisation of the shipped library. Other builds need more stack and
+// Whether the library is built as it ships, as release builds do. Other builds need more stack and
 // memory.
-#if !defined(__OPTIMIZE__) || defined(ZQV_INSTRUMENTED)
+#if !defined(NDEBUG) || defined(ZQV_INSTRUMENTED)
 inline constexpr bool kShips = false;
 #else
 inline constexpr bool kShips = true;

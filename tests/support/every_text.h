@@ -10,8 +10,9 @@
 
 namespace zqv::test {
 
-// Unoptimised and instrumented builds run at a tenth of the speed, so their tests use fewer texts.
-#if !defined(__OPTIMIZE__) || defined(ZQV_INSTRUMENTED)
+// Debug and instrumented builds of the library run at a tenth of the speed, so their tests use
+// fewer texts.
+#if !defined(NDEBUG) || defined(ZQV_INSTRUMENTED)
 inline constexpr bool kIsSlowBuild = true;
 #else
 inline constexpr bool kIsSlowBuild = false;

@@ -221,8 +221,8 @@ TEST_F(Base64Comparison, AgreeOnEveryShortTextOfDigitsAndPads) {
   EXPECT_EQ(comparison_.compared(), 349525u);
 }
 
-// 8 characters, at most 6 of them: (8^7 - 1) / 7 texts. "{" and "
-// " follow the last letter of the alphabet in ASCII. The last byte is above 0x7F.
+// 8 characters, at most 6 of them: (8^7 - 1) / 7 texts. "{" and "|" follow the last letter of the
+// alphabet in ASCII. The last byte is above 0x7F.
 TEST_F(Base64Comparison, AgreeOnEveryShortTextWithOtherCharacters) {
   ASSERT_TRUE(comparison_.AgreeOnAllTexts("An=\n-{|\xE9", 6));
   EXPECT_EQ(comparison_.compared(), 299593u);
