@@ -54,7 +54,7 @@ std::string Explain(const CLI::App& app, const CLI::ParseError& error) {
   if (lacks_something && !app.get_subcommands().empty()) {
     for (const std::string& word : app.remaining(true)) {
       if (word.size() > 1 && word.front() == '-') {
-        return "there is no option " + word + "; behind -- it is a file";
+        return "there is no option " + word + "; after -- it is a file";
       }
     }
   }
@@ -80,8 +80,9 @@ std::variant<Arguments, int> ParseArguments(int count, const char* const* values
   CLI::App app(kAbout, "zqv");
   app.set_version_flag("--version", "zqv " ZQV_VERSION, "Print the version and exit");
   app.footer(
-      "zqv VERB --help tells more of a verb. Exit codes: 0 done; 1 something could not be done,\n"
-      "or check found something; 2 the command line is wrong.");
+      "zqv VERB --help shows the options of a verb. Exit codes: 0 success; 1 something could not "
+      "be\n"
+      "read or written, or check has findings; 2 the command line is wrong.");
   DescribeCommandLine(&app, holder.get());
   try {
     std::vector<std::string> words = Words(count, values);
@@ -91,7 +92,7 @@ std::variant<Arguments, int> ParseArguments(int count, const char* const* values
   } catch (const CLI::Success& help) {
     return Flushed(app.exit(help, std::cout, std::cerr));
   } catch (const CLI::ParseError& error) {
-    Complain(Explain(app, error) + " (zqv --help tells more)");
+    Complain(Explain(app, error) + " (see zqv --help)");
     return kUsageError;
   }
   if (holder->shell.empty()) return std::move(*holder);

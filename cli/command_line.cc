@@ -62,11 +62,12 @@ std::optional<Shard> ReadShard(std::string_view text) {
 }
 
 std::string CheckShard(const std::string& text) {
-  return ReadShard(text) ? std::string() : "no share such as 3/8: " + text;
+  return ReadShard(text) ? std::string() : "not a share such as 3/8: " + text;
 }
 
 std::string CheckDate(const std::string& text) {
-  return ReadPeriod(text) ? std::string() : "no date such as 2024, 2024-01 or 2024-01-20: " + text;
+  return ReadPeriod(text) ? std::string()
+                          : "not a date such as 2024, 2024-01 or 2024-01-20: " + text;
 }
 
 // The words that an option accepts, with their values, in the order in which the help lists them.
@@ -234,9 +235,10 @@ class CommandLine {
                       "Only messages with a file that is not displayed within the text");
     command
         ->add_option("--has-finding", filter->finding,
-                     "Only messages for which check reports this finding")
+                     "Only messages for which check reports this finding, such as bad-date")
         ->type_name("CODE")
-        ->check(CLI::IsMember(FindingCodes()));
+        ->check(CLI::IsMember(FindingCodes()))
+        ->option_text("CODE");  // instead of all codes
     command
         ->add_option("--include", request_->source.include,
                      "In folders and archives, only files whose names match, such as '*.eml'")

@@ -48,7 +48,8 @@ CASES = {
     "a multipart without boundary": (
         "no-boundary", HEAD + f"Content-Type: multipart/mixed\n\n--cut\n{LETTER}--cut--\n",
         MIXED + f"--cut\n{LETTER}--cut--\n",
-        ("0", 6, "the multipart names no boundary: every line that begins with -- divides it")),
+        ("0", 6, "the multipart has no boundary parameter: every line that begins with "
+                "-- is taken for a boundary")),
     "a multipart without parts": (
         "empty-multipart", MIXED + "hello\n", MIXED + f"hello\n--cut\n{LETTER}--cut--\n",
         ("0", 6, "the multipart has no parts: no line --cut begins one")),
@@ -58,26 +59,26 @@ CASES = {
         ("0", 6, 'the multipart has no parts: no line --"cut begins one')),
     "two dates": (
         "repeated-field", HEAD + "Date: Sun, 21 Jan 2024 18:00:00 +0000\n\nx\n", HEAD + "\nx\n",
-        ("0", 6, "Date stands 2 times where one is allowed: the last counts")),
+        ("0", 6, "Date occurs 2 times, but is allowed once: the last is used")),
     "three subjects": (
         "repeated-field", HEAD + "SUBJECT: two\nsubject: three\n\nx\n",
         HEAD + "X-Subject: two\nX-Subject: three\n\nx\n",
-        ("0", 6, "Subject stands 3 times where one is allowed: the first counts")),
+        ("0", 6, "Subject occurs 3 times, but is allowed once: the first is used")),
     "two types of a part": (
         "repeated-field", MIXED + f"--cut\nContent-Type: text/plain\n{LETTER}--cut--\n",
         MIXED + f"--cut\nTo: a@b.c\nTo: b@b.c\nReceived: x\nReceived: y\n{LETTER}--cut--\n",
-        ("1", 10, "Content-Type stands 2 times where one is allowed: the first counts")),
+        ("1", 10, "Content-Type occurs 2 times, but is allowed once: the first is used")),
     "a date of words": (
         "bad-date", HEAD.replace("Sat, 20 Jan 2024 18:00:00 +0000", "soon") + "\nx\n",
-        HEAD + "\nx\n", ("0", 3, '"soon" is no proper date: the message\'s date is a guess')),
+        HEAD + "\nx\n", ("0", 3, '"soon" is not a valid date: the message\'s date is a guess')),
     "a year of two digits": (
         "early-year", HEAD.replace("2024", "24") + "\nx\n", HEAD + "\nx\n",
-        ("0", 3, 'the year in "Sat, 20 Jan 24 18:00:00 +0000" is before 1000: it is taken as it '
-                 "stands")),
+        ("0", 3, 'the year in "Sat, 20 Jan 24 18:00:00 +0000" is before 1000: no century is '
+                 'added')),
     "a lower-case encoded word": (
         "lower-case-word", HEAD + "X-Note: =?utf-8?q?caf=C3=A9?= =?utf-8?b?eA==?=\n\nx\n",
         HEAD + "X-Note: =?utf-8?Q?caf=C3=A9?= =?utf-8?B?eA==?=\n\nx\n",
-        ("0", 6, "an encoded word in X-Note has a lower-case q and stays undecoded: "
+        ("0", 6, "an encoded word in X-Note has a lower-case q and is not decoded: "
                  '"=?utf-8?q?caf=C3=A9?="')),
     "an encoded word of unknown charset": (
         "unknown-word-charset", HEAD + "X-Note: a\n =?x-none?Q?b?=\n\nx\n",
@@ -94,14 +95,14 @@ CASES = {
         ("0", 6, "bytes in X-Note are not taken for UTF-8: they are read as Mac Roman")),
     "a zero byte in a field": (
         "zero-byte-in-field", HEAD + "X-Note: a\0b\n\nx\n", HEAD + "X-Note: ab\n\nx\n",
-        ("0", 6, "a zero byte stands in X-Note: what follows in the field is lost")),
+        ("0", 6, "X-Note contains a zero byte: the rest of the field is lost")),
     "a CR in a header": (
         "lone-cr", HEAD + "X-Note: a\rX-Other: b\n\nx\n", HEAD + "X-Note: a\r\nX-Other: b\n\nx\n",
-        ("0", 6, "a line of the header ends with a CR alone, others do not")),
+        ("0", 6, "a line of the header ends with a single CR, others do not")),
     "a type without subtype": (
         "bad-content-type", HEAD + "Content-Type: text\n\nx\n",
         HEAD + "Content-Type: text/x\n\nx\n",
-        ("0", 6, 'the Content-Type "text/" is not type/subtype: the part is taken for a file')),
+        ("0", 6, 'the Content-Type "text/" is not type/subtype: the part is listed as a file')),
     "an unknown charset": (
         "unknown-charset", HEAD + "Content-Type: text/plain; charset=x-none\n\ncafé\n",
         HEAD + "Content-Type: text/plain; charset=x-none\n\ncafe\n",
@@ -123,7 +124,7 @@ CASES = {
     "a zero byte in text": (
         "zero-byte-in-text", HEAD + "\na\0b\n",
         HEAD + "Content-Type: application/x-any\n\na\0b\n",
-        ("0", 1, "a zero byte stands in the text")),
+        ("0", 1, "the text contains a zero byte")),
     "an encoded message": (
         "encoded-message",
         MIXED + "--cut\nContent-Type: message/rfc822\nContent-Transfer-Encoding: base64\n\n"
@@ -133,10 +134,10 @@ CASES = {
         ("1", 10, "the attached message is in base64: it is read without decoding")),
     "base64 with other characters": (
         "bad-base64", DATA + "aGVsbG8=\n-- \nThe list\n", DATA + "aGVs\n bG8=\n",
-        ("0", 7, "the part's base64 has other characters in it: its data are damaged")),
+        ("0", 7, "the part's base64 contains other characters: its data are damaged")),
     "base64 that is cut off": (
         "bad-base64", DATA + "aGVsb\n", DATA + "aGVsbG8\n",
-        ("0", 7, "the part's base64 is cut off: its data are not whole")),
+        ("0", 7, "the part's base64 is cut off: its data are incomplete")),
     "a name with percent escapes": (
         "encoded-name",
         MIXED + "--cut\nContent-Type: image/png\nContent-Disposition: attachment;\n"
@@ -158,11 +159,11 @@ CASES = {
                 " filename*0=\"a\"; filename*1=\"b.png\"\n\nx\n--cut--\n",
         MIXED + "--cut\nContent-Type: image/png\nContent-Disposition: attachment;\n"
                 " filename=\"ab.png\"; filename*0=\"a\"; filename*1=\"b.png\"\n\nx\n--cut--\n",
-        ("1", 10, "the file name in filename*0 is not read")),
+        ("1", 10, "the library does not read the file name in filename*0")),
     "a name of the type with a charset": (
         "unread-name", MIXED + "--cut\nContent-Type: image/png; name*=utf-8''a.png\n\nx\n--cut--\n",
         MIXED + "--cut\nContent-Type: image/png; name=a%20b.png\n\nx\n--cut--\n",
-        ("1", 9, "the file name in name* is not read")),
+        ("1", 9, "the library does not read the file name in name*")),
 }
 
 UNKNOWN_ENCODING = "Content-Type: image/png\nContent-Transfer-Encoding: x-uuencode\n\nx\n"
@@ -224,7 +225,8 @@ class FindingTest(CheckCase):
     def test_unknown_transfer_encoding(self):
         self.assertEqual(self.findings(MIXED + f"--cut\n{UNKNOWN_ENCODING}--cut--\n"), [
             ("unlisted-part", "1", 9,
-             "the part is in no list: no attachment, no inline part, not the message's text"),
+             "the part is in no list: it is neither an attachment nor an inline "
+             "part, nor the message's text"),
             ("unknown-transfer-encoding", "1", 10,
              'unknown transfer encoding "x-uuencode": the part is not decoded')])
         for known in ("BASE64", "Quoted-Printable", "7bit", "8bit", "binary"):
@@ -240,8 +242,9 @@ class FindingTest(CheckCase):
         self.assertEqual(self.findings(MIXED + inner + behind), [
             ("unterminated-multipart", "1", 9,
              "the multipart is not closed: no line --in-- before line 15"),
-            ("lost-parts", None, 16, "the 2 parts from here on are lost: the library reads no "
-                                     "further, as a multipart above is not closed")])
+            ("lost-parts", None, 16, "the 2 parts from here on are lost: the library "
+                                     "stops at the boundary of an outer multipart while an inner "
+                                     "one is not closed")])
         self.assertEqual(self.findings(MIXED + inner + "--in--\n" + behind), [])
 
     def test_more_lost_parts_than_are_parsed(self):
@@ -403,7 +406,8 @@ class LackingTest(CheckCase):
         empty = ("empty-file", "1", 9, 'the file "a.png" has no bytes')
         self.check(MIXED + f"{part}--cut--\n", empty, (
             "unlisted-part", "1", 9,
-            "the part is in no list: no attachment, no inline part, not the message's text"), (
+            "the part is in no list: it is neither an attachment nor an inline "
+             "part, nor the message's text"), (
             "unknown-transfer-encoding", "1", 10,
             'unknown transfer encoding "x-none": the part is not decoded'))
         # The library offers such a part in a known encoding; without a name it is not a file that a
@@ -413,17 +417,17 @@ class LackingTest(CheckCase):
 
     def test_names_of_texts(self):
         self.check(HEAD + "Content-Type: text/plain; name=a.txt\n\nx\n",
-                   ("named-text", "0", 1, 'the message\'s own text is called "a.txt": the library '
-                                          "shows the name nowhere"))
+                   ("named-text", "0", 1, 'the message\'s own text has the file name "a.txt", '
+                                          "which no property gives"))
 
     def test_frames(self):
         self.check(MIXED.replace("mixed", "signed") + f"--cut\n{LETTER}--cut--\n",
-                   ("frame-attachment", "0", 1, 'the library lists the "multipart/signed" as a '
-                                                "file, which has no bytes of its own"))
+                   ("frame-attachment", "0", 1, 'the library lists the "multipart/signed" as an '
+                                                "attachment, which has no bytes of its own"))
 
     def test_repeated_parameters(self):
         self.check(MIXED.replace("=cut", "=cut; boundary=b") + f"--cut\n{LETTER}--cut--\n",
-                   ("repeated-parameter", "0", 6, "the parameter boundary stands several times in "
+                   ("repeated-parameter", "0", 6, "the parameter boundary occurs several times in "
                                                   "Content-Type, with different values"))
         self.check(MIXED.replace("=cut", "=cut; boundary=cut") + f"--cut\n{LETTER}--cut--\n")
         for parameter, field, line, names in (
@@ -433,14 +437,14 @@ class LackingTest(CheckCase):
             part = f"--cut\nContent-Type: image/png{names}\n\nx\n"
             with self.subTest(field):
                 self.check(MIXED + f"{part}--cut--\n", (
-                    "repeated-parameter", "1", line, f"the parameter {parameter} stands several "
+                    "repeated-parameter", "1", line, f"the parameter {parameter} occurs several "
                                                      f"times in {field}, with different values"))
                 self.check(MIXED + f"{part}--cut--\n".replace("=b", "=a"))
 
     def test_pieces(self):
         odd = HEAD + "Content-Type: message/partial; id=a; number=1; total=2\n\nx\n"
-        self.check(odd, ("message-piece", "0", 6, "the message is a piece of one: only with the "
-                                                  "others it can be read"))
+        self.check(odd, ("message-piece", "0", 6, "the message is one piece of another, which can "
+                                                  "be read only when all pieces are joined"))
 
     def test_base64_after_its_padding(self):
         self.check(DATA + "eA==eA==\n", (
@@ -456,8 +460,8 @@ class OutputTest(CheckCase):
         letter = self.write("a.eml", HEAD + "Date: x\nContent-Type: multipart/mixed; boundary=b\n\n"
                             "--b\nContent-Type: text/plain\nhello\n--b--\n")
         self.expect(zqv("check", letter), 1, (
-            "message  line 6   Date stands 2 times where one is allowed: the last counts\n"
-            "message  line 6   \"x\" is no proper date: the message's date is a guess\n"
+            "message  line 6   Date occurs 2 times, but is allowed once: the last is used\n"
+            "message  line 6   \"x\" is not a valid date: the message's date is a guess\n"
             'part 1   line 11  no blank line ends the header: "hello" is taken for text of the body'
             "\n"))
 

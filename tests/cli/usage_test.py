@@ -73,7 +73,7 @@ class UsageTest(program.TestCase):
         for name, arguments in mistakes.items():
             with self.subTest(name):
                 result = self.expect(zqv(*arguments), 2, "", None)
-                self.assertRegex(result.err, r"\Azqv: .+ \(zqv --help tells more\)\n\Z")
+                self.assertRegex(result.err, r"\Azqv: .+ \(see zqv --help\)\n\Z")
         self.assertEqual(list(self.folder.iterdir()), [])
 
     def test_unknown_verb_is_named(self):
@@ -82,7 +82,7 @@ class UsageTest(program.TestCase):
                                   (["--shew"], "there is no option --shew"),
                                   (["", PLAIN], "there is no verb "),
                                   (["show"], "source is required")):
-            self.expect(zqv(*arguments), 2, "", f"zqv: {reason} (zqv --help tells more)\n")
+            self.expect(zqv(*arguments), 2, "", f"zqv: {reason} (see zqv --help)\n")
 
     def test_help(self):
         for arguments in (["--help"], ["-h"]):
@@ -141,8 +141,8 @@ class ExitCodeTest(program.TestCase):
 
     def test_a_file_that_looks_like_an_option(self):
         self.expect(zqv("show", "-dash.eml"), 2, "",
-                    "zqv: there is no option -dash.eml; behind -- it is a file (zqv --help tells "
-                    "more)\n")
+                    "zqv: there is no option -dash.eml; after -- it is a file (see "
+                    "zqv --help)\n")
 
 
 if __name__ == "__main__":
