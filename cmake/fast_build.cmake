@@ -1,6 +1,6 @@
 # Tests and the program include large headers (GoogleTest, nlohmann-json, CLI11). Several of their
 # files given to the compiler as one take less than half the time of a full build, and tests without
-# optimisation again half of that. The library's own files are always compiled one by one and as they
+# optimisation again half of that, also with AddressSanitizer. The library's own files are always compiled one by one and as they
 # ship. Preset dev compiles everything one by one, which finds includes that a file forgot.
 option(ZQV_UNITY "Compile the files of tests and of the program several at a time" ON)
 
@@ -13,7 +13,11 @@ function(zqv_fast_build target)
   endif()
 endfunction()
 
-# Compiles a target's files without optimisation in release builds.
+# Compiles a target's files without optimisation with AddressSanitizer and in release builds.
+#   zqv_without_optimisation(target [UNLESS_RELEASE])
 function(zqv_without_optimisation target)
-  target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O0>)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "UNLESS_RELEASE" "" "")
+  if(ZQV_SANITIZE MATCHES "address" OR (CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT arg_UNLESS_RELEASE))
+    target_compile_options(${target} PRIVATE -O0)
+  endif()
 endfunction()

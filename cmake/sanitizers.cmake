@@ -4,7 +4,7 @@ set(ZQV_SANITIZE "" CACHE STRING "Sanitizers for all code, e.g. address,undefine
 option(ZQV_FUZZER "Instrument all code for libFuzzer (clang only)" OFF)
 option(ZQV_COVERAGE "Count executed lines (g++ only)" OFF)
 
-# Instrumented stack frames are several times as large, so the code lowers its limit on nesting.
+# Instrumented code has larger stack frames and takes longer; tests need to know.
 if(ZQV_SANITIZE OR ZQV_FUZZER)
   add_compile_definitions(ZQV_INSTRUMENTED)
 endif()

@@ -42,16 +42,16 @@ inline constexpr bool kShips = false;
 inline constexpr bool kShips = true;
 #endif
 
-// Whether this program runs in Wine, where threads that compete for the host's lock take three
-// times as long.
-#if defined(_WIN32)
-inline constexpr bool kWine = true;
+// Whether this program runs in an emulator or in Wine, where threads that compete for the host's
+// lock take at least three times as long.
+#if defined(_WIN32) || defined(ZQV_EMULATED)
+inline constexpr bool kEmulated = true;
 #else
-inline constexpr bool kWine = false;
+inline constexpr bool kEmulated = false;
 #endif
 
-// The number of repetitions: `plain`, or the smaller `slow` with a sanitizer or in Wine.
-constexpr int Repetitions(int plain, int slow) { return kSanitized || kWine ? slow : plain; }
+// The number of repetitions: `plain`, or the smaller `slow` with a sanitizer or an emulator.
+constexpr int Repetitions(int plain, int slow) { return kSanitized || kEmulated ? slow : plain; }
 
 // Runs `body` in a child process. Expects the child to end within `seconds`, without a failed
 // expectation, a C++ exception or, where a leak checker is present, a leak.
