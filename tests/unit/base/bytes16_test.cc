@@ -2,9 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace zqv::test {
 namespace {
@@ -52,6 +57,119 @@ TEST(LoadShort, HasEveryByteOfTheTextAndNoOther) {
       EXPECT_TRUE(base::AnyOf(AreMarks(loaded))) << length << " " << place;
       EXPECT_TRUE(base::AllOf((loaded == '!') | (loaded == '.'))) << length << " " << place;
     }
+  }
+}
+
+// The lanes of a wide vector. Only functions marked ZQV_LOOKS_UP may use the vectors themselves.
+using Lanes = std::array<signed char, base::kWideBytes>;
+using Table = std::array<std::int8_t, base::kBytes16>;
+
+ZQV_LOOKS_UP base::WideBytes Load(const Lanes& lanes) {
+  return base::LoadWideBytes(reinterpret_cast<const char*>(lanes.data()));
+}
+
+ZQV_LOOKS_UP Lanes Stored(base::WideBytes bytes) {
+  Lanes lanes{};
+  base::StoreWideBytes(bytes, reinterpret_cast<char*>(lanes.data()));
+  return lanes;
+}
+
+ZQV_LOOKS_UP Lanes UpperNibblesOf(const Lanes& lanes) {
+  return Stored(base::UpperNibbles(Load(lanes)));
+}
+ZQV_LOOKS_UP Lanes LookedUp(const Table& table, const Lanes& indexes) {
+  return Stored(base::LookUp(base::TableOf(table), Load(indexes)));
+}
+ZQV_LOOKS_UP Lanes JoinedSixBits(const Lanes& lanes) {
+  return Stored(base::JoinSixBits(Load(lanes)));
+}
+ZQV_LOOKS_UP Lanes JoinedTwelves(const Lanes& lanes) {
+  return Stored(base::JoinTwelves(Load(lanes)));
+}
+ZQV_LOOKS_UP bool AreAllZero(const Lanes& lanes) { return base::IsAllZero(Load(lanes)); }
+
+// Calls test(lanes) for vectors that together have each value of a byte in each lane.
+template <class Test>
+void ForEachByteInEachLane(Test test) {
+  for (int first = -128; first < 128; ++first) {
+    Lanes lanes;
+    for (std::size_t i = 0; i < lanes.size(); ++i) {
+      lanes[i] = static_cast<signed char>(first + static_cast<int>(i));
+    }
+    test(lanes);
+  }
+}
+
+class WideBytesTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!base::CanLookUp()) GTEST_SKIP() << "the processor has no AVX2";
+  }
+};
+
+#if defined(__x86_64__)
+TEST(CanLookUp, IsTrueOnProcessorsWithAvx2) {
+  EXPECT_EQ(base::CanLookUp(), __builtin_cpu_supports("avx2") != 0);
+}
+#endif
+
+TEST_F(WideBytesTest, UpperNibblesAreNumbersUpTo15) {
+  ForEachByteInEachLane([](const Lanes& lanes) {
+    const Lanes nibbles = UpperNibblesOf(lanes);
+    for (std::size_t i = 0; i < lanes.size(); ++i) {
+      ASSERT_EQ(nibbles[i], static_cast<std::uint8_t>(lanes[i]) / 16) << i;
+    }
+  });
+}
+
+TEST_F(WideBytesTest, LookUpGivesEntriesAndZeroForNegativeIndexes) {
+  const Table table = {-128, 127, 3, 5, 7, 11, 13, 17, 19, 23, 29, 31, 37, 41, 43, -1};
+  ForEachByteInEachLane([&](Lanes lanes) {
+    for (signed char& lane : lanes) {
+      if (lane > 15) lane = static_cast<signed char>(lane % 16);
+    }
+    const Lanes entries = LookedUp(table, lanes);
+    for (std::size_t i = 0; i < lanes.size(); ++i) {
+      ASSERT_EQ(entries[i], lanes[i] < 0 ? 0 : table[static_cast<std::size_t>(lanes[i])]) << i;
+    }
+  });
+}
+
+TEST_F(WideBytesTest, JoinSixBitsMakesOneNumberOfFourLanes) {
+  ForEachByteInEachLane([](Lanes lanes) {
+    for (signed char& lane : lanes) lane = static_cast<signed char>(lane & 63);
+    const Lanes joined = JoinedSixBits(lanes);
+    for (std::size_t i = 0; i < lanes.size(); i += 4) {
+      std::uint32_t number = 0;
+      for (std::size_t k = 0; k < 4; ++k) {
+        number = number * 64 + static_cast<std::uint32_t>(lanes[i + k]);
+      }
+      std::uint32_t word = 0;
+      std::memcpy(&word, &joined[i], sizeof word);
+      ASSERT_EQ(word, number) << i;
+    }
+  });
+}
+
+TEST_F(WideBytesTest, JoinTwelvesMovesTheFirstTwelveOfEachHalfToTheFront) {
+  Lanes lanes;
+  for (std::size_t i = 0; i < lanes.size(); ++i) lanes[i] = static_cast<signed char>(i);
+  std::vector<signed char> expected;
+  for (std::size_t half = 0; half < lanes.size(); half += base::kBytes16) {
+    expected.insert(expected.end(), &lanes[half], &lanes[half] + 12);
+  }
+  const Lanes joined = JoinedTwelves(lanes);
+  EXPECT_TRUE(std::equal(expected.begin(), expected.end(), joined.begin()));
+}
+
+TEST_F(WideBytesTest, IsAllZeroLooksAtEachLane) {
+  EXPECT_TRUE(AreAllZero(Lanes{}));
+  for (std::size_t i = 0; i < base::kWideBytes; ++i) {
+    Lanes lanes{};
+    lanes[i] = 1;
+    EXPECT_FALSE(AreAllZero(lanes)) << i;
+    lanes[i] = -128;
+    EXPECT_FALSE(AreAllZero(lanes)) << i;
   }
 }
 
