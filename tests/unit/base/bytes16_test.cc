@@ -60,6 +60,36 @@ TEST(LoadShort, HasEveryByteOfTheTextAndNoOther) {
   }
 }
 
+TEST(BitsOf64, HasTheBitOfEachByte) {
+  EXPECT_EQ(base::BitsOf64(std::string(64, '.').data(), AreMarks), 0U);
+  EXPECT_EQ(base::BitsOf64(std::string(64, '!').data(), AreMarks), ~std::uint64_t{0});
+  for (std::size_t place = 0; place < 64; ++place) {
+    std::string text(64, '.');
+    text[place] = '!';
+    EXPECT_EQ(base::BitsOf64(Exact(text).get(), AreMarks), std::uint64_t{1} << place) << place;
+  }
+}
+
+TEST(Masks, HaveAFirstAndALastLane) {
+  EXPECT_EQ(base::FirstOf(base::Bytes16{}), base::kBytes16);
+  for (std::size_t first = 0; first < base::kBytes16; ++first) {
+    for (std::size_t last = first; last < base::kBytes16; ++last) {
+      base::Bytes16 mask{};
+      mask[first] = -1;
+      mask[last] = -1;
+      EXPECT_EQ(base::FirstOf(mask), first) << last;
+      EXPECT_EQ(base::LastOf(mask), last) << first;
+      EXPECT_TRUE(base::AnyOf(mask));
+      EXPECT_FALSE(base::AllOf(mask));
+    }
+    base::Bytes16 all_but_one = ~base::Bytes16{};
+    EXPECT_TRUE(base::AllOf(all_but_one));
+    all_but_one[first] = 0;
+    EXPECT_FALSE(base::AllOf(all_but_one)) << first;
+  }
+  EXPECT_FALSE(base::AnyOf(base::Bytes16{}));
+}
+
 // The lanes of a wide vector. Only functions marked ZQV_LOOKS_UP may use the vectors themselves.
 using Lanes = std::array<signed char, base::kWideBytes>;
 using Table = std::array<std::int8_t, base::kBytes16>;
