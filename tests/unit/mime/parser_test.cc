@@ -148,6 +148,18 @@ TEST(Parser, GivesTheReferencesTreeForEveryBodyLengthAroundItsBlocks) {
   }
 }
 
+// The parser skips plain lines 64 bytes at a time, and then 16.
+TEST(Parser, GivesTheReferencesTreeForABoundaryAtEachOffset) {
+  const std::string head = "Content-Type: multipart/mixed; boundary=b\n\n--b\n\n";
+  for (std::size_t length = 0; length < 4 * 64; ++length) {
+    const std::string line(length, 'x');
+    ASSERT_EQ(DifferenceFromTheReference(head + line + "\n--b\n\nend" + std::string(300, 'y')), "")
+        << length;
+    ASSERT_EQ(DifferenceFromTheReference(head + line + "-\n" + line + "\n--b--\n" + line), "")
+        << length;
+  }
+}
+
 // A random line: any line end, with or without "--" at its start, and often as long as a block or
 // nearly so.
 std::string AnyLine(std::mt19937& random) {

@@ -301,6 +301,11 @@ TEST(HtmlReferences, NulEndsAName) {
 TEST(HtmlReferences, NumbersAreRead) {
   EXPECT_EQ(Text("&#65;&#x41;&#0065;"), "AAA");
   EXPECT_EQ(Text("&#8364;&#x20ac;&#x20AC;"), "{20AC}{20AC}{20AC}");
+  // Every digit.
+  EXPECT_EQ(Text("&#x2f;&#x3a;&#x4b;&#x5c;&#x6d;&#x7e;"), "/:K\\m~");
+  EXPECT_EQ(Text("&#x2F;&#x3A;&#x4B;&#x5C;&#x6D;&#x7E;"), "/:K\\m~");
+  EXPECT_EQ(Text("&#x0038;&#x0039;&#x31;&#x67;"), "891g");
+  EXPECT_EQ(Text("&#90;&#38;&#71;&#52;&#65;"), "Z&G4A");
 }
 
 TEST(HtmlReferences, UpperCaseXIsKeptAsText) { EXPECT_EQ(Text("&#X41;"), "&#X41;"); }
