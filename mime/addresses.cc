@@ -473,7 +473,6 @@ class Reader {
 MailboxValue::MailboxValue(std::string_view value) {
   Reader reader(value, {0, 0, 1}, memory_);
   reader.ReadMailbox(value);
-  reader.Finish();
 }
 
 GroupValue::GroupValue(std::string_view value) {

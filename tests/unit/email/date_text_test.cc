@@ -79,8 +79,10 @@ TEST(DateText, ReadsAsMimeticDoesWhateverOneCharacterIs) {
           ++compared;
         }
       }
-      const std::string beginning = text.substr(0, at);
-      ASSERT_EQ(Read(beginning), LibraryReads(beginning)) << beginning;
+      for (const std::size_t removed : {1U, 2U, 3U, 4U, 99U}) {
+        const std::string rest = std::string(text).erase(at, removed);
+        ASSERT_EQ(Read(rest), LibraryReads(rest)) << rest;
+      }
     }
   }
   EXPECT_GT(compared, 15000U);

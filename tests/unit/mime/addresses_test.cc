@@ -232,6 +232,7 @@ void ExpectGroups(const std::vector<GroupRow>& rows) {
     for (const mime::Mailbox& mailbox : group->mailboxes) mailboxes.emplace_back(mailbox.text);
     EXPECT_EQ(mailboxes, row.mailboxes) << row.name;
     EXPECT_EQ(mime::GroupValue::CountMailboxes(row.value), row.mailboxes.size()) << row.name;
+    EXPECT_EQ(group->mailboxes.empty(), row.mailboxes.empty()) << row.name;
     EXPECT_EQ(GroupDifference(row.value), "") << row.name;
   }
 }
