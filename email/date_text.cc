@@ -1,10 +1,11 @@
-// A date in the regular form of RFC 5322 is parsed here in one pass, without allocating:
+// A date in the regular form, the most usual form of RFC 5322, is parsed here in one pass, without
+// allocating:
 //
 //   Tue, 1 Jul 2003 10:52:37 +0200 (CEST)
 //
-// The name of the day and one comment without parentheses or quotes in it may be missing. Any other
-// text is passed to mimetic, which gives the same numbers for regular dates but allocates a dozen
-// strings for each.
+// The name of the day and the comment may be missing. The comment has no parentheses or quotes in
+// it. Any other text is passed to mimetic, which gives the same numbers for regular dates but
+// allocates a dozen strings for each.
 #include "email/date_text.h"
 
 #include <mimetic/rfc822/datetime.h>
@@ -25,15 +26,16 @@ static_assert(std::size(kMonths) == 12);
 using base::IsDigit;
 using base::IsLetter;
 
-// Parses a text from front to back. When a part is not there, is_good() becomes false and stays so;
-// the results are then meaningless.
+// Parses a date from front to back. When an element is missing, is_good() becomes false and stays
+// so; the results are then meaningless.
 class PartReader {
  public:
   explicit PartReader(std::string_view text) : rest_(text) {}
 
   bool is_good() const { return is_good_; }
 
-  // Parses a number of `least` to `most` digits.
+  // Parses a number of at most `most` digits and returns it. Fewer than `least` digits make the
+  // date invalid.
   int Number(std::size_t least, std::size_t most) {
     int value = 0;
     std::size_t count = 0;
@@ -60,13 +62,14 @@ class PartReader {
     return 0;
   }
 
-  // Parses '+' or '-' and returns 1 or -1. At any other character the text becomes invalid.
+  // Parses '+' or '-' and returns 1 or -1. Any other character makes the date invalid.
   int Sign() {
     const int sign = Front() == '-' ? -1 : 1;
     Take(sign < 0 ? '-' : '+');
     return sign;
   }
 
+  // Skips the character `c`. Any other character makes the date invalid.
   void Take(char c) {
     is_good_ = is_good_ && Front() == c;
     if (is_good_) rest_.remove_prefix(1);
@@ -76,7 +79,8 @@ class PartReader {
     while (Front() == ' ') rest_.remove_prefix(1);
   }
 
-  // Skips the name of a day and its comma, if there is one.
+  // If letters are next, skips them as the name of a day, a comma, which is then required, and
+  // spaces.
   void SkipDayName() {
     if (!IsLetter(Front())) return;
     while (IsLetter(Front())) rest_.remove_prefix(1);
@@ -84,7 +88,7 @@ class PartReader {
     SkipSpaces();
   }
 
-  // Checks that the text ends here, except for spaces and one comment.
+  // Skips spaces and at most one comment. The date is invalid if the text does not end there.
   void End() {
     SkipSpaces();
     if (Front() == '(') {
@@ -96,14 +100,15 @@ class PartReader {
   }
 
  private:
-  // The next character; NUL at the end of the text, which no part accepts.
+  // The next character, which is not consumed; NUL, which is part of no regular date, at the end.
   char Front() const { return rest_.empty() ? '\0' : rest_.front(); }
 
   std::string_view rest_;
   bool is_good_ = true;
 };
 
-// Parses a date in the regular form; nullopt for any other text.
+// Parses a date in the regular form, which the comment at the top of this file defines. Returns
+// nullopt for any other text.
 std::optional<DateFields> ReadRegular(std::string_view text) {
   DateFields date{};
   PartReader reader(text);

@@ -15,12 +15,13 @@ struct DateFields {
 };
 
 // Parses a date. QUIRK: never fails: a text that is no date gives the numbers that mimetic (the
-// MIME library, THIRD_PARTY.md) gives, an empty one those of 1 January 1970. Equal to mimetic's
-// result. Test: Dates.TakeWhatMimeticReads.
+// MIME library, THIRD_PARTY.md) gives, and an empty text gives those of 1 January 1970. Equal to
+// mimetic's result. Test: Dates.TakeWhatMimeticReads.
 DateFields ReadDateText(std::string_view text);
 
-// The text of the date in the value of a Received field: everything after the first ";" that has a
-// space after it (RFC 5322, section 3.6.7), with that space. Nullopt when there is none.
+// Returns the text of the date in the value of a Received field (RFC 5322, section 3.6.7):
+// everything after the semicolon of the first "; ", so that it begins with the space. Nullopt when
+// the value has no "; ".
 // [borrowed from `value`] QUIRK: the first "; " is used, even inside a comment before the date.
 // Part of the interface's contract; changing it is a major version. Test:
 // Dates.FirstSemicolonAndBlankWins.

@@ -17,9 +17,9 @@
 namespace zqv::email {
 namespace {
 
-// Parses the value of a parameter "filename*" (RFC 2231, section 4). QUIRK: only the form
-// charset''value is recognised, whose value keeps its percent escapes. In any other form, such as
-// with a language between the apostrophes, the whole text is the name. Part of the interface's
+// Parses the value of a parameter "filename*" (RFC 2231, section 4). QUIRK: only charset''value
+// with a known charset is recognised, and the value keeps its percent escapes. Any other text, such
+// as one with a language between the apostrophes, is the name as a whole. Part of the interface's
 // contract; changing it is a major version. Test: FileNames.ExtendedParameterKeepsPercentEscapes.
 text::HeaderText ExtendedFileName(std::string_view value) {
   constexpr std::size_t kShortest = 5;

@@ -6,7 +6,7 @@
 namespace zqv::email {
 
 // Returns ".html", ".gif", ".bmp", ".png", ".tif" or ".jpg", depending on the first bytes of
-// `data`; empty when they are none of these formats or `data` has fewer than 6 bytes.
+// `data`. Returns an empty text when these bytes begin no such file, or `data` has fewer than 6.
 std::string_view FindExtension(std::string_view data);
 
 }  // namespace zqv::email

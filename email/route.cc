@@ -1,9 +1,13 @@
 // Routing depends on a part's type, its disposition and whether it has a Content-ID:
 //
+//   Content-Disposition: attachment              in Attachments, whatever the type
 //   Content-Type: text/plain; charset=utf-8      the message's plain text, if it is the first
-//   Content-Disposition: attachment              in Attachments, whatever its type
-//   Content-ID: <logo@example.org>               in Inlines, unless it is the first plain or HTML
-//   text anything else                                in Attachments
+//   Content-Type: text/html                      the message's HTML text, if it is the first
+//   Content-Disposition: inline                  in Inlines
+//   Content-ID: <logo@example.org>               in Inlines
+//   anything else                                in Attachments
+//
+// The first row that applies to a part is used.
 #include "email/route.h"
 
 #include "base/ascii.h"
@@ -35,9 +39,10 @@ bool IsText(std::string_view type, std::string_view subtype, std::string_view wa
   return EqualsIgnoringCase(type, "text") && EqualsIgnoringCase(subtype, wanted_subtype);
 }
 
-// QUIRK: a part without Content-Type does not count as text/plain, although RFC 2045, section 5.2,
-// says so: it is listed as an attachment. Part of the interface's contract; changing it is a major
-// version. Test: SinglePart.WithoutATypeIsOfferedAsText.
+// Chooses the destination of a part as route.h describes it. QUIRK: a part without Content-Type
+// does not count as text/plain, although RFC 2045, section 5.2, makes that the default: it is
+// listed like a file. Part of the interface's contract; changing it is a major version. Test:
+// SinglePart.WithoutATypeIsOfferedAsText.
 Destination Route(const PartTraits& part, bool has_plain_text, bool has_html_text) {
   if (EqualsIgnoringCase(part.disposition, "attachment")) return Destination::kAttachments;
   if (IsText(part.type, part.subtype, "plain") && !has_plain_text) return Destination::kPlainText;

@@ -1,5 +1,5 @@
 // Decides which part of a message is its plain text and which its HTML, and which parts are listed
-// as attachments or as inline parts. Decodes the body of a part and finds its encoding.
+// as attachments or as inline parts. Decodes the body of a part and finds its character encoding.
 #pragma once
 
 #include <optional>
@@ -23,40 +23,42 @@ struct PartTraits {
   bool has_content_id = false;   // a Content-ID field that is not empty
 };
 
-// Collects the traits of a part. [borrowed from the header]
+// Reads the traits of a part from `header`. [borrowed from `header`]
 PartTraits TraitsOf(const mime::Header& header);
 
 // The destination of a part, given whether the message has a plain text and an HTML text already.
-// The first text/plain and the first text/html part whose disposition is not "attachment" become
-// these texts. All other parts are listed: as inline when their disposition is "inline" or they
-// have a Content-ID, otherwise, or with the disposition "attachment", as attachments.
+// A part with the disposition "attachment" is listed as an attachment. Among the other parts, the
+// first text/plain and the first text/html part become these texts. All others are listed: as an
+// inline part if their disposition is "inline" or they have a Content-ID, else as an attachment.
 Destination Route(const PartTraits& part, bool has_plain_text, bool has_html_text);
 
 // Whether a part is multipart/alternative, multipart/related or multipart/mixed. These are never
-// listed. QUIRK: any other multipart (signed, report, digest) is listed like a leaf, in addition to
-// the parts inside it. Part of the interface's contract; changing it is a major version.
-// Test: Routing.SignedMultipartIsListedItself.
+// listed as attachments or inline parts. QUIRK: any other multipart (signed, report, digest) is
+// listed like a leaf, in addition to the parts inside it. Part of the interface's contract;
+// changing it is a major version. Test: Routing.SignedMultipartIsListedItself.
 bool IsContainer(std::string_view type, std::string_view subtype);
 
 // Whether a part is text/`wanted_subtype`, ignoring case.
 bool IsText(std::string_view type, std::string_view subtype, std::string_view wanted_subtype);
 
-// Removes the transfer encoding from a part's body. Nullopt for a container and for an unknown
-// transfer encoding. [borrowed from `body` when nothing has to be decoded; otherwise owned]
+// Returns the body of a part without its transfer encoding. Returns nullopt for a container
+// (IsContainer) and for an unknown transfer encoding. [borrowed from `body` when nothing has to be
+// decoded; otherwise owned]
 std::optional<DecodedBody> DecodePart(const mime::Header& header, std::string_view body);
 
-// Like DecodePart, but also decodes the body of a container. For a message of one part, whose body
-// becomes its text whatever its type is.
+// Like DecodePart, but also decodes the body of a container. Used for a message of one part: the
+// body becomes the text of the message, whatever the part's type is.
 std::optional<DecodedBody> DecodeSinglePart(const mime::Header& header, std::string_view body);
 
-// A body with its encoding.
+// A view of a decoded body, with its character encoding.
 struct BodyText {
   std::string_view bytes;
   abi::Encoding encoding;            // kUnknownEncoding for an unknown charset
   std::string_view unknown_charset;  // the charset parameter when it names no known charset
 };
-// Finds the encoding of a decoded body: that of the charset parameter of Content-Type or, without
-// one, the one that base::DetectEncoding guesses. [borrowed from both arguments]
+// Returns `decoded` with its character encoding: that of the charset parameter of Content-Type or,
+// if this is absent or empty, the one that base::DetectEncoding guesses. [borrowed from both
+// arguments]
 BodyText LabelBody(const mime::Header& header, std::string_view decoded);
 
 }  // namespace zqv::email

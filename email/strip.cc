@@ -29,7 +29,7 @@ using mime::PartKind;
 
 constexpr std::string_view kLineEnd = "\r\n";
 
-// Whether a part is to be removed.
+// Whether a part with this header is to be removed.
 bool IsFile(const mime::Header& header) {
   const std::string_view disposition = header.content_disposition().type();
   ZQV_LOG("IsAttachment %s", std::string(disposition).c_str());
@@ -37,8 +37,8 @@ bool IsFile(const mime::Header& header) {
          base::EqualsIgnoringCase(disposition, "attachment");
 }
 
-// Marks the parts that are kept. The parts inside a removed part are removed without being
-// examined.
+// Decides for each part of a message whether it is kept. The parts inside a removed part are
+// removed without being examined. The message itself is always kept.
 class StayingParts {
  public:
   explicit StayingParts(const Message& message) : message_(message) {
@@ -61,7 +61,8 @@ class StayingParts {
   }
 
  private:
-  // Marks the files among `first` and its siblings as removed.
+  // Marks those of `first` and its later siblings as removed for which IsFile() is true. Does not
+  // visit the parts inside them.
   void Scan(PartIndex first) {
     for (PartIndex at = first; at != mime::kNoPart;) {
       const Part& part = message_.parts()[at];
@@ -71,8 +72,8 @@ class StayingParts {
       }
       ZQV_LOG("Removed an attachment.");
       stays_[at] = false;
-      // While debugging is on, the siblings are examined again from the first after each removal.
-      // That repeats lines of the debug log and has no other effect.
+      // While the debug log is on, the scan restarts at `first` after a part was marked as removed.
+      // This only repeats lines of the log.
       at = base::IsLogging() ? first : part.next_sibling;
     }
   }
@@ -83,9 +84,9 @@ class StayingParts {
 
 constexpr std::size_t kFold = 76;  // the most characters of a header line, if it can be folded
 
-// The index of the blank at which a header line is folded: the last one outside quotes that leaves
-// at most 76 characters before it, or else the first one after those. 0 when there is none. The
-// first `skipped` characters are not searched.
+// The index of the blank at which a header line of more than 76 characters is folded: the last
+// blank outside quotes with at most 76 characters before it or, if there is none, the first one
+// after these. 0 when the line has no such blank. The first `skipped` characters are not searched.
 std::size_t FindFold(std::string_view line, std::size_t skipped) {
   std::size_t blank = 0;
   bool in_quotes = false;
@@ -97,7 +98,7 @@ std::size_t FindFold(std::string_view line, std::size_t skipped) {
   return 0;
 }
 
-// Writes the parts that are kept.
+// Writes the message without its removed parts.
 class Writer {
  public:
   Writer(const Message& message, const StayingParts& stays) : message_(message), stays_(stays) {
@@ -120,8 +121,8 @@ class Writer {
     if (part.kind == PartKind::kLeaf) out_.append(kLineEnd).append(part.body);
     if (part.kind == PartKind::kMultipart) {
       if (!part.preamble.empty()) out_.append(kLineEnd).append(part.preamble);
-      // QUIRK: a multipart without parts is still written with a boundary. Equal to mimetic's
-      // result. Test: Strip.MultipartWithoutPartsKeepsItsBoundary.
+      // QUIRK: a multipart without kept parts still gets one opening boundary line. Equal to
+      // mimetic's result. Test: Strip.MultipartWithoutPartsKeepsItsBoundary.
       if (!stays_.HasChildren(part)) WriteBoundary(part, "");
     }
     return mime::Visit::kInside;
@@ -133,7 +134,8 @@ class Writer {
     out_.append(part.epilogue);
   }
 
-  // Writes what precedes a part inside `parent`: a boundary or, in a message, an empty line.
+  // Writes what precedes a part directly inside `parent`: a boundary when `parent` is a multipart,
+  // an empty line when it is a message/rfc822 part.
   void BeginChild(const Part& parent) {
     if (parent.kind == PartKind::kMultipart) {
       WriteBoundary(parent, "");
@@ -148,9 +150,9 @@ class Writer {
     out_.append(end).append(kLineEnd);
   }
 
-  // QUIRK: Content-Type is written from its parsed form, and so is Content-Disposition except that
-  // of the message itself. All other fields are written as they are. Equal to mimetic's result.
-  // Test: Strip.WritesTheParsedContentFields.
+  // QUIRK: the first Content-Type field is written from its parsed form, and so is the first
+  // Content-Disposition field, except that of the message itself. The values of all other fields
+  // are written unparsed. Equal to mimetic's result. Test: Strip.WritesTheParsedContentFields.
   void WriteHeader(const Part& part) {
     const mime::Header header = message_.HeaderOf(part);
     for (std::size_t i = 0; i < header.size(); ++i) {
@@ -162,8 +164,8 @@ class Writer {
     }
   }
 
-  // Writes a field on one or more lines. A fold replaces a blank by CR LF and a tab. Where nothing
-  // but blanks follows, the blank is removed and nothing is written for it.
+  // Writes a field on one or more lines. A fold replaces a blank by CR LF and a tab. If only blanks
+  // follow that blank, it is removed instead, and neither CR LF nor a tab is written.
   void WriteField(std::string_view name, std::string_view value) {
     line_.assign(name).append(": ").append(value);
     const std::size_t end = line_.find_last_not_of(" \t") + 1;  // where the blanks at the end begin
@@ -209,8 +211,9 @@ std::size_t RewriteLineBreaks(std::string& text) {
       text[written++] = c;
       continue;
     }
-    // The second half of a pair? Its first half was written as a CR. Both variables are initially
-    // 0, so a break at index 1 looks like one, too (see the QUIRK in the header).
+    // Skips the second half of a pair; the first half was written as a CR. Both variables are
+    // initially 0, so a CR or LF at index 1 looks like a second half, too (see the QUIRK in
+    // strip.h).
     if (i == (c == '\r' ? last_break_from_lf : last_cr) + 1) continue;
     (c == '\r' ? last_cr : last_break_from_lf) = i;
     text[written++] = '\r';

@@ -7,12 +7,13 @@
 
 namespace zqv::email {
 
-// Parses the message in `source` and writes it without the parts whose Content-Disposition is
-// inline or attachment. Line breaks of the result are CR (RewriteLineBreaks); it ends before its
-// first NUL. Throws std::runtime_error when a limit is exceeded (mime/limits.h), and
-// std::bad_alloc. QUIRK: only the disposition decides, unlike in Route (route.h): a part that is
-// listed as an attachment without having a disposition is kept. Part of the interface's contract;
-// changing it is a major version. Test: Strip.OnlyTheDispositionDecides.
+// Parses the message in `source` and returns it without the parts whose Content-Disposition is
+// inline or attachment. The message itself always stays. Line breaks of the result are CR
+// (RewriteLineBreaks). The result ends before its first NUL. Throws std::runtime_error when a limit
+// is exceeded (mime/limits.h), and std::bad_alloc. QUIRK: only the disposition decides, unlike in
+// Route (route.h): a part that is listed as an attachment without having a disposition is kept.
+// Part of the interface's contract; changing it is a major version. Test:
+// Strip.OnlyTheDispositionDecides.
 std::string WriteWithoutFiles(std::string_view source);
 
 // Replaces every line break (CR LF, LF CR, LF or CR) by one CR, in place. Returns the number of

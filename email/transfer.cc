@@ -1,5 +1,5 @@
 // Two transfer encodings have to be decoded, base64 and quoted-printable (text/transfer_codes.h).
-// For 7bit, 8bit and binary the body is used as it is.
+// With any other transfer encoding the body is used as it is.
 #include "email/transfer.h"
 
 #include <algorithm>

@@ -10,8 +10,8 @@
 
 namespace zqv::email {
 
-// A body without its transfer encoding. Owns the bytes when they were decoded; otherwise borrows
-// those of the message, which must outlive this object.
+// A body without its transfer encoding. Owns the bytes when they were decoded. Otherwise borrows
+// the bytes of the message, which must then outlive this object.
 class DecodedBody {
  public:
   explicit DecodedBody(std::string_view borrowed) : borrowed_(borrowed) {}
@@ -26,11 +26,12 @@ class DecodedBody {
 };
 
 // Whether `mechanism`, the value of Content-Transfer-Encoding, is empty, base64, quoted-printable,
-// binary, 7bit or 8bit, ignoring case. It is not trimmed: "7bit " is unknown.
+// binary, 7bit or 8bit, ignoring case. The value is not trimmed: "7bit " is unknown.
 bool is_known_mechanism(std::string_view mechanism);
 
-// Decodes a base64 or quoted-printable body. For any other mechanism the result is `body` itself.
-// [borrowed from `body` then; otherwise owned]
+// Decodes a body. `mechanism` is the value of Content-Transfer-Encoding: for base64 and
+// quoted-printable, ignoring case, the result is decoded; otherwise it is `body` itself. [owned if
+// decoded; otherwise borrowed from `body`]
 DecodedBody DecodeData(std::string_view mechanism, std::string_view body);
 
 }  // namespace zqv::email

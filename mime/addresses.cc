@@ -1,6 +1,6 @@
-// A value is parsed in two passes. The first counts mailboxes, groups and addresses, so that all
-// memory can be allocated at once; the second fills it. Both visit the entries of a list and the
-// members of each group:
+// A value is parsed in two passes. The first counts mailboxes, groups and addresses, so that the
+// memory for them can be allocated at once. The second stores them. Both passes visit the entries
+// of a list and the members of each group:
 //
 //   Team: ada@example.org, "B, C" <b@c>; , d@e
 //   |------------- entry --------------| entry      a list of two addresses
@@ -42,14 +42,14 @@ base::Bytes16 AreAnyOf(base::Bytes16 bytes) {
 }
 
 // Iterates over the occurrences of the wanted characters in a text, from front to back. NUL cannot
-// be a wanted character, because the last block is padded with it.
+// be a wanted character, because the last block is padded with NULs.
 template <char... kWanted>
 class CharacterFinder {
  public:
   explicit CharacterFinder(std::string_view text)
       : next_block_(text.data()), end_(text.data() + text.size()) {}
 
-  // Returns the next occurrence, or the end of the text.
+  // Returns the position of the next wanted character, or the end of the text.
   const char* Next() {
     while (bits_ == 0) {
       if (next_block_ == end_) return end_;
@@ -78,19 +78,20 @@ class CharacterFinder {
   }
 
   const char* block_ = nullptr;
-  std::uint64_t bits_ = 0;  // the occurrences in the block that Next has not returned yet
+  std::uint64_t bits_ = 0;  // the occurrences in `block_` that Next has not returned yet
   const char* next_block_;
   const char* end_;
 };
 
-// Searches parts of a value, sixteen bytes at a time. A block may extend beyond the part but never
-// beyond the value; near the ends of the value bytes are compared one by one.
+// Searches substrings of a value, sixteen bytes at a time. A block of sixteen bytes may extend
+// beyond the substring but never beyond the value. Near the ends of the value, bytes are compared
+// one by one.
 class Scanner {
  public:
   explicit Scanner(std::string_view value)
       : begin_(value.data()), end_(value.data() + value.size()) {}
 
-  // Whether the part contains one of the wanted characters.
+  // Whether `part`, a substring of the value, contains one of the wanted characters.
   template <char... kWanted>
   bool Has(std::string_view part) const {
     const char* at = part.data();
@@ -105,7 +106,7 @@ class Scanner {
     return false;
   }
 
-  // The last occurrence of a wanted character in [limit, at), or null.
+  // The position of the last wanted character in [limit, at), or null. Both must be in the value.
   template <char... kWanted>
   const char* Last(const char* limit, const char* at) const {
     for (; at > limit && at - begin_ >= kBlock; at -= kBlock) {
@@ -129,7 +130,7 @@ class Scanner {
   const char* end_;
 };
 
-// The first occurrence of a wanted character outside double quotes, or the end of the text.
+// The position of the first wanted character outside double quotes, or the end of the text.
 template <char... kWanted>
 const char* FirstUnquoted(std::string_view text) {
   CharacterFinder<'"', kWanted...> finder(text);
@@ -158,10 +159,13 @@ bool IsAllSpaces(std::string_view text) {
 
 enum class ListKind { kMailboxes, kAddresses };
 
-// Calls visit(entry, has_colon) for each entry of a list. `has_colon` says whether the entry
-// contains a colon outside quotes, as every group does.
+// Calls visit(entry, has_colon) for each entry of a list. In a list of addresses, `has_colon` says
+// whether the entry contains a colon outside quotes, as every group does. In a list of mailboxes it
+// is always false.
+//
 // QUIRK: an entry may be empty, except that nothing, or only spaces, after the last comma is no
 // entry. Equal to mimetic's result. Test: Addresses.EmptyEntries.
+//
 // QUIRK: in a list of addresses no comma ends an entry between a colon and the next semicolon, even
 // if the colon does not begin a group. Equal to mimetic's result.
 // Test: Addresses.AColonMakesLaterAddressesMembersOfItsGroup.
@@ -189,13 +193,14 @@ void ForEachEntry(std::string_view list, ListKind kind, Visit visit) {
   if (!IsAllSpaces(Between(start, end))) visit(Between(start, end), has_colon);
 }
 
-// Whether a colon outside quotes stands before any '<' outside quotes.
+// Whether `address` has a colon outside quotes, and no '<' outside quotes before that colon.
 bool IsGroup(std::string_view address) {
   const char* const first = FirstUnquoted<':', '<'>(address);
   return first != address.data() + address.size() && *first == ':';
 }
 
-// Calls visit(member) for each member of a group. `members` is everything after the group's colon.
+// Calls visit(member) for each member of a group. `members` is everything after the group's colon;
+// the members end at the first semicolon outside quotes, comments and angle brackets.
 template <class Visit>
 void ForEachMember(std::string_view members, Visit visit) {
   CharacterFinder<';', ',', '"', '<', '>', '(', ')'> finder(members);
@@ -255,24 +260,25 @@ Counts CountAddresses(std::string_view list) {
   return counts;
 }
 
-// What splitting a mailbox tells about it, to save work in the usual case.
+// Facts about a mailbox that was split, which save work in the usual case.
 struct Split {
   bool is_text_form;  // mimetic writes exactly the text that was split
-  bool is_canonical;  // no part has comments or spaces; when false, a part may have some
+  bool is_canonical;  // if true, local part, domain and source route have no comments and spaces
 };
 
-// Removes spaces at the end of a label. QUIRK: one that consists of spaces keeps the first. Equal
-// to mimetic's result. Test: Addresses.ALabelOfOneSpaceStays.
+// Returns a label without the spaces at its end. QUIRK: a label that consists of spaces keeps the
+// first. Equal to mimetic's result. Test: Addresses.ALabelOfOneSpaceStays.
 std::string_view Label(std::string_view text) {
   while (text.size() > 1 && text.back() == ' ') text.remove_suffix(1);
   return text;
 }
 
-// Splits a text that ends in '>' and sets the fields of `parts`, which must be empty before.
+// Splits the text of a mailbox that ends in '>', and sets the members of `parts`, which must be
+// empty before. `text` must be a substring of the value of the scanner `value`.
 Split SplitWithAngles(const Scanner& value, std::string_view text, Mailbox& parts) {
   const char* const begin = text.data();
   const char* const closing = begin + text.size() - 1;
-  const char* end = closing;  // end of the part being scanned: the '>', '@' or ':' after it
+  const char* end = closing;  // end of the piece being scanned: the '>', '@' or ':' after it
   bool is_canonical = true;
   for (const char* at = end; (at = value.Last<'<', '@', ':', ' ', '('>(begin, at)) != nullptr;) {
     const std::string_view part = Between(at + 1, end);
@@ -296,7 +302,8 @@ Split SplitWithAngles(const Scanner& value, std::string_view text, Mailbox& part
   return {false, is_canonical};
 }
 
-// Splits a text that does not end in '>'. It has no label and no source route.
+// Like SplitWithAngles, for a text that does not end in '>'. Such a mailbox has no label and no
+// source route.
 Split SplitWithoutAngles(const Scanner& value, std::string_view text, Mailbox& parts) {
   const char* const begin = text.data();
   bool in_quotes = false;
@@ -320,7 +327,8 @@ Split SplitWithoutAngles(const Scanner& value, std::string_view text, Mailbox& p
 // The second pass: parses entries and stores them, and their texts, in an AddressMemory.
 class Reader {
  public:
-  // `counts` must be exact: entries hold pointers to each other, so the vectors must not grow.
+  // `counts` must not be too small: addresses hold pointers to mailboxes and groups, so these
+  // vectors must not grow.
   Reader(std::string_view value, const Counts& counts, AddressMemory& memory)
       : scanner_(value), value_size_(value.size()), memory_(memory) {
     // An upper bound: a mailbox's text is at most a space and an '@' longer than its entry in the
@@ -334,7 +342,8 @@ class Reader {
     text_end_ = memory.text_bytes.get();
   }
 
-  // Each of the next three appends one entry and its text.
+  // ReadMailbox, ReadGroup and ReadAddress each parse `text`, and append the result and its text
+  // form to the memory. `text` must be a substring of the value.
   const Mailbox& ReadMailbox(std::string_view text) {
     Mailbox& mailbox = memory_.mailboxes.emplace_back();
     const Split split = !text.empty() && text.back() == '>'
@@ -380,7 +389,7 @@ class Reader {
 
   void AppendSeparator() { Append(", "); }
 
-  // Sets the text of the whole value: everything that was appended.
+  // Sets the text form of the whole value: everything that was appended to `text_bytes`.
   void Finish() { memory_.text = Between(memory_.text_bytes.get(), text_end_); }
 
  private:
@@ -399,8 +408,8 @@ class Reader {
     text_end_ += text.size();
   }
 
-  // Appends a mailbox's text, made of its parts. QUIRK: a source route is written instead of the
-  // label and the '<', and not at all without a label. Equal to mimetic's result.
+  // Appends the text form of a mailbox, built from its pieces. QUIRK: a source route is written
+  // instead of the label and the '<', and not at all without a label. Equal to mimetic's result.
   // Test: Addresses.ASourceRouteReplacesTheLabel.
   void AppendParts(const Mailbox& parts) {
     const bool has_label = !parts.label.empty();
@@ -417,7 +426,7 @@ class Reader {
     if (has_label) Append(">");
   }
 
-  // Removes comments and spaces from the parts of a mailbox.
+  // Removes comments and spaces from the local part, domain and source route of a mailbox.
   void MakeCanonical(Mailbox& mailbox) {
     mailbox.local_part = Canonical(mailbox.local_part);
     mailbox.domain = Canonical(mailbox.domain);
@@ -429,10 +438,10 @@ class Reader {
     return scanner_.Has<' ', '('>(part) ? RemoveComments(part) : part;
   }
 
-  // Removes comments, and the spaces outside comments and quotes. The part is read from its end to
-  // its start and written into `part_bytes` likewise. QUIRK: spaces to the left of a '>' or of an
-  // unmatched parenthesis stay. Equal to mimetic's result.
-  // Test: Addresses.PartsWithoutCommentsAndBlanks.
+  // Returns `part` without comments and unquoted spaces. Scans `part` backwards and writes the
+  // result into `memory_.part_bytes`, which all calls share and which is filled from its end.
+  // QUIRK: all spaces to the left of a '>' or of an unmatched parenthesis stay. Equal to mimetic's
+  // result. Test: Addresses.PartsWithoutCommentsAndBlanks.
   std::string_view RemoveComments(std::string_view part) {
     if (parts_begin_ == nullptr) {
       memory_.part_bytes.reset(new char[value_size_]);
@@ -465,7 +474,8 @@ class Reader {
   const std::size_t value_size_;
   AddressMemory& memory_;
   char* text_end_;
-  char* parts_begin_ = nullptr;  // start of the used rest of `part_bytes`, which fills from its end
+  // Start of the used bytes of `part_bytes`, which is filled back to front; null before first use.
+  char* parts_begin_ = nullptr;
 };
 
 }  // namespace

@@ -1,10 +1,10 @@
 // Parses the address fields of a header, such as From and To (RFC 5322, section 3.4). Results equal
 // those of mimetic, the MIME library (THIRD_PARTY.md), also for malformed values.
 //
-// Each class below parses one field value in its constructor. All texts are views: of the value
-// where the text stands in it unchanged, otherwise of memory that the object owns. So the value
-// must outlive the object. Views stay valid when the object is moved. A value may contain any
-// bytes. Constructors throw std::bad_alloc and nothing else.
+// Each class named ...Value or ...List parses one field value in its constructor. All results are
+// views: of the value where the text stands in it unchanged, otherwise of memory that the object
+// owns. So the value must outlive the object. Views stay valid when the object is moved. A value
+// may contain any bytes. Constructors throw std::bad_alloc and nothing else.
 #pragma once
 
 #include <cstddef>
@@ -14,17 +14,18 @@
 
 namespace zqv::mime {
 
-// The pieces of one mailbox, such as "Ada (x) <@route:ada@example.org>". The last three are without
-// comments and spaces.
+// The pieces of one mailbox, such as "Ada (x) <@route:ada@example.org>". Comments and spaces are
+// removed from local part, domain and source route.
 struct Mailbox {
-  std::string_view text;          // as mimetic writes the mailbox; "@" when it is empty
-  std::string_view label;         // the display name with its quotes and comments
-  std::string_view local_part;    // before the '@'; empty without an '@'
+  std::string_view text;   // as mimetic writes the mailbox; "@" when all other pieces are empty
+  std::string_view label;  // the display name with its quotes and comments
+  // Before the '@'. Without an '@': the text between '<' and '>', or empty when there is no '<'.
+  std::string_view local_part;
   std::string_view domain;        // after the last '@'; empty without an '@'
-  std::string_view source_route;  // before the ':' (RFC 5322, section 4.4); usually empty
+  std::string_view source_route;  // between '<' and ':' (RFC 5322, section 4.4); usually empty
 };
 
-// Consecutive mailboxes. [borrowed from the object that parsed the value]
+// An array of mailboxes. [borrowed from the object that parsed the value]
 struct MailboxRange {
   const Mailbox* begin() const { return first; }
   const Mailbox* end() const { return first + count; }
@@ -36,9 +37,9 @@ struct MailboxRange {
   std::size_t count = 0;
 };
 
-// "Team: ada@example.org, bob@example.net;"
+// A named list of mailboxes, such as "Team: ada@example.org, bob@example.net;".
 struct Group {
-  std::string_view text;  // as mimetic writes the group; ";" when it is empty
+  std::string_view text;  // as mimetic writes the group; ";" without a name and mailboxes
   std::string_view name;  // the text before the colon, with its quotes and comments
   MailboxRange mailboxes;
 };
@@ -52,18 +53,19 @@ struct Address {
   const Group* group = nullptr;
 };
 
-// The results of parsing a value, and the memory of their texts.
+// The results of parsing a value, and the memory that owns their texts.
 struct AddressMemory {
-  std::vector<Mailbox> mailboxes;  // all of them, also the members of groups
+  std::vector<Mailbox> mailboxes;  // all mailboxes of the value, members of groups included
   std::vector<Group> groups;
-  std::vector<Address> addresses;      // empty when the value is parsed as mailboxes only
-  std::string_view text;               // all entries as mimetic writes them; lies in `text_bytes`
-  std::unique_ptr<char[]> text_bytes;  // owns the bytes of `text` and of each entry's text
-  std::unique_ptr<char[]> part_bytes;  // owns parts of which comments or spaces were removed
+  std::vector<Address> addresses;      // set by AddressValue and AddressList only
+  std::string_view text;               // the text form of the value; not set by MailboxValue
+  std::unique_ptr<char[]> text_bytes;  // owns `text` and the text of each mailbox and group
+  // Owns the pieces of mailboxes from which comments or spaces were removed.
+  std::unique_ptr<char[]> part_bytes;
 };
 
-// In each class, CountMailboxes(value) returns how many mailboxes parsing `value` gives, members of
-// groups included. It allocates nothing.
+// In each class below, CountMailboxes(value) returns how many mailboxes parsing `value` gives,
+// members of groups included. It allocates nothing.
 
 // Parses a value as one mailbox.
 class MailboxValue {
@@ -78,7 +80,8 @@ class MailboxValue {
   AddressMemory memory_;
 };
 
-// Parses a value as one group. A value without a colon gives an empty group without a name.
+// Parses a value as one group. A value without a colon outside quotes gives a group that has no
+// name and no mailboxes.
 class GroupValue {
  public:
   explicit GroupValue(std::string_view value = {});
@@ -91,8 +94,8 @@ class GroupValue {
   AddressMemory memory_;
 };
 
-// Parses a value as one address. It is a group when it has a colon outside quotes and no '<'
-// outside quotes before that colon, and otherwise a mailbox.
+// Parses a value as one address. The address is a group when the value has a colon outside quotes
+// and no '<' outside quotes before that colon. Otherwise it is a mailbox.
 class AddressValue {
  public:
   explicit AddressValue(std::string_view value = {});
@@ -105,7 +108,7 @@ class AddressValue {
   AddressMemory memory_;
 };
 
-// Parses a value as mailboxes separated by commas. In the text, ", " separates them.
+// Parses a value as mailboxes separated by commas. text() joins the mailboxes with ", ".
 class MailboxList {
  public:
   explicit MailboxList(std::string_view value = {});
@@ -124,7 +127,7 @@ class MailboxList {
   AddressMemory memory_;
 };
 
-// Parses a value as addresses separated by commas. In the text, ", " separates them.
+// Parses a value as addresses separated by commas. text() joins the addresses with ", ".
 class AddressList {
  public:
   explicit AddressList(std::string_view value = {});

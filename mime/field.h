@@ -8,10 +8,11 @@
 
 namespace zqv::mime {
 
-// All texts are borrowed from the text that was parsed; a folded value, from the parsed message.
+// All members are borrowed from the text that was parsed, except the value of a folded field: it is
+// borrowed from the Message object (message.h).
 struct Field {
   std::string_view name;
-  std::string_view value;          // each fold is replaced by one space; ends before the first NUL
+  std::string_view value;          // each fold is one space; ends before the first NUL
   std::optional<FieldName> known;  // nullopt for a name that FieldName does not list
 
   // The field as it stands in the message, from its name to the end of its last line, without the
@@ -20,8 +21,9 @@ struct Field {
 };
 
 // Parses a text as one field. The name is everything before the first colon. Spaces before the
-// value are skipped, but a value of spaces keeps the last one. Line ends stay. Name and value end
-// before their first NUL. Both are empty when there is no colon. `known` is not set.
+// value are skipped, but a value of spaces only keeps its last space. Line ends are not removed.
+// Name and value end before their first NUL. Both are empty when `text` has no colon. `known` is
+// not set.
 Field ParseField(std::string_view text);
 
 }  // namespace zqv::mime

@@ -1,7 +1,8 @@
-// An index from a length to the names that have it, computed at compile time from the table, which
-// is sorted by length. So looking up a name compares it with the few names of the same length:
+// An index from a length to the field names of that length, computed at compile time from
+// kFieldNameRows, which is sorted by length. A name is compared only with the few field names of
+// the same length:
 //
-//   "Reply-To"   length 8, which "received" and "reply-to" have
+//   "Reply-To"   is compared with "received" and "reply-to", the names of length 8
 #include "mime/field_name.h"
 
 #include <cstddef>
@@ -14,7 +15,8 @@ namespace {
 
 constexpr std::size_t kLongest = std::end(kFieldNameRows)[-1].text.size();
 
-// Maps each length to the first row whose name is at least that long.
+// Maps each length to the index of the first row whose text is at least that long, or to
+// kFieldNames when no text is.
 struct Starts {
   std::uint8_t row[kLongest + 2];
 };

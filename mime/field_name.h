@@ -29,13 +29,13 @@ enum class FieldName : std::uint8_t {
   kTo,
 };
 
-// How a name is written, in lower case.
+// A field name in lower case and its enumerator.
 struct FieldNameRow {
   std::string_view text;
   FieldName name;
 };
 
-// All names, sorted by length.
+// One row for each enumerator, sorted by the length of the text.
 inline constexpr FieldNameRow kFieldNameRows[] = {
     // clang-format off
     {"cc",                        FieldName::kCc},
@@ -60,8 +60,8 @@ inline constexpr std::size_t kFieldNames = std::size(kFieldNameRows);
 static_assert(kFieldNames == static_cast<std::size_t>(FieldName::kTo) + 1,
               "each name has one row, and kTo is the last name");
 
-// Looks up a field's name, ignoring case (RFC 5322, section 1.2.2). Returns nullopt for a name that
-// is not listed above.
+// Looks up a field name, ignoring case (RFC 5322, section 1.2.2). Returns nullopt for a name that
+// kFieldNameRows does not list.
 std::optional<FieldName> RecogniseFieldName(std::string_view name);
 
 }  // namespace zqv::mime

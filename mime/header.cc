@@ -1,5 +1,5 @@
-// The constructor finds the first field of each listed name. Values are parsed
-// later, on request, by mime/addresses.h, mime/parameters.h and mime/mime_version.h, and cached.
+// The constructor finds the first field of each name that FieldName lists. Values are parsed later,
+// on request, by mime/addresses.h, mime/parameters.h and mime/mime_version.h, and cached.
 #include "mime/header.h"
 
 #include "mime/mime_version.h"

@@ -1,7 +1,7 @@
 // The header of one part: its fields, and the parsed values of the fields that FieldName lists.
 //
-// When several fields have the same name, the first is used. Its value is parsed when it is first
-// requested, and the result is cached.
+// When several fields have the same name, the first is used. The value of that field is parsed when
+// it is first requested, and the result is cached.
 #pragma once
 
 #include <array>
@@ -24,24 +24,25 @@ namespace zqv::mime {
 // nothing else. Const functions change the cache: one Header must not be used by several threads.
 class Header {
  public:
-  // Borrows `count` fields, which must outlive this object.
+  // Borrows the array `fields` of `count` fields, which must outlive this object.
   Header(const Field* fields, std::size_t count);
   Header(const Header&) = delete;
   Header& operator=(const Header&) = delete;
 
-  // All fields, in the order of the message, with their values as written there.
+  // All fields in the order of the message, with unparsed values. `index` must be below size().
   std::size_t size() const { return count_; }
   const Field& operator[](std::size_t index) const { return fields_[index]; }
-  // The value of a field for display: Text() of its name for the first field of a listed name,
-  // otherwise the value as it stands in the message.
+  // The value of a field for display. For the first field of a name that FieldName lists, this is
+  // Text() of that name; for any other field, the unparsed value. `index` must be below size().
   std::string_view Value(std::size_t index) const;
 
+  // Whether the header has a field named `name`.
   bool Has(FieldName name) const { return First(name) != kAbsent; }
 
-  // The first field of that name; null when there is none.
+  // The first field named `name`; null when there is none.
   const Field* Find(FieldName name) const { return Has(name) ? &fields_[First(name)] : nullptr; }
 
-  // The value of the first field of that name. Values that are parsed (addresses, Content-Type,
+  // The value of the first field named `name`. Values that are parsed (addresses, Content-Type,
   // Content-Disposition, MIME-Version) are written from their parsed form, as mimetic writes them.
   std::string_view Text(FieldName name) const;
 
@@ -57,21 +58,23 @@ class Header {
  private:
   static constexpr std::uint32_t kAbsent = UINT32_MAX;
 
-  // The index of the first field of that name; kAbsent when there is none.
+  // The index of the first field named `name`; kAbsent when there is none.
   std::uint32_t First(FieldName name) const { return first_[static_cast<std::size_t>(name)]; }
-  // The unparsed value of the first field of that name; empty when there is none.
+  // The unparsed value of the first field named `name`; empty when there is none.
   std::string_view RawText(FieldName name) const;
 
-  // Parses the first field of that name into `parsed`, unless that was done before.
+  // Returns the parsed value of the first field named `name`. Uses `parsed` as its cache: parses
+  // the value only while `parsed` is nullopt. Returns a default Parsed when there is no such field.
   template <class Parsed>
   const Parsed& Get(FieldName name, std::optional<Parsed>& parsed) const;
-  // Stores make() in `text`, unless that was done before.
+  // Returns the string in the cache `text`. When `text` is nullopt, first calls make() and stores
+  // its result in `text`.
   template <class Make>
   std::string_view GetText(std::optional<std::string>& text, Make make) const;
 
   const Field* fields_;
   std::size_t count_;
-  std::array<std::uint32_t, kFieldNames> first_;  // what First() returns, for each name
+  std::array<std::uint32_t, kFieldNames> first_;  // the result of First() for each name
 
   mutable std::optional<ContentType> content_type_;
   mutable std::optional<ContentDisposition> content_disposition_;

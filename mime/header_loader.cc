@@ -22,8 +22,8 @@ namespace {
 using base::IsBlank;
 using base::IsLineEnd;
 
-// The mask (base/bytes16.h) of the bytes that end a field's name: all but printable ASCII, the
-// space and the colon (RFC 5322, section 3.6.8).
+// The mask (base/bytes16.h) of the bytes that end a field's name: the space, the colon, and all
+// bytes that are not printable ASCII (RFC 5322, section 3.6.8).
 base::Bytes16 AreOutsideName(base::Bytes16 c) { return (c <= ' ') | (c == ':') | (c == 0x7F); }
 
 class HeaderLoader {
@@ -47,7 +47,7 @@ class HeaderLoader {
   }
 
  private:
-  // Returns whether the current line is empty, and skips it if it is.
+  // Returns whether the current line is empty. Skips an empty line.
   bool EndsHere() {
     if (!IsLineEnd(*at_)) return false;
     at_ = SkipLineEnd(at_, end_);
@@ -59,7 +59,7 @@ class HeaderLoader {
     while (at_ != end_ && IsBlank(*at_)) ++at_;
   }
 
-  // Appends the rest of the line to the value.
+  // Appends the rest of the current line, without its line end, to the value.
   void ReadValue() {
     const char* const line_end = FindLineEnd(at_, end_);
     AppendValue({at_, static_cast<std::size_t>(line_end - at_)});
@@ -67,8 +67,8 @@ class HeaderLoader {
     field_end_ = line_end;
   }
 
-  // Appends a folded line: one space for the line break and the blanks after it, even when nothing
-  // else is on the line.
+  // Appends a folded line to the value: one space for the line break and the blanks after it, even
+  // when nothing else is on the line. Appends nothing when the message ends after the blanks.
   void ReadFold() {
     SkipBlanks();
     if (at_ == end_) return;
@@ -76,8 +76,10 @@ class HeaderLoader {
     ReadValue();
   }
 
-  // Parses a line as a field. Returns false when it is none; the body then begins with this line,
-  // and `at_` stays after the characters that were scanned as a name.
+  // Parses the current line as the first line of a field. Returns false when anything other than a
+  // colon follows the name and the blanks after it: the header ends, `body_` is the start of this
+  // line, and `at_` is after the name and the blanks. Otherwise returns true, also for a line that
+  // begins with a colon, which is skipped, and when the message ends before the colon.
   bool ReadField() {
     const char* const start = at_;
     const char* const name_end = base::FindFirst(start, end_, AreOutsideName);
@@ -100,14 +102,16 @@ class HeaderLoader {
     return true;
   }
 
-  // A value of one piece remains a view of the message; further pieces are joined in the arena.
+  // Appends `piece` to the value. A value of one piece remains a view of the message; further
+  // pieces are joined to it in the arena.
   void AppendValue(std::string_view piece) {
     value_ = value_.empty() ? piece : context_.folded_values.Join(value_, piece);
   }
 
-  // Ends the current field. QUIRK: a folded line after a skipped line gives a value without a name.
-  // It is kept, and the next field's value is appended to it. Equal to mimetic's result.
-  // Test: Parser.FoldAfterIgnoredLineStays.
+  // Appends the current field to the context; does nothing when it has no name. QUIRK: a folded
+  // line after a skipped line gives a value without a name. This value is kept, and the value of
+  // the next field is appended to it. Equal to mimetic's result. Test:
+  // Parser.FoldAfterIgnoredLineStays.
   void StoreField() {
     if (name_.empty()) return;
     Field field;
@@ -125,7 +129,7 @@ class HeaderLoader {
   const char* const end_;
   HeaderContext& context_;
   HeaderEnd ended_by_ = HeaderEnd::kMessageEnd;
-  const char* body_ = nullptr;  // start of the line that is no field; null if there is none
+  const char* body_ = nullptr;  // start of the line that ended the header, if it is no field
   std::string_view name_;
   std::string_view value_;  // a view of the message, or of the arena when it has several pieces
   const char* field_end_ = nullptr;

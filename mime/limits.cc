@@ -1,5 +1,5 @@
-// Counts parts, fields and entries as the parser adds them. Counting entries parses the value of a
-// field, so it is put off until the number of bytes in these values exceeds the limit of entries.
+// Counts parts, fields and entries as the parser adds them. Counting entries means parsing values.
+// So it begins only when the values that have entries are long enough to exceed the limit.
 #include "mime/limits.h"
 
 #include <stdexcept>

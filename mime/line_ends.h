@@ -11,7 +11,8 @@ constexpr bool IsPair(char first, char second) {
   return base::IsLineEnd(first) && base::IsLineEnd(second) && first != second;
 }
 
-// Skips the line end that begins at `at`; `end` is the end of the message.
+// Returns the position after the line end that begins at `at`. There must be one: `at` points to a
+// CR or LF before `end`, the end of the message.
 inline const char* SkipLineEnd(const char* at, const char* end) {
   return at + (end - at > 1 && IsPair(at[0], at[1]) ? 2 : 1);
 }

@@ -1,9 +1,9 @@
 // A parsed message as a flat tree: all parts in one vector, linked by indexes, and all header
-// fields in another. All texts are views of the message's bytes, except values of several lines,
-// which are stored with their folds replaced. Nothing is decoded.
+// fields in another. All texts are views of the message's bytes, except the values of folded
+// fields, which are stored with their folds replaced. Nothing is decoded.
 //
-// Parts and fields are the ones that mimetic's parser finds, for every input. The parser itself is
-// our own (parser.cc).
+// With OuterBoundary::kEndsParse, parts and fields are the ones that mimetic's parser finds, for
+// every input. The parser itself is our own (parser.cc).
 #pragma once
 
 #include <cstddef>
@@ -23,21 +23,21 @@ inline constexpr PartIndex kNoPart = UINT32_MAX;
 
 enum class PartKind : std::uint8_t {
   kLeaf,
-  kMultipart,  // Content-Type multipart/...: its parts lie between its boundaries
-  kMessage,    // Content-Type message/rfc822: exactly one part, the attached message
+  kMultipart,  // Content-Type multipart/...: its children lie between its boundaries
+  kMessage,    // Content-Type message/rfc822: has exactly one child, the attached message
 };
 
 // What ended a header.
 enum class HeaderEnd : std::uint8_t {
   kEmptyLine,
   kOtherLine,   // a line that is no field; the body begins with it
-  kMessageEnd,  // the end of the message; an incomplete last field is lost
+  kMessageEnd,  // the end of the message; a field that ends there is lost
 };
 
 // What the parser does at a boundary of an outer multipart while an inner multipart is not closed.
 enum class OuterBoundary : std::uint8_t {
-  kEndsParse,  // stops: the rest of the message is lost, as with mimetic
-  kEndsInner,  // closes the inner multipart (RFC 2046, section 5.1.2) and continues
+  kEndsParse,  // ends the parse: the rest of the message is lost, as with mimetic
+  kEndsInner,  // closes the inner multipart (RFC 2046, section 5.1.2) and continues the parse
 };
 
 // All texts are borrowed from the message's bytes. Texts that do not apply to a kind of part are
@@ -46,15 +46,17 @@ struct Part {
   // From the first byte of the part's header up to the line end before the boundary that ends the
   // part, or to the end of the message.
   std::string_view whole;
-  std::string_view header;  // the fields and the empty line after them
+  std::string_view header;  // the fields and, if there is one, the empty line after them
 
   // The undecoded body of a leaf. In a multipart or message it is empty, unless a line that is no
-  // field ended the header: then it is what was scanned of that line.
+  // field ended the header: then it is the start of that line, up to LoadedHeader::rest
+  // (header_loader.h).
   std::string_view body;
   std::string_view preamble;  // of a multipart: the text before its first boundary
   std::string_view epilogue;  // of a multipart: the text after its closing boundary
 
-  std::string_view boundary;  // of a multipart: the parameter "boundary", without leading hyphens
+  // Of a multipart: the parameter "boundary", without the "--" that boundary lines put before it.
+  std::string_view boundary;
 
   std::uint32_t first_field = 0;  // index of the part's first field in Message::fields()
   std::uint32_t field_count = 0;
@@ -80,8 +82,8 @@ class Message {
 
   std::string_view bytes() const { return bytes_; }
 
-  // All parts in the order of the message, each before the parts inside it. The first is the
-  // message itself; there is always at least that one.
+  // All parts in the order of the message, each before the parts inside it. The first part is the
+  // message itself, and always exists.
   const std::vector<Part>& parts() const { return parts_; }
   const Part& top() const { return parts_.front(); }
 
@@ -97,9 +99,9 @@ class Message {
   // ended the parse (OuterBoundary::kEndsParse).
   std::size_t parsed_size() const { return parsed_size_; }
 
-  // The number of parts that begin before the first boundary of an outer multipart in an unclosed
-  // inner one. With kEndsInner this is how many parts kEndsParse would give. Equal to
-  // parts().size() when there is no such boundary.
+  // The number of parts that begin before the first boundary of an outer multipart that stands in
+  // an unclosed inner multipart. With kEndsInner this is how many parts kEndsParse would give.
+  // Equal to parts().size() when there is no such boundary.
   std::size_t parts_before_outer() const { return parts_before_outer_; }
 
  private:

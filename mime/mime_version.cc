@@ -1,4 +1,4 @@
-// The value is split at dots, and each piece is converted as atoi() does:
+// The value is split at dots, and each of the first three pieces is converted as atoi() does:
 //
 //   "1.0"          "1.0"
 //   "1.0 (x 2.1)"  "1.0.1"   pieces "1", "0 (x 2" and "1)"
@@ -14,9 +14,10 @@ namespace {
 bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Does what atoi() of glibc does with a 64-bit long, on every platform: leading white space, an
-// optional sign, digits. The number is clamped to the range of a 64-bit integer and then truncated
-// to 32 bits: 2^63 and above give -1, less than -2^63 gives 0.
+// Returns, on every platform, what atoi() of glibc returns where long has 64 bits. The number is
+// leading white space, an optional sign and digits; later characters are ignored. It is clamped to
+// the range of a 64-bit integer and then truncated to 32 bits: 2^63 and above give -1, -2^63 and
+// below give 0.
 std::int32_t ReadNumber(std::string_view text) {
   constexpr std::uint64_t kTooLarge = std::uint64_t{1} << 63;
   while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);

@@ -1,6 +1,6 @@
-// Up to eight open boundaries are compared with a line one by one. More than that are in a hash
-// table. The prefixes of the line are then looked up whose length at least one boundary has; their
-// hashes are computed incrementally:
+// Up to eight open boundaries are compared with a line one by one. More open boundaries are kept in
+// a hash table. Then each prefix of the line that is as long as at least one boundary is looked up;
+// the hashes of the prefixes are computed incrementally:
 //
 //   open "b1", "b22"; line "b22--"     looks up the prefixes "b2" and "b22"
 #include "mime/open_boundaries.h"
@@ -32,7 +32,7 @@ void OpenBoundaries::Pop() {
       std::find_if(found, end, [&](const auto& entry) { return entry.second == indexed_; }));
 }
 
-// Adds the boundaries to the index that were pushed since the last call.
+// Adds the boundaries that are not yet in the index to it.
 void OpenBoundaries::Index() {
   for (; indexed_ < open_.size(); ++indexed_) {
     Boundary& boundary = open_[indexed_];

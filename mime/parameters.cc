@@ -1,4 +1,6 @@
-// A value is split at each semicolon, its first piece at each slash, a parameter at its first "=":
+// A value is split at each semicolon. In Content-Type the first piece is split at slashes into type
+// and subtype; anything after a second slash is ignored. Each later piece is a parameter, which is
+// split at its first "=":
 //
 //   text/plain; charset="utf-8"; x     type "text", subtype "plain"
 //                                      parameters "charset" = "utf-8" and "" = ""
@@ -13,14 +15,15 @@
 namespace zqv::mime {
 namespace {
 
-// Removes one pair of surrounding quotes. A backslash has no meaning.
+// Returns `text` without one pair of surrounding double quotes. A backslash has no meaning.
 std::string_view RemoveQuotes(std::string_view text) {
   const bool is_quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
   return is_quoted ? text.substr(1, text.size() - 2) : text;
 }
 
-// QUIRK: name and value are empty when there is no '='. Equal to mimetic's result.
-// Test: Parameters.WithoutEqualsSignIsEmpty.
+// Parses one parameter: the name stands before the first '=', the value after it. Spaces and tabs
+// around both are removed, and then the double quotes around the value. QUIRK: name and value are
+// empty when there is no '='. Equal to mimetic's result. Test: Parameters.WithoutEqualsSignIsEmpty.
 Parameter ReadParameter(std::string_view text) {
   const std::size_t equals = text.find('=');
   if (equals == std::string_view::npos) return {};
@@ -36,8 +39,8 @@ char* Write(char* out, const Texts&... texts) {
   return out;
 }
 
-// Builds the text form of a value: `front` bytes, which write_front(out) writes and returns the end
-// of, followed by the parameters.
+// Returns the text form of a value: `front` bytes, followed by the parameters. write_front(out)
+// writes these bytes to `out` and returns the end of its output.
 template <class WriteFront>
 std::string TextOf(std::size_t front, const Parameters& parameters, WriteFront write_front) {
   std::string text(front + parameters.TextRoom(), '\0');

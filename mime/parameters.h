@@ -1,7 +1,8 @@
 // Parses the values of Content-Type (RFC 2045, section 5.1) and Content-Disposition (RFC 2183) as
 // mimetic does.
 //
-// All texts are views of the value, which must outlive the objects. A value may contain any bytes.
+// All string views are views of the value, which must outlive the objects. A value may contain any
+// bytes.
 #pragma once
 
 #include <cstddef>
@@ -21,34 +22,35 @@ class Parameters {
  public:
   explicit Parameters(std::string_view list = {}) : list_(list) {}
 
-  // The value of the first parameter of that name, ignoring the case of ASCII letters; empty when
+  // The value of the first parameter named `name`, ignoring the case of ASCII letters; empty when
   // there is none. Each call parses the list from its start.
   std::string_view Find(std::string_view name) const;
 
   // The number of parameters, malformed ones included.
   std::size_t Count() const;
 
-  // An upper bound of the bytes that WriteText writes.
+  // An upper bound of the number of bytes that WriteText writes.
   std::size_t TextRoom() const;
-  // Writes `; name="value"` for each parameter to a buffer of at least TextRoom() bytes. Returns
-  // the end of the output.
+  // Writes `; name="value"` for each parameter to `out`, a buffer of at least TextRoom() bytes.
+  // Returns the end of the output.
   char* WriteText(char* out) const;
 
  private:
   std::string_view list_;
 };
 
-// "text/plain; charset=utf-8"
+// The value of a Content-Type field, such as "text/plain; charset=utf-8".
 class ContentType {
  public:
   explicit ContentType(std::string_view value = {});
 
-  // Neither text is trimmed: "text / plain" has the type "text " and the subtype " plain".
+  // Type and subtype are not trimmed: "text / plain" has the type "text " and the subtype " plain".
   std::string_view type() const { return type_; }
   std::string_view subtype() const { return subtype_; }  // empty without a '/'
   const Parameters& parameters() const { return parameters_; }
 
-  // The value as mimetic writes it; "/" for an empty value.
+  // The value as mimetic writes it, from the parsed type, subtype and parameters; "/" for an empty
+  // value.
   std::string Text() const;
 
  private:
@@ -57,7 +59,7 @@ class ContentType {
   Parameters parameters_;
 };
 
-// "attachment; filename=a.pdf"
+// The value of a Content-Disposition field, such as "attachment; filename=a.pdf".
 class ContentDisposition {
  public:
   explicit ContentDisposition(std::string_view value = {});
@@ -65,7 +67,7 @@ class ContentDisposition {
   std::string_view type() const { return type_; }  // not trimmed
   const Parameters& parameters() const { return parameters_; }
 
-  // The value as mimetic writes it; empty for an empty value.
+  // The value as mimetic writes it, from the parsed type and parameters; empty for an empty value.
   std::string Text() const;
 
  private:

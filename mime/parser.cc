@@ -15,8 +15,8 @@
 //   the epilogue of 0
 //
 // The text of a part ends at the next boundary of any open multipart. A boundary of the innermost
-// one begins its next part or, when it is the closing boundary, its epilogue. A boundary of an
-// outer one means that the inner multipart was not closed. QUIRK: this ends the parse, and the rest
+// multipart begins its next part or, if it is the closing boundary, its epilogue. A boundary of an
+// outer multipart means that the inner one was not closed. QUIRK: this ends the parse, and the rest
 // of the message is lost. Equal to mimetic's result. Test:
 // Parser.InnerMultipartWithoutEndLosesTheRest. With OuterBoundary::kEndsInner the inner multiparts
 // are closed instead, and the parse continues.
@@ -32,7 +32,8 @@
 namespace zqv::mime {
 namespace {
 
-// QUIRK: blanks count: "message / rfc822" is not message/rfc822. Equal to mimetic's result.
+// Returns the kind of a part with this Content-Type. QUIRK: blanks in the type are not ignored:
+// "message / rfc822" is not message/rfc822. Equal to mimetic's result.
 // Test: Parser.GivesTheReferencesTree.
 PartKind KindOf(const ContentType& type) {
   if (base::EqualsIgnoringCase(type.type(), "multipart")) return PartKind::kMultipart;

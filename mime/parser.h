@@ -8,32 +8,37 @@
 
 namespace zqv::mime {
 
-// Parses one message without recursion: the multiparts that it is inside of are kept in a vector,
-// so that deep nesting needs no call stack.
+// Parses one message without recursion: the open multiparts, which are those that the parser is
+// inside of, are kept in a vector, so that deep nesting needs no call stack.
 class Parser {
  public:
-  // Borrows `message`, of which only the bytes are set yet.
+  // Borrows `message`. Its bytes must be set, and its vectors of parts and fields empty.
   Parser(Message& message, OuterBoundary outer);
-  // Parses the whole message. Throws std::runtime_error when a limit is exceeded (limits.h), and
-  // std::bad_alloc. Call it once.
+  // Parses the message. May be called only once. Throws std::runtime_error when a limit is exceeded
+  // (limits.h), and std::bad_alloc.
   void Run();
 
  private:
-  // Appends a part that begins at the current position. `parent` is kNoPart for the message itself.
+  // Appends a part that begins at `at_`, and returns its index. `parent` is kNoPart for the message
+  // itself.
   PartIndex AddPart(PartIndex parent);
-  // Parses a part's header and sets its kind and boundary.
+  // Parses the header of `part` at `at_`. Sets the members of `part` that depend on it.
   void ReadHeader(Part& part);
-  // Adds a multipart, and its boundary, to the open ones.
+  // Adds a multipart to the open multiparts, and its boundary to the open boundaries.
   void OpenMultipart(PartIndex part);
-  // Ends part `last` at the boundary that was just read, and closes the multiparts around it for as
-  // long as closing boundaries follow, reading their epilogues. Returns the part that begins after
-  // the last boundary, or kNoPart at the end of the message.
+  // Ends part `last` at the boundary in `text_`. While that is a closing boundary, also closes the
+  // innermost open multipart and reads its epilogue, up to another boundary. Appends the part that
+  // begins after the last of these boundaries and returns its index; kNoPart when the parse ends.
   PartIndex NextPart(PartIndex last);
-  // Sets the end of `last` and of its ancestors below `around`, or of all when that is kNoPart.
+  // Sets the end of part `last` and of its ancestors inside part `around` to the end of the text in
+  // `text_`. When `around` is kNoPart, sets the end of all ancestors.
   void EndParts(PartIndex last, PartIndex around);
-  // Reads the text up to the next boundary, or to the end of the message, into `text_`.
+  // Reads the text from `at_` up to the next boundary of an open multipart, or to the end of the
+  // message, into `text_`. Returns the text without the boundary, and sets `at_` after the
+  // boundary.
   std::string_view ReadText();
-  // Handles a boundary that belongs to an outer multipart, as `outer_` says.
+  // Handles the boundary in `text_`, which belongs to an outer multipart, as `outer_` says: leaves
+  // it to NextPart to end the parse, or closes the multiparts inside that outer multipart.
   void HandleOuterBoundary();
 
   Message& message_;

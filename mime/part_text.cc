@@ -1,11 +1,11 @@
 // A boundary is a line that begins with two hyphens and the boundary parameter of an open multipart
-// (RFC 2046, section 5.1.1). The rest of the line is ignored. The line end before the boundary
-// belongs to it, not to the text:
+// (RFC 2046, section 5.1.1). Two more hyphens after the parameter make it a closing boundary. The
+// rest of the line is ignored. The line end before the boundary belongs to it, not to the text:
 //
 //   "text\r\n--b\r\nnext part"     the text is "text", the boundary line "--b"
 //
-// Mimetic reads a text through a buffer of 4,096 bytes, and where that buffer becomes full has an
-// effect on its results (see BlockReader). The results here are the same, but nothing is copied,
+// Mimetic reads a text through a buffer of 4,096 bytes, and the places where that buffer becomes
+// full affect the results (see BlockReader). The results here are the same, but nothing is copied,
 // and lines that do not begin with "-" are skipped 16 or 64 bytes at a time.
 #include "mime/part_text.h"
 
@@ -22,24 +22,25 @@ using base::Bytes16;
 using base::IsLineEnd;
 using base::kBytes16;
 
-// Splits a text into lines as mimetic does, which reads it through a buffer.
+// Splits a text into lines as mimetic does, which reads the text through a buffer. Nothing is
+// buffered here: only the positions at which mimetic's buffer begins and is full are computed.
 //
 // QUIRK: mimetic writes the buffer out to the text when it is full, except for its last line. When
-// that line fills the whole buffer, it is written out, too, and what follows is taken for the start
-// of a line. A line end that was written out stays in the text even if a boundary follows. Equal to
-// mimetic's result. Test: Parser.GivesTheReferencesTreeForEveryBodyLengthAroundItsBlocks.
+// that line fills the whole buffer, it is written out, too, and the next byte is taken for the
+// start of a line. A line end that was written out stays in the text even if a boundary follows.
+// Equal to mimetic's result. Test: Parser.GivesTheReferencesTreeForEveryBodyLengthAroundItsBlocks.
 class BlockReader {
  public:
   BlockReader(const char* at, const char* end)
       : at_(at), end_(end), skipped_to_(at), block_(at), line_(at) {}
 
-  // The position after the line that was read last, and its line end.
+  // The position after the line that was read last, including its line end.
   const char* at() const { return at_; }
   // The line that was read last, without its line end. Of a line longer than the buffer, only the
-  // bytes since the buffer was last written out.
+  // bytes after the ones that were written out.
   std::string_view line() const { return {line_, static_cast<std::size_t>(line_end_ - line_)}; }
 
-  // Reads the next line that may be a boundary; skips some or all of the lines that cannot be one.
+  // Reads a line. May skip lines before it that do not begin with "-" and so cannot be boundaries.
   // Returns false when the text ends before a line end is found.
   bool ReadLine() {
     SkipPlainLines();
@@ -56,7 +57,7 @@ class BlockReader {
   }
 
   // Where the text ends if the line that was read last is a boundary: before the line end in front
-  // of it, unless that line end was written out.
+  // of this line or, if that line end was written out, at the start of this line.
   const char* TextEnd() const {
     const std::ptrdiff_t before = line_ - block_;
     if (before >= 2 && IsPair(line_[-1], line_[-2])) return line_ - 2;
@@ -67,11 +68,11 @@ class BlockReader {
   static constexpr std::ptrdiff_t kBlock = 4093;  // bytes after which mimetic's buffer is full
   static constexpr std::ptrdiff_t kStep = 4 * kBytes16;
 
-  // The position at which the buffer is full, or the end of the text.
+  // The position at which the buffer is full, or `end_` when the text ends before that.
   const char* Full() const { return end_ - block_ > kBlock ? block_ + kBlock : end_; }
 
-  // Moves from the start of a line to the start of a later line in the buffer: the first line that
-  // begins with "-" or, if none does, the last line.
+  // Moves `at_`, the start of a line, to the start of the first line in the buffer that begins with
+  // "-". If the search finds none, moves `at_` to the last line start that the search reached.
   void SkipPlainLines() {
     if (at_ < skipped_to_ || (at_ != end_ && *at_ == '-')) return;
     const char* const full = Full();
@@ -88,12 +89,13 @@ class BlockReader {
     skipped_to_ = full;
   }
 
-  // The mask (base/bytes16.h) of the bytes that end a line and have a "-" after them.
+  // The mask (base/bytes16.h) of the CR and LF characters, among 16 bytes, that have a "-" after
+  // them. Reads 17 bytes.
   static Bytes16 DashesAt(const char* bytes) {
     return AreLineEnds(base::LoadBytes16(bytes)) & (base::LoadBytes16(bytes + 1) == '-');
   }
-  // Whether the same holds for any of 64 bytes. Checks first whether there is a "-" at all, which
-  // is seldom the case.
+  // Whether any of 64 bytes is a CR or LF that has a "-" after it. Reads 65 bytes. Checks first
+  // whether there is a "-" at all, which is seldom the case.
   static bool HasDash(const char* bytes) {
     const auto hyphens = [bytes](std::ptrdiff_t at) {
       return base::LoadBytes16(bytes + at) == '-';
@@ -106,9 +108,9 @@ class BlockReader {
                        DashesAt(bytes + 3 * kSize));
   }
 
-  // The last start of a line between the current position, which is one, and `limit`. Whether two
-  // CR or LF characters are one line end or two depends on those before them, so a run of them is
-  // scanned from its first.
+  // The last start of a line from `at_`, which is the start of a line, to `limit`. Whether two CR
+  // or LF characters are one line end or two depends on the CR and LF characters before them. So a
+  // run of such characters is scanned from its first.
   const char* LastLineStart(const char* limit) const {
     const char* run = limit;
     while (run != at_ && !IsLineEnd(run[-1])) --run;
@@ -122,8 +124,8 @@ class BlockReader {
     return start;
   }
 
-  // Writes the buffer out when it is full: moves its start to the current line or, when that line
-  // fills it alone, to the current position.
+  // Does nothing unless the buffer is full. Then writes it out: moves its start to the start of the
+  // current line or, when this line alone fills the buffer, to `at_`.
   void EmptyFullBuffer() {
     if (at_ - block_ < kBlock) return;
     if (line_ == block_) line_ = at_;
@@ -132,8 +134,8 @@ class BlockReader {
 
   const char* at_;
   const char* const end_;
-  const char* skipped_to_;  // before this position SkipPlainLines has found all it can
-  const char* block_;       // the first byte in the buffer
+  const char* skipped_to_;  // SkipPlainLines does nothing before this position
+  const char* block_;       // the start of the buffer
   const char* line_;        // the start of the current line
   const char* line_end_ = nullptr;
 };

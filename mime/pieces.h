@@ -9,8 +9,8 @@
 
 namespace zqv::mime {
 
-// Returns the part of `rest` before the first `separator` and removes it, with the separator, from
-// `rest`. Without a separator, returns everything and leaves `rest` empty.
+// Returns the text in `rest` before the first `separator`, and removes this text and the separator
+// from `rest`. Without a separator, returns all of `rest` and leaves it empty.
 inline std::string_view TakeUpTo(char separator, std::string_view& rest) {
   const std::size_t size = std::min(rest.find(separator), rest.size());
   const std::string_view front = rest.substr(0, size);
@@ -18,7 +18,7 @@ inline std::string_view TakeUpTo(char separator, std::string_view& rest) {
   return front;
 }
 
-// Removes the spaces and tabs at both ends.
+// Returns `text` without the spaces and tabs at both ends.
 inline std::string_view TrimBlanks(std::string_view text) {
   while (!text.empty() && base::IsBlank(text.front())) text.remove_prefix(1);
   while (!text.empty() && base::IsBlank(text.back())) text.remove_suffix(1);
