@@ -80,9 +80,8 @@ std::variant<Arguments, int> ParseArguments(int count, const char* const* values
   CLI::App app(kAbout, "zqv");
   app.set_version_flag("--version", "zqv " ZQV_VERSION, "Print the version and exit");
   app.footer(
-      "zqv VERB --help shows the options of a verb. Exit codes: 0 success; 1 something could not "
-      "be\n"
-      "read or written, or check has findings; 2 the command line is wrong.");
+      "zqv VERB --help shows the options of a verb. Exit codes: 0 success; 1 something could\n"
+      "not be read or written, or check has findings; 2 the command line is wrong.");
   DescribeCommandLine(&app, holder.get());
   try {
     std::vector<std::string> words = Words(count, values);

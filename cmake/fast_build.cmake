@@ -1,7 +1,7 @@
 # Tests and the program include large headers (GoogleTest, nlohmann-json, CLI11). Several of their
-# files given to the compiler as one take less than half the time of a full build, and tests without
-# optimisation again half of that, also with AddressSanitizer. The library's own files are always compiled one by one and as they
-# ship. Preset dev compiles everything one by one, which finds includes that a file forgot.
+# files given to the compiler as one take less than half the time of a full build, and without
+# optimisation again half of that. Tests that then take longer than was saved are optimised. The
+# library's own files are always compiled one by one and as they ship. Preset dev compiles everything one by one, which finds includes that a file forgot.
 option(ZQV_UNITY "Compile the files of tests and of the program several at a time" ON)
 
 #   zqv_fast_build(target [ALONE a.cc ...])   ALONE: files with a local name that another file has, too
@@ -17,7 +17,8 @@ endfunction()
 #   zqv_without_optimisation(target [UNLESS_RELEASE])
 function(zqv_without_optimisation target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "UNLESS_RELEASE" "" "")
-  if(ZQV_SANITIZE MATCHES "address" OR (CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT arg_UNLESS_RELEASE))
+  if(ZQV_SANITIZE MATCHES "address"
+      OR (CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT arg_UNLESS_RELEASE))
     target_compile_options(${target} PRIVATE -O0)
   endif()
 endfunction()

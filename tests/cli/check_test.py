@@ -225,8 +225,8 @@ class FindingTest(CheckCase):
     def test_unknown_transfer_encoding(self):
         self.assertEqual(self.findings(MIXED + f"--cut\n{UNKNOWN_ENCODING}--cut--\n"), [
             ("unlisted-part", "1", 9,
-             "the part is in no list: it is neither an attachment nor an inline "
-             "part, nor the message's text"),
+             "the part is in no list: it is neither an attachment nor an inline part, nor the "
+             "message's text"),
             ("unknown-transfer-encoding", "1", 10,
              'unknown transfer encoding "x-uuencode": the part is not decoded')])
         for known in ("BASE64", "Quoted-Printable", "7bit", "8bit", "binary"):
@@ -406,8 +406,8 @@ class LackingTest(CheckCase):
         empty = ("empty-file", "1", 9, 'the file "a.png" has no bytes')
         self.check(MIXED + f"{part}--cut--\n", empty, (
             "unlisted-part", "1", 9,
-            "the part is in no list: it is neither an attachment nor an inline "
-             "part, nor the message's text"), (
+            "the part is in no list: it is neither an attachment nor an inline part, nor the "
+            "message's text"), (
             "unknown-transfer-encoding", "1", 10,
             'unknown transfer encoding "x-none": the part is not decoded'))
         # The library offers such a part in a known encoding; without a name it is not a file that a

@@ -11,6 +11,8 @@
 #include <new>
 #include <string>
 
+#include "tests/support/build.h"
+
 namespace zqv::interface_test {
 
 // The sanitizer that this program is built with.
@@ -34,13 +36,7 @@ inline constexpr bool kThreadSanitized = false;
 // space.
 inline constexpr bool kSanitized = kAddressSanitized || kThreadSanitized;
 
-// Whether the library is built as it ships, as release builds do. Other builds need more stack and
-// memory.
-#if !defined(NDEBUG) || defined(ZQV_INSTRUMENTED)
-inline constexpr bool kShips = false;
-#else
-inline constexpr bool kShips = true;
-#endif
+using test::kShips;
 
 // Whether this program runs in an emulator or in Wine, where threads that compete for the host's
 // lock take at least three times as long.

@@ -8,15 +8,12 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/build.h"
+
 namespace zqv::test {
 
-// Debug and instrumented builds of the library run at a tenth of the speed, so their tests use
-// fewer texts.
-#if !defined(NDEBUG) || defined(ZQV_INSTRUMENTED)
-inline constexpr bool kIsSlowBuild = true;
-#else
-inline constexpr bool kIsSlowBuild = false;
-#endif
+// Whether tests use fewer texts, because the library is slow.
+inline constexpr bool kIsSlowBuild = !kShips;
 
 // Calls visit(text) for every text of up to `most` of these characters, the shortest first.
 template <class Visit>
