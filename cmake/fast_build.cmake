@@ -1,7 +1,8 @@
 # Tests and the program include large headers (GoogleTest, nlohmann-json, CLI11). Several of their
 # files given to the compiler as one take less than half the time of a full build, and without
 # optimisation again half of that. Tests that then take longer than was saved are optimised. The
-# library's own files are always compiled one by one and as they ship. Preset dev compiles everything one by one, which finds includes that a file forgot.
+# library's own files are always compiled one by one and as they ship. Preset dev compiles
+# everything one by one, which finds includes that a file forgot.
 option(ZQV_UNITY "Compile the files of tests and of the program several at a time" ON)
 
 #   zqv_fast_build(target [ALONE a.cc ...])   ALONE: files with a local name that another file has, too
