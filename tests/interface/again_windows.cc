@@ -16,8 +16,9 @@ std::string ThisProgram() {
   return {path.data(), length};
 }
 
-// Waits for the process. Returns whether it ended in time and with exit status 0.
-bool Waits(const PROCESS_INFORMATION& process, unsigned seconds) {
+// Waits for the process. Returns whether it ended in time and with exit code 0; otherwise prints
+// the code, which tells a failed test (1) from a crash (0xC0000005 and the like).
+bool Passes(const PROCESS_INFORMATION& process, unsigned seconds) {
   const DWORD time = seconds == 0 ? INFINITE : seconds * 1000;
   const bool has_ended = WaitForSingleObject(process.hProcess, time) == WAIT_OBJECT_0;
   if (!has_ended) TerminateProcess(process.hProcess, 1);
@@ -25,22 +26,44 @@ bool Waits(const PROCESS_INFORMATION& process, unsigned seconds) {
   GetExitCodeProcess(process.hProcess, &code);
   CloseHandle(process.hThread);
   CloseHandle(process.hProcess);
+  if (!has_ended) {
+    std::fprintf(stderr, "the process did not end within %u seconds\n", seconds);
+  } else if (code != 0) {
+    std::fprintf(stderr, "the process ended with exit code 0x%lX\n", code);
+  }
   return has_ended && code == 0;
+}
+
+// Wine fails to start one process in some 4,000, with this error; the next attempt succeeds.
+constexpr DWORD kWineFailed = ERROR_INTERNAL_ERROR;
+constexpr int kAttempts = 3;
+
+// Starts the process and fills `process`. Prints the system's error if it was not started.
+bool Starts(std::string command, PROCESS_INFORMATION& process) {
+  STARTUPINFOA start = {};
+  start.cb = sizeof start;
+  DWORD error = kWineFailed;
+  for (int attempt = 0; attempt < kAttempts && error == kWineFailed; ++attempt) {
+    if (CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
+                       &process) != 0) {
+      return true;
+    }
+    error = GetLastError();
+  }
+  std::fprintf(stderr, "the process was not started: error %lu\n", error);
+  return false;
 }
 
 }  // namespace
 
 bool PassesAgain(unsigned seconds) {
   const auto* const test = ::testing::UnitTest::GetInstance()->current_test_info();
-  std::string command = "\"" + ThisProgram() + "\" --gtest_filter=" + test->test_suite_name() +
-                        "." + test->name() + " --gtest_output=";
+  const std::string command = "\"" + ThisProgram() +
+                              "\" --gtest_filter=" + test->test_suite_name() + "." + test->name() +
+                              " --gtest_output=";
   std::fflush(nullptr);
-  STARTUPINFOA start = {};
-  start.cb = sizeof start;
   PROCESS_INFORMATION process = {};
-  const BOOL has_started = CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0,
-                                          nullptr, nullptr, &start, &process);
-  return has_started != 0 && Waits(process, seconds);
+  return Starts(command, process) && Passes(process, seconds);
 }
 
 }  // namespace zqv::interface_test
