@@ -132,10 +132,10 @@ std::size_t PassingLength(std::string_view bytes, Test test) {
   return AllOf(passes(last)) ? bytes.size() : at;
 }
 
-// Decodes one well-formed sequence.
+// Decodes one well-formed sequence of two to four bytes. Its first byte begins with `length` ones
+// and a zero; the bits after these belong to the code point.
 char32_t DecodeLegal(const char* bytes, std::size_t length) {
-  constexpr std::uint8_t kLeadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
-  char32_t c = Byte(bytes[0]) & kLeadBits[length];
+  char32_t c = Byte(bytes[0]) & (0x7Fu >> length);
   for (std::size_t i = 1; i < length; ++i) c = (c << 6) | (Byte(bytes[i]) & 0x3Fu);
   return c;
 }
