@@ -51,5 +51,14 @@ TEST(TextArena, ExtendsATextWhereItLies) {
   EXPECT_EQ(behind, "de");
 }
 
+TEST(TextArena, CopiesAPieceOfTheLastText) {
+  TextArena arena;
+  EXPECT_EQ(arena.Join(arena.Join("a", "bc").substr(0, 1), "d"), "ad");
+  EXPECT_EQ(arena.Join(arena.Join("a", "bc").substr(1), "d"), "bcd");
+  const std::string_view text = arena.Join("a", "bc");
+  EXPECT_EQ(arena.Join(text.substr(0, 2), "d"), "abd");
+  EXPECT_EQ(text, "abc");
+}
+
 }  // namespace
 }  // namespace zqv::test

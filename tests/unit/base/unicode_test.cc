@@ -265,6 +265,15 @@ TEST(Utf8ToUtf32, StopsAtTheFirstIllegalSequence) {
   }
 }
 
+TEST(Utf8ToUtf32, ReadsNothingBehindTheEnd) {
+  for (const std::string_view text : {"ab\xC3\xA9", "ab\xE2\x82\xAC", "ab\xF0\x9F\x98\x80"}) {
+    const Decoded decoded = FromUtf8(text.substr(0, text.size() - 1));
+    EXPECT_EQ(decoded.text, U"ab");
+    EXPECT_FALSE(decoded.conversion.legal);
+    EXPECT_EQ(decoded.conversion.stopped, 2u);
+  }
+}
+
 TEST(Utf8ToUtf32, KeepsNulsAndControlCharacters) {
   EXPECT_EQ(FromUtf8(std::string_view("a\0\f", 3)).text, std::u32string(U"a\0\f", 3));
 }
@@ -294,6 +303,12 @@ TEST(Utf16ToUtf32, DecodesUnitsAndPairs) {
   EXPECT_EQ(decoded.text, U"a\u20AC\U0001F600\U0010FFFF");
   EXPECT_TRUE(decoded.conversion.legal);
   EXPECT_EQ(decoded.conversion.stopped, 12u);  // the offset is in bytes, not in units
+}
+
+TEST(Utf16ToUtf32, DecodesTheUnitsBeforeAndAfterTheSurrogates) {
+  const Decoded decoded = FromUtf16(u"\uD7FF\uE000");
+  EXPECT_EQ(decoded.text, U"\uD7FF\uE000");
+  EXPECT_TRUE(decoded.conversion.legal);
 }
 
 TEST(Utf16ToUtf32, DropsByteOrderMarks) {
