@@ -51,6 +51,12 @@ TEST(TextArena, ExtendsATextWhereItLies) {
   EXPECT_EQ(behind, "de");
 }
 
+TEST(TextArena, ExtendsATextToTheEndOfTheBlock) {
+  TextArena arena;
+  const std::string_view first = arena.Join("a", std::string(998, 'b'));
+  EXPECT_EQ(arena.Join(first, "c").data(), first.data()) << "the first block has 1,000 bytes";
+}
+
 TEST(TextArena, CopiesAPieceOfTheLastText) {
   TextArena arena;
   EXPECT_EQ(arena.Join(arena.Join("a", "bc").substr(0, 1), "d"), "ad");

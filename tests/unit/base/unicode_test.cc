@@ -216,6 +216,7 @@ TEST(IsLegalUTF8, NeedsTheLengthThatTheLeadByteAsksFor) {
   EXPECT_TRUE(IsLegalUTF8("a", 1));
   EXPECT_TRUE(IsLegalUTF8(
       "\f", 1));  // legal in UTF-8, although is_utf8 rejects text with control characters
+  EXPECT_TRUE(IsLegalUTF8("\x7F", 1));
   EXPECT_FALSE(IsLegalUTF8("\x80", 1));
   EXPECT_FALSE(IsLegalUTF8("ab", 2));
   EXPECT_TRUE(IsLegalUTF8("\xC3\xA9", 2));
@@ -316,8 +317,11 @@ TEST(Utf16ToUtf32, DropsByteOrderMarks) {
 }
 
 TEST(Utf16ToUtf32, StopsAtALoneSurrogate) {
-  const std::vector<std::u16string> texts = {
-      {u'a', 0xD800}, {u'a', 0xD800, u'b'}, {u'a', 0xDC00, 0xD800}, {u'a', 0xDBFF, 0xDBFF, 0xDC00}};
+  const std::vector<std::u16string> texts = {{u'a', 0xD800},
+                                             {u'a', 0xD800, u'b'},
+                                             {u'a', 0xD800, 0xE000},
+                                             {u'a', 0xDC00, 0xD800},
+                                             {u'a', 0xDBFF, 0xDBFF, 0xDC00}};
   for (const std::u16string& text : texts) {
     const Decoded decoded = FromUtf16(text);
     EXPECT_EQ(decoded.text, U"a");
