@@ -73,6 +73,16 @@ TEST(HtmlTags, HostileListsAreNotIndentedWithoutEnd) {
   EXPECT_EQ(text.substr(text.size() - 6), "\r* \r* ");
 }
 
+// Bullets on level 2,049 are indented by 4,096 spaces, and there are 2^22 spaces for all of them.
+TEST(HtmlTags, BulletsAreIndentedByFourMillionSpaces) {
+  std::string html;
+  for (int i = 0; i < 2049; ++i) html += "<ul>";
+  for (int i = 0; i < 1025; ++i) html += "<li>";
+  std::string expected;
+  for (int i = 0; i < 1024; ++i) expected += std::string(4096, ' ') + "* \r";
+  EXPECT_TRUE(Text(html) == expected + "* ");
+}
+
 TEST(HtmlTags, CellsAreSeparatedByATab) { EXPECT_EQ(Text("<td>a</td><td>b</td>"), "a\tb"); }
 
 TEST(HtmlTags, RowsOfATable) {

@@ -28,6 +28,8 @@ struct CodeRow {
 
 void PrintTo(const CodeRow& row, std::ostream* out) { *out << row.name; }
 
+TEST(DecodedBytes, AreNoneWithoutABuffer) { EXPECT_EQ(text::DecodedBytes().view(), ""); }
+
 class Base64 : public ::testing::TestWithParam<CodeRow> {};
 
 TEST_P(Base64, IsDecoded) {
@@ -253,7 +255,7 @@ TEST_F(Base64Comparison, AgreeOnEveryLengthOfLines) {
   EXPECT_EQ(comparison_.compared(), 3u * (100 + 5050));
 }
 
-// Every byte at every position of a long line, between two other lines.
+// Every byte at every position of a long line, between two other lines, and lines of one byte.
 TEST_F(Base64Comparison, AgreeOnEveryByteInALine) {
   const std::string whole = "QWxhZGRpbjpvcGVuIHNlc2FtZSB3aXRoIG1l";
   for (int byte = 0; byte < 0x100; ++byte) {
@@ -262,8 +264,10 @@ TEST_F(Base64Comparison, AgreeOnEveryByteInALine) {
       line[at] = static_cast<char>(byte);
       ASSERT_TRUE(comparison_.Agree(whole + "\n" + line + "\nQWxh"));
     }
+    const std::string only(whole.size(), static_cast<char>(byte));
+    ASSERT_TRUE(comparison_.Agree(only + "\n" + whole + "\n" + only + "\nQWxh")) << byte;
   }
-  EXPECT_EQ(comparison_.compared(), 256u * 36);
+  EXPECT_EQ(comparison_.compared(), 256u * 37);
 }
 
 TEST_F(Base64Comparison, AgreeOnEveryBeginningOfRandomTexts) {
