@@ -389,7 +389,7 @@ class Reader {
 
   void AppendSeparator() { Append(", "); }
 
-  // Sets the text form of the whole value: everything that was appended to `text_bytes`.
+  // Sets the text form of a list: everything that was appended to `text_bytes`.
   void Finish() { memory_.text = Between(memory_.text_bytes.get(), text_end_); }
 
  private:
@@ -488,7 +488,6 @@ MailboxValue::MailboxValue(std::string_view value) {
 GroupValue::GroupValue(std::string_view value) {
   Reader reader(value, {0, 1, CountMailboxes(value)}, memory_);
   reader.ReadGroup(value);
-  reader.Finish();
 }
 
 std::size_t GroupValue::CountMailboxes(std::string_view value) { return CountMembers(value); }
@@ -497,7 +496,6 @@ AddressValue::AddressValue(std::string_view value) {
   const Counts counts = CountAddress(value);
   Reader reader(value, counts, memory_);
   reader.ReadAddress(value, counts.groups != 0);
-  reader.Finish();
 }
 
 std::size_t AddressValue::CountMailboxes(std::string_view value) {
