@@ -324,6 +324,19 @@ TEST(Addresses, AColonMakesLaterAddressesMembersOfItsGroup) {
   EXPECT_EQ(list[1].text(), " f@g");
 }
 
+// The text of such a mailbox is longer than the mailbox by a space and an '@'.
+TEST(Addresses, TextsLongerThanTheirValue) {
+  constexpr int kMailboxes = 20'000;
+  std::string value = "a<b>";
+  std::string text = "a <b@>";
+  for (int i = 1; i < kMailboxes; ++i) {
+    value += ",a<b>";
+    text += ", a <b@>";
+  }
+  EXPECT_TRUE(mime::MailboxList(value).text() == text);
+  EXPECT_TRUE(mime::AddressList(value).text() == text);
+}
+
 TEST(Addresses, TextsAreViewsOfTheValue) {
   const std::string value = "Ada <a@b>, c@d";
   const mime::MailboxList list(value);
