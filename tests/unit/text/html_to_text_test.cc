@@ -393,6 +393,8 @@ TEST(HtmlEntities, ACompleteNameFindsItsRowUnlessAnEarlierOneBeginsWithIt) {
 TEST(HtmlEntities, UnknownNamesAreNotFound) {
   EXPECT_EQ(FindHtmlEntity(U"quotx"), 0u);
   EXPECT_EQ(FindHtmlEntity(U"\u0161mp"), 0u);  // the low byte of the first is an "a"
+  EXPECT_EQ(FindHtmlEntity(U"\u007F"), 0u);    // the last ASCII character
+  EXPECT_EQ(FindHtmlEntity(U"\u0080"), 0u);
 }
 
 TEST(HtmlToPlainText, EmptyHtmlGivesEmptyText) { EXPECT_EQ(Text(""), ""); }
